@@ -1,0 +1,184 @@
+#pragma once
+
+// The module record, its option block and the state of the run.
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "diag/orvomsg.h"
+#include "lex/orvotok.h"
+#include "tree/orvodef.h"
+
+namespace orvo {
+
+// ---- symbols ----------------------------------------------------------------------------------------
+
+/// A list of symbols in order of entry. The index holds, for every name of the list, the symbols of that
+/// name in list order; only the list is walked, only the index is searched.
+struct SymTab {
+    STabNr first, last;
+    std::unordered_map<int32_t, std::vector<STabNr>> byName;
+};
+
+/// A module that a module names: by IMPORTS, by an external reference or on demand.
+struct ModRef {
+    std::string name;        // as the module names it, hyphens stored as "_"
+    uint32_t number = 0;     // from 2; 1 always means the module itself
+    VNodeNr value;           // the assigned identifier given after FROM
+    ModuleRec* module = nullptr;
+    uint8_t state = 0;       // 0 on demand, 1 external reference, 2 IMPORTS
+    uint32_t line = 0;
+    SymTab symbols;          // taken from that module
+    ModRef* next = nullptr;
+};
+
+/// The references of a module in order of creation. Entries never move.
+struct ModRefList {
+    ModRef* modRefFirst = nullptr;
+    ModRef* modRefLast = nullptr;
+    std::vector<std::unique_ptr<ModRef>> refs;
+    std::unordered_map<std::string, ModRef*> byName;      // the first of a name
+    std::unordered_map<const ModuleRec*, ModRef*> byModule;  // the first to a module
+    std::unordered_map<uint32_t, ModRef*> byNumber;
+};
+
+// ---- options ----------------------------------------------------------------------------------------
+
+/// Naming of generated items: module-wide, and one per identifier chained behind it.
+struct FixRec {
+    std::string fixPref;
+    std::string fixName;
+    std::string fixSuff;
+    std::string fixConv;          // ENTRY record: the entry value
+    std::string fixIdent;         // identifier the record is for
+    uint32_t fixIdentLen = 0;     // characters of it that count
+    std::unique_ptr<FixRec> fixNext;
+};
+/// Naming kinds; kind 9 (values in a second role) shares the record of kind 3.
+enum FixKind : int {
+    FIX_TYPE = 1, FIX_CLASS = 2, FIX_VALUE = 3, FIX_OBJECT = 4, FIX_VALUE_SET = 5, FIX_OBJECT_SET = 6,
+    FIX_COMPONENT = 7, FIX_FIELD = 8, FIX_VALUE2 = 9,
+};
+
+/// Option values of a module; the initial values are the defaults.
+struct OptionBlock {
+    std::string sourceDir;        // search path directory of the source, "" when opened as named
+    bool sourceDirKnown = false;  // sourceDir has been set by opening the source
+    std::string sourceFileName;
+    std::string listingFileName;
+    ModRefList prefixTable;       // module references that PREFIX= maps
+    OptRange range;               // the module's options
+    uint32_t entryCount = 0;      // type assignments marked with ENTRY
+    uint32_t exportedTypes = 0;   // exported type assignments
+
+    uint8_t prefixLen = 5;
+    uint8_t encf = 0xFF, decf = 0xFF, askf = 0xFF, prif = 0xFF;
+    uint8_t altEncf[8] = {}, altDecf[8] = {};
+    bool allow = false;
+    TedNr backEndFirst, backEndLast;
+    std::string info, backEndDir, headerDir, tabRef;
+    uint8_t codeGen[3] = {1, 1, 1}, testGen[3] = {1, 1, 1};
+    uint8_t intSize = 0, listSize = 0, compMaskSize = 0, choiceSize = 0, realSize = 11;
+    bool pushPath = false, reentrant = false, plmBoole = false, nearPtr = false, altTab = false;
+    bool asnhc = false, optVars = false, omitSkippedFields = false;
+    bool xref = true, list = true, ansiC = true;
+    uint16_t standardVersion = 1994;
+    uint8_t definitionCategory = 0;
+    uint8_t typ = 1, def = 1, tab = 0, tabf = 0, tdefs = 0, cdefs = 0, tabo = 0;
+    uint8_t decimals = 255;
+    uint8_t compTag = 0, explicitTags = 0;  // EXPLICIT=: 0 allow, 1 warn, 2 error
+    uint8_t nameLen = 32;
+    uint8_t recursion = 0, tagUsage = 0;    // 0 ignore, 1 warning, 2 error
+    uint8_t generate = 3;
+    uint8_t memory = 0, zeroHome = 0;
+    uint8_t defLen = 0;
+    uint8_t extensions = 1;                 // 1 SAVE
+    uint8_t setN = 2;
+    uint8_t altMax = 0;
+    uint32_t cGeneration = 0;               // CGEN_* bits
+    int32_t segListLim = 16384, dynListLim = 4096, dynArrLim = 0, segStrLim = 16384, dynStrLim = 4096;
+    int32_t split = 0;
+    bool hasRealLim = false;
+    RealVal realLim = {};
+    std::vector<std::string> combine;
+    FixRec naming[9];                       // by FixKind 1..8
+    FixRec entry;
+};
+/// Bits of C-GENERATION=.
+enum CGeneration : uint32_t {
+    CGEN_OLD = 1, CGEN_REAL = 2, CGEN_COMMONTIME = 4, CGEN_EXTERNAL = 8, CGEN_SIGNED_CONTROL = 16,
+    CGEN_ANY_FUNCTIONS = 32,
+};
+
+// ---- modules ----------------------------------------------------------------------------------------
+
+struct RecPages;       // storage of one kind (tree/orvorec)
+struct StriCacheRec;   // string caches of a module (tree/orvorec_stri)
+/// Deleters live with the complete types.
+struct RecPagesDeleter { void operator()(RecPages*) const; };
+struct StriCacheDeleter { void operator()(StriCacheRec*) const; };
+
+enum ParseState : uint8_t { PARSE_NEW = 0, PARSE_ERROR = 1, PARSE_OK = 2 };
+
+/// Everything about one module; lives for the whole run. The built-in module has one too.
+struct ModuleRec {
+    uint32_t handle = 0;           // place in run.modules, from 1; what ANode records hold
+    std::string moduleName;        // hyphens stored as "_"; empty = none yet
+    TimeStamp timeStamp = {};
+    std::string filePrefix;        // empty = none
+    std::string generationPrefix;  // empty = none
+    VNodeNr objIdValueNr;
+    uint8_t parseState = PARSE_NEW;
+    uint8_t lastPass = 0;
+    OptionBlock options;
+    ModRefList modRefs;
+    ModuleRec* next = nullptr;
+    TNodeNr firstTypeHead, lastTypeHead;
+    VNodeNr firstValueHead, lastValueHead;
+    VNodeNr firstDefVal, lastDefVal;
+    SymTab symTab;
+    uint32_t nextRecNr[kindCount] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+    uint8_t importsState = 0, exportsState = 0;  // 0 no clause, 1 empty, 2 a list
+    uint8_t tagDefault = 1;                      // 1 explicit, 2 implicit or automatic
+    bool automaticTags = false, extensibilityImplied = false;
+    int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;
+    int32_t nbRecorded = 0;                      // diagnostics recorded, kept or not
+    std::vector<ErrRec> errors;                  // sorted by line, then order of recording
+    std::FILE* srcFile = nullptr;                // open during pass 1 and during the listing
+    std::FILE* lstFile = nullptr;                // open during the listing
+    std::unique_ptr<RecPages, RecPagesDeleter> recDir[kindCount];
+    std::unique_ptr<StriCacheRec, StriCacheDeleter> striCache;
+};
+
+
+enum Verbose : uint8_t { VERBOSE_NONE = 0, VERBOSE_NORMAL = 1, VERBOSE_TOOL = 2 };
+
+/// State of the run as a whole.
+struct Run {
+    ModuleRec* bOfModRList = nullptr;  // module list, in order of compilation
+    ModuleRec* eOfModRList = nullptr;
+    ModuleRec* iso8824MP = nullptr;    // the built-in module, not on the list
+    std::vector<std::unique_ptr<ModuleRec>> modules;  // by handle - 1, the built-in one included
+    int16_t nrOfModules = 0;           // user modules whose pass 1 has started
+    uint8_t verbose = VERBOSE_NORMAL;
+    int32_t verboseEx = 3;
+    bool strict_standard = false;
+    std::string lstDir, stxDir;
+    std::vector<std::string> asnSearchPath;
+    TimeStamp timeStamp = {};
+    int32_t totalNbStxErrors = 0, totalNbSemErrors = 0, totalNbSymErrors = 0, totalNbWarnings = 0;
+    bool isZOV = false;
+    std::string zovPrefix, zovDirectory;
+};
+extern Run run;
+extern ModuleRec* cMP;  // the current module: every pass, the lexer, the parser and the store act on it
+
+/// Progress lines are printed at all.
+inline bool progressShown() { return run.verbose != VERBOSE_NONE && run.verboseEx >= 3; }
+
+}  // namespace orvo

@@ -1,0 +1,185 @@
+#pragma once
+
+// The record store: numbered records per module and kind, and one current record per kind in a global
+// buffer. readRec copies a stored record into the buffer of its kind, writeRec copies it back; a record
+// just created lives only in the buffer until it is written (the pending record of its kind).
+
+#include <cstdint>
+#include <string_view>
+#include <type_traits>
+
+#include "tree/orvodef.h"
+#include "tree/orvomod.h"
+
+namespace orvo {
+
+// The current records. Code that reads another record of a kind while it needs the current one copies
+// what it needs into locals or holds a KeepRec.
+extern MNode mNode;
+extern TNode tNode;
+extern VNode vNode;
+extern TagRec tagRec;
+extern SubRec subRec;
+extern TedRec tedRec;
+extern SNode sNode;
+extern STabRec sTabRec;
+extern InstRec instRec;
+extern DNode dNode;
+extern ANode aNode;
+
+struct RecPlace {
+    ModuleRec* module = nullptr;
+    uint32_t nr = 0;
+};
+struct RecState {
+    RecPlace writePend[kindCount];    // the record in the buffer that the store does not have yet; nr 0 = none
+    RecPlace recJustRead[kindCount];  // what the buffer holds
+    ModuleRec* currTPtr[kindCount] = {};  // module of the record in the buffer
+};
+extern RecState recState;
+
+/// Storage of a record for writing, created as needed. Fatal 10 without a module, for a bad kind and for
+/// a number outside 1..maxRecNr.
+void* findWPos(ModuleRec* module, RecKind kind, uint32_t nr);
+/// Storage of an existing record. Fatal 9 when there is none.
+const void* findRPos(ModuleRec* module, RecKind kind, uint32_t nr);
+/// Tells whether a record of the kind was ever written at that number.
+bool recExists(const ModuleRec* module, RecKind kind, uint32_t nr);
+
+/// readRec, writeRec and newRec by kind number; the typed forms below are what callers use.
+void readRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
+void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
+uint32_t newRecKind(RecKind kind);
+
+/// Makes the record the buffer's contents. Reading the one that is there already copies nothing.
+template <RecKind K> void readRec(ModuleRec* module, RecNr<K> nr) {
+    const RecPlace& just = recState.recJustRead[K];
+    if (just.module == module && just.nr == nr.nr && nr.nr != 0) return;
+    readRecKind(module, K, nr.nr);
+}
+template <RecKind K> void readRec(RecRef<K> ref) { readRec(ref.module, ref.nr); }
+/// Copies the buffer into the store; nothing of the kind is pending afterwards.
+template <RecKind K> void writeRec(ModuleRec* module, RecNr<K> nr) { writeRecKind(module, K, nr.nr); }
+template <RecKind K> void writeRec(RecRef<K> ref) { writeRec(ref.module, ref.nr); }
+
+/// A new record of the current module: writes the pending one of the kind, takes the next number, makes
+/// it the pending and just-read record, clears the buffer. Memory or numbers that run out are fatal 5/10.
+template <RecKind K> RecNr<K> newRec() { return {newRecKind(K)}; }
+/// Number the next record of the kind will get in the module.
+template <RecKind K> RecNr<K> nextRec(const ModuleRec* module) { return {module->nextRecNr[K]}; }
+
+/// Makes the record the pending one of its kind: reads it unless it is pending already.
+template <RecKind K> void makePending(ModuleRec* module, RecNr<K> nr) {
+    readRec(module, nr);
+    recState.writePend[K] = {module, nr.nr};
+}
+
+/// The record in the buffer, with its module; number 0 when the buffer holds none.
+template <RecKind K> RecRef<K> currentRec() {
+    return {recState.recJustRead[K].module, RecNr<K>{recState.recJustRead[K].nr}};
+}
+/// Stores a changed buffer at once, wherever it came from.
+template <RecKind K> void writeCurrent() { writeRec(currentRec<K>()); }
+
+/// Writes the pending record of a kind; with a negative kind of every kind in increasing order.
+void flushRecs(int kind);
+/// Makes `module` the current module; the pending records of the old one are written first.
+void changeCMP(ModuleRec* module);
+/// Points the per-kind cursors at the current module: nothing read, nothing pending (start of a pass).
+void initAnyPassVars();
+
+// ---- guards -----------------------------------------------------------------------------------------
+
+struct NodeContext {
+    ModuleRec* module = nullptr;
+    uint32_t nr = 0;
+};
+/// Notes the current record of a kind, and reads it back when there was one.
+void saveNodeContext(RecKind kind, NodeContext& context);
+void restoreNodeContext(RecKind kind, const NodeContext& context);
+
+/// Reads the current record of a kind back when the scope ends.
+template <RecKind K> class KeepRec {
+  public:
+    KeepRec() { saveNodeContext(K, context_); }
+    KeepRec(const KeepRec&) = delete;
+    KeepRec& operator=(const KeepRec&) = delete;
+    ~KeepRec() { restoreNodeContext(K, context_); }
+
+  private:
+    NodeContext context_;
+};
+
+/// Makes a module current and puts the former one back when the scope ends (both through changeCMP).
+class CurrentModule {
+  public:
+    explicit CurrentModule(ModuleRec* module) : saved_(cMP) {
+        if (module != saved_) changeCMP(module);
+    }
+    CurrentModule(const CurrentModule&) = delete;
+    CurrentModule& operator=(const CurrentModule&) = delete;
+    ~CurrentModule() {
+        if (cMP != saved_) changeCMP(saved_);
+    }
+
+  private:
+    ModuleRec* saved_;
+};
+
+// ---- walks ------------------------------------------------------------------------------------------
+
+/// Walks a TNode chain of a module from `first` along `next`: reads each record and calls fn(); the TNode
+/// that was in the buffer before is read back afterwards. A chain that is longer than the module has
+/// records ends the walk.
+template <typename Fn> void forEachTNodeByMod(ModuleRec* module, TNodeNr first, Fn&& fn) {
+    KeepRec<KIND_TNODE> keep;
+    uint32_t left = module->nextRecNr[KIND_TNODE];
+    for (TNodeNr nr = first; nr && left-- != 0;) {
+        readRec(module, nr);
+        const TNodeNr next{tNode.next};
+        fn();
+        nr = next;
+    }
+}
+/// The same over a VNode chain of the module in currTPtr[KIND_VNODE].
+template <typename Fn> void forEachVNode(VNodeNr first, Fn&& fn) {
+    ModuleRec* module = recState.currTPtr[KIND_VNODE];
+    KeepRec<KIND_VNODE> keep;
+    uint32_t left = module->nextRecNr[KIND_VNODE];
+    for (VNodeNr nr = first; nr && left-- != 0;) {
+        readRec(module, nr);
+        const VNodeNr next{vNode.next};
+        fn();
+        nr = next;
+    }
+}
+
+// ---- strings (tree/orvorec_stri) --------------------------------------------------------------------
+
+/// String number of a text in the module's cache of 8-, 16- or 32-bit characters, added when new. Texts
+/// end at their first NUL. Numbers run 1, 2, 3 ... per module and width. Without a module or with a null
+/// data() fatal 10.
+StriNr putStri(ModuleRec* module, std::string_view text);
+Stri16Nr putStri16(ModuleRec* module, std::u16string_view text);
+Stri32Nr putStri32(ModuleRec* module, std::u32string_view text);
+/// The text of a number; a negated number is taken by its magnitude. NUL-terminated, and the same
+/// address for equal texts of all modules; lives for the whole run. scratchStri gives the scratch
+/// character. Fatal 9 when there is no such string.
+std::string_view getStri(ModuleRec* module, int64_t nr);
+inline std::string_view getStri(ModuleRec* module, StriNr nr) { return getStri(module, int64_t{nr.nr}); }
+std::u16string_view getStri16(ModuleRec* module, int64_t nr);
+std::u32string_view getStri32(ModuleRec* module, int64_t nr);
+/// Number of a text that the module's 8-bit cache already holds, else none; adds nothing.
+StriNr findStri(const ModuleRec* module, std::string_view text);
+/// Forgets the strings of a module with numbers from the given ones on (a trial parse taken back).
+void dropStriFrom(ModuleRec* module, uint32_t next8, uint32_t next16, uint32_t next32);
+
+/// The scratch characters that scratchStri designates; the second unit is always 0.
+extern char tempChar[4];
+extern char16_t tempChar16[4];
+extern char32_t tempChar32[4];
+
+/// Forgets every module, record and string of the run (tests, fuzzing).
+void resetStore();
+
+}  // namespace orvo
