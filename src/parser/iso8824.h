@@ -1,0 +1,26 @@
+#pragma once
+
+// The built-in module: the useful and character string types of ISO 8824, written in ASN.1 and
+// compiled before every user module. Its type nodes 1 to 39 stand for the type kinds of the same
+// numbers.
+
+#include <string>
+
+#include "tree/orvodef.h"
+
+namespace orvo {
+
+struct Iso8824State {
+    std::string iso8824Module; // the text; one line
+};
+extern Iso8824State iso8824State;
+
+/// Pass 1 of the built-in module, which must be the current one.
+void parseISO8824();
+/// Builds the text of the module in iso8824State.
+void makeIso8824ModuleString();
+/// Makes type node `kind` of the built-in module a synonym of the text's definition of that kind.
+/// Fatal 13 when the text has none.
+void addSynonym(TypeCode kind);
+
+} // namespace orvo
