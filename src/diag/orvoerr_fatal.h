@@ -18,6 +18,7 @@ enum class Fatal : int {
 using FatalHook = void (*)(std::string_view text, std::string_view detail);
 struct FatalState {
     FatalHook hook = nullptr;
+    bool reporting = false;  // a second failure while reporting ends the process without another word
 };
 extern FatalState fatalState;
 

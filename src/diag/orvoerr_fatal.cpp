@@ -1,0 +1,58 @@
+// A fatal error leaves no way back into the compilation: what is written already stays, nothing is
+// unwound. Both standard streams are flushed by hand because the process ends without running the
+// destructors of the run, which may be what is damaged.
+
+#include "diag/orvoerr_fatal.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include "util/text.h"
+
+namespace orvo {
+
+FatalState fatalState;
+
+namespace {
+
+constexpr int fatalStatus = 2;
+
+struct FatalText {
+    Fatal number;
+    std::string_view text;
+};
+constexpr FatalText allFatalErrors[] = {
+#define FATAL(nr, name, text) {Fatal::name, text},
+#include "diag/fatal.def"
+};
+
+/// The last entry stands for every number that the table does not have.
+constexpr std::string_view fatalText(Fatal number) {
+    const FatalText* entry = allFatalErrors;
+    while (entry->number != number && entry->number != Fatal::Unknown) ++entry;
+    return entry->text;
+}
+
+void put(std::FILE* stream, std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stream);
+    std::fflush(stream);
+}
+
+} // namespace
+
+void fatalError(Fatal number, std::string_view detail) {
+    if (std::exchange(fatalState.reporting, true)) std::_Exit(fatalStatus);
+    const std::string_view text = fatalText(number);
+    std::string message = concat("\nFATAL ERROR : ", text, "\n");
+    if (detail.data() != nullptr) message += concat("              ", detail, "\n");
+    message += "\n";
+    std::fflush(stdout);
+    put(stderr, message);
+    put(stdout, "ORVO>>> aborting compilation\n");
+    if (fatalState.hook != nullptr) fatalState.hook(text, detail);
+    std::fflush(nullptr);
+    std::_Exit(fatalStatus);
+}
+
+} // namespace orvo

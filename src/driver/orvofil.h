@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tree/orvomod.h"
+
+namespace orvo {
+
+/// Longest path that is opened, directory and name together.
+inline constexpr size_t maxPathLength = 1024;
+
+/// A new module record, owned by run.modules, with its handle set and the run's time stamp not yet
+/// copied; it stands on no list.
+ModuleRec* newModuleRec();
+/// Puts a record at the end of the module list.
+void appendModuleRec(ModuleRec* module);
+
+/// The record of a file prefix: the first on the list that has it, or that has none yet and claims
+/// it by its name or its source file; else a new one at the end of the list.
+ModuleRec* findOrCreateModRec(std::string_view filePrefix, std::string_view generationPrefix,
+                              std::string_view moduleName);
+/// To be called when a record on the list gets a file prefix, a module name or a source file name
+/// other than through findOrCreateModRec: keeps the look-up of findOrCreateModRec complete.
+void setModuleName(ModuleRec* module, std::string_view name);
+void setPrefixes(ModuleRec* module, std::string_view filePrefix, std::string_view generationPrefix);
+void setSourceFileName(ModuleRec* module, std::string_view name);
+
+/// The module that a reference number of `module` designates: itself for 1, null when there is
+/// none.
+ModuleRec* getModPtr(ModuleRec* module, uint32_t refNr);
+
+/// dest = prefix + the first `len` characters of `src` + suffix.
+const std::string& newStriVal(std::string& dest, std::string_view prefix, size_t len,
+                              std::string_view src, std::string_view suffix);
+
+/// Opens directory + name. Failure, a directory or a path above maxPathLength: fatal 2 when the
+/// mode begins with "w", else 1.
+std::FILE* fopenTextFile(std::string_view directory, std::string_view name, const char* mode);
+/// Opens a file for reading in the first directory of the path that has it, else as named;
+/// `directoryOut` is the directory, "" when opened as named. Fatal 1 when it is found nowhere.
+std::FILE* fopenTextFileInSearchPathForRd(const std::vector<std::string>& path,
+                                          std::string_view name, std::string& directoryOut);
+/// Appends a directory to a search path; an empty one is ignored.
+void addDirToSearchPath(std::vector<std::string>& path, std::string_view directory);
+/// Closes a file; null is ignored. A close that fails (buffered output that could not be written)
+/// is fatal 8 with the detail.
+void closeFile(std::FILE*& file, std::string_view detail);
+
+} // namespace orvo

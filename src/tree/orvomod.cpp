@@ -1,0 +1,8 @@
+#include "tree/orvomod.h"
+
+namespace orvo {
+
+Run run;
+ModuleRec* cMP = nullptr;
+
+}  // namespace orvo
