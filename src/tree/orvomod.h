@@ -178,6 +178,9 @@ struct Run {
 extern Run run;
 extern ModuleRec* cMP;  // the current module: every pass, the lexer, the parser and the store act on it
 
+/// The module that a reference number of `module` designates: itself for 1, null when there is none.
+ModuleRec* getModPtr(ModuleRec* module, uint32_t refNr);
+
 /// Progress lines are printed at all.
 inline bool progressShown() { return run.verbose != VERBOSE_NONE && run.verboseEx >= 3; }
 

@@ -1,0 +1,36 @@
+#pragma once
+
+// Real values.
+
+#include <cstdint>
+
+#include "lex/i64.h"
+#include "tree/orvodef.h"
+#include "tree/orvomod.h"
+
+namespace orvo {
+
+/// Codes of the special real values, held in the mantissa under base -1.
+enum SpecialReal : int32_t { REAL_ZERO = 0, REAL_MINUS_INFINITY = -1, REAL_PLUS_INFINITY = -2 };
+/// What getSpecialRealVal gives for a mantissa that is no code.
+inline constexpr int32_t noSpecialReal = 2147483647;
+
+void makeRealVal(RealVal& real, I64 mantissa, int16_t base, int16_t exponent);
+void makeSpecialRealVal(RealVal& real, int32_t code);
+[[nodiscard]] bool isSpecialRealVal(const RealVal& real);
+/// The code of a special value; noSpecialReal when the mantissa does not fit in 32 bits.
+int32_t getSpecialRealVal(const RealVal& real);
+/// The real that the current value gives: a stored real, the literal 0, or three INTEGER values
+/// { mantissa, base, exponent }. False when it gives none. Preserving.
+[[nodiscard]] bool getRealVal(RealVal& real);
+/// As a double: the infinities are the largest doubles; exact for the mantissas and powers that a
+/// double holds exactly.
+double retRealVal(const RealVal& real);
+/// -1, 0 or 1.
+[[nodiscard]] int compareReal(const RealVal& a, const RealVal& b);
+/// Negates a mantissa or an integer for a leading minus sign; zero records 341 at the line against
+/// the current module.
+void fixNegative(I64& number, uint32_t line);
+void fixNegative(RealVal& real, uint32_t line);
+
+} // namespace orvo

@@ -1,0 +1,44 @@
+#pragma once
+
+// Endpoints: the lower and upper bound that constraints leave to the values of INTEGER, ENUMERATED
+// and REAL types and to the sizes of strings and lists.
+
+#include <cstdint>
+
+#include "tree/orvodef.h"
+#include "tree/orvomod.h"
+
+namespace orvo {
+
+/// An endpoint as a value record with its kind in valCode (INTEGER for sizes and enumerations), and
+/// whether it is included: SUBF_LOWER or SUBF_UPPER, or 0 (excluded, or infinite).
+struct Endpoint {
+    VNode value = {};
+    uint8_t flags = 0;
+};
+
+/// Sets an endpoint to minus or plus infinity of a kind: MIN or MAX, for REAL the special values.
+void setInfinity(Endpoint& end, bool plus, uint8_t kind);
+[[nodiscard]] bool testInfinity(const Endpoint& end, bool plus, uint8_t kind);
+
+/// The lower or upper endpoint of the current type, that of a reference with the constraints of
+/// every type on the way. False (and valCode noEndpoint) when its kind has none. Preserving.
+[[nodiscard]] bool getEndpoint(Endpoint& end, bool upper);
+/// The endpoint that the current constraint record, of kind range, gives to values of the type it
+/// constrains; MIN and MAX are those of the type. False (and valCode noEndpoint) when it gives
+/// none: the bound is no value of the type's kind or lies outside the parent's range. Preserving.
+[[nodiscard]] bool getRangeEndpoint(Endpoint& end, bool upper);
+/// The current constraint record is a range, or a series one of whose members contains one.
+[[nodiscard]] bool isRangeInSub();
+/// -1, 0 or 1 by value: kind INTEGER or REAL; 0 for any other kind.
+[[nodiscard]] int compareNumber(const VNode& a, const VNode& b, uint8_t kind);
+/// Smallest or largest value of the current ENUMERATED type's numbered items; false when an item
+/// has no number. Preserving.
+[[nodiscard]] bool getEnumEndpoint(Endpoint& end, bool upper);
+/// The size endpoint of the current type, a string or list: SIZE constraints alone count.
+[[nodiscard]] bool getSizeEndpoint(Endpoint& end, bool upper);
+
+/// Stores the bounds of the current type in its record. Fatal 13 when they cannot be obtained.
+void setTNodeEndpoints();
+
+} // namespace orvo

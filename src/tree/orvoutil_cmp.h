@@ -1,0 +1,26 @@
+#pragma once
+
+// Comparison of values.
+
+#include "tree/orvodef.h"
+#include "tree/orvomod.h"
+
+namespace orvo {
+
+/// 0 when the two values are equal, else not 0; for INTEGER, ENUMERATED, REAL and the ordered
+/// string kinds the sign gives the order (negative: `a` is smaller). References are followed. The
+/// current records are kept. Two ANY values are unequal, with a warning at `a`.
+[[nodiscard]] int compareValue(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b);
+/// The parts of compareValue; 0 or -1.
+[[nodiscard]] int compareStruVal(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
+                                 const VNode& b);
+[[nodiscard]] int compareListVal(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
+                                 const VNode& b);
+[[nodiscard]] int compareObjIdVal(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b);
+
+/// A number that is the same for any two values of one type that are equal, so that values can be
+/// looked up among many; compareValue decides. Values that compare equal only because one list of
+/// components runs out may differ in it.
+[[nodiscard]] uint64_t hashOfValue(ModuleRec* module, const VNode& value);
+
+} // namespace orvo

@@ -1,0 +1,112 @@
+#pragma once
+
+// Look-ups of components, settings and assignments, walks from a reference to what it designates,
+// and predicates over the current type and value records. All work on the buffers tNode and vNode;
+// what reads a record leaves it there unless it says "preserving".
+
+#include <cstdint>
+#include <string_view>
+
+#include "tree/orvodef.h"
+#include "tree/orvomod.h"
+#include "tree/orvorec.h"
+
+namespace orvo {
+
+// ---- look-ups ---------------------------------------------------------------------------------
+// Names are texts, since a look-up may cross modules; a stored name counts by its magnitude. A miss
+// leaves the buffer on the last record examined.
+
+/// The first component value or setting of that name on the chain of values.
+[[nodiscard]] bool findValueCompById(ModuleRec* module, VNodeNr first, std::string_view name);
+/// The value or type assignment of that name.
+[[nodiscard]] bool findValueById(ModuleRec* module, std::string_view name);
+[[nodiscard]] bool findTypeById(ModuleRec* module, std::string_view name);
+
+/// The first component, alternative or field of that name. COMPONENTS OF entries are searched in
+/// place, up to the first extension marker of the included type, and so are the components of
+/// extension addition groups. `position` is the place in that flattened list, from 1, extension
+/// markers of the list itself counted; 0 when there is none.
+[[nodiscard]] bool findTypeCompById(ModuleRec* module, TNodeNr first, std::string_view name,
+                                    uint32_t* position = nullptr);
+/// The component at a place of the flattened list; on a miss `position` is what is left to count.
+[[nodiscard]] bool findByInd(ModuleRec* module, TNodeNr first, uint32_t& position);
+[[nodiscard]] bool findTypeCompByInd(ModuleRec* module, TNodeNr first, uint32_t position);
+
+/// For the current value, a setting of an object whose settings begin at `firstSetting`: reads the
+/// type that governs it, references followed. False when there is none. The value is preserved.
+[[nodiscard]] bool readGovTNodeForFieldVNode(ModuleRec* object, VNodeNr firstSetting);
+
+/// To be called when the module's record counters were put back: forgets what the look-ups and
+/// walks noted about records that no longer exist.
+void forgetTakenBack(ModuleRec* module);
+
+// ---- walks ------------------------------------------------------------------------------------
+
+/// From the current type through type references, selection types and information from objects (and
+/// class field types when asked for) to the type they stand for. An unresolved reference, or a
+/// cycle that is not yet broken, ends the walk there.
+void skipTypes(bool classFieldTypes);
+/// The same; the first reference on the way that instantiates a parameterized type outside any
+/// instance is noted in `instance`, unless it holds a record already.
+void skipTypesCatchInst(bool classFieldTypes, NodeContext* instance);
+/// From the current value through value references (and fields of objects when asked for) to the
+/// value they stand for.
+void skipValues(bool fields);
+/// Reads what the last entry of the current type's field name chain designates: a type, or the type
+/// of a value setting. False, and nothing is read, when the chain is empty or not solved.
+bool skipFieldList();
+
+/// The module of a reference that stands in a record of `module`; null for the special values.
+ModuleRec* refModule(ModuleRec* module, int32_t refMod);
+
+// ---- predicates over the current type ---------------------------------------------------------
+
+/// CLASS, TYPE-IDENTIFIER or ABSTRACT-SYNTAX.
+constexpr bool isClassCode(uint8_t code) {
+    return code >= TYP_CLASS && code <= TYP_ABSTR_STX;
+}
+/// The node stands for a set.
+inline bool isSetTNode() {
+    return (tNode.nodeFlags & NF_SET) != 0;
+}
+/// A value set; a set of objects. Preserving.
+[[nodiscard]] bool isValueSetTNode();
+[[nodiscard]] bool isObjSetTNode();
+/// Neither a set nor a class; a class. Preserving.
+[[nodiscard]] bool isTypeTNode();
+[[nodiscard]] bool isClassTNode();
+/// A value field of a class; a value set field.
+inline bool isValFieldTNode() {
+    return tNode.name < 0;
+}
+inline bool isValSetFieldTNode() {
+    return tNode.name > 0 && isSetTNode();
+}
+/// A field whose type another field of the same object names.
+inline bool isVariabTypeFieldTNode() {
+    return (tNode.nodeFlags & NF_VARIABLE) != 0;
+}
+inline bool isVariabTypeTNode() {
+    return isVariabTypeFieldTNode();
+}
+/// A reference with actual parameters; one that stands outside any instance.
+[[nodiscard]] bool isInstantiatedTNode();
+[[nodiscard]] bool isTopLevelInstantiatedTNode();
+/// An object class field type that is open. Preserving.
+[[nodiscard]] bool isOpenObjClassFieldTypeTNode();
+/// An object class field type. The first reads the class (true) or some record on the way (false).
+[[nodiscard]] bool isObjClFldTyp();
+[[nodiscard]] bool isObjClassFieldTypeTNode();
+/// Reads the class of an object class field type; fatal 13 when the current type is none.
+void getClassOfObjClassFieldTypeTNode();
+
+// ---- predicates over the current value --------------------------------------------------------
+
+/// An object; an object set; neither. All are preserving.
+[[nodiscard]] bool isObjVNode();
+[[nodiscard]] bool isObjSetVNode();
+[[nodiscard]] bool isValueVNode();
+[[nodiscard]] bool isValueSetVNode();
+
+} // namespace orvo
