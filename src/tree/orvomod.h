@@ -49,15 +49,24 @@ struct ModRefList {
 
 // ---- options ----------------------------------------------------------------------------------------
 
-/// Naming of generated items: module-wide, and one per identifier chained behind it.
+/// Naming of generated items; the texts are "" when not given. In the ENTRY record fixConv holds the entry
+/// value and fixName the name part behind it.
 struct FixRec {
     std::string fixPref;
     std::string fixName;
     std::string fixSuff;
-    std::string fixConv;          // ENTRY record: the entry value
-    std::string fixIdent;         // identifier the record is for
+    std::string fixConv;          // an optional H (insert "_" between words), then L or U
+    std::string fixIdent;         // identifier the record is for; per-identifier records keep its ":"
     uint32_t fixIdentLen = 0;     // characters of it that count
-    std::unique_ptr<FixRec> fixNext;
+    FixRec* fixNext = nullptr;    // next per-identifier record
+};
+/// The module-wide naming record of a kind and the per-identifier records behind it, in order of entry.
+/// Per-identifier records never move. Only the chain is walked, only the index is searched.
+struct FixList {
+    FixRec head;                  // head.fixNext is the first per-identifier record
+    FixRec* last = nullptr;
+    std::vector<std::unique_ptr<FixRec>> records;
+    std::unordered_map<std::string, FixRec*> byIdent;  // by identifier, hyphens as "_"
 };
 /// Naming kinds; kind 9 (values in a second role) shares the record of kind 3.
 enum FixKind : int {
@@ -106,8 +115,8 @@ struct OptionBlock {
     bool hasRealLim = false;
     RealVal realLim = {};
     std::vector<std::string> combine;
-    FixRec naming[9];                       // by FixKind 1..8
-    FixRec entry;
+    FixList naming[9];                      // by FixKind 1..8
+    FixList entry;                          // head.fixConv is the entry value of every type assignment
 };
 /// Bits of C-GENERATION=.
 enum CGeneration : uint32_t {
@@ -169,6 +178,7 @@ struct Run {
     int32_t verboseEx = 3;
     bool strict_standard = false;
     std::string lstDir, stxDir;
+    uint8_t firstPrefixLen = 0;        // the first PREFIXLEN= value given in the run, 0 = none yet
     std::vector<std::string> asnSearchPath;
     TimeStamp timeStamp = {};
     int32_t totalNbStxErrors = 0, totalNbSemErrors = 0, totalNbSymErrors = 0, totalNbWarnings = 0;
