@@ -312,12 +312,13 @@ struct StriVal {
     uint32_t stri;     // string number in the cache of the value's width
     uint32_t unused8;
 };
-union ValUnion {       // `words` first: value initialisation clears all of it
+union ValUnion {
     uint32_t words[3];
     uint8_t boole;     // 1 TRUE, 0 FALSE
     I64 number;        // INTEGER, ENUMERATED, object identifier components
     RealVal real;
     StriVal str;
+    constexpr ValUnion() : words{} {}  // clears all of it
 };
 static_assert(sizeof(ValUnion) == 12);
 

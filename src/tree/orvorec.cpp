@@ -1,0 +1,197 @@
+// Invariants: of every kind at most one record is pending, and it is the one in the buffer; what
+// recJustRead names is what the buffer holds, perhaps changed since. A record is "written" from the
+// first time its storage was asked for writing. Records never move.
+
+#include "tree/orvorec.h"
+
+#include <cstring>
+#include <new>
+
+#include "diag/orvoerr_fatal.h"
+#include "tree/orvorec_page.h"
+
+namespace orvo {
+
+MNode mNode;
+TNode tNode;
+VNode vNode;
+TagRec tagRec;
+SubRec subRec;
+TedRec tedRec;
+SNode sNode;
+STabRec sTabRec;
+InstRec instRec;
+DNode dNode;
+ANode aNode;
+
+RecState recState;
+
+namespace {
+
+/// The global buffer of a kind; null for the string kinds, which have none.
+void* bufferOf(RecKind kind) {
+    switch (kind) {
+    case KIND_MNODE: return &mNode;
+    case KIND_TNODE: return &tNode;
+    case KIND_VNODE: return &vNode;
+    case KIND_TAG: return &tagRec;
+    case KIND_SUB: return &subRec;
+    case KIND_TED: return &tedRec;
+    case KIND_SNODE: return &sNode;
+    case KIND_STAB: return &sTabRec;
+    case KIND_INST: return &instRec;
+    case KIND_DNODE: return &dNode;
+    case KIND_ANODE: return &aNode;
+    case KIND_STRI8:
+    case KIND_STRI16:
+    case KIND_STRI32: break;
+    }
+    return nullptr;
+}
+
+bool isStriKind(RecKind kind) {
+    return kind >= KIND_STRI8 && kind <= KIND_STRI32;
+}
+size_t slotSize(RecKind kind) {
+    return isStriKind(kind) ? sizeof(StriSlot) : recSize[kind];
+}
+
+RecPage& pageAt(ModuleRec* module, RecKind kind, uint32_t page) {
+    auto& dir = module->recDir[kind];
+    if (!dir) dir.reset(new (std::nothrow) RecPages);
+    if (!dir) fatalError(Fatal::NoSpace);
+    if (page >= dir->pages.size()) dir->pages.resize(page + size_t{1});
+    auto& entry = dir->pages[page];
+    if (!entry) {
+        entry = std::make_unique<RecPage>();
+        entry->records.reset(static_cast<std::byte*>(ecalloc(pageRecs, slotSize(kind))));
+    }
+    return *entry;
+}
+
+/// The record just written, read or created is what the buffer holds.
+void bufferHolds(RecKind kind, ModuleRec* module, uint32_t nr) {
+    recState.recJustRead[kind] = {module, nr};
+    recState.currTPtr[kind] = module;
+}
+
+} // namespace
+
+void RecPagesDeleter::operator()(RecPages* pages) const {
+    delete pages;
+}
+
+void* pageForWriting(ModuleRec* module, RecKind kind, uint32_t nr) {
+    if (module == nullptr || nr == 0 || nr > maxRecNr || kind >= kindCount)
+        fatalError(Fatal::WriteRecord);
+    RecPage& page = pageAt(module, kind, (nr - 1) / pageRecs);
+    const uint32_t slot = (nr - 1) % pageRecs;
+    page.written.set(slot);
+    return page.records.get() + slot * slotSize(kind);
+}
+
+void* pageForReading(const ModuleRec* module, RecKind kind, uint32_t nr) {
+    if (module == nullptr || nr == 0 || kind >= kindCount || !module->recDir[kind]) return nullptr;
+    const auto& pages = module->recDir[kind]->pages;
+    const uint32_t page = (nr - 1) / pageRecs, slot = (nr - 1) % pageRecs;
+    if (page >= pages.size() || !pages[page] || !pages[page]->written.test(slot)) return nullptr;
+    return pages[page]->records.get() + slot * slotSize(kind);
+}
+
+void erasePage(ModuleRec* module, RecKind kind, uint32_t nr) {
+    void* slot = pageForReading(module, kind, nr);
+    if (slot == nullptr) return;
+    std::memset(slot, 0, slotSize(kind));
+    module->recDir[kind]->pages[(nr - 1) / pageRecs]->written.reset((nr - 1) % pageRecs);
+}
+
+void* findWPos(ModuleRec* module, RecKind kind, uint32_t nr) {
+    if (isStriKind(kind)) fatalError(Fatal::WriteRecord); // strings enter through putStri
+    return pageForWriting(module, kind, nr);
+}
+
+const void* findRPos(ModuleRec* module, RecKind kind, uint32_t nr) {
+    const void* slot = pageForReading(module, kind, nr);
+    if (slot == nullptr) fatalError(Fatal::ReadRecord);
+    return isStriKind(kind) ? static_cast<const StriSlot*>(slot)->text : slot;
+}
+
+bool recExists(const ModuleRec* module, RecKind kind, uint32_t nr) {
+    return pageForReading(module, kind, nr) != nullptr;
+}
+
+void readRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
+    const RecPlace& just = recState.recJustRead[kind];
+    if (nr != 0 && just.module == module && just.nr == nr) return;
+    void* buffer = bufferOf(kind);
+    if (buffer == nullptr) fatalError(Fatal::ReadRecord);
+    const void* stored = findRPos(module, kind, nr);
+    flushRecs(kind);
+    bufferHolds(kind, module, nr);
+    std::memcpy(buffer, stored, recSize[kind]);
+}
+
+void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
+    const void* buffer = bufferOf(kind);
+    if (buffer == nullptr) fatalError(Fatal::WriteRecord);
+    std::memcpy(findWPos(module, kind, nr), buffer, recSize[kind]);
+    bufferHolds(kind, module, nr);
+    recState.writePend[kind].nr = 0;
+}
+
+uint32_t newRecKind(RecKind kind) {
+    void* buffer = bufferOf(kind);
+    if (buffer == nullptr || cMP == nullptr) fatalError(Fatal::WriteRecord);
+    flushRecs(kind);
+    const uint32_t nr = cMP->nextRecNr[kind];
+    if (nr == 0 || nr > maxRecNr) fatalError(Fatal::WriteRecord);
+    cMP->nextRecNr[kind] = nr + 1;
+    recState.writePend[kind] = {cMP, nr};
+    bufferHolds(kind, cMP, nr);
+    std::memset(buffer, 0, recSize[kind]);
+    return nr;
+}
+
+void flushRecs(int kind) {
+    const int first = kind < 0 ? 0 : kind, last = kind < 0 ? kindCount - 1 : kind;
+    for (int k = first; k <= last; ++k) {
+        const RecPlace pending = recState.writePend[k];
+        if (pending.nr != 0) writeRecKind(pending.module, static_cast<RecKind>(k), pending.nr);
+    }
+}
+
+void changeCMP(ModuleRec* module) {
+    flushRecs(-1);
+    for (RecPlace& pending : recState.writePend) pending.module = module;
+    cMP = module;
+}
+
+void initAnyPassVars() {
+    for (int kind = 0; kind < kindCount; ++kind) {
+        recState.writePend[kind] = {cMP, 0};
+        recState.recJustRead[kind] = {cMP, 0};
+        recState.currTPtr[kind] = cMP;
+    }
+}
+
+void saveNodeContext(RecKind kind, NodeContext& context) {
+    const RecPlace& just = recState.recJustRead[kind];
+    context = {just.module, just.nr};
+}
+
+void restoreNodeContext(RecKind kind, const NodeContext& context) {
+    if (context.module != nullptr && context.nr != 0) readRecKind(context.module, kind, context.nr);
+}
+
+void resetStore() {
+    cMP = nullptr;
+    recState = {};
+    for (int kind = 0; kind < kindCount; ++kind) {
+        void* buffer = bufferOf(static_cast<RecKind>(kind));
+        if (buffer != nullptr) std::memset(buffer, 0, recSize[kind]);
+    }
+    run = Run{};
+    resetStrings();
+}
+
+} // namespace orvo
