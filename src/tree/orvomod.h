@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "diag/orvomsg.h"
@@ -18,11 +20,14 @@ namespace orvo {
 
 // ---- symbols ----------------------------------------------------------------------------------------
 
-/// A list of symbols in order of entry. The index holds, for every name of the list, the symbols of that
-/// name in list order; only the list is walked, only the index is searched.
+/// A list of symbols in order of entry, with its indexes: only the list is walked, only the indexes are
+/// searched. symtab/orvosym adds to all of them.
 struct SymTab {
     STabNr first, last;
-    std::unordered_map<int32_t, std::vector<STabNr>> byName;
+    std::unordered_map<int32_t, STabNr> byName;           // the first symbol of a name
+    std::unordered_map<int32_t, STabNr> byNode;           // the first symbol of a definition
+    std::unordered_set<std::string_view> definedPrefixes;  // own table: the characters of defined names
+    uint8_t prefixLen = 0;                                 // that count (NAMELEN=); 0 = none noted yet
 };
 
 /// A module that a module names: by IMPORTS, by an external reference or on demand.
@@ -45,6 +50,8 @@ struct ModRefList {
     std::unordered_map<std::string, ModRef*> byName;      // the first of a name
     std::unordered_map<const ModuleRec*, ModRef*> byModule;  // the first to a module
     std::unordered_map<uint32_t, ModRef*> byNumber;
+    // Imported symbols of a name with their references, by reference number.
+    std::unordered_map<int32_t, std::vector<std::pair<ModRef*, STabNr>>> imported;
 };
 
 // ---- options ----------------------------------------------------------------------------------------

@@ -1,0 +1,90 @@
+#pragma once
+
+// The symbol tables: what each module defines, exports, imports and uses. Symbols and their uses
+// live in an arena for the whole run; lists, deferred texts and tables hold handles.
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "tree/orvodef.h"
+#include "tree/orvomod.h"
+
+namespace orvo {
+
+enum SymFlags : uint8_t {
+    SYM_EXPORTED = 1,
+    SYM_IMPORTED = 2,
+    SYM_ALSO_LOCAL = 4,      // imported, but defined in the module too: the local definition wins
+    SYM_PARAMETERIZED = 8,   // the name is followed by "{"
+    SYM_FORMAL = 16,         // formal parameter (dummy reference)
+    SYM_TYPE_PARAMETER = 32, // formal parameter without governor
+    SYM_FORMAL_USED = 64,    // the assignment's body mentions the formal parameter
+    SYM_VALUE_NODE = 128,    // handleSymbol: the symbol stands for the current value record
+};
+
+/// The symbol of a handle (asserted to be valid). The reference stays valid for the whole run.
+STabRec& symAt(STabNr nr);
+/// The use of a handle.
+InstRec& instAt(InstNr nr);
+/// Forgets all symbols and uses (tests, fuzzing); the modules' tables must go with them.
+void resetSymbols();
+
+/// A new symbol that no list holds yet. `name`: string number, negated for a value reference.
+STabNr createSymbTabRec(int32_t name, uint8_t flags, uint32_t line);
+
+/// Appends a symbol to a pending list. With SYM_FORMAL it stands for the current type record, with
+/// SYM_VALUE_NODE for the current value record (negated). A name that the list has already is
+/// reported; with SYM_EXPORTED or SYM_IMPORTED (a symbol of EXPORTS or IMPORTS) it is then not
+/// added.
+void handleSymbol(SymTab& list, int32_t name, uint8_t flags, uint32_t line);
+
+/// Moves a pending list to the end of a table, adding `flag` to each symbol. Symbols of the table
+/// that have the name of one of them are removed. `src` is empty afterwards.
+void catSymTab(SymTab& dest, SymTab& src, uint8_t flag);
+
+/// Symbol of a new definition of the current module, whose node will be the next type record (name
+/// positive), or the next value record (negated name). Name 0: the anonymous symbol that holds the
+/// named numbers, named bits or enumeration items which begin at the next value record. Reports
+/// Msg::SymbolAlreadyDefined, and braces that EXPORTS lacks or has too much.
+STabNr updateSymbTab(int32_t name, uint8_t flags, uint32_t line);
+
+/// Resolves a formal parameter: when the list that begins at `formals` has `name`, `moduleRef`
+/// becomes REF_FORMAL and `name` the position from 1.
+[[nodiscard]] bool handleDefined(STabNr formals, int32_t& moduleRef, int32_t& name);
+/// The formal parameter (or named number) at a position from 1; 0 when the list is shorter.
+STabNr formalAt(STabNr formals, uint32_t position);
+
+/// Looks a name up in the current module's own table, then among the imported symbols of references
+/// other than `moduleRef`. A `moduleRef` of 0 is set to where the symbol was found; 0 = not found.
+STabNr findSymbTabRec(int32_t& moduleRef, int32_t name);
+/// The first symbol of a table with that name; 0 = none.
+STabNr findSymbol(const SymTab& table, int32_t name);
+/// Symbol whose definition is `node` (value records negated) in the own table of `module`
+/// (moduleRef 1) or in the list of its reference `moduleRef`. Fatal 13 when there is none.
+STabNr findSymbTabRecByNr(ModuleRec* module, int32_t moduleRef, int32_t node);
+
+/// Resolves a use of `name` in the current module: `moduleRef` 0 looks everywhere, 1 in the own
+/// table, others in that reference's list. `name` becomes the number of the defining record, 0 when
+/// there is none or when braces and the actual parameter mark `hasActuals` disagree (reported);
+/// then `moduleRef` and `hasActuals` become 0 too. An undefined name gets a symbol, which the
+/// listing reports.
+void chkIfSymbolDef(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line);
+
+/// Records a use of a symbol.
+void addInst(STabNr symbol, uint32_t line);
+/// The lines of a symbol's uses, ascending.
+std::vector<uint32_t> usesOf(STabNr symbol);
+
+/// Position from 0 of the extension marker among the items of the current ENUMERATED type, or -1.
+/// The current records stay as they are.
+int32_t findEnumExtMarkIdx();
+/// Resolves an identifier used as a value of the current type, whose named numbers, bits or items
+/// begin at the value record `firstNamed` of the current type's module: `moduleRef` becomes the
+/// reference to the type's module as seen from the current one, `name` the number of the item's
+/// value record.
+[[nodiscard]] bool handleNamed(VNodeNr firstNamed, int32_t& moduleRef, int32_t& name);
+
+} // namespace orvo

@@ -1,0 +1,43 @@
+#pragma once
+
+// Modules that a module names: headers, IMPORTS clauses, external references, references on demand.
+
+#include <cstdint>
+#include <string_view>
+
+#include "lex/orvotok.h"
+#include "tree/orvodef.h"
+#include "tree/orvomod.h"
+
+namespace orvo {
+
+/// The header of the current module was read: sets its name, time stamp, parse state and prefixes,
+/// evaluates its global options and takes number 1 of the module records for the module itself.
+/// `name`: string number; `hasObjId`: a definitive identifier follows, whose value is the next
+/// record.
+void handleModuleId(int32_t name, bool hasObjId, uint32_t line, OptRange& options);
+
+/// Module record for the name of a module that the current one refers to, created as needed.
+ModuleRec* nameToModPtr(std::string_view name);
+
+/// One `... FROM module` clause of the current module; takes over the symbols of the pending list.
+void handleImports(SymTab& symbolList, int32_t moduleName, bool hasAssignedId, uint32_t line);
+
+/// An external reference `Module.name` of the current module. `moduleRef` holds the string number
+/// of the module name and becomes the reference number.
+void handleExtRef(int32_t& moduleRef, int32_t name, uint32_t line);
+
+/// Number by which `module` refers to `target`: 1 for itself; a reference is made when there is
+/// none.
+uint32_t handleImplImports(ModuleRec* module, ModuleRec* target);
+/// The reference of a module with that number, nullptr when there is none (as for 0 and 1).
+ModRef* modRefByNumber(const ModuleRec* module, uint32_t number);
+/// Takes back the references with numbers from `number` on (made during a trial parse that failed).
+void dropModRefsFrom(ModuleRec* module, uint32_t number);
+
+/// Marks the imported symbols of a reference that the current module's own table has too.
+void loadImpSymbols(ModRef& ref);
+/// Gives the symbols of a reference their definitions from the referenced module's exports.
+void defineImpSymbols(ModRef& ref);
+
+} // namespace orvo

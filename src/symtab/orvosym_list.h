@@ -1,0 +1,13 @@
+#pragma once
+
+// The cross-reference at the end of a listing.
+
+#include <cstdint>
+
+namespace orvo {
+
+/// Writes the undefined symbols and, with XREF=, the defined ones of the current module into its
+/// listing. The number of undefined symbols is its symbol error count.
+void printSymTab(int32_t& nbSymErrors);
+
+} // namespace orvo
