@@ -36,10 +36,12 @@ struct ParserState {
     bool Parsing = true;                   // an error may be reported: one per token
     int16_t openInst = 0;                  // > 0: in the own text of a type assignment
     DNode deferred = {0xFFFF, 0, 0, 0, 0}; // the range being recorded; count 0xFFFF = none
-    uint32_t depth = 0;                    // nesting of the notation, see NestingLevel
-    SymTab identList;                      // identifiers being collected
-    STabNr formalList;                     // symbol of the assignment being parsed
-    SymTab symbolList;                     // symbols of a list or of formal parameters, pending
+    uint32_t inDeferred = 0; // > 0: in a type inside deferred notation, which anything
+                             // may follow; MGR259DeferredType counts
+    uint32_t depth = 0;      // nesting of the notation, see NestingLevel
+    SymTab identList;        // identifiers being collected
+    STabNr formalList;       // symbol of the assignment being parsed
+    SymTab symbolList;       // symbols of a list or of formal parameters, pending
 };
 extern ParserState parserState;
 
