@@ -35,6 +35,8 @@ void clearAplStack();
 /// The outermost instantiating module of a record, from its instance number in `module`; null outside
 /// any instantiation.
 ModuleRec* outermostInstantiator(ModuleRec* module, uint32_t instance);
+/// The outermost instantiating module on the stack; null when the stack is empty.
+ModuleRec* outermostInstantiator();
 
 /// First step of a setting, on the current value record: `isType` a type, else a value (`sign` negative)
 /// or a value or object set (`sign` positive) governed by the type `govTypeMod`/`govType`. Values and

@@ -81,10 +81,10 @@ std::vector<uint32_t> usesOf(STabNr symbol);
 /// Position from 0 of the extension marker among the items of the current ENUMERATED type, or -1.
 /// The current records stay as they are.
 int32_t findEnumExtMarkIdx();
-/// Resolves an identifier used as a value of the current type, whose named numbers, bits or items
-/// begin at the value record `firstNamed` of the current type's module: `moduleRef` becomes the
-/// reference to the type's module as seen from the current one, `name` the number of the item's
-/// value record.
-[[nodiscard]] bool handleNamed(VNodeNr firstNamed, int32_t& moduleRef, int32_t& name);
+/// Resolves an identifier used as a value of a type with named numbers, named bits or enumeration
+/// items: `moduleRef` becomes the reference to the type's module as seen from the current one,
+/// `name` the number of the item's value record. `name` is a string number of the current module.
+/// The type is current afterwards.
+[[nodiscard]] bool handleNamed(TNodeRef type, int32_t& moduleRef, int32_t& name);
 
 } // namespace orvo

@@ -1,0 +1,25 @@
+#pragma once
+
+// Whom the errors found inside instances of parameterized definitions are charged to.
+
+#include <cstdint>
+#include <string_view>
+
+#include "diag/orvoerr.h"
+#include "tree/orvomod.h"
+
+namespace orvo {
+
+/// Module that an error in a record of `module` is charged to; `instance` is the record's
+/// actParRec: the module of the outermost instantiating reference, `module` itself outside
+/// instances.
+ModuleRec* actErrModPtr(ModuleRec* module, uint32_t instance);
+/// The same for what is being parsed: the bottom of the stack of instantiations, else the current
+/// module.
+ModuleRec* actErrModPtr();
+
+/// Records the cause (if any) and then the error in what is being parsed, both against
+/// actErrModPtr(). A detail whose data() is not null is listed behind the error.
+void recordError2(Msg code, const Cause& cause, uint32_t line, std::string_view detail = {});
+
+} // namespace orvo
