@@ -22,11 +22,13 @@ struct InstState {
 };
 extern InstState instState;
 
+/// What the head constructors look at of a symbol's flags.
+enum HeadFlags : uint32_t { HEAD_EXPORTED = 1, HEAD_PARAMETERIZED = 8 };
+
 /// A new TNode, TYP_NONE. With a context its line and instance number come from there.
 TNodeNr addTypeArc(const InstContext* context, uint32_t line);
-/// The head TNode of a type assignment, at the end of the module's chain. Flags are those of the
-/// symbol: bit 0 exported, bit 3 parameterized (the formal parameters follow the head as the next
-/// TNodes).
+/// The head TNode of a type assignment, at the end of the module's chain. `flags` are the symbol's;
+/// the formal parameters of a parameterized one follow the head as the next TNodes.
 TNodeNr addTypeHeadArc(int32_t name, uint32_t flags, uint32_t line);
 /// Sets the type code of the current TNode and the option defaults that go with it; a structured
 /// type's first component is the TNode that comes next.
