@@ -3,9 +3,8 @@
 namespace orvo {
 
 /// Reads the rest of a comment whose `--` has been read: up to a line end, which stays, the end of
-/// the input or the closing `--`. Its `$` commands go to the token under construction.
+/// the input or the closing `--`. Its `$` commands go to the token under construction, unless the
+/// module has a syntax error.
 void skipComment();
-/// Reads a `$` command; the current character is the `$`.
-void getMetaCmd();
 
 } // namespace orvo

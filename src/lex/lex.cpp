@@ -1,0 +1,303 @@
+// The text of a module lies in one buffer that ends with a NUL, the only byte that is looked at for
+// the end of the input. Runs of characters of one class are scanned with the table of classes; a
+// name or number is a view into the buffer unless it must be rewritten.
+
+#include "lex/lex.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <cstdio>
+
+#include "diag/orvoerr_fatal.h"
+#include "lex/i64.h"
+#include "lex/lex_meta.h"
+#include "lex/lex_stri.h"
+#include "tree/orvomod.h"
+#include "tree/orvorec.h"
+
+namespace orvo {
+
+LexState lexState;
+
+namespace {
+
+consteval CharTable makeCharTable() {
+    CharTable table = {};
+    const auto add = [&table](int from, int to, int classes) {
+        for (int c = from; c <= to; ++c)
+            table.classes[c] = static_cast<uint8_t>(table.classes[c] | classes);
+    };
+    add(' ', '~', CHAR_PRINT);
+    add('A', 'Z', CHAR_UPPER);
+    add('a', 'z', CHAR_LOWER);
+    add('0', '9', CHAR_DIGIT);
+    add('\t', '\r', CHAR_SPACE); // tab, line feed, vertical tab, form feed, carriage return
+    add(' ', ' ', CHAR_SPACE);
+    for (const int c : {'\0', '\n', '$', '-'}) add(c, c, CHAR_COMMENT);
+    return table;
+}
+
+} // namespace
+
+constinit const CharTable charTable = makeCharTable();
+
+namespace {
+
+// ---- the text ---------------------------------------------------------------------------------
+
+void readSourceFile(std::string& text) {
+    constexpr size_t firstBlock = 65536;
+    text.clear();
+    std::FILE* file = cMP->srcFile;
+    if (file == nullptr) return;
+    size_t length = 0;
+    do {
+        text.resize(std::max(firstBlock, length * 2));
+        length += std::fread(text.data() + length, 1, text.size() - length, file);
+    } while (length == text.size());
+    if (std::ferror(file) != 0) fatalError(Fatal::Read, cMP->options.sourceFileName);
+    text.resize(length);
+}
+
+void startInput() {
+    if (!lexState.fromMemory) readSourceFile(lexState.text);
+    const std::string_view text = lexState.fromMemory ? lexState.inputStri : lexState.text;
+    lexState.Inp = text.data();
+    lexState.end = text.data() + text.size();
+    lexState.LineNumb = 1;
+}
+
+void skipSpace() {
+    const char* at = lexState.Inp;
+    for (; isChar(*at, CHAR_SPACE); ++at)
+        if (*at == '\n') ++lexState.LineNumb;
+    lexState.Inp = at;
+}
+
+// ---- names and numbers ------------------------------------------------------------------------
+
+/// A name with a hyphen or one that is too long, in strBuf; it ends at `end`.
+std::string_view rewriteName(const char* from, const char* end) {
+    std::string& name = lexState.strBuf;
+    const auto length = static_cast<size_t>(end - from);
+    if (length > maxIdentifierLength) noteLexError(Msg::NameTooLong);
+    name.assign(from, std::min(length, maxIdentifierLength));
+    std::ranges::replace(name, '-', '_'); // names are stored as the back ends can use them
+    return name;
+}
+
+/// Reads a name at the current character. A hyphen belongs to it only before a letter or digit, so
+/// that `a--` is a name and a comment (X.680 (07/2002) 11.3).
+std::string_view readRef() {
+    const char* const from = lexState.Inp;
+    const char* at = from;
+    bool hyphens = false;
+    for (;; hyphens = true, ++at) {
+        while (isChar(*at, CHAR_NAME)) ++at;
+        if (*at != '-' || !isChar(at[1], CHAR_NAME)) break;
+    }
+    lexState.Inp = at;
+    const auto length = static_cast<size_t>(at - from);
+    if (hyphens || length > maxIdentifierLength) return rewriteName(from, at);
+    return {from, length};
+}
+
+constexpr size_t longestKeyword = [] {
+    size_t longest = 0;
+    for (const std::string_view name : gMGTabInp) longest = std::max(longest, name.size());
+    return longest;
+}();
+
+/// Codes of the table's names from `first` to `last` that begin with a given letter.
+struct LetterRange {
+    uint8_t from, to; // `to` is behind the last one
+};
+using LetterIndex = std::array<LetterRange, 26>;
+consteval LetterIndex indexLetters(int first, int last) {
+    LetterIndex index = {};
+    for (int code = last; code >= first; --code) {
+        LetterRange& range = index[static_cast<size_t>(gMGTabInp[code][0] - 'A')];
+        if (range.to == 0) range.to = static_cast<uint8_t>(code + 1);
+        range.from = static_cast<uint8_t>(code);
+    }
+    return index;
+}
+constexpr LetterIndex reservedIndex = indexLetters(firstReservedWord, lastReservedWord);
+constexpr LetterIndex typeNameIndex = indexLetters(firstTypeName, lastTypeName);
+
+/// Bisects the names of a range that begin with the letter of `name`.
+int32_t searchRange(const LetterIndex& index, std::string_view name) {
+    const auto [from, to] = index[static_cast<size_t>(name[0] - 'A')];
+    const std::string_view* const end = gMGTabInp + to;
+    const std::string_view* const found = std::lower_bound(gMGTabInp + from, end, name);
+    return found != end && *found == name ? static_cast<int32_t>(found - gMGTabInp) : -1;
+}
+
+int32_t readName() {
+    const bool isTypeName = isChar(*lexState.Inp, CHAR_UPPER);
+    const std::string_view name = readRef();
+    if (isTypeName) {
+        const int32_t keyword = searchKeywords(name);
+        if (keyword >= 0) return keyword;
+    }
+    const int32_t stri = internText(name);
+    lexState.Outp->setStri(isTypeName ? stri : -stri);
+    return isTypeName ? TOK_TYPEID : TOK_VALUEID;
+}
+
+void installNumber(std::string_view digits) {
+    if (digits.size() >= 2 && digits[0] == '0') {
+        noteLexError(Msg::LeadingZeroesIn);
+        return;
+    }
+    I64& value = lexState.Outp->value;
+    const bool fits = digits.size() <= maxNumberDigits && i64strtosint64(digits, value);
+    if (!fits) value = i64max();
+    if (i64ismax(value)) noteLexError(Msg::TooManyDigits);
+}
+
+int32_t readNumber() {
+    const char* const from = lexState.Inp;
+    const char* at = from;
+    while (isChar(*at, CHAR_DIGIT)) ++at;
+    lexState.Inp = at;
+    installNumber({from, static_cast<size_t>(at - from)});
+    return TOK_NUMBER;
+}
+
+// ---- tokens -----------------------------------------------------------------------------------
+
+/// Steps over `length` characters, which are the token `code`.
+int32_t symbol(int32_t code, int length) {
+    lexState.Inp += length;
+    return code;
+}
+
+/// A character that begins no token: the scan goes on behind it, the error stays with the token
+/// that follows.
+int32_t noToken(int length) {
+    noteLexError(Msg::LexicalErrorBefore);
+    return symbol(-1, length);
+}
+
+int32_t readDots() {
+    const char* const at = lexState.Inp;
+    if (at[1] != '.') return symbol(TOK_DOT, 1);
+    return at[2] != '.' ? symbol(TOK_RANGE, 2) : symbol(TOK_ELLIPSIS, 3);
+}
+
+int32_t readColons() {
+    const char* const at = lexState.Inp;
+    if (at[1] != ':') return symbol(TOK_COLON, 1);
+    return at[2] == '=' ? symbol(TOK_ASSIGN, 3) : noToken(2);
+}
+
+int32_t readFieldName() {
+    if (!isChar(lexState.Inp[1], CHAR_LETTER)) return noToken(1);
+    ++lexState.Inp;
+    const bool isTypeName = isChar(*lexState.Inp, CHAR_UPPER);
+    const int32_t stri = internText(readRef());
+    lexState.Outp->setStri(isTypeName ? stri : -stri);
+    return isTypeName ? TOK_TYPEFIELDID : TOK_VALUEFIELDID;
+}
+
+int32_t readHyphen() {
+    if (lexState.Inp[1] != '-') return symbol(TOK_MINUS, 1);
+    lexState.Inp += 2;
+    skipComment();
+    return -1;
+}
+
+/// A token that begins with a character that is no letter, digit or white space; -1 when there was
+/// none after all.
+int32_t readSymbol() {
+    const char* const at = lexState.Inp;
+    switch (*at) {
+    case '!': return symbol(TOK_EXCLAMATION, 1);
+    case '(': return symbol(TOK_LPAREN, 1);
+    case ')': return symbol(TOK_RPAREN, 1);
+    case '*': return symbol(TOK_ASTERISK, 1);
+    case ',': return symbol(TOK_COMMA, 1);
+    case ';': return symbol(TOK_SEMICOLON, 1);
+    case '<': return symbol(TOK_LESS, 1);
+    case '@': return symbol(TOK_AT, 1);
+    case '^': return symbol(TOK_CARET, 1);
+    case '{': return symbol(TOK_LBRACE, 1);
+    case '|': return symbol(TOK_BAR, 1);
+    case '}': return symbol(TOK_RBRACE, 1);
+    case '[': return at[1] == '[' ? symbol(TOK_LVERSION, 2) : symbol(TOK_LBRACKET, 1);
+    case ']': return at[1] == ']' ? symbol(TOK_RVERSION, 2) : symbol(TOK_RBRACKET, 1);
+    case '.': return readDots();
+    case ':': return readColons();
+    case '"': return readCString();
+    case '\'': return readBinaryString();
+    case '&': return readFieldName();
+    case '-': return readHyphen();
+    default: return noToken(1);
+    }
+}
+
+/// Scans the next token into Outp.
+int32_t input() {
+    for (;;) {
+        if (isChar(*lexState.Inp, CHAR_SPACE)) skipSpace();
+        lexState.Outp->line = lexState.LineNumb;
+        const char c = *lexState.Inp;
+        if (isChar(c, CHAR_LETTER)) return readName();
+        if (isChar(c, CHAR_DIGIT)) return readNumber();
+        if (atEnd(lexState.Inp)) return TOK_EOF;
+        const int32_t code = readSymbol();
+        if (code >= 0) return code;
+    }
+}
+
+} // namespace
+
+void setInput(std::string_view text) {
+    lexState.fromMemory = text.data() != nullptr;
+    lexState.inputStri = text;
+}
+
+int32_t NextToken(TokenList& list) {
+    if (!list.first) startInput();
+    assert(lexState.Inp != nullptr);
+    const TokNr nr = newToken();
+    Token& token = tokenAt(nr);
+    lexState.Outp = &token;
+    token.code = input();
+    if (list.first)
+        tokenAt(list.last).next = nr.nr;
+    else
+        list.first = nr;
+    list.last = nr;
+    ++list.count;
+    return token.code;
+}
+
+void endInput() {
+    lexState.text = {};
+    lexState.Inp = nullptr;
+    lexState.end = nullptr;
+}
+
+int32_t searchKeywords(std::string_view name) {
+    if (name.empty() || name.size() > longestKeyword || !isChar(name[0], CHAR_UPPER)) return -1;
+    const int32_t code = searchRange(reservedIndex, name);
+    // the built-in module defines the types of these names
+    return code >= 0 || lexState.fromMemory ? code : searchRange(typeNameIndex, name);
+}
+
+void noteLexError(Msg error) {
+    const bool replaces = error == Msg::LexicalErrorBefore || error == Msg::LeadingZeroesIn ||
+                          error == Msg::TooManyDigits;
+    int32_t& noted = lexState.Outp->lexError;
+    if (noted == 0 || replaces) noted = static_cast<int32_t>(error);
+}
+
+int32_t internText(std::string_view text) {
+    if (cMP->parseState == PARSE_ERROR) return 0;
+    return static_cast<int32_t>(putStri(cMP, text).nr);
+}
+
+} // namespace orvo

@@ -1,0 +1,93 @@
+// A string is collected in strBuf, cut to its limit; bytes that its kind does not allow are then
+// replaced by `~` one for one. Line ends are counted in the source, also in what is cut off.
+
+#include "lex/lex_stri.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "lex/lex.h"
+
+namespace orvo {
+
+namespace {
+
+/// Appends a piece of the source to strBuf, up to the limit.
+void take(std::string_view piece, bool skipSpace) {
+    std::string& text = lexState.strBuf;
+    lexState.LineNumb += static_cast<uint32_t>(std::ranges::count(piece, '\n'));
+    for (const char c : piece) {
+        if (skipSpace && isChar(c, CHAR_SPACE)) continue;
+        if (text.size() == maxStringLength) {
+            noteLexError(Msg::TooManyCharacters);
+            return;
+        }
+        text.push_back(c);
+    }
+}
+
+/// Reads the text of a string up to the quote that ends it into strBuf; the current character is
+/// the opening one.
+void readStri(char endChar, bool skipSpace) {
+    lexState.strBuf.clear();
+    const char* from = lexState.Inp + 1;
+    for (;;) {
+        const auto left = static_cast<size_t>(lexState.end - from);
+        const auto* stop = static_cast<const char*>(std::memchr(from, endChar, left));
+        if (stop == nullptr) {
+            take({from, left}, skipSpace);
+            noteLexError(Msg::InvalidEndCharacterIn);
+            lexState.Inp = lexState.end;
+            return;
+        }
+        const bool doubled = endChar == '"' && stop[1] == '"';
+        take({from, stop + (doubled ? 1 : 0)}, skipSpace);
+        from = stop + (doubled ? 2 : 1);
+        if (!doubled) break;
+    }
+    lexState.Inp = from;
+}
+
+/// A line end may be written with a carriage return in front.
+bool isText(std::string_view text, size_t at) {
+    const char c = text[at];
+    if (isChar(c, CHAR_PRINT) || c == '\t' || c == '\n') return true;
+    return c == '\r' && at + 1 < text.size() && text[at + 1] == '\n';
+}
+
+/// Replaces the characters of strBuf that are not allowed; with a null data() those that are no
+/// text.
+void checkStri(std::string_view allowed) {
+    std::string& text = lexState.strBuf;
+    for (size_t at = 0; at < text.size(); ++at) {
+        const bool ok =
+            allowed.data() == nullptr ? isText(text, at) : allowed.find(text[at]) != allowed.npos;
+        if (ok) continue;
+        noteLexError(Msg::InvalidCharacterIn);
+        text[at] = '~';
+    }
+}
+
+} // namespace
+
+int32_t readCString() {
+    readStri('"', false);
+    checkStri({});
+    lexState.Outp->setStri(internText(lexState.strBuf));
+    return TOK_CSTRING;
+}
+
+int32_t readBinaryString() {
+    readStri('\'', true);
+    const bool isBits = *lexState.Inp == 'B';
+    checkStri(isBits ? "01" : "0123456789ABCDEF");
+    lexState.Outp->setStri(internText(lexState.strBuf));
+    if (isBits || *lexState.Inp == 'H')
+        ++lexState.Inp;
+    else
+        noteLexError(Msg::InvalidEndCharacterIn);
+    return isBits ? TOK_BSTRING : TOK_HSTRING;
+}
+
+} // namespace orvo
