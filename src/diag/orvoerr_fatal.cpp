@@ -1,14 +1,13 @@
 // A fatal error leaves no way back into the compilation: what is written already stays, nothing is
 // unwound. Both standard streams are flushed by hand because the process ends without running the
-// destructors of the run, which may be what is damaged.
+// destructors of the run, which may be what is damaged. Memory may have run out: nothing is
+// allocated.
 
 #include "diag/orvoerr_fatal.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
-
-#include "util/text.h"
 
 namespace orvo {
 
@@ -44,11 +43,16 @@ void put(std::FILE* stream, std::string_view text) {
 void fatalError(Fatal number, std::string_view detail) {
     if (std::exchange(fatalState.reporting, true)) std::_Exit(fatalStatus);
     const std::string_view text = fatalText(number);
-    std::string message = concat("\nFATAL ERROR : ", text, "\n");
-    if (detail.data() != nullptr) message += concat("              ", detail, "\n");
-    message += "\n";
     std::fflush(stdout);
-    put(stderr, message);
+    put(stderr, "\nFATAL ERROR : ");
+    put(stderr, text);
+    put(stderr, "\n");
+    if (detail.data() != nullptr) {
+        put(stderr, "              ");
+        put(stderr, detail);
+        put(stderr, "\n");
+    }
+    put(stderr, "\n");
     put(stdout, "ORVO>>> aborting compilation\n");
     if (fatalState.hook != nullptr) fatalState.hook(text, detail);
     std::fflush(nullptr);

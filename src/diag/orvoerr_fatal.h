@@ -9,17 +9,19 @@ enum class Fatal : int {
 #include "diag/fatal.def"
 };
 
-/// Reports a fatal condition and ends the process with status 2: "\nFATAL ERROR : text\n", the detail
-/// indented (when its data() is not null) and an empty line on standard error, then
-/// "ORVO>>> aborting compilation\n" on standard output. Numbers outside the table read as Unknown.
+/// Reports a fatal condition and ends the process with status 2: "\nFATAL ERROR : text\n", the
+/// detail indented (when its data() is not null) and an empty line on standard error, then "ORVO>>>
+/// aborting compilation\n" on standard output. Numbers outside the table read as Unknown.
 [[noreturn]] void fatalError(Fatal number, std::string_view detail = {});
 
-/// Set by the integrated-environment summary to report fatal errors there too; called before the exit.
+/// Set by the integrated-environment summary to report fatal errors there too; called before the
+/// exit.
 using FatalHook = void (*)(std::string_view text, std::string_view detail);
 struct FatalState {
     FatalHook hook = nullptr;
-    bool reporting = false;  // a second failure while reporting ends the process without another word
+    bool reporting =
+        false; // a second failure while reporting ends the process without another word
 };
 extern FatalState fatalState;
 
-}  // namespace orvo
+} // namespace orvo

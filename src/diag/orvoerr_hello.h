@@ -37,6 +37,10 @@ void printInfo(std::FILE* stream, std::string_view text, size_t width);
 void sayBye(std::FILE* stream, int syntaxErrors, int semanticErrors, int undefinedSymbols,
             int warnings);
 
+/// "ORVO>>> " + text and a line feed on standard output; whether it is wanted is the caller's to
+/// ask (progressShown).
+void printProgress(std::string_view text);
+
 /// Version of an RCS revision text: "2.13" gives 213; a second number above 99 counts as 0.
 int rcsRevision2betVersion(std::string_view text);
 /// The declaration by which generated C files identify themselves.

@@ -12,8 +12,7 @@ namespace orvo {
 /// Longest path that is opened, directory and name together.
 inline constexpr size_t maxPathLength = 1024;
 
-/// A new module record, owned by run.modules, with its handle set and the run's time stamp not yet
-/// copied; it stands on no list.
+/// A new module record, owned by run.modules, with its handle set; it stands on no list.
 ModuleRec* newModuleRec();
 /// Puts a record at the end of the module list.
 void appendModuleRec(ModuleRec* module);
@@ -22,10 +21,8 @@ void appendModuleRec(ModuleRec* module);
 /// it by its name or its source file; else a new one at the end of the list.
 ModuleRec* findOrCreateModRec(std::string_view filePrefix, std::string_view generationPrefix,
                               std::string_view moduleName);
-/// To be called when a record on the list gets a file prefix, a module name or a source file name
-/// other than through findOrCreateModRec: keeps the look-up of findOrCreateModRec complete.
-void setModuleName(ModuleRec* module, std::string_view name);
-void setPrefixes(ModuleRec* module, std::string_view filePrefix, std::string_view generationPrefix);
+/// Gives a record further down the list its source file name from the command line, by which a file
+/// prefix may claim it later.
 void setSourceFileName(ModuleRec* module, std::string_view name);
 
 /// The module that a reference number of `module` designates: itself for 1, null when there is
@@ -35,6 +32,13 @@ ModuleRec* getModPtr(ModuleRec* module, uint32_t refNr);
 /// dest = prefix + the first `len` characters of `src` + suffix.
 const std::string& newStriVal(std::string& dest, std::string_view prefix, size_t len,
                               std::string_view src, std::string_view suffix);
+
+/// Longest name that is cut for a new extension.
+inline constexpr size_t maxNameLength = 1024;
+/// A file name with the extension, which counts from the last "." behind the last "/". A name that
+/// has one keeps it, or loses it to the new one when `replaceExt`; then what exceeds maxNameLength
+/// is cut.
+std::string setFileName(std::string_view name, std::string_view ext, bool replaceExt);
 
 /// Opens directory + name. Failure, a directory or a path above maxPathLength: fatal 2 when the
 /// mode begins with "w", else 1.
@@ -48,5 +52,8 @@ void addDirToSearchPath(std::vector<std::string>& path, std::string_view directo
 /// Closes a file; null is ignored. A close that fails (buffered output that could not be written)
 /// is fatal 8 with the detail.
 void closeFile(std::FILE*& file, std::string_view detail);
+
+/// Both names lead to one existing file: writing the one would destroy the other.
+[[nodiscard]] bool isSameFile(const std::string& one, const std::string& other);
 
 } // namespace orvo

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -167,7 +168,6 @@ struct ModuleRec {
     std::vector<ErrRec> errors;                  // sorted by line, then order of recording
     std::FILE* srcFile = nullptr;                // open during pass 1 and during the listing
     std::FILE* lstFile = nullptr;                // open during the listing
-    uint64_t touchedIn = 0;                      // the trial parse that has noted the counters
     std::unique_ptr<RecPages, RecPagesDeleter> recDir[kindCount];
     std::unique_ptr<StriCacheRec, StriCacheDeleter> striCache;
 };
@@ -175,12 +175,19 @@ struct ModuleRec {
 
 enum Verbose : uint8_t { VERBOSE_NONE = 0, VERBOSE_NORMAL = 1, VERBOSE_TOOL = 2 };
 
+/// What finds a record on the module list by the file prefix it has or may claim.
+struct ModIndex {
+    std::unordered_map<std::string, ModuleRec*> byFilePrefix;  // the first of a prefix
+    std::unordered_map<std::string, std::deque<ModuleRec*>> unclaimed;  // by source file name
+};
+
 /// State of the run as a whole.
 struct Run {
     ModuleRec* bOfModRList = nullptr;  // module list, in order of compilation
     ModuleRec* eOfModRList = nullptr;
     ModuleRec* iso8824MP = nullptr;    // the built-in module, not on the list
     std::vector<std::unique_ptr<ModuleRec>> modules;  // by handle - 1, the built-in one included
+    ModIndex index;
     int16_t nrOfModules = 0;           // user modules whose pass 1 has started
     uint8_t verbose = VERBOSE_NORMAL;
     int32_t verboseEx = 3;

@@ -1,0 +1,326 @@
+// The run is a fixed sequence: each pass goes over the built-in module, silently, and then over
+// every user module in list order, before the next pass begins. Pass 1 follows the list as it
+// grows, since imports append to it. Between the passes no record is pending: every pass ends with
+// a flush, so the current module is simply set.
+
+#include "driver/orvo.h"
+
+#include <cstdio>
+#include <limits>
+
+#include "check/p5typ.h"
+#include "check/p5val.h"
+#include "diag/orvoerr_fatal.h"
+#include "diag/orvoerr_hello.h"
+#include "diag/orvoerr_list.h"
+#include "diag/orvozov.h"
+#include "diag/orvozov_types.h"
+#include "driver/orvo_pass4.h"
+#include "driver/orvofil.h"
+#include "driver/orvofil_stx.h"
+#include "options/orvoopt.h"
+#include "options/orvovar.h"
+#include "parser/iso8824.h"
+#include "parser/parser.h"
+#include "solve/solve.h"
+#include "solve/solve_pass3.h"
+#include "symtab/orvosym_list.h"
+#include "tree/orvorec.h"
+#include "util/guard.h"
+#include "util/text.h"
+
+namespace orvo {
+namespace {
+
+constexpr int allKinds = -1;
+
+/// Calls fn for every user module, as the current one. The list may grow meanwhile.
+template <typename Fn> void forEachModule(Fn&& fn) {
+    for (cMP = run.bOfModRList; cMP != nullptr; cMP = cMP->next) fn();
+}
+
+bool hasErrors(const ModuleRec& module) {
+    return module.nbStxErrors != 0 || module.nbSemErrors != 0;
+}
+
+// ---- start
+// ------------------------------------------------------------------------------------------
+
+void initGlobVars() {
+    getTimeStamp(run.timeStamp);
+    run.verbose = VERBOSE_NORMAL;
+    appendModuleRec(newModuleRec());
+    run.iso8824MP = newModuleRec();
+    run.iso8824MP->filePrefix = run.iso8824MP->generationPrefix = "iso8824";
+}
+
+/// Names of a module that was not named first on the command line.
+void setFileNames() {
+    if (cMP->filePrefix.empty())
+        fatalError(Fatal::NoFileName,
+                   "Check options PREFIXLEN and PREFIX or use the KAVRIMOL tool.");
+    const std::string& prefix = cMP->filePrefix;
+    newStriVal(cMP->options.sourceFileName, "", prefix.size(), prefix, ".asn");
+    newStriVal(cMP->options.listingFileName, "", prefix.size(), prefix, ".lst");
+}
+
+void printFileNames() {
+    if (!progressShown()) return;
+    const OptionBlock& options = cMP->options;
+    if (run.verbose == VERBOSE_NORMAL) {
+        printProgress(concat("source file  : ", options.sourceFileName));
+        printProgress(concat("listing file : ", options.listingFileName));
+    } else {
+        printProgress(concat(" ", options.sourceDir, options.sourceFileName));
+    }
+}
+
+void initUserModule(int argc, char** argv) {
+    if (run.nrOfModules < std::numeric_limits<int16_t>::max()) ++run.nrOfModules;
+    if (run.nrOfModules == 1) {
+        parseCmdLineParams(argc, argv);
+        if (run.verbose == VERBOSE_NORMAL) {
+            sayHello(stdout, run.timeStamp.version, orvoPatch);
+            printNotice(stdout, run.timeStamp);
+            std::fputc('\n', stdout);
+        }
+    } else {
+        setFileNames();
+    }
+    printFileNames();
+}
+
+/// Everything that pass 1 collects starts empty.
+void clearPass1Fields(ModuleRec& module) {
+    std::ranges::fill(module.nextRecNr, 1U);
+    module.firstTypeHead = module.lastTypeHead = {};
+    module.firstValueHead = module.lastValueHead = {};
+    module.firstDefVal = module.lastDefVal = {};
+    module.symTab = {};
+    module.exportsState = module.importsState = 0;
+    module.nbStxErrors = module.nbSemErrors = module.nbSymErrors = module.nbWarnings = 0;
+    module.automaticTags = module.extensibilityImplied = false;
+    module.tagDefault = 1;
+}
+
+void initPass1Vars(int argc, char** argv, bool builtIn) {
+    initMetaRec(cMP->options);
+    if (!builtIn) initUserModule(argc, argv);
+    clearPass1Fields(*cMP);
+}
+
+// ---- the built-in module
+// ----------------------------------------------------------------------------
+
+/// Any diagnostic about the built-in module is a defect of the compiler itself.
+void checkInternal(std::string_view detail) {
+    if (!hasErrors(*cMP) && cMP->nbWarnings == 0) return;
+    printListing(stderr, true, nullptr, iso8824State.iso8824Module);
+    fatalError(Fatal::Internal, detail);
+}
+
+void parseInternal() {
+    constexpr std::string_view detail = "Parsing of ISO8824";
+    cMP = run.iso8824MP;
+    {
+        Restore<uint8_t> quiet(run.verbose, VERBOSE_NONE);
+        initPass1Vars(0, nullptr, true);
+        initAnyPassVars();
+        parseISO8824();
+        flushRecs(allKinds);
+    }
+    checkInternal(detail);
+}
+
+void passInternal(void (*pass)(), std::string_view detail) {
+    cMP = run.iso8824MP;
+    if (cMP->parseState == PARSE_OK) {
+        Restore<uint8_t> quiet(run.verbose, VERBOSE_NONE);
+        initAnyPassVars();
+        pass();
+        flushRecs(allKinds);
+    }
+    checkInternal(detail);
+}
+
+void passFive();
+
+void solveRefs1Internal() {
+    passInternal(solveRefs1, "First solving pass for ISO8824");
+}
+void solveRefs2Internal() {
+    passInternal(solveRefs2, "Second solving pass for ISO8824");
+}
+void passFourInternal() {
+    passInternal(passFour, "Pass four for ISO8824");
+}
+// Errors of the earlier passes have ended the run: the built-in module is free of them here.
+void passFiveInternal() {
+    passInternal(passFive, "Pass five for ISO8824");
+}
+
+// ---- the passes over the user modules
+// ---------------------------------------------------------------
+
+void passOne(int argc, char** argv) {
+    forEachModule([argc, argv] {
+        initPass1Vars(argc, argv, false);
+        initAnyPassVars();
+        OptionBlock& options = cMP->options;
+        cMP->srcFile = fopenTextFileInSearchPathForRd(run.asnSearchPath, options.sourceFileName,
+                                                      options.sourceDir);
+        options.sourceDirKnown = true;
+        parse(argc, argv);
+        closeFile(cMP->srcFile, "Source file");
+        cMP->lastPass = 1;
+        flushRecs(allKinds);
+    });
+}
+
+/// A pass over the modules whose header and body were parsed without a syntax error.
+void passOver(void (*pass)(), uint8_t number) {
+    forEachModule([pass, number] {
+        if (cMP->parseState != PARSE_OK) return;
+        initAnyPassVars();
+        pass();
+        cMP->lastPass = number;
+        flushRecs(allKinds);
+    });
+}
+
+void checkTypeAssignments() {
+    uint32_t left = cMP->nextRecNr[KIND_TNODE];
+    for (TNodeNr nr = cMP->firstTypeHead; nr && left-- != 0;) {
+        readRec(cMP, nr);
+        const TNodeNr next{tNode.next};
+        if (tNode.formals == 0)
+            static_cast<void>(checkTNode(cMP, tNode.typeCode == TYP_SYNONYM, true));
+        nr = next;
+    }
+}
+
+void checkValueAssignments() {
+    uint32_t left = cMP->nextRecNr[KIND_VNODE];
+    for (VNodeNr nr = cMP->firstValueHead; nr && left-- != 0;) {
+        readRec(cMP, nr);
+        const VNodeNr next{vNode.next};
+        ModuleRec* governor = getModPtr(cMP, vNode.govTypeMod);
+        if (governor != nullptr && vNode.govType != 0) readRec(governor, TNodeNr{vNode.govType});
+        if (vNode.formals == 0) static_cast<void>(checkVNode(cMP, true, true));
+        nr = next;
+    }
+}
+
+void passFive() {
+    if (progressShown())
+        printProgress(concat("semantic checking (pass 5) for ", cMP->options.sourceFileName));
+    checkTypeAssignments();
+    checkValueAssignments();
+}
+
+/// Pass 5 follows references into any module, so one faulty module keeps it from all.
+bool allModulesSolved() {
+    for (const ModuleRec* module = run.bOfModRList; module != nullptr; module = module->next)
+        if (module->parseState != PARSE_OK || hasErrors(*module)) return false;
+    return true;
+}
+
+// ---- listings, trees, summary
+// -----------------------------------------------------------------------
+
+void openListing() {
+    OptionBlock& options = cMP->options;
+    cMP->srcFile = fopenTextFileInSearchPathForRd(run.asnSearchPath, options.sourceFileName,
+                                                  options.sourceDir);
+    const std::string path = concat(run.lstDir, options.listingFileName);
+    if (isSameFile(concat(options.sourceDir, options.sourceFileName), path))
+        fatalError(Fatal::OpenWrite, path);
+    cMP->lstFile = fopenTextFile(run.lstDir, options.listingFileName, "w");
+    sayHello(cMP->lstFile, run.timeStamp.version, orvoPatch);
+    printNotice(cMP->lstFile, run.timeStamp);
+    std::fputc('\n', cMP->lstFile);
+}
+
+void printModuleResult(bool failed) {
+    if (!progressShown()) return;
+    const char* result = failed                 ? "errors found - no tree output"
+                         : cMP->nbWarnings != 0 ? "ok with warnings"
+                                                : "ok";
+    printProgress(concat("compiler listing for ", cMP->options.sourceFileName, " (", result, ")"));
+}
+
+void diagnostics() {
+    openListing();
+    {
+        Restore<uint8_t> verbose(run.verbose);
+        if (run.verbose != VERBOSE_NONE) run.verbose = VERBOSE_TOOL;
+        printListing(cMP->lstFile, cMP->options.list, cMP->srcFile, {});
+    }
+    if (cMP->nbStxErrors == 0) printSymTab(cMP->nbSymErrors);
+    const bool failed = hasErrors(*cMP) || cMP->nbSymErrors != 0;
+    printModuleResult(failed);
+    sayBye(cMP->lstFile, cMP->nbStxErrors, cMP->nbSemErrors, cMP->nbSymErrors, cMP->nbWarnings);
+    closeFile(cMP->srcFile, "Source file");
+    closeFile(cMP->lstFile, "Listing file");
+    if (!failed) writeTree(cMP);
+    run.totalNbStxErrors += cMP->nbStxErrors;
+    run.totalNbSemErrors += cMP->nbSemErrors;
+    run.totalNbSymErrors += cMP->nbSymErrors;
+    run.totalNbWarnings += cMP->nbWarnings;
+}
+
+bool runFailed() {
+    return run.totalNbStxErrors != 0 || run.totalNbSemErrors != 0 || run.totalNbSymErrors != 0;
+}
+
+int compilationSummary() {
+    if (run.verbose == VERBOSE_NORMAL || (run.verbose == VERBOSE_NONE && runFailed())) {
+        if (run.nrOfModules > 1) std::fputs("Total errors:\n", stdout);
+        sayBye(stdout, run.totalNbStxErrors, run.totalNbSemErrors, run.totalNbSymErrors,
+               run.totalNbWarnings);
+    }
+    return runFailed() ? 1 : 0;
+}
+
+void initZOV() {
+    run.isZOV = zovIsActive();
+    if (!run.isZOV) return;
+    zovSummaryOpenFile();
+    zovSummaryBeginBlock("Message");
+}
+
+void compilationSummaryForZOV() {
+    if (!run.isZOV) return;
+    zovSummaryBeginBlock("Summary");
+    summaryForZOV(run.totalNbStxErrors, run.totalNbSemErrors, run.totalNbSymErrors,
+                  run.totalNbWarnings);
+    zovSummaryCloseFile();
+}
+
+void typeListForZOV() {
+    if (run.isZOV && !runFailed()) zovCreateTypeList();
+}
+
+} // namespace
+
+int orvo_main(int argc, char** argv) {
+    initGlobVars();
+    parseInternal();
+    passOne(argc, argv);
+    solveRefs1Internal();
+    passOver(solveRefs1, 2);
+    solveRefs2Internal();
+    passOver(solveRefs2, 3);
+    passFourInternal();
+    passOver(passFour, 4);
+    passFiveInternal();
+    if (allModulesSolved()) passOver(passFive, 5);
+    initZOV();
+    forEachModule(diagnostics);
+    const int status = compilationSummary();
+    compilationSummaryForZOV();
+    typeListForZOV();
+    return status;
+}
+
+} // namespace orvo

@@ -1,0 +1,156 @@
+// The order of the module list is the order of compilation, so the first record that fits a file
+// prefix is the one that gets it. Records have their prefix from creation, with two exceptions that
+// may claim one later: the first record, which findOrCreateModRec looks at directly because its
+// names change without notice, and further files of the command line, which wait under their source
+// file name. Records are created in list order, so their handles tell which of two comes first.
+
+#include "driver/orvofil.h"
+
+#include <filesystem>
+
+#include "diag/orvoerr_fatal.h"
+#include "util/text.h"
+
+namespace orvo {
+namespace {
+
+void claim(ModuleRec* module, std::string_view filePrefix, std::string_view generationPrefix) {
+    module->filePrefix = filePrefix;
+    module->generationPrefix = generationPrefix;
+    run.index.byFilePrefix.emplace(filePrefix, module);
+}
+
+/// The first record on the list, when it has the prefix or may claim it.
+ModuleRec* firstRecord(std::string_view filePrefix, std::string_view generationPrefix,
+                       std::string_view moduleName, const std::string& sourceName) {
+    ModuleRec* module = run.bOfModRList;
+    if (module == nullptr) return nullptr;
+    if (module->filePrefix.empty()) {
+        const bool mine = module->moduleName.empty() ? module->options.sourceFileName == sourceName
+                                                     : module->moduleName == moduleName;
+        if (mine) claim(module, filePrefix, generationPrefix);
+    }
+    return module->filePrefix == filePrefix ? module : nullptr;
+}
+
+/// The first further file of the command line that still waits under the name.
+ModuleRec* waitingRecord(const std::string& sourceName) {
+    const auto found = run.index.unclaimed.find(sourceName);
+    if (found == run.index.unclaimed.end() || found->second.empty()) return nullptr;
+    return found->second.front();
+}
+
+std::FILE* openFile(const std::string& path, const char* mode) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) return nullptr;
+    return std::fopen(path.c_str(), mode);
+}
+
+} // namespace
+
+ModuleRec* newModuleRec() {
+    run.modules.push_back(std::make_unique<ModuleRec>());
+    ModuleRec* module = run.modules.back().get();
+    module->handle = static_cast<uint32_t>(run.modules.size());
+    return module;
+}
+
+void appendModuleRec(ModuleRec* module) {
+    if (run.eOfModRList == nullptr)
+        run.bOfModRList = module;
+    else
+        run.eOfModRList->next = module;
+    run.eOfModRList = module;
+}
+
+ModuleRec* findOrCreateModRec(std::string_view filePrefix, std::string_view generationPrefix,
+                              std::string_view moduleName) {
+    const std::string sourceName = setFileName(filePrefix, ".asn", true);
+    if (ModuleRec* first = firstRecord(filePrefix, generationPrefix, moduleName, sourceName))
+        return first;
+    const auto known = run.index.byFilePrefix.find(std::string(filePrefix));
+    ModuleRec* owner = known == run.index.byFilePrefix.end() ? nullptr : known->second;
+    ModuleRec* waiting = waitingRecord(sourceName);
+    if (owner != nullptr && (waiting == nullptr || owner->handle < waiting->handle)) return owner;
+    if (waiting != nullptr) {
+        run.index.unclaimed[sourceName].pop_front();
+        claim(waiting, filePrefix, generationPrefix);
+        return waiting;
+    }
+    ModuleRec* module = newModuleRec();
+    module->moduleName = moduleName;
+    appendModuleRec(module);
+    claim(module, filePrefix, generationPrefix);
+    return module;
+}
+
+void setSourceFileName(ModuleRec* module, std::string_view name) {
+    module->options.sourceFileName = name;
+    if (module != run.bOfModRList) run.index.unclaimed[std::string(name)].push_back(module);
+}
+
+ModuleRec* getModPtr(ModuleRec* module, uint32_t refNr) {
+    if (module == nullptr || refNr == REF_OWN) return module;
+    const auto found = module->modRefs.byNumber.find(refNr);
+    return found == module->modRefs.byNumber.end() ? nullptr : found->second->module;
+}
+
+const std::string& newStriVal(std::string& dest, std::string_view prefix, size_t len,
+                              std::string_view src, std::string_view suffix) {
+    return dest = concat(prefix, src.substr(0, len), suffix);
+}
+
+std::string setFileName(std::string_view name, std::string_view ext, bool replaceExt) {
+    if (replaceExt) name = name.substr(0, maxNameLength - ext.size());
+    const size_t slash = name.rfind('/');
+    const size_t base = slash == std::string_view::npos ? 0 : slash + 1;
+    const size_t dot = name.rfind('.');
+    if (dot != std::string_view::npos && dot >= base) {
+        if (!replaceExt) return std::string(name);
+        name = name.substr(0, dot);
+    }
+    return concat(name, ext);
+}
+
+std::FILE* fopenTextFile(std::string_view directory, std::string_view name, const char* mode) {
+    const Fatal failure = *mode == 'w' ? Fatal::OpenWrite : Fatal::OpenRead;
+    if (directory.size() + name.size() > maxPathLength) fatalError(failure);
+    const std::string path = concat(directory, name);
+    std::FILE* file = openFile(path, mode);
+    if (file == nullptr) fatalError(failure, path);
+    return file;
+}
+
+std::FILE* fopenTextFileInSearchPathForRd(const std::vector<std::string>& path,
+                                          std::string_view name, std::string& directoryOut) {
+    for (const std::string& directory : path) {
+        if (directory.size() + name.size() > maxPathLength) fatalError(Fatal::OpenRead);
+        std::FILE* file = openFile(concat(directory, name), "r");
+        if (file == nullptr) continue;
+        directoryOut = directory;
+        return file;
+    }
+    std::FILE* file = openFile(std::string(name), "r");
+    if (file == nullptr) fatalError(Fatal::OpenRead, name);
+    directoryOut.clear();
+    return file;
+}
+
+void addDirToSearchPath(std::vector<std::string>& path, std::string_view directory) {
+    if (!directory.empty()) path.emplace_back(directory);
+}
+
+void closeFile(std::FILE*& file, std::string_view detail) {
+    if (file == nullptr) return;
+    const bool written = std::ferror(file) == 0;
+    const bool closed = std::fclose(std::exchange(file, nullptr)) == 0;
+    if (!written) fatalError(Fatal::Write, detail);
+    if (!closed) fatalError(Fatal::Close, detail);
+}
+
+bool isSameFile(const std::string& one, const std::string& other) {
+    std::error_code ignored;
+    return std::filesystem::equivalent(one, other, ignored);
+}
+
+} // namespace orvo

@@ -1,0 +1,132 @@
+// The tree file is the records of kinds 0 to 9 one behind the other, nothing between them: the
+// module's own node comes first and holds the counts by which a reader finds the rest. Every
+// integer is written little-endian, so the file is the same on every host. Strings are a 16-bit
+// length in characters, terminator included, and the characters.
+//
+// The counts are those of pass 4. Records made later have higher numbers and stay out of the file.
+
+#include "driver/orvofil_stx.h"
+
+#include <cstring>
+#include <limits>
+#include <string>
+
+#include "diag/orvoerr_fatal.h"
+#include "driver/orvofil.h"
+#include "tree/orvorec.h"
+#include "util/text.h"
+
+namespace orvo {
+namespace {
+
+constexpr size_t chunkSize = 65536;
+
+struct TreeFile {
+    std::FILE* file;
+    std::string chunk; // bytes not yet handed to the file
+};
+
+void flushChunk(TreeFile& tree) {
+    if (std::fwrite(tree.chunk.data(), 1, tree.chunk.size(), tree.file) != tree.chunk.size())
+        fatalError(Fatal::Write);
+    tree.chunk.clear();
+}
+
+void putNumber(std::string& out, uint32_t number, size_t bytes) {
+    for (; bytes != 0; --bytes, number >>= 8) out += static_cast<char>(number & 0xFF);
+}
+
+template <typename Word> void putWord(std::string& out, const char* at) {
+    Word word;
+    std::memcpy(&word, at, sizeof word);
+    putNumber(out, word, sizeof word);
+}
+
+void putUnit(std::string& out, const char* at, size_t bytes) {
+    if (bytes == 1)
+        out += *at;
+    else if (bytes == 2)
+        putWord<uint16_t>(out, at);
+    else
+        putWord<uint32_t>(out, at);
+}
+
+/// Widths of the units of a field whose units are not all alike; empty for other fields.
+constexpr uint8_t timeStampUnits[] = {2, 2, 4, 4};
+constexpr uint8_t booleUnits[] = {1, 1, 1, 1, 4, 4};
+constexpr uint8_t realUnits[] = {4, 4, 2, 2};
+constexpr uint8_t striUnits[] = {2, 2, 4, 4};
+
+std::span<const uint8_t> valueUnits(uint8_t valCode) {
+    switch (valCode) {
+    case TYP_BOOLEAN: return booleUnits;
+    case TYP_REAL: return realUnits;
+    case TYP_BITSTR:
+    case TYP_OCTSTR: return striUnits;
+    default: break;
+    }
+    const bool isText = valCode >= TYP_NUMSTR && valCode <= TYP_UTCTIME;
+    return isText || valCode == TYP_OBJDESCR ? striUnits : std::span<const uint8_t>();
+}
+
+std::span<const uint8_t> unitsOf(RecKind kind, const Field& field, const char* record) {
+    if (kind == KIND_MNODE && field.offset == offsetof(MNode, modTimeStamp)) return timeStampUnits;
+    if (kind == KIND_VNODE && field.offset == offsetof(VNode, val))
+        return valueUnits(static_cast<uint8_t>(record[offsetof(VNode, valCode)]));
+    return {};
+}
+
+void putRecord(std::string& out, RecKind kind, const char* record) {
+    for (const Field& field : fieldsOf(kind)) {
+        const char* at = record + field.offset;
+        const auto units = unitsOf(kind, field, record);
+        for (const uint8_t unit : units) {
+            putUnit(out, at, unit);
+            at += unit;
+        }
+        if (!units.empty()) continue;
+        for (const char* end = at + field.size; at != end; at += field.word)
+            putUnit(out, at, field.word);
+    }
+}
+
+template <typename Text> void putString(std::string& out, Text text) {
+    if (text.size() >= std::numeric_limits<uint16_t>::max()) fatalError(Fatal::WriteRecord);
+    putNumber(out, static_cast<uint32_t>(text.size() + 1), 2);
+    for (const auto c : text) {
+        using Char = std::make_unsigned_t<std::conditional_t<sizeof(c) == 1, char, uint32_t>>;
+        putNumber(out, static_cast<Char>(c), sizeof c);
+    }
+    putNumber(out, 0, sizeof(typename Text::value_type));
+}
+
+/// Records of one kind, in number order.
+void writeSubTree(TreeFile& tree, ModuleRec* module, RecKind kind) {
+    readRec(module, MNodeNr{1});
+    const uint32_t count = mNode.recCount[kind];
+    for (uint32_t nr = 1; nr <= count; ++nr) {
+        switch (kind) {
+        case KIND_STRI8: putString(tree.chunk, getStri(module, int64_t{nr})); break;
+        case KIND_STRI16: putString(tree.chunk, getStri16(module, nr)); break;
+        case KIND_STRI32: putString(tree.chunk, getStri32(module, nr)); break;
+        default: putRecord(tree.chunk, kind, static_cast<const char*>(findRPos(module, kind, nr)));
+        }
+        if (tree.chunk.size() >= chunkSize) flushChunk(tree);
+    }
+}
+
+} // namespace
+
+void writeTree(ModuleRec* module) {
+    const std::string path = concat(run.stxDir, module->generationPrefix, ".stx");
+    if (isSameFile(concat(module->options.sourceDir, module->options.sourceFileName), path))
+        fatalError(Fatal::OpenWrite, path);
+    TreeFile tree{std::fopen(path.c_str(), "wb"), {}};
+    if (tree.file == nullptr) fatalError(Fatal::OpenWrite, path);
+    for (int kind = 0; kind < fileKindCount; ++kind)
+        writeSubTree(tree, module, static_cast<RecKind>(kind));
+    flushChunk(tree);
+    if (std::fclose(tree.file) != 0) fatalError(Fatal::Close, "Syntax tree file");
+}
+
+} // namespace orvo
