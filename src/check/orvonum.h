@@ -23,6 +23,8 @@ int32_t getSpecialRealVal(const RealVal& real);
 /// The real that the current value gives: a stored real, the literal 0, or three INTEGER values
 /// { mantissa, base, exponent }. False when it gives none. Preserving.
 [[nodiscard]] bool getRealVal(RealVal& real);
+/// The same of a given value.
+[[nodiscard]] bool realOfValue(ModuleRec* module, const VNode& value, RealVal& real);
 /// As a double: the infinities are the largest doubles; exact for the mantissas and powers that a
 /// double holds exactly.
 double retRealVal(const RealVal& real);

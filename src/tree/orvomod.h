@@ -136,9 +136,11 @@ enum CGeneration : uint32_t {
 
 struct RecPages;       // storage of one kind (tree/orvorec)
 struct StriCacheRec;   // string caches of a module (tree/orvorec_stri)
+struct FindCache;      // what look-ups and walks noted about a module (tree/orvoutil_find)
 /// Deleters live with the complete types.
 struct RecPagesDeleter { void operator()(RecPages*) const; };
 struct StriCacheDeleter { void operator()(StriCacheRec*) const; };
+struct FindCacheDeleter { void operator()(FindCache*) const; };
 
 enum ParseState : uint8_t { PARSE_NEW = 0, PARSE_ERROR = 1, PARSE_OK = 2 };
 
@@ -170,6 +172,7 @@ struct ModuleRec {
     std::FILE* lstFile = nullptr;                // open during the listing
     std::unique_ptr<RecPages, RecPagesDeleter> recDir[kindCount];
     std::unique_ptr<StriCacheRec, StriCacheDeleter> striCache;
+    std::unique_ptr<FindCache, FindCacheDeleter> findCache;
 };
 
 

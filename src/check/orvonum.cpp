@@ -1,0 +1,116 @@
+// Real values: mantissa times a power of the base, compared as doubles. A double cannot hold every
+// mantissa, and a power beyond its range counts as the infinity of the sign, so that a finite value
+// is never beyond PLUS-INFINITY.
+
+#include "check/orvonum.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "diag/orvoerr.h"
+#include "tree/orvoutil_find.h"
+
+namespace orvo {
+
+namespace {
+
+constexpr int16_t specialBase = -1;
+constexpr double largest = std::numeric_limits<double>::max();
+
+int16_t clamped16(int64_t value, int16_t least, int16_t most) {
+    return static_cast<int16_t>(std::clamp<int64_t>(value, least, most));
+}
+
+/// The three INTEGER values of a list; false for any other list.
+bool readTriple(ModuleRec* module, VNodeNr first, int64_t (&numbers)[3]) {
+    const KeepRec<KIND_VNODE> keep;
+    VNodeNr nr = first;
+    for (int64_t& number : numbers) {
+        if (!nr) return false;
+        readRec(module, nr);
+        nr = {vNode.next};
+        skipValues(false);
+        if (vNode.valCode != TYP_INTEGER) return false;
+        number = i64native(vNode.val.number);
+    }
+    return !nr;
+}
+
+} // namespace
+
+void makeRealVal(RealVal& real, I64 mantissa, int16_t base, int16_t exponent) {
+    real = {mantissa, base, exponent};
+}
+
+void makeSpecialRealVal(RealVal& real, int32_t code) {
+    real = {i64of(code), specialBase, 0};
+}
+
+bool isSpecialRealVal(const RealVal& real) {
+    return real.base == specialBase;
+}
+
+int32_t getSpecialRealVal(const RealVal& real) {
+    const int64_t code = i64native(real.mantissa);
+    const bool fits = code >= std::numeric_limits<int32_t>::min() && code <= noSpecialReal;
+    return fits ? static_cast<int32_t>(code) : noSpecialReal;
+}
+
+bool realOfValue(ModuleRec* module, const VNode& value, RealVal& real) {
+    switch (value.valCode) {
+    case TYP_REAL: real = value.val.real; return true;
+    case TYP_INTEGER: makeSpecialRealVal(real, REAL_ZERO); return true;
+    case TYP_SEQ: {
+        int64_t numbers[3] = {};
+        if (!readTriple(module, VNodeNr{value.ref}, numbers) || numbers[1] < 0) return false;
+        makeRealVal(real, i64of(numbers[0]), clamped16(numbers[1], 0, 32767),
+                    clamped16(numbers[2], -32767, 32767));
+        return true;
+    }
+    default: return false;
+    }
+}
+
+bool getRealVal(RealVal& real) {
+    return realOfValue(recState.currTPtr[KIND_VNODE], VNode{vNode}, real);
+}
+
+double retRealVal(const RealVal& real) {
+    if (isSpecialRealVal(real)) {
+        switch (getSpecialRealVal(real)) {
+        case REAL_MINUS_INFINITY: return -largest;
+        case REAL_PLUS_INFINITY: return largest;
+        default: return 0.0;
+        }
+    }
+    double value = static_cast<double>(i64native(real.mantissa));
+    const double base = real.base;
+    if (base == 0.0 && real.exponent < 0) return 0.0;
+    for (int left = real.exponent; left > 0 && value != 0.0; --left) {
+        value *= base;
+        if (value > largest || value < -largest) break;
+    }
+    for (int left = real.exponent; left < 0 && value != 0.0; ++left) value /= base;
+    return std::clamp(value, -largest, largest);
+}
+
+int compareReal(const RealVal& a, const RealVal& b) {
+    const double left = retRealVal(a);
+    const double right = retRealVal(b);
+    return left < right ? -1 : left > right ? 1 : 0;
+}
+
+void fixNegative(I64& number, uint32_t line) {
+    if (number == I64{}) {
+        recordError(cMP, ERR_SEMANTIC, invalidValue(TYP_INTEGER), line);
+        return;
+    }
+    // Through unsigned words: the smallest number stays what it is.
+    number = i64of(static_cast<int64_t>(-static_cast<uint64_t>(i64native(number))));
+}
+
+void fixNegative(RealVal& real, uint32_t line) {
+    fixNegative(real.mantissa, line);
+}
+
+} // namespace orvo

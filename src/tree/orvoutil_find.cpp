@@ -1,0 +1,297 @@
+// Look-ups by name and by place. A name is compared as text: lists that COMPONENTS OF brings in lie
+// in other modules, whose string numbers differ. Lists of up to shortChain entries are walked;
+// longer ones and those with COMPONENTS OF get an index, so that n look-ups in a list of n cost n
+// steps. An index is made from solved records only, which do not change any more.
+
+#include "tree/orvoutil_find.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "tree/orvoutil_find_cache.h"
+
+namespace orvo {
+
+namespace {
+
+constexpr int shortChain = 32;
+
+bool nameIs(ModuleRec* module, int32_t stored, std::string_view name) {
+    return stored != 0 && getStri(module, stored) == name;
+}
+
+template <RecKind K> auto& buffer() {
+    if constexpr (K == KIND_TNODE)
+        return tNode;
+    else
+        return vNode;
+}
+
+/// Takes the entries that were appended since the last time into the index.
+template <RecKind K> void extendIndex(ModuleRec* module, ChainIndex& index) {
+    for (uint32_t left = module->nextRecNr[K]; left != 0; --left) {
+        readRec(module, RecNr<K>{index.last});
+        const auto& rec = buffer<K>();
+        if (rec.next == 0) return;
+        if (rec.name != 0) index.byName.try_emplace(getStri(module, rec.name), index.last);
+        index.last = rec.next;
+    }
+}
+
+template <RecKind K> bool findInChain(ModuleRec* module, RecNr<K> first, std::string_view name) {
+    RecNr<K> nr = first;
+    for (int walked = 0; walked < shortChain; ++walked) {
+        if (!nr) return false;
+        readRec(module, nr);
+        if (nameIs(module, buffer<K>().name, name)) return true;
+        nr = {buffer<K>().next};
+    }
+    if (!nr) return false;
+    ChainIndex& index = chainsOf<K>(module)[first.nr];
+    if (index.last == 0) index.last = first.nr;
+    extendIndex<K>(module, index);
+    const auto found = index.byName.find(name);
+    readRec(module, RecNr<K>{found != index.byName.end() ? found->second : index.last});
+    return nameIs(module, buffer<K>().name, name);
+}
+
+// ---- flattened component lists
+
+bool isMarker() {
+    return tNode.typeCode == TYP_EXTENSION_MARKER;
+}
+bool isGroup() {
+    return tNode.typeCode == TYP_EXTADDGRP;
+}
+bool isCompOf() {
+    return magnitude(tNode.compStatus) == TCS_COMPOF;
+}
+
+uint32_t addPlaces(uint32_t a, uint32_t b) {
+    return a > std::numeric_limits<uint32_t>::max() - b ? std::numeric_limits<uint32_t>::max()
+                                                        : a + b;
+}
+
+/// A list on the way from the outermost to the one being walked.
+struct OpenList {
+    ModuleRec* module;
+    TNodeNr first;
+    TNodeNr next;
+    bool included; // by COMPONENTS OF: its first extension marker ends it
+    bool group;
+    uint32_t left; // entries it may still have: a broken chain must not be endless
+    uint32_t before;
+};
+
+using ListKey = std::pair<ModuleRec*, uint32_t>; // module and first component
+constexpr uint32_t stillOpen = std::numeric_limits<uint32_t>::max();
+
+struct Flattening {
+    FlatIndex index;
+    std::vector<OpenList> open;
+    std::map<ListKey, uint32_t> places; // of the lists that were closed
+    bool settled = true;                // nothing on the way can still change
+};
+
+void openList(Flattening& flat, TNodeRef first, bool included, bool group) {
+    flat.open.push_back({first.module, first.nr, first.nr, included, group,
+                         first.module->nextRecNr[KIND_TNODE], flat.index.count});
+    if (!group) flat.places[{first.module, first.nr.nr}] = stillOpen;
+}
+
+/// The current COMPONENTS OF entry: opens the list that it includes. A list that was included
+/// before brings no new names, its places count; one that is still open is a cycle, and brings
+/// nothing.
+void includeList(Flattening& flat) {
+    if (tNode.checkState == CHECK_NEW) flat.settled = false;
+    skipTypes(false);
+    if ((tNode.typeCode != TYP_SEQ && tNode.typeCode != TYP_SET) || tNode.ref == 0) return;
+    const TNodeRef first{recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}};
+    const auto known = flat.places.find({first.module, first.nr.nr});
+    if (known == flat.places.end()) return openList(flat, first, true, false);
+    if (known->second == stillOpen) return;
+    flat.index.entries.push_back({addPlaces(flat.index.count, 1), first, true});
+    flat.index.count = addPlaces(flat.index.count, known->second);
+}
+
+void addComponent(Flattening& flat, TNodeRef component) {
+    flat.index.count = addPlaces(flat.index.count, 1);
+    if (tNode.name != 0) {
+        flat.index.byName.try_emplace(getStri(component.module, tNode.name),
+                                      flat.index.entries.size());
+    }
+    flat.index.entries.push_back({flat.index.count, component, false});
+}
+
+void closeList(Flattening& flat) {
+    const OpenList& list = flat.open.back();
+    if (!list.group) flat.places[{list.module, list.first.nr}] = flat.index.count - list.before;
+    flat.open.pop_back();
+}
+
+Flattening flatten(ModuleRec* module, TNodeNr first) {
+    Flattening flat;
+    openList(flat, {module, first}, false, false);
+    while (!flat.open.empty()) {
+        OpenList& list = flat.open.back();
+        if (!list.next || list.left-- == 0) {
+            closeList(flat);
+            continue;
+        }
+        const TNodeRef entry{list.module, list.next};
+        readRec(entry);
+        list.next = {tNode.next};
+        if (isMarker() && list.included)
+            list.next = {};
+        else if (isCompOf())
+            includeList(flat);
+        else if (isGroup())
+            openList(flat, {entry.module, TNodeNr{tNode.ref}}, list.included, true);
+        else
+            addComponent(flat, entry);
+    }
+    return flat;
+}
+
+/// The index of a list: the kept one, or one made into `made`.
+const FlatIndex& flatIndexOf(ModuleRec* module, TNodeNr first, Flattening& made) {
+    auto& lists = findCacheOf(module).flatLists;
+    const auto kept = lists.find(first.nr);
+    if (kept != lists.end()) return kept->second;
+    made = flatten(module, first);
+    if (!made.settled) return made.index;
+    return lists.emplace(first.nr, std::move(made.index)).first->second;
+}
+
+/// The entry at a place, or the list that covers it; none beyond the end.
+const FlatEntry* entryAt(const FlatIndex& index, uint32_t place) {
+    if (place == 0 || place > index.count) return nullptr;
+    const auto after = std::ranges::upper_bound(index.entries, place, {}, &FlatEntry::place);
+    return after == index.entries.begin() ? nullptr : &*std::prev(after);
+}
+
+} // namespace
+
+FindCache& findCacheOf(ModuleRec* module) {
+    if (!module->findCache) module->findCache.reset(new FindCache);
+    return *module->findCache;
+}
+void FindCacheDeleter::operator()(FindCache* cache) const {
+    delete cache;
+}
+
+void forgetTakenBack(ModuleRec* module) {
+    if (!module->findCache) return;
+    FindCache& cache = *module->findCache;
+    const auto forgetFrom = [](auto& notes, uint32_t nr) {
+        notes.erase(notes.lower_bound(nr), notes.end());
+    };
+    forgetFrom(cache.typeJumps, module->nextRecNr[KIND_TNODE]);
+    forgetFrom(cache.typeChains, module->nextRecNr[KIND_TNODE]);
+    forgetFrom(cache.flatLists, module->nextRecNr[KIND_TNODE]);
+    forgetFrom(cache.valueJumps, module->nextRecNr[KIND_VNODE]);
+    forgetFrom(cache.valueChains, module->nextRecNr[KIND_VNODE]);
+    // A chain may have lost its end only; its index is made again when it is needed.
+    std::erase_if(cache.typeChains, [&](const auto& chain) {
+        return chain.second.last >= module->nextRecNr[KIND_TNODE];
+    });
+    std::erase_if(cache.valueChains, [&](const auto& chain) {
+        return chain.second.last >= module->nextRecNr[KIND_VNODE];
+    });
+}
+
+bool findValueCompById(ModuleRec* module, VNodeNr first, std::string_view name) {
+    return findInChain(module, first, name);
+}
+bool findValueById(ModuleRec* module, std::string_view name) {
+    return findInChain(module, module->firstValueHead, name);
+}
+bool findTypeById(ModuleRec* module, std::string_view name) {
+    return findInChain(module, module->firstTypeHead, name);
+}
+
+bool findTypeCompById(ModuleRec* module, TNodeNr first, std::string_view name, uint32_t* position) {
+    TNodeNr nr = first;
+    uint32_t place = 0;
+    for (bool plain = true; plain && place < shortChain;) {
+        if (!nr) break;
+        readRec(module, nr);
+        plain = !isCompOf() && !isGroup();
+        place += plain ? 1 : 0;
+        if (plain && nameIs(module, tNode.name, name)) {
+            if (position != nullptr) *position = place;
+            return true;
+        }
+        if (plain) nr = {tNode.next};
+    }
+    if (position != nullptr) *position = 0;
+    if (!nr) return false;
+    Flattening made;
+    const FlatIndex& index = flatIndexOf(module, first, made);
+    const auto found = index.byName.find(name);
+    if (found == index.byName.end()) return false;
+    const FlatEntry& entry = index.entries[found->second];
+    if (position != nullptr) *position = entry.place;
+    readRec(entry.component);
+    return true;
+}
+
+bool findByInd(ModuleRec* module, TNodeNr first, uint32_t& position) {
+    while (first) {
+        Flattening made;
+        const FlatIndex& index = flatIndexOf(module, first, made);
+        const FlatEntry* entry = entryAt(index, position);
+        if (entry == nullptr) {
+            position -= std::min(position, index.count);
+            return false;
+        }
+        if (!entry->repeated) {
+            readRec(entry->component);
+            position = 0;
+            return true;
+        }
+        position -= entry->place - 1;
+        module = entry->component.module;
+        first = entry->component.nr;
+    }
+    return false;
+}
+
+bool findTypeCompByInd(ModuleRec* module, TNodeNr first, uint32_t position) {
+    return findByInd(module, first, position);
+}
+
+namespace {
+
+/// The type that an object gives to a value field whose type another field names: the object's
+/// setting of that field, else the field's default. The naming field's type record is current.
+bool readTypeOfVariableField(ModuleRec* object, VNodeNr firstSetting) {
+    if (!skipFieldList()) return false;
+    ModuleRec* classModule = recState.currTPtr[KIND_TNODE];
+    const VNodeNr defaultType{tNode.defaultVal};
+    ModuleRec* typeModule = object;
+    if (tNode.name == 0 ||
+        !findValueCompById(object, firstSetting, getStri(classModule, tNode.name))) {
+        if (!defaultType) return false;
+        readRec(classModule, defaultType);
+        typeModule = classModule;
+    }
+    if (vNode.refMod != REF_FORMAL || vNode.ref == 0) return false;
+    readRec(typeModule, TNodeNr{vNode.ref});
+    return true;
+}
+
+} // namespace
+
+bool readGovTNodeForFieldVNode(ModuleRec* object, VNodeNr firstSetting) {
+    const KeepRec<KIND_VNODE> keepValue;
+    ModuleRec* module =
+        refModule(recState.currTPtr[KIND_VNODE], static_cast<int32_t>(vNode.govTypeMod));
+    if (module == nullptr || vNode.govType == 0) return false;
+    readRec(module, TNodeNr{vNode.govType});
+    if (isVariabTypeFieldTNode() && !readTypeOfVariableField(object, firstSetting)) return false;
+    skipTypes(true);
+    return true;
+}
+
+} // namespace orvo

@@ -1,0 +1,69 @@
+#pragma once
+
+// What look-ups and walks note about the records of a module, so that long lists and long chains of
+// references are walked once. Short ones are walked every time and leave nothing here.
+
+#include <cstdint>
+#include <map>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "tree/orvodef.h"
+#include "tree/orvomod.h"
+
+namespace orvo {
+
+/// Where a chain of references ends that passes through a record, and the first reference on it
+/// (from that record on) that instantiates a parameterized type outside any instance.
+template <RecKind K> struct Jump {
+    RecRef<K> end;
+    RecRef<K> instance;
+};
+
+/// Names of a chain of records. Entries are only appended to chains, so the index grows with them:
+/// it holds every entry before `last`.
+struct ChainIndex {
+    std::unordered_map<std::string_view, uint32_t> byName; // the first of a name
+    uint32_t last = 0;
+};
+
+/// A component of a flattened list and its place there; or, when `repeated` is set, the first
+/// component of a list that was flattened before, whose components take the places from `place` on.
+struct FlatEntry {
+    uint32_t place = 0;
+    TNodeRef component;
+    bool repeated = false;
+};
+struct FlatIndex {
+    std::unordered_map<std::string_view, size_t> byName; // place in `entries`, the first of a name
+    std::vector<FlatEntry> entries;                      // by place
+    uint32_t count = 0;                                  // places, saturating
+};
+
+/// The maps are ordered by record number: what is taken back is a suffix.
+struct FindCache {
+    std::map<uint32_t, Jump<KIND_TNODE>> typeJumps;
+    std::map<uint32_t, Jump<KIND_VNODE>> valueJumps;
+    std::map<uint32_t, ChainIndex> typeChains;
+    std::map<uint32_t, ChainIndex> valueChains;
+    std::map<uint32_t, FlatIndex> flatLists;
+};
+
+/// The cache of a module, made on first use.
+FindCache& findCacheOf(ModuleRec* module);
+
+template <RecKind K> auto& jumpsOf(ModuleRec* module) {
+    if constexpr (K == KIND_TNODE)
+        return findCacheOf(module).typeJumps;
+    else
+        return findCacheOf(module).valueJumps;
+}
+template <RecKind K> auto& chainsOf(ModuleRec* module) {
+    if constexpr (K == KIND_TNODE)
+        return findCacheOf(module).typeChains;
+    else
+        return findCacheOf(module).valueChains;
+}
+
+} // namespace orvo

@@ -1,0 +1,117 @@
+// Predicates over the current type and value records. A type or value is classified by what it
+// stands for, so most walk the references first and put the record back.
+
+#include "diag/orvoerr_fatal.h"
+#include "tree/orvoutil_find.h"
+
+namespace orvo {
+
+bool isValueSetTNode() {
+    if (!isSetTNode()) return false;
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    return !isClassCode(tNode.typeCode);
+}
+
+bool isObjSetTNode() {
+    if (!isSetTNode()) return false;
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    return isClassCode(tNode.typeCode);
+}
+
+bool isTypeTNode() {
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    return !isSetTNode() && !isClassCode(tNode.typeCode);
+}
+
+bool isClassTNode() {
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    return !isSetTNode() && isClassCode(tNode.typeCode);
+}
+
+bool isInstantiatedTNode() {
+    return tNode.syntax != 0 && tNode.typeCode != TYP_SELECTION && tNode.typeCode != TYP_ANY &&
+           tNode.typeCode != TYP_FIELDLIST;
+}
+
+bool isTopLevelInstantiatedTNode() {
+    return isInstantiatedTNode() && tNode.actParRec == 0;
+}
+
+bool isOpenObjClassFieldTypeTNode() {
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    return tNode.typeCode == TYP_OPEN;
+}
+
+namespace {
+
+/// The current node of kind TYP_FIELDLIST stands where a type can: as a component, alternative,
+/// element, type assignment, or as the fixed type of a value or value set field.
+bool isPlaceOfObjClFldTyp() {
+    switch (magnitude(tNode.compStatus)) {
+    case TCS_MANDATORY:
+    case TCS_OPTIONAL:
+        return (isValFieldTNode() || isValSetFieldTNode()) && !isVariabTypeFieldTNode();
+    case TCS_CHOICE:
+    case TCS_MULTIPLE: return true;
+    case TCS_HEADER: return tNode.name > 0;
+    default: return false;
+    }
+}
+
+} // namespace
+
+bool isObjClFldTyp() {
+    skipTypes(false);
+    if (tNode.typeCode != TYP_FIELDLIST || tNode.refMod < 0 || tNode.ref == 0) return false;
+    if (!isPlaceOfObjClFldTyp()) return false;
+    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    // The class is a node of the same module, or a reference to one, whose refMod stays 0.
+    ModuleRec* classModule = tNode.refMod == 0 ? module : refModule(module, tNode.refMod);
+    if (classModule == nullptr) return false;
+    readRec(classModule, TNodeNr{tNode.ref});
+    uint32_t left = 1000000; // a chain that is not yet solved may be a cycle
+    while (tNode.typeCode == TYP_SYNONYM && !isSetTNode() && left-- != 0) {
+        ModuleRec* target = refModule(recState.currTPtr[KIND_TNODE], tNode.refMod);
+        if (target == nullptr || tNode.ref == 0) return false;
+        readRec(target, TNodeNr{tNode.ref});
+    }
+    return isClassTNode();
+}
+
+bool isObjClassFieldTypeTNode() {
+    const KeepRec<KIND_TNODE> keep;
+    return isObjClFldTyp();
+}
+
+void getClassOfObjClassFieldTypeTNode() {
+    if (!isObjClFldTyp())
+        fatalError(Fatal::Internal, "Trying to obtain class of an ObjectClassFieldType.");
+}
+
+bool isObjVNode() {
+    if ((vNode.vflags & VF_SET) != 0) return false;
+    const KeepRec<KIND_VNODE> keep;
+    skipValues(true);
+    return isClassCode(vNode.valCode);
+}
+
+bool isObjSetVNode() {
+    if ((vNode.vflags & VF_SET) == 0) return false;
+    const KeepRec<KIND_VNODE> keep;
+    skipValues(true);
+    return isClassCode(vNode.valCode);
+}
+
+bool isValueVNode() {
+    return (vNode.vflags & VF_SET) == 0 && !isObjVNode();
+}
+bool isValueSetVNode() {
+    return (vNode.vflags & VF_SET) != 0 && !isObjSetVNode();
+}
+
+} // namespace orvo

@@ -1,0 +1,183 @@
+// Walks along references. The last entry of a field name chain, and the entry of a selection type,
+// hold their solution: a module reference and a record number, negated for a value. Chains of
+// references may be as long as a module has assignments, so a walk of more than jumpStride links
+// notes every jumpStride-th record on its way with the end it leads to, and later walks go there at
+// once. Only walks over solved records, which do not change any more, are noted.
+
+#include "tree/orvoutil_find.h"
+#include "tree/orvoutil_find_cache.h"
+
+namespace orvo {
+
+namespace {
+
+constexpr uint32_t jumpStride = 32;
+/// Class field types that lead to class field types; more is a cycle that is not yet broken.
+constexpr int maxFieldSteps = 10000;
+
+/// Reads the last entry of a field name chain; false when there is none.
+bool readLastEntry(ModuleRec* module, SNodeNr first) {
+    uint32_t left = module->nextRecNr[KIND_SNODE];
+    for (SNodeNr nr = first; nr && left != 0; --left) {
+        readRec(module, nr);
+        if (sNode.next <= 0) return true;
+        nr = {static_cast<uint32_t>(sNode.next)};
+    }
+    return false;
+}
+
+/// Reads the type that the current entry, of a record of `module`, designates.
+bool readSolvedType(ModuleRec* module) {
+    ModuleRec* target = refModule(module, static_cast<int32_t>(sNode.module));
+    if (target == nullptr || sNode.value == 0) return false;
+    if (sNode.value > 0) {
+        readRec(target, TNodeNr{magnitude(sNode.value)});
+        return true;
+    }
+    const KeepRec<KIND_VNODE> keepValue;
+    readRec(target, VNodeNr{magnitude(sNode.value)});
+    // A type setting holds the number of its type record in place of a reference.
+    if (vNode.valCode != TYP_OPEN || vNode.refMod != REF_FORMAL || vNode.ref == 0) return false;
+    readRec(target, TNodeNr{vNode.ref});
+    return true;
+}
+
+template <RecKind K> bool isReference();
+template <> bool isReference<KIND_TNODE>() {
+    return tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_SELECTION ||
+           tNode.typeCode == TYP_FIELDLIST;
+}
+template <> bool isReference<KIND_VNODE>() {
+    return vNode.valCode == TYP_SYNONYM;
+}
+
+template <RecKind K> bool isSolved();
+template <> bool isSolved<KIND_TNODE>() {
+    return tNode.checkState != CHECK_NEW;
+}
+template <> bool isSolved<KIND_VNODE>() {
+    return vNode.checkState != CHECK_NEW;
+}
+
+template <RecKind K> bool isCaught();
+template <> bool isCaught<KIND_TNODE>() {
+    return isTopLevelInstantiatedTNode();
+}
+template <> bool isCaught<KIND_VNODE>() {
+    return false;
+}
+
+template <RecKind K> bool step();
+template <> bool step<KIND_TNODE>() {
+    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    if (tNode.typeCode == TYP_SYNONYM) {
+        ModuleRec* target = refModule(module, tNode.refMod);
+        if (target == nullptr || tNode.ref == 0) return false;
+        readRec(target, TNodeNr{tNode.ref});
+        return true;
+    }
+    if (tNode.typeCode == TYP_SELECTION && tNode.syntax > 0) {
+        const KeepRec<KIND_SNODE> keepEntry;
+        readRec(module, SNodeNr{static_cast<uint32_t>(tNode.syntax)});
+        return sNode.value > 0 && readSolvedType(module);
+    }
+    return tNode.typeCode == TYP_FIELDLIST && tNode.refMod == REF_OBJECT && skipFieldList();
+}
+template <> bool step<KIND_VNODE>() {
+    if (vNode.valCode != TYP_SYNONYM) return false;
+    ModuleRec* target = refModule(recState.currTPtr[KIND_VNODE], vNode.refMod);
+    if (target == nullptr || vNode.ref == 0) return false;
+    readRec(target, VNodeNr{vNode.ref});
+    return true;
+}
+
+/// The records of a long walk that are noted, and those of them without an instance behind them so
+/// far.
+template <RecKind K> struct Trail {
+    std::vector<RecRef<K>> at;
+    std::vector<RecRef<K>> instance;
+    void catchInstance(RecRef<K> caught) {
+        if (caught) instance.resize(at.size(), caught);
+    }
+    void note(RecRef<K> end) {
+        instance.resize(at.size());
+        for (size_t i = 0; i < at.size(); ++i)
+            jumpsOf<K>(at[i].module)[at[i].nr.nr] = {end, instance[i]};
+    }
+};
+
+/// Walks to the end of the chain of references and returns the first instantiating one.
+template <RecKind K> RecRef<K> walk() {
+    RecRef<K> first; // instantiating reference
+    Trail<K> trail;
+    RecRef<K> mark = currentRec<K>(); // passed again: a cycle
+    uint64_t lap = 1;
+    const auto meet = [&](RecRef<K> caught) {
+        if (!first) first = caught;
+        trail.catchInstance(caught);
+    };
+    for (uint64_t steps = 0;;) {
+        const RecRef<K> here = currentRec<K>();
+        if (steps >= jumpStride) {
+            auto& jumps = jumpsOf<K>(here.module);
+            if (const auto jump = jumps.find(here.nr.nr); jump != jumps.end()) {
+                meet(jump->second.instance);
+                readRec(jump->second.end);
+                break;
+            }
+            if (steps % jumpStride == 0) trail.at.push_back(here);
+        }
+        if (isCaught<K>()) meet(here);
+        if (isReference<K>() && !isSolved<K>()) trail = {};
+        if (!step<K>()) break;
+        if (currentRec<K>() == mark) return first;
+        if (++steps == lap) {
+            mark = currentRec<K>();
+            lap *= 2;
+        }
+    }
+    trail.note(currentRec<K>());
+    return first;
+}
+
+} // namespace
+
+ModuleRec* refModule(ModuleRec* module, int32_t refMod) {
+    if (refMod == REF_OWN) return module;
+    return refMod > REF_OWN ? getModPtr(module, static_cast<uint32_t>(refMod)) : nullptr;
+}
+
+bool skipFieldList() {
+    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    if (tNode.syntax <= 0) return false;
+    const KeepRec<KIND_SNODE> keepEntry;
+    return readLastEntry(module, SNodeNr{static_cast<uint32_t>(tNode.syntax)}) &&
+           readSolvedType(module);
+}
+
+void skipTypesCatchInst(bool classFieldTypes, NodeContext* instance) {
+    for (int fields = 0; fields < maxFieldSteps; ++fields) {
+        const TNodeRef caught = walk<KIND_TNODE>();
+        if (instance != nullptr && instance->nr == 0 && caught)
+            *instance = {caught.module, caught.nr.nr};
+        if (!classFieldTypes || tNode.typeCode != TYP_FIELDLIST || !skipFieldList()) return;
+    }
+}
+void skipTypes(bool classFieldTypes) {
+    skipTypesCatchInst(classFieldTypes, nullptr);
+}
+
+void skipValues(bool fields) {
+    for (int steps = 0; steps < maxFieldSteps; ++steps) {
+        walk<KIND_VNODE>();
+        if (!fields || vNode.valCode != TYP_FIELDLIST || vNode.deferred <= 0) return;
+        ModuleRec* module = recState.currTPtr[KIND_VNODE];
+        const KeepRec<KIND_SNODE> keepEntry;
+        if (!readLastEntry(module, SNodeNr{static_cast<uint32_t>(vNode.deferred)})) return;
+        ModuleRec* target = refModule(module, static_cast<int32_t>(sNode.module));
+        if (target == nullptr || sNode.value >= 0) return;
+        readRec(target, VNodeNr{magnitude(sNode.value)});
+    }
+}
+
+} // namespace orvo
