@@ -1,0 +1,166 @@
+#include "support/run.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <stdexcept>
+
+namespace orvo::test {
+namespace {
+
+constexpr unsigned secondsPerRun = 60;
+
+std::string readAll(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+/// A stream of the child, caught in a file without a name.
+struct Catch {
+    std::FILE* file = std::tmpfile();
+    std::string take() {
+        std::rewind(file);
+        std::string text;
+        for (int c = std::getc(file); c != EOF; c = std::getc(file)) text += static_cast<char>(c);
+        std::fclose(file);
+        return text;
+    }
+};
+
+std::vector<char*> pointersOf(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    for (std::string& text : texts) pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+[[noreturn]] void beProgram(const std::filesystem::path& dir, std::vector<char*>& arguments,
+                            const std::vector<std::string>& environment, int out, int err) {
+    unsetenv("VEXO_PRINT_ASN_OPTIONS");
+    for (const std::string& text : environment) {
+        const size_t equals = text.find('=');
+        setenv(text.substr(0, equals).c_str(), text.substr(equals + 1).c_str(), 1);
+    }
+    const rlimit noCore = {0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+    alarm(secondsPerRun);
+    const int nothing = open("/dev/null", O_RDONLY);
+    if (chdir(dir.c_str()) == 0 && dup2(nothing, 0) == 0 && dup2(out, 1) == 1 && dup2(err, 2) == 2)
+        execv(ORVO_PROGRAM, arguments.data());
+    _exit(127);
+}
+
+int statusOf(pid_t child) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+Run runIn(std::shared_ptr<TempDir> dir, std::vector<std::string> arguments,
+          const std::vector<std::string>& environment) {
+    arguments.insert(arguments.begin(), "orvo");
+    std::vector<char*> pointers = pointersOf(arguments);
+    Catch out, err;
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child < 0) throw std::runtime_error("fork failed");
+    if (child == 0)
+        beProgram(dir->path(), pointers, environment, fileno(out.file), fileno(err.file));
+    Run run;
+    run.status = statusOf(child);
+    run.out = out.take();
+    run.err = err.take();
+    run.dir = std::move(dir);
+    return run;
+}
+
+bool isSourceLine(const std::string& line) {
+    const size_t colon = line.find(":  ");
+    return colon != std::string::npos && colon >= 5 &&
+           line.find_first_not_of(" 0123456789") == colon;
+}
+bool isDiagnostic(const std::string& line) {
+    return line.starts_with(" *** ERROR on line ") || line.starts_with("  ** ERROR on line ") ||
+           line.starts_with("  ** WARNING  line ");
+}
+
+} // namespace
+
+TempDir::TempDir() {
+    std::string name = std::filesystem::temp_directory_path() / "orvo-run-XXXXXX";
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
+    path_ = name;
+}
+
+TempDir::~TempDir() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+void TempDir::write(const SourceFile& file) const {
+    const auto path = path_ / file.name;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << file.text;
+}
+
+std::string Run::file(const std::string& name) const {
+    return readAll(dir->path() / name);
+}
+
+bool Run::has(const std::string& name) const {
+    return std::filesystem::exists(dir->path() / name);
+}
+
+std::string Run::listing(const std::string& prefix) const {
+    return maskTimeStamp(file(prefix + ".lst"));
+}
+
+std::string Run::diagnostics(const std::string& prefix) const {
+    std::istringstream lines(file(prefix + ".lst"));
+    std::string found;
+    bool contextMayFollow = false;
+    for (std::string line; std::getline(lines, line);) {
+        const bool starts = isDiagnostic(line);
+        if (starts || (contextMayFollow && !line.empty() && !isSourceLine(line)))
+            found += line + "\n";
+        contextMayFollow = starts && line.starts_with(" ***");
+    }
+    return found;
+}
+
+std::string Run::tree(const std::string& prefix) const {
+    return file(prefix + ".stx");
+}
+
+Run runOrvo(const std::vector<SourceFile>& files, const std::vector<std::string>& arguments,
+            const std::vector<std::string>& environment) {
+    auto dir = std::make_shared<TempDir>();
+    for (const SourceFile& file : files) dir->write(file);
+    return runIn(std::move(dir), arguments, environment);
+}
+
+Run compile(const std::vector<SourceFile>& files, std::vector<std::string> options) {
+    options.push_back(files.at(0).name);
+    return runOrvo(files, options);
+}
+
+Run runAgain(const Run& earlier, const std::vector<std::string>& arguments,
+             const std::vector<std::string>& environment) {
+    return runIn(earlier.dir, arguments, environment);
+}
+
+std::string maskTimeStamp(std::string text) {
+    const std::regex stamp("on [0-9]{2}\\.[0-9]{2}\\.[0-9]{4} at [0-9]{1,2}:[0-9]{2}\\.[0-9]{2}\n");
+    return std::regex_replace(text, stamp, "on DATE\n");
+}
+
+} // namespace orvo::test
