@@ -34,6 +34,7 @@ struct ParserState {
     int16_t NbErrors = 0;                  // syntax errors of this module, at most 500
     bool MGStop = false;                   // parsing has stopped, the current token is End-Of-File
     bool Parsing = true;                   // an error may be reported: one per token
+    uint64_t consumed = 0;                 // tokens consumed so far: tells whether a rule got on
     int16_t openInst = 0;                  // > 0: in the own text of a type assignment
     DNode deferred = {0xFFFF, 0, 0, 0, 0}; // the range being recorded; count 0xFFFF = none
     uint32_t inDeferred = 0; // > 0: in a type inside deferred notation, which anything

@@ -4,6 +4,7 @@
 // tokens. Types inside it are parsed at once; a marker token with the number of their node stands
 // in front of where they were.
 
+#include "lex/orvotok.h"
 #include "tree/orvodef.h"
 
 namespace orvo {
@@ -19,6 +20,8 @@ void storeDeferList(DNodeNr nr);
 void storeDeferList(DNode& saveTo);
 /// A range is being recorded.
 [[nodiscard]] bool isDeferring();
+/// Appends a consumed token to the range being recorded, which takes the record over.
+void deferToken(TokNr nr);
 
 // Rules. The TNode and the VNode that were current (and pending) before are so afterwards. Those
 // that record a range return its number; none when the module has a syntax error or the tokens went
