@@ -34,8 +34,8 @@ struct NodeRefHash {
 /// search; only the functions below add and take.
 struct NodeList {
     NodeListKind kind = NODES_TYPE;
-    std::vector<NodeRef> nodes; // the bottom first
-    std::unordered_map<NodeRef, uint32_t, NodeRefHash> index;
+    std::vector<NodeRef> nodes = {}; // the bottom first
+    std::unordered_map<NodeRef, uint32_t, NodeRefHash> index = {};
     bool indexed = false;
 };
 

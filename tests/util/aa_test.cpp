@@ -1,0 +1,172 @@
+#include "util/aa.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+namespace orvo {
+namespace {
+
+constexpr uint32_t copied = AA_KEY_COPY | AA_VAL_REF;
+
+AaTable table(uint32_t flags, size_t keyLength = 0) {
+    return AaTable(aaCreateContext(flags, keyLength));
+}
+
+void putNumbers(AaContext* aa, int from, int to) {
+    for (int i = from; i <= to; ++i)
+        ASSERT_EQ(aaPut(aa, std::to_string(i).c_str(), static_cast<AaValue>(i)), 0);
+}
+
+TEST(Aa, GrowsAtNinetyAndShrinksAtTwentyPerCent) {
+    const AaTable aa = table(copied);
+    putNumbers(aa.get(), 1, 56);
+    EXPECT_EQ(aa->listSize, 64U);
+    putNumbers(aa.get(), 57, 57);
+    EXPECT_EQ(aa->listSize, 128U);
+    EXPECT_EQ(aa->highThreshold, 115U);
+    EXPECT_EQ(aa->lowThreshold, 25U);
+    for (int i = 57; i > 26; --i) EXPECT_EQ(aaDelete(aa.get(), std::to_string(i).c_str()), 0);
+    EXPECT_EQ(aa->listSize, 128U);
+    EXPECT_EQ(aaDelete(aa.get(), "26"), 0);
+    EXPECT_EQ(aa->listSize, 64U);
+    EXPECT_EQ(aaDelete(aa.get(), "26"), -1);
+    for (int i = 1; i <= 25; ++i)
+        EXPECT_EQ(aaGet(aa.get(), std::to_string(i).c_str()), static_cast<AaValue>(i));
+}
+
+TEST(Aa, OnlyAWideHashLiftsTheLimitOfTheBuckets) {
+    const AaTable narrow = table(copied), wide = table(copied | AA_WIDE_HASH);
+    for (AaContext* aa : {narrow.get(), wide.get()}) {
+        putNumbers(aa, 1, 70000);
+        for (int i = 1; i <= 70000; ++i)
+            ASSERT_EQ(aaGet(aa, std::to_string(i).c_str()), static_cast<AaValue>(i));
+    }
+    EXPECT_EQ(narrow->listSize, 65536U);
+    EXPECT_EQ(narrow->highThreshold, 0U);
+    EXPECT_EQ(wide->listSize, 131072U);
+}
+
+// The last entries of the CRC table are 0x0ED1 and 0x1EF0.
+TEST(Aa, HashesByteByByteFromTheLowEnd) {
+    const AaTable fixed = table(copied, 1), str8 = table(copied);
+    const AaTable str16 = table(copied | AA_CHARWIDTH16), str32 = table(copied | AA_CHARWIDTH32);
+    const AaTable two = table(copied, 2), four = table(copied, 4);
+    EXPECT_EQ(aaCalcHash(fixed.get(), "\0"), 0x1E0FU);
+    EXPECT_EQ(aaCalcHash(fixed.get(), "\1"), 0x0E2EU);
+    EXPECT_EQ(aaCalcHash(str8.get(), "\1"), 0x0E2EU);
+    EXPECT_EQ(aaCalcHash(str8.get(), ""), 0xFFFFU);
+    EXPECT_EQ(aaCalcHash(str16.get(), u"\x0201"), aaCalcHash(two.get(), "\1\2"));
+    EXPECT_EQ(aaCalcHash(str32.get(), U"\x00040201"), aaCalcHash(four.get(), "\1\2\4\0"));
+    EXPECT_NE(aaCalcHash(str16.get(), u"ab"), aaCalcHash(str8.get(), "ab"));
+}
+
+TEST(Aa, KeepsOrReplacesTheValueOfAKnownKey) {
+    const AaTable replacing = table(AA_KEY_COPY | AA_VAL_COPY);
+    std::string key = "key", value = "one";
+    EXPECT_EQ(aaPut(replacing.get(), key.c_str(), aaPointer(value.c_str())), 0);
+    key = "other", value = "two"; // the table has copies
+    EXPECT_STREQ(reinterpret_cast<const char*>(aaGet(replacing.get(), "key")), "one");
+    EXPECT_EQ(aaPut(replacing.get(), "key", aaGet(replacing.get(), "key")), 1);
+    EXPECT_STREQ(reinterpret_cast<const char*>(aaGet(replacing.get(), "key")), "one");
+
+    const AaTable keeping = table(copied | AA_NO_REPLACE);
+    EXPECT_EQ(aaPut(keeping.get(), "key", 1), 0);
+    EXPECT_EQ(aaPut(keeping.get(), "key", 2), 1);
+    EXPECT_EQ(aaGet(keeping.get(), "key"), 1U);
+    EXPECT_EQ(aaGet(keeping.get(), "kez"), 0U);
+    EXPECT_EQ(aaGetNumEntries(keeping.get()), 1U);
+}
+
+TEST(Aa, IgnoresCaseOfKeysOfAnyLength) {
+    const AaTable aa = table(copied | AA_CASEINSIG);
+    const std::string lower(1000, 'z'), upper(1000, 'Z');
+    EXPECT_EQ(aaPut(aa.get(), lower.c_str(), 7), 0);
+    EXPECT_EQ(aaPut(aa.get(), upper.c_str(), 8), 1);
+    EXPECT_EQ(aaGet(aa.get(), lower.c_str()), 8U);
+    EXPECT_EQ(aaGet(aa.get(), (lower + "z").c_str()), 0U);
+}
+
+TEST(Aa, ComparesTheWholeOfWideKeys) {
+    const AaTable aa = table(copied | AA_CHARWIDTH32);
+    EXPECT_EQ(aaPut(aa.get(), U"\x00010041", 1), 0);
+    EXPECT_EQ(aaPut(aa.get(), U"\x00020041", 2), 0);
+    EXPECT_EQ(aaGet(aa.get(), U"\x00010041"), 1U);
+    EXPECT_EQ(aaGet(aa.get(), U"A"), 0U);
+}
+
+TEST(Aa, RefusesContradictingFlags) {
+    constexpr struct {
+        uint32_t flags;
+        size_t keyLength;
+        bool made;
+        const char* message;
+    } cases[] = {
+        {copied | AA_CASEINSIG, 4, true, "fixed length of keys used, flag AA_CASEINSIG ignored"},
+        {copied | AA_CHARWIDTH16, 4, false,
+         "16 or 32 bit characters may only be used with arbitrary length keys"},
+        {copied | AA_CHARWIDTH32 | AA_CASEINSIG, 0, false,
+         "case-insignificant comparison for 16 or 32 bit char strings not implemented"},
+        {copied | AA_CHARWIDTH16 | AA_CHARWIDTH32, 0, false,
+         "cannot specify both AA_CHARWIDTH16 and AA_CHARWIDTH32"},
+        {AA_VAL_REF, 0, false, "No AA_KEY specifier"},
+        {AA_KEY_REF, 0, false, "No AA_VAL specifier"},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.message);
+        testing::internal::CaptureStderr();
+        const AaTable aa = table(row.flags, row.keyLength);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                  std::string("aaCreateContext: ") + row.message + "\n");
+        EXPECT_EQ(aa != nullptr, row.made);
+    }
+}
+
+TEST(Aa, AScanSeesEveryEntryAndHoldsBackResizing) {
+    const AaTable aa = table(copied);
+    putNumbers(aa.get(), 1, 50);
+    aaScanBegin(aa.get(), nullptr);
+    putNumbers(aa.get(), 51, 300);
+    EXPECT_EQ(aa->listSize, 64U);
+    std::set<AaValue> seen;
+    AaValue value = 0;
+    aaScanBegin(aa.get(), nullptr);
+    while (aaScanNext(aa.get(), value) != nullptr) EXPECT_TRUE(seen.insert(value).second);
+    EXPECT_EQ(seen.size(), 300U);
+    aaScanBegin(aa.get(), "17");
+    EXPECT_STREQ(static_cast<const char*>(aaScanNext(aa.get(), value)), "17");
+    aaScanEnd(aa.get());
+    EXPECT_EQ(aa->listSize, 512U); // 300 reaches 57, 115 and 230, not 460
+}
+
+TEST(Aa, AScanGoesOnBehindAnEntryThatLeaves) {
+    const AaTable aa = table(copied);
+    putNumbers(aa.get(), 1, 20);
+    size_t seen = 0;
+    AaValue value = 0;
+    aaScanBegin(aa.get(), nullptr);
+    while (aaScanNext(aa.get(), value) != nullptr) {
+        ++seen;
+        if (aa->scanEntry == nullptr) continue;
+        const std::string next = static_cast<const char*>(aa->scanEntry->key);
+        EXPECT_EQ(aaDelete(aa.get(), next.c_str()), 0);
+    }
+    aaScanEnd(aa.get());
+    EXPECT_EQ(seen, 10U);
+    EXPECT_EQ(aaGetNumEntries(aa.get()), 10U);
+}
+
+TEST(Aa, DumpShowsEntriesWithTheirHash) {
+    const AaTable aa = table(AA_KEY_COPY | AA_VAL_COPY);
+    aaPut(aa.get(), "\1", aaPointer("text"));
+    testing::internal::CaptureStdout();
+    aaDumpTable(aa.get());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Dumping table, ListSize = 64\n"
+              " 46: \1, entry->Hash=e2e, calc=e2e, value=text\n"
+              "1 objects\n");
+}
+
+} // namespace
+} // namespace orvo
