@@ -57,6 +57,9 @@ STabNr updateSymbTab(int32_t name, uint8_t flags, uint32_t line);
 /// The formal parameter (or named number) at a position from 1; 0 when the list is shorter.
 STabNr formalAt(STabNr formals, uint32_t position);
 
+/// Gives a symbol of a table its definition.
+void setSymbolNode(SymTab& table, STabNr symbol, int32_t node);
+
 /// Looks a name up in the current module's own table, then among the imported symbols of references
 /// other than `moduleRef`. A `moduleRef` of 0 is set to where the symbol was found; 0 = not found.
 STabNr findSymbTabRec(int32_t& moduleRef, int32_t name);

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "lex/orvotok.h"
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
 
@@ -15,7 +14,7 @@ namespace orvo {
 /// evaluates its global options and takes number 1 of the module records for the module itself.
 /// `name`: string number; `hasObjId`: a definitive identifier follows, whose value is the next
 /// record.
-void handleModuleId(int32_t name, bool hasObjId, uint32_t line, OptRange& options);
+void handleModuleId(int32_t name, bool hasObjId, uint32_t line, uint32_t& optFlags);
 
 /// Module record for the name of a module that the current one refers to, created as needed.
 ModuleRec* nameToModPtr(std::string_view name);
@@ -30,11 +29,11 @@ void handleExtRef(int32_t& moduleRef, int32_t name, uint32_t line);
 /// Number by which `module` refers to `target`: 1 for itself; a reference is made when there is
 /// none.
 uint32_t handleImplImports(ModuleRec* module, ModuleRec* target);
-/// The reference of a module with that number, nullptr when there is none (as for 0 and 1).
-ModRef* modRefByNumber(const ModuleRec* module, uint32_t number);
 /// Takes back the references with numbers from `number` on (made during a trial parse that failed).
 void dropModRefsFrom(ModuleRec* module, uint32_t number);
 
+/// Makes a reference lead to no module: what it names cannot be used.
+void dropTarget(ModuleRec* module, ModRef& ref);
 /// Marks the imported symbols of a reference that the current module's own table has too.
 void loadImpSymbols(ModRef& ref);
 /// Gives the symbols of a reference their definitions from the referenced module's exports.

@@ -170,6 +170,7 @@ struct ModuleRec {
     std::vector<ErrRec> errors;                  // sorted by line, then order of recording
     std::FILE* srcFile = nullptr;                // open during pass 1 and during the listing
     std::FILE* lstFile = nullptr;                // open during the listing
+    uint64_t touchedIn = 0;                      // the trial parse that has noted the counters
     std::unique_ptr<RecPages, RecPagesDeleter> recDir[kindCount];
     std::unique_ptr<StriCacheRec, StriCacheDeleter> striCache;
     std::unique_ptr<FindCache, FindCacheDeleter> findCache;

@@ -25,6 +25,7 @@ DNode dNode;
 ANode aNode;
 
 RecState recState;
+TrialState trialState;
 
 namespace {
 
@@ -164,6 +165,7 @@ void changeCMP(ModuleRec* module) {
     flushRecs(-1);
     for (RecPlace& pending : recState.writePend) pending.module = module;
     cMP = module;
+    if (module != nullptr) touchModule(module);
 }
 
 void initAnyPassVars() {
@@ -186,6 +188,7 @@ void restoreNodeContext(RecKind kind, const NodeContext& context) {
 void resetStore() {
     cMP = nullptr;
     recState = {};
+    trialState = {};
     for (int kind = 0; kind < kindCount; ++kind) {
         void* buffer = bufferOf(static_cast<RecKind>(kind));
         if (buffer != nullptr) std::memset(buffer, 0, recSize[kind]);

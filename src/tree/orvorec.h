@@ -88,6 +88,18 @@ void changeCMP(ModuleRec* module);
 /// Points the per-kind cursors at the current module: nothing read, nothing pending (start of a pass).
 void initAnyPassVars();
 
+/// Trial parses note the counters of a module before it is changed for the first time since they began
+/// (solve/solve_cur). Whoever changes counters, module references or strings of a module other than the
+/// current one calls touchModule first; changeCMP and putStri do.
+struct TrialState {
+    uint64_t current = 0;                  // number of the innermost trial; 0 = none
+    void (*note)(ModuleRec*) = nullptr;
+};
+extern TrialState trialState;
+inline void touchModule(ModuleRec* module) {
+    if (module->touchedIn != trialState.current) trialState.note(module);
+}
+
 // ---- guards -----------------------------------------------------------------------------------------
 
 struct NodeContext {

@@ -105,6 +105,7 @@ uint32_t putStriInternal(ModuleRec* module, const void* text, size_t length, Rec
 template <typename Char> uint32_t putText(ModuleRec* module, std::basic_string_view<Char> text,
                                           std::basic_string<Char>& scratch, RecKind kind) {
     if (module == nullptr || text.data() == nullptr) fatalError(Fatal::WriteRecord);
+    touchModule(module);
     scratch.assign(text.substr(0, text.find(Char{})));
     return putStriInternal(module, scratch.c_str(), scratch.size(), kind);
 }

@@ -1,0 +1,168 @@
+// Modules that a module names.
+//
+// Invariants: references are numbered in the order in which they are made, so numbers ascend along
+// the list. At most one reference of a module leads to a module record, and the index by target
+// leads to it.
+
+#include "symtab/orvosym_imp.h"
+
+#include <algorithm>
+
+#include "diag/orvoerr.h"
+#include "driver/orvofil.h"
+#include "driver/orvofil_fix.h"
+#include "options/orvoopt_glb.h"
+#include "symtab/orvosym.h"
+#include "tree/orvorec.h"
+#include "tree/orvoutil.h"
+
+namespace orvo {
+
+namespace {
+
+/// A new reference of the current module with the next number.
+ModRef* newModRef(ModuleRec* module, std::string_view name, ModuleRec* target) {
+    touchModule(module);
+    return createPicRec(module->modRefs, name, target, module->nextRecNr[KIND_MNODE]++);
+}
+
+/// The module of a name that the current one has no reference of. One that it cannot refer to a
+/// second time, or that its own file holds, is reported, and there is none.
+ModuleRec* distinctModule(std::string_view name, uint32_t line) {
+    ModuleRec* const module = nameToModPtr(name);
+    if (module != cMP && !cMP->modRefs.byModule.contains(module)) return module;
+    recordError(cMP, ERR_SEMANTIC, Msg::CheckFilePrefixes, line, name);
+    return nullptr;
+}
+
+/// The reference that an IMPORTS clause fills.
+ModRef* modRefOfClause(std::string_view name, uint32_t line) {
+    ModRef* const known = findPicRec(cMP->modRefs, name);
+    if (known != nullptr && known->state == 1) return known;
+    if (known != nullptr || name == cMP->moduleName) {
+        recordError(cMP, ERR_SEMANTIC, Msg::ChangeModuleName, line, name);
+        return newModRef(cMP, name, nullptr);
+    }
+    return newModRef(cMP, name, distinctModule(name, line));
+}
+
+/// Enters the symbols that a clause has brought into the index of imported names, where the
+/// references of a name stand in the order of the list.
+void indexImported(ModRef& ref) {
+    for (STabNr nr = ref.symbols.first; nr; nr = STabNr{symAt(nr).next}) {
+        if ((symAt(nr).flags & SYM_IMPORTED) == 0) continue;
+        auto& places = cMP->modRefs.imported[symAt(nr).name];
+        auto at = places.end();
+        while (at != places.begin() && std::prev(at)->first->number > ref.number) --at;
+        places.insert(at, {&ref, nr});
+    }
+}
+
+/// The symbol of the exporting module that an importing name leads to; 0 = none.
+STabNr exportedSymbol(ModuleRec* exporter, int32_t name) {
+    const auto number = static_cast<int32_t>(findStri(exporter, getStri(cMP, name)).nr);
+    if (number == 0) return {};
+    const STabNr found = findSymbol(exporter->symTab, name < 0 ? -number : number);
+    if (!found || exporter->exportsState == 0) return found;
+    return (symAt(found).flags & SYM_EXPORTED) != 0 ? found : STabNr{};
+}
+
+} // namespace
+
+void handleModuleId(int32_t name, bool hasObjId, uint32_t line, uint32_t& optFlags) {
+    const std::string_view text = getStri(cMP, name);
+    cMP->moduleName = text;
+    cMP->timeStamp = run.timeStamp;
+    cMP->parseState = PARSE_OK;
+    checkGlobalOptions(cMP, optFlags, cMP->options.range, line);
+    if (cMP->filePrefix.empty()) {
+        cMP->filePrefix = str2prefix(text);
+        cMP->generationPrefix = cMP->filePrefix;
+    }
+    ++cMP->nextRecNr[KIND_MNODE]; // record 1 is the module itself
+    if (hasObjId) cMP->objIdValueNr = nextRec<KIND_VNODE>(cMP);
+}
+
+ModuleRec* nameToModPtr(std::string_view name) {
+    const ModRef* mapped = findPicRec(cMP->options.prefixTable, name);
+    if (mapped != nullptr && mapped->module != nullptr) return mapped->module;
+    const std::string prefix = str2prefix(name);
+    return findOrCreateModRec(prefix, prefix, name);
+}
+
+void handleImports(SymTab& symbolList, int32_t moduleName, bool hasAssignedId, uint32_t line) {
+    ModRef* const ref = modRefOfClause(getStri(cMP, moduleName), line);
+    ref->state = 2;
+    ref->line = line;
+    catSymTab(ref->symbols, symbolList, SYM_IMPORTED);
+    indexImported(*ref);
+    if (hasAssignedId) ref->value = nextRec<KIND_VNODE>(cMP);
+}
+
+void handleExtRef(int32_t& moduleRef, int32_t name, uint32_t line) {
+    const std::string_view moduleName = getStri(cMP, moduleRef);
+    SymTab* list = &cMP->symTab;
+    moduleRef = REF_OWN;
+    if (moduleName != cMP->moduleName) {
+        ModRef* ref = findPicRec(cMP->modRefs, moduleName);
+        if (ref == nullptr) {
+            ref = newModRef(cMP, moduleName, distinctModule(moduleName, line));
+            ref->state = 1;
+            ref->line = line;
+        }
+        moduleRef = static_cast<int32_t>(ref->number);
+        list = &ref->symbols;
+    }
+    if (findSymbol(*list, name)) return;
+    SymTab entered;
+    handleSymbol(entered, name, 0, line);
+    catSymTab(*list, entered, 0);
+}
+
+uint32_t handleImplImports(ModuleRec* module, ModuleRec* target) {
+    if (target == module) return REF_OWN;
+    const auto found = module->modRefs.byModule.find(target);
+    if (found != module->modRefs.byModule.end()) return found->second->number;
+    return newModRef(module, target->moduleName, target)->number;
+}
+
+void dropModRefsFrom(ModuleRec* module, uint32_t number) {
+    const auto& refs = module->modRefs.refs;
+    size_t keep = refs.size();
+    while (keep != 0 && refs[keep - 1]->number >= number) --keep;
+    if (keep != refs.size()) dropPicRecs(module->modRefs, keep);
+}
+
+void dropTarget(ModuleRec* module, ModRef& ref) {
+    const auto found = module->modRefs.byModule.find(ref.module);
+    if (found != module->modRefs.byModule.end() && found->second == &ref)
+        module->modRefs.byModule.erase(found);
+    ref.module = nullptr;
+}
+
+void loadImpSymbols(ModRef& ref) {
+    for (STabNr nr = ref.symbols.first; nr; nr = STabNr{symAt(nr).next}) {
+        STabRec& symbol = symAt(nr);
+        if ((symbol.flags & SYM_IMPORTED) != 0 && findSymbol(cMP->symTab, symbol.name))
+            symbol.flags |= SYM_ALSO_LOCAL;
+    }
+}
+
+void defineImpSymbols(ModRef& ref) {
+    for (STabNr nr = ref.symbols.first; nr; nr = STabNr{symAt(nr).next}) {
+        STabRec& symbol = symAt(nr);
+        const STabNr exported = exportedSymbol(ref.module, symbol.name);
+        if (!exported) continue;
+        const STabRec& definition = symAt(exported);
+        setSymbolNode(ref.symbols, nr, definition.node);
+        symbol.formals = definition.formals;
+        const uint8_t braces = definition.flags & SYM_PARAMETERIZED;
+        if ((symbol.flags & SYM_IMPORTED) != 0 && (symbol.flags & SYM_PARAMETERIZED) != braces)
+            recordError(cMP, ERR_SEMANTIC,
+                        braces != 0 ? Msg::BracesExpected : Msg::BracesNotAllowed, symbol.line,
+                        getStri(cMP, symbol.name));
+        symbol.flags = static_cast<uint8_t>((symbol.flags & ~SYM_PARAMETERIZED) | braces);
+    }
+}
+
+} // namespace orvo

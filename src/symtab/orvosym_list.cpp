@@ -1,0 +1,142 @@
+// The cross-reference: undefined symbols, then the defined types and values, each with where it
+// comes from and where it is used.
+//
+// Invariants: the symbols of all tables are collected and sorted once; symbols of one name keep the
+// order own table, then references in order. Anonymous symbols (of named numbers) are not listed.
+
+#include "symtab/orvosym_list.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "diag/orvozov.h"
+#include "symtab/orvosym.h"
+#include "tree/orvorec.h"
+
+namespace orvo {
+
+namespace {
+
+struct Listed {
+    std::string_view name;
+    const ModRef* ref = nullptr; // null: the own table
+    STabNr symbol;
+    bool isValue = false, defined = false;
+};
+
+/// Uses that fit on one line of the listing.
+constexpr size_t usesPerLine = 10;
+
+void collect(const SymTab& table, const ModRef* ref, std::vector<Listed>& symbols) {
+    for (STabNr nr = table.first; nr; nr = STabNr{symAt(nr).next}) {
+        const STabRec& symbol = symAt(nr);
+        if (symbol.name == 0) continue;
+        symbols.push_back({getStri(cMP, symbol.name), ref, nr, symbol.name < 0, symbol.node != 0});
+    }
+}
+
+std::vector<Listed> sortedSymbols() {
+    std::vector<Listed> symbols;
+    collect(cMP->symTab, nullptr, symbols);
+    for (const ModRef* ref = cMP->modRefs.modRefFirst; ref != nullptr; ref = ref->next)
+        collect(ref->symbols, ref, symbols);
+    std::ranges::stable_sort(symbols, {}, &Listed::name);
+    return symbols;
+}
+
+/// A line number, at least five characters wide.
+std::string padded(uint32_t line) {
+    const std::string digits = std::to_string(line);
+    return std::string(digits.size() < 5 ? 5 - digits.size() : 0, ' ') + digits;
+}
+
+void appendUses(std::string& text, const std::vector<uint32_t>& uses) {
+    text += " usage     :\n";
+    if (uses.empty()) {
+        text += "   not used\n";
+        return;
+    }
+    text += "   line";
+    for (size_t i = 0; i < uses.size(); ++i) {
+        if (i != 0 && i % usesPerLine == 0) text += "\n       ";
+        text += ' ' + padded(uses[i]);
+    }
+    text += '\n';
+}
+
+/// Tells the user of an undefined symbol, once per use.
+void reportUndefined(const Listed& listed, const std::vector<uint32_t>& uses) {
+    const OptionBlock& options = cMP->options;
+    if (zovIsActive()) {
+        zovSummaryWarning(options.sourceDir, options.sourceFileName,
+                          uses.empty() ? 0 : static_cast<int>(uses.front()),
+                          "Undefined symbol (first use)", listed.name);
+    }
+    if (run.verbose == VERBOSE_NONE) return;
+    std::string text;
+    for (const uint32_t line : uses.empty() ? std::vector<uint32_t>{1} : uses) {
+        text += options.sourceFileName;
+        text += '(' + std::to_string(line) + "): *** ERROR: ";
+        text.append(listed.name).append(" undefined\n");
+    }
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+void printSymbol(const Listed& listed) {
+    const STabRec& symbol = symAt(listed.symbol);
+    const std::vector<uint32_t> uses = usesOf(listed.symbol);
+    if (!listed.defined) reportUndefined(listed, uses);
+    std::string text = "\n";
+    text += listed.name;
+    if ((symbol.flags & SYM_EXPORTED) != 0)
+        text += " exported";
+    else if ((symbol.flags & SYM_IMPORTED) != 0)
+        text += " imported";
+    if (listed.ref != nullptr) {
+        text += " from " + listed.ref->name;
+        const ModuleRec* module = listed.ref->module;
+        if (module != nullptr && module->moduleName != listed.ref->name)
+            text += " (" + module->moduleName + ")";
+    }
+    text += '\n';
+    if (listed.defined) text += " definition:\n   line " + padded(symbol.line) + '\n';
+    if (cMP->options.xref) appendUses(text, uses);
+    std::fwrite(text.data(), 1, text.size(), cMP->lstFile);
+}
+
+/// One section: its heading and the selected symbols, or the line that says there are none.
+void printSTab(const std::vector<Listed>& symbols, bool isValue, bool defined, const char* heading,
+               const char* none) {
+    const auto selected = [&](const Listed& listed) {
+        return listed.isValue == isValue && listed.defined == defined;
+    };
+    if (std::ranges::none_of(symbols, selected)) {
+        std::fputs(none, cMP->lstFile);
+        return;
+    }
+    std::fputs(heading, cMP->lstFile);
+    for (const Listed& listed : symbols)
+        if (selected(listed)) printSymbol(listed);
+}
+
+} // namespace
+
+void printSymTab(int32_t& nbSymErrors) {
+    const std::vector<Listed> symbols = sortedSymbols();
+    nbSymErrors = static_cast<int32_t>(
+        std::ranges::count_if(symbols, [](const Listed& listed) { return !listed.defined; }));
+    printSTab(symbols, false, false, "\n*** ERROR - Undefined types:\n",
+              "\nNo undefined types detected\n");
+    printSTab(symbols, true, false, "\n*** ERROR - Undefined values:\n",
+              "\nNo undefined values detected\n");
+    if (!cMP->options.xref) return;
+    printSTab(symbols, false, true, "\nUSER DEFINED TYPES\n==================\n",
+              "\nNo user defined types\n");
+    printSTab(symbols, true, true, "\nUSER DEFINED VALUES\n==================\n",
+              "\nNo user defined values\n");
+}
+
+} // namespace orvo
