@@ -31,6 +31,8 @@ void dropPicRecs(ModRefList& list, size_t keep);
 /// Stores an option text, lead-in character included, as a record of the current module and extends
 /// the range. The records of one range must be added without others of the kind in between.
 TedNr addTedRec(OptRange& range, uint8_t kind, std::string_view text);
+/// Text of the option record in the buffer without its lead-in character.
+std::string_view tedText(ModuleRec* module);
 /// Calls fn(number) for every option record of the range. An empty range has none; first 0 counts
 /// as 1.
 template <typename Fn> void forEachTedRec(OptRange range, Fn&& fn) {

@@ -22,9 +22,15 @@ enum class OptStage : uint8_t {
     Value,   // pass 3, option records of kind 3 with a value
 };
 
+/// An option in use: what its check may read and change.
+struct OptUse {
+    OptionBlock& block;
+    ModuleRec* module; // null while defaults are set
+    TedNr record;      // its option record
+};
 struct GlbOption;
-/// Validates a value and stores it in the module's options. False = rejected, nothing is stored.
-using GlbOptionCheck = bool (*)(ModuleRec* module, const GlbOption& row, std::string_view value);
+/// Validates a value and stores it. False = rejected, nothing is stored.
+using GlbOptionCheck = bool (*)(const OptUse& use, const GlbOption& row, std::string_view value);
 
 /// A row of the table of global options.
 struct GlbOption {
@@ -33,8 +39,8 @@ struct GlbOption {
     GlbOptionCheck check;
     int32_t min, max; // bounds of numbers
     std::span<const ValueName> names;
-    std::string_view dflt;   // a value that sets the default; empty = none
-    std::string_view values; // what stands behind the "=", for people
+    std::string_view dflt;   // empty = not given
+    std::string_view values; // alternatives separated by "|", for people
     std::string_view help;
 };
 /// All global options in the order of the table.
