@@ -1,0 +1,31 @@
+#!/bin/bash
+# Builds the compiler and compiles the examples; shows a listing, a diagnostic and what is in a tree file.
+set -e
+cd "$(dirname "$0")"
+. tools/need.sh
+need cmake cmake ninja ninja-build g++ g++
+
+cmake --preset release -DORVO_TESTS=OFF >/dev/null
+cmake --build --preset release --parallel "$(nproc)"
+orvo=$PWD/build/release/orvo
+stxdump=$(find "$PWD/build/release" -name stxdump -type f | head -1)
+out=$PWD/out
+
+# An example is a folder with a file "arguments"; listings and trees go to out/.
+for arguments in examples/*/arguments; do
+    folder=$(dirname "$arguments")
+    mkdir -p "$out/$(basename "$folder")"
+    echo
+    echo "==== $folder: orvo $(cat "$arguments")"
+    (cd "$folder" && xargs "$orvo" "-L=$out/$(basename "$folder")" "-S=$out/$(basename "$folder")" \
+        <arguments) || true
+done
+
+echo
+echo "==== the listing of a module with an error"
+cat "$out/faulty/faulty.lst"
+if [ -n "$stxdump" ]; then
+    echo
+    echo "==== the beginning of what a back end reads of examples/first/address.asn"
+    "$stxdump" "$out/first/adr.stx" | sed -n 1,40p
+fi
