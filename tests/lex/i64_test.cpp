@@ -1,0 +1,123 @@
+#include "lex/i64.h"
+
+#include <gtest/gtest.h>
+
+namespace orvo {
+namespace {
+
+constexpr int64_t largest = INT64_MAX, smallest = INT64_MIN;
+
+TEST(I64, TextIsANumberOnlyInItsShortestForm) {
+    constexpr struct {
+        const char* text;
+        bool ok;
+        int64_t value;
+    } cases[] = {{"0", true, 0},
+                 {"-1", true, -1},
+                 {"9223372036854775807", true, largest},
+                 {"-9223372036854775807", true, -largest},
+                 {"-9223372036854775808", true, smallest},
+                 {"9223372036854775808", false, largest},
+                 {"-9223372036854775809", false, largest},
+                 {"21000000000000000000", false, largest}, // wraps to a larger number than before
+                 {"00", false, largest},
+                 {"007", false, largest},
+                 {"-0", false, largest},
+                 {"-", false, largest},
+                 {"--1", false, largest},
+                 {"+1", false, largest},
+                 {"12a", false, largest},
+                 {" 1", false, largest},
+                 {"", false, largest}};
+    for (const auto& [text, ok, value] : cases) {
+        SCOPED_TRACE(text);
+        I64 out;
+        EXPECT_EQ(i64strtosint64(text, out), ok);
+        EXPECT_EQ(i64native(out), value);
+    }
+}
+
+TEST(I64, DecimalTextNeedsRoomForItsTerminator) {
+    char buffer[21];
+    EXPECT_STREQ(i64tostr(i64of(-1), buffer, 3), "-1");
+    EXPECT_EQ(i64tostr(i64of(-1), buffer, 2), nullptr);
+    EXPECT_EQ(i64tostr(i64of(1000), buffer, 4), nullptr);
+    EXPECT_STREQ(i64tostr(i64of(0), buffer, 2), "0");
+    EXPECT_STREQ(i64tostr(i64min(), buffer, sizeof buffer), "-9223372036854775808");
+    EXPECT_EQ(i64tostr(i64of(1), nullptr, 4), nullptr);
+    EXPECT_EQ(i64tostr(i64of(1), buffer, 0), nullptr);
+    EXPECT_EQ(i64tostr(i64max()), "9223372036854775807");
+}
+
+TEST(I64, NarrowingSaturatesAndTells) {
+    int32_t word = 0;
+    EXPECT_TRUE(i64tol(i64of(-2147483648), word));
+    EXPECT_EQ(word, INT32_MIN);
+    for (const int64_t value : {int64_t{2147483648}, int64_t{-4294967291}}) {
+        EXPECT_FALSE(i64tol(i64of(value), word));
+        EXPECT_EQ(word, INT32_MAX);
+    }
+    uint32_t unsignedWord = 0;
+    EXPECT_TRUE(i64toul(i64of(4294967295), unsignedWord));
+    EXPECT_EQ(unsignedWord, 4294967295);
+    unsignedWord = 0;
+    EXPECT_FALSE(i64toul(i64of(-1), unsignedWord));
+    EXPECT_EQ(unsignedWord, 4294967295);
+}
+
+TEST(I64, SumsAndProductsWrap) {
+    EXPECT_EQ(i64add(i64max(), i64of(1)), i64min());
+    EXPECT_EQ(i64sub(i64min(), i64of(1)), i64max());
+    EXPECT_EQ(i64addl(i64of(4294967296), -1), i64make(0, 0xFFFFFFFF));
+    EXPECT_EQ(i64subul(i64of(0), 4294967295), i64of(-4294967295));
+    EXPECT_EQ(i64neg(i64min()), i64min());
+    EXPECT_EQ(i64neg(i64of(4294967296)), i64make(-1, 0));
+    EXPECT_EQ(i64mul32(4294967295, 4294967295), i64make(-2, 1)); // high word 4294967294
+    EXPECT_EQ(i64mul(i64of(-3), i64of(4294967296)), i64of(-12884901888));
+    EXPECT_EQ(i64mul(i64max(), i64of(2)), i64of(-2));
+    EXPECT_EQ(i64mull(i64min(), -1), i64min());
+}
+
+TEST(I64, DivisionTruncatesTowardZero) {
+    constexpr struct {
+        int64_t dividend;
+        int32_t divisor;
+        int64_t quotient;
+        int32_t rest;
+    } cases[] = {{7, 3, 2, 1},
+                 {-7, 3, -2, -1},
+                 {7, -3, -2, 1},
+                 {-7, -3, 2, -1},
+                 {smallest, -1, smallest, 0},
+                 {smallest, 10, smallest / 10, -8},
+                 {5, 0, largest, INT32_MAX}};
+    for (const auto& [dividend, divisor, quotient, rest] : cases) {
+        SCOPED_TRACE(std::to_string(dividend) + " / " + std::to_string(divisor));
+        EXPECT_EQ(i64native(i64divl(i64of(dividend), divisor)), quotient);
+        EXPECT_EQ(i64modl(i64of(dividend), divisor), rest);
+    }
+    EXPECT_EQ(i64divul(i64of(-8589934592), 4294967295), i64of(-2));
+    EXPECT_EQ(i64modul(i64of(-8589934592), 4294967295), -2);
+}
+
+TEST(I64, OrderGoesBySignThenWords) {
+    EXPECT_EQ(i64cmp(i64of(-1), i64of(1)), -1);
+    EXPECT_EQ(i64cmp(i64of(4294967296), i64of(4294967295)), 1);
+    EXPECT_EQ(i64cmpl(i64of(-5), -5), 0);
+    EXPECT_EQ(i64cmpul(i64of(-1), 4294967295), -1);
+    EXPECT_FALSE(i64ispos(i64of(0)) || i64isneg(i64of(0)));
+    EXPECT_TRUE(i64ispos(i64make(0, 0x80000000)));
+}
+
+TEST(I64, ShiftsOfWholeWidthLeaveNothingOrTheSign) {
+    EXPECT_EQ(i64shiftl(i64of(1), 63), i64min());
+    EXPECT_EQ(i64shiftl(i64of(1), 64), i64of(0));
+    EXPECT_EQ(i64shiftr(i64of(-256), 4), i64of(-16));
+    EXPECT_EQ(i64shiftr(i64min(), 64), i64of(-1));
+    EXPECT_EQ(i64shiftr(i64max(), 1000), i64of(0));
+    EXPECT_EQ(i64ushiftr(i64of(-1), 32), i64of(4294967295));
+    EXPECT_EQ(i64ushiftr(i64of(-1), 64), i64of(0));
+}
+
+} // namespace
+} // namespace orvo
