@@ -154,13 +154,26 @@ Flattening flatten(ModuleRec* module, TNodeNr first) {
 }
 
 /// The index of a list: the kept one, or one made into `made`.
-const FlatIndex& flatIndexOf(ModuleRec* module, TNodeNr first, Flattening& made) {
+FlatIndex& flatIndexOf(ModuleRec* module, TNodeNr first, Flattening& made) {
     auto& lists = findCacheOf(module).flatLists;
     const auto kept = lists.find(first.nr);
     if (kept != lists.end()) return kept->second;
     made = flatten(module, first);
     if (!made.settled) return made.index;
     return lists.emplace(first.nr, std::move(made.index)).first->second;
+}
+
+/// Place of a component record; 0 when the list does not have it.
+uint32_t placeOf(FlatIndex& index, TNodeRef component) {
+    if (index.byRecord.empty()) {
+        for (const FlatEntry& entry : index.entries) {
+            if (entry.repeated) continue;
+            const NodeRef record{entry.component.module, entry.component.nr.nr};
+            index.byRecord.try_emplace(record, entry.place);
+        }
+    }
+    const auto found = index.byRecord.find({component.module, component.nr.nr});
+    return found != index.byRecord.end() ? found->second : 0;
 }
 
 /// The entry at a place, or the list that covers it; none beyond the end.
@@ -191,11 +204,15 @@ void forgetTakenBack(ModuleRec* module) {
     forgetFrom(cache.flatLists, module->nextRecNr[KIND_TNODE]);
     forgetFrom(cache.valueJumps, module->nextRecNr[KIND_VNODE]);
     forgetFrom(cache.valueChains, module->nextRecNr[KIND_VNODE]);
+    forgetFrom(cache.govChains, module->nextRecNr[KIND_VNODE]);
     // A chain may have lost its end only; its index is made again when it is needed.
     std::erase_if(cache.typeChains, [&](const auto& chain) {
         return chain.second.last >= module->nextRecNr[KIND_TNODE];
     });
     std::erase_if(cache.valueChains, [&](const auto& chain) {
+        return chain.second.last >= module->nextRecNr[KIND_VNODE];
+    });
+    std::erase_if(cache.govChains, [&](const auto& chain) {
         return chain.second.last >= module->nextRecNr[KIND_VNODE];
     });
 }
@@ -259,6 +276,60 @@ bool findByInd(ModuleRec* module, TNodeNr first, uint32_t& position) {
 
 bool findTypeCompByInd(ModuleRec* module, TNodeNr first, uint32_t position) {
     return findByInd(module, first, position);
+}
+
+bool findTypeCompByNr(ModuleRec* module, TNodeNr first, TNodeRef component, uint32_t& position) {
+    TNodeNr nr = first;
+    for (position = 0; nr && position < shortChain;) {
+        readRec(module, nr);
+        if (isCompOf() || isGroup()) break;
+        ++position;
+        if (component == TNodeRef{module, nr}) return true;
+        nr = {tNode.next};
+    }
+    if (!nr) return false;
+    Flattening made;
+    FlatIndex& index = flatIndexOf(module, first, made);
+    const uint32_t place = placeOf(index, component);
+    position = place != 0 ? place : index.count;
+    if (place != 0) readRec(component);
+    return place != 0;
+}
+
+namespace {
+
+bool isGovernedBy(ModuleRec* module, TNodeRef governor) {
+    return vNode.govType == governor.nr.nr &&
+           refModule(module, static_cast<int32_t>(vNode.govTypeMod)) == governor.module;
+}
+
+/// Takes the values that were appended since the last time into the index, the last one excepted.
+void extendGovernors(ModuleRec* module, GovIndex& index) {
+    for (uint32_t left = module->nextRecNr[KIND_VNODE]; left != 0; --left) {
+        readRec(module, VNodeNr{index.last});
+        if (vNode.next == 0) return;
+        ModuleRec* typeModule = refModule(module, static_cast<int32_t>(vNode.govTypeMod));
+        index.byType.try_emplace({typeModule, vNode.govType}, index.last);
+        index.last = vNode.next;
+    }
+}
+
+} // namespace
+
+bool findValueCompByGov(ModuleRec* module, VNodeNr first, TNodeRef governor) {
+    VNodeNr nr = first;
+    for (int walked = 0; nr && walked < shortChain; ++walked) {
+        readRec(module, nr);
+        if (isGovernedBy(module, governor)) return true;
+        nr = {vNode.next};
+    }
+    if (!nr) return false;
+    GovIndex& index = findCacheOf(module).govChains[first.nr];
+    if (index.last == 0) index.last = first.nr;
+    extendGovernors(module, index);
+    const auto found = index.byType.find({governor.module, governor.nr.nr});
+    readRec(module, VNodeNr{found != index.byType.end() ? found->second : index.last});
+    return isGovernedBy(module, governor);
 }
 
 namespace {

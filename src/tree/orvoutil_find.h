@@ -33,6 +33,14 @@ namespace orvo {
 [[nodiscard]] bool findByInd(ModuleRec* module, TNodeNr first, uint32_t& position);
 [[nodiscard]] bool findTypeCompByInd(ModuleRec* module, TNodeNr first, uint32_t position);
 
+/// The component that is a certain record, in the same flattened list. `position` is its place; on
+/// a miss the whole length, and the buffer holds some record of the list.
+[[nodiscard]] bool findTypeCompByNr(ModuleRec* module, TNodeNr first, TNodeRef component,
+                                    uint32_t& position);
+/// The first value of the chain that a type governs. A miss leaves the buffer on some record of the
+/// chain.
+[[nodiscard]] bool findValueCompByGov(ModuleRec* module, VNodeNr first, TNodeRef governor);
+
 /// For the current value, a setting of an object whose settings begin at `firstSetting`: reads the
 /// type that governs it, references followed. False when there is none. The value is preserved.
 [[nodiscard]] bool readGovTNodeForFieldVNode(ModuleRec* object, VNodeNr firstSetting);

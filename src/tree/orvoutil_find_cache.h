@@ -11,6 +11,7 @@
 
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
+#include "tree/orvoutil.h"
 
 namespace orvo {
 
@@ -39,6 +40,14 @@ struct FlatIndex {
     std::unordered_map<std::string_view, size_t> byName; // place in `entries`, the first of a name
     std::vector<FlatEntry> entries;                      // by place
     uint32_t count = 0;                                  // places, saturating
+    // the place of every component; made when first asked for
+    std::unordered_map<NodeRef, uint32_t, NodeRefHash> byRecord;
+};
+
+/// Governing types of a chain of values, growing with it like a ChainIndex.
+struct GovIndex {
+    std::unordered_map<NodeRef, uint32_t, NodeRefHash> byType; // the first value of a type
+    uint32_t last = 0;
 };
 
 /// The maps are ordered by record number: what is taken back is a suffix.
@@ -48,6 +57,7 @@ struct FindCache {
     std::map<uint32_t, ChainIndex> typeChains;
     std::map<uint32_t, ChainIndex> valueChains;
     std::map<uint32_t, FlatIndex> flatLists;
+    std::map<uint32_t, GovIndex> govChains;
 };
 
 /// The cache of a module, made on first use.
