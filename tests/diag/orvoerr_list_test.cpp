@@ -1,0 +1,116 @@
+#include "diag/orvoerr_list.h"
+
+#include <gtest/gtest.h>
+
+#include "diag/orvoerr.h"
+#include "diag/orvoerr_hello.h"
+#include "util/guard.h"
+
+namespace orvo {
+namespace {
+
+/// What the function writes to a stream.
+template <typename Fn> std::string written(Fn&& fn) {
+    const File file(std::tmpfile());
+    fn(file.get());
+    std::rewind(file.get());
+    std::string text;
+    for (int c = std::getc(file.get()); c != EOF; c = std::getc(file.get()))
+        text += static_cast<char>(c);
+    return text;
+}
+
+class Listing : public testing::Test {
+  protected:
+    Listing() : currentModule(cMP, &module), verbosity(run.verboseEx, 3) {}
+    std::string list(bool numberLines, std::string_view text) {
+        return written([&](std::FILE* out) { printListing(out, numberLines, nullptr, text); });
+    }
+    std::string listFile(const std::string& text) {
+        const File source(std::tmpfile());
+        std::fwrite(text.data(), 1, text.size(), source.get());
+        std::rewind(source.get());
+        return written([&](std::FILE* out) { printListing(out, true, source.get(), {}); });
+    }
+    void add(ErrClass errClass, uint32_t line) {
+        recordError(&module, errClass,
+                    errClass == ERR_WARNING ? Msg::OptionsIgnored : Msg::IncompatibleTypes, line);
+    }
+
+    ModuleRec module;
+    Restore<ModuleRec*> currentModule;
+    Restore<int32_t> verbosity;
+};
+
+TEST_F(Listing, PutsEveryDiagnosticBehindItsLine) {
+    add(ERR_SEMANTIC, 2);
+    add(ERR_SEMANTIC, 0);
+    add(ERR_SEMANTIC, 9);
+    const std::string expected = "  ** ERROR on line   0 : Incompatible types\n"
+                                 "    1:  one\n"
+                                 "    2:  two\n"
+                                 "  ** ERROR on line   2 : Incompatible types\n"
+                                 "    3:  three\n"
+                                 "  ** ERROR on line   9 : Incompatible types\n";
+    EXPECT_EQ(list(true, "one\ntwo\nthree"), expected);
+    EXPECT_EQ(listFile("one\ntwo\nthree"), expected);
+}
+
+TEST_F(Listing, WithoutLineNumbersShowsOnlyDiagnostics) {
+    add(ERR_SEMANTIC, 1);
+    EXPECT_EQ(list(false, "one\ntwo\n"), "  ** ERROR on line   1 : Incompatible types\n");
+}
+
+TEST_F(Listing, OfAnEmptySourceIsEmpty) {
+    EXPECT_EQ(list(true, ""), "");
+    EXPECT_EQ(listFile(""), "");
+}
+
+TEST_F(Listing, KeepsLongLinesAndForeignBytes) {
+    const std::string line = std::string(40000, 'x') + std::string("\0\xff\r", 3);
+    EXPECT_EQ(listFile(line + "\n\n"), "    1:  " + line + "\n    2:  \n");
+}
+
+TEST_F(Listing, HidesWarningsAtVerbosityOne) {
+    add(ERR_WARNING, 1);
+    add(ERR_SEMANTIC, 1);
+    const std::string error = "  ** ERROR on line   1 : Incompatible types\n";
+    run.verboseEx = 1;
+    EXPECT_EQ(list(true, "a\n"), "    1:  a\n" + error);
+    run.verboseEx = 2;
+    EXPECT_EQ(list(true, "a\n"),
+              "    1:  a\n  ** WARNING  line   1 : $Option(s) ignored\n" + error);
+}
+
+TEST_F(Listing, EndsWithTheCounters) {
+    EXPECT_EQ(written([](std::FILE* out) { sayBye(out, 1, 2, 3, 4); }), "\nSyntax errors     : 1\n"
+                                                                        "Semantic errors   : 2\n"
+                                                                        "Undefined symbols : 3\n"
+                                                                        "Warnings          : 4\n");
+    run.verboseEx = 1;
+    EXPECT_EQ(written([](std::FILE* out) { sayBye(out, 0, 0, 0, 4); }), "\nSyntax errors     : 0\n"
+                                                                        "Semantic errors   : 0\n"
+                                                                        "Undefined symbols : 0\n");
+}
+
+TEST(Banner, BreaksTheNoticeAfterEachFullStop) {
+    EXPECT_EQ(written([](std::FILE* out) { sayHello(out, 213, 0); }),
+              "\nCompiler for Abstract Syntax Notation One Version 2.13 February 2002\n"
+              "(c) The orvo authors.\nAll rights reserved.\n\n");
+    EXPECT_EQ(written([](std::FILE* out) {
+                  printNotice(out, {213, 213, 20260907, 70503});
+              }),
+              "Processed by ORVO 2.13 on 07.09.2026 at 7:05.03\n");
+    EXPECT_EQ(printVersionStri("v", 205, 1, "!"), "v2.05.1!");
+}
+
+TEST(Banner, BreaksLongInformationIntoPieces) {
+    EXPECT_EQ(written([](std::FILE* out) { printInfo(out, "abcdefg", 3); }),
+              "INFO = abc\n       def\n       g\n");
+    EXPECT_EQ(printRcsId("My-File.c"), "static char my_file_c_rcsid [] = \"$Id$\" ;\n");
+    EXPECT_EQ(rcsRevision2betVersion("$Revision: 2.13 $"), 213);
+    EXPECT_EQ(rcsRevision2betVersion("1.100"), 100);
+}
+
+} // namespace
+} // namespace orvo

@@ -1,0 +1,128 @@
+#include "driver/orvofil.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/run.h"
+#include "tree/orvorec.h"
+
+namespace orvo {
+namespace {
+
+constexpr struct {
+    const char *name, *source, *listing;
+} nameCases[] = {
+    {"foo", "foo.asn", "foo.lst"},
+    {"foo.txt", "foo.txt", "foo.lst"},
+    {"a.b/foo", "a.b/foo.asn", "a.b/foo.lst"},
+    {"a.b/foo.x.y", "a.b/foo.x.y", "a.b/foo.x.lst"},
+    {"/.hidden", "/.hidden", "/.lst"},
+    {"dir/", "dir/.asn", "dir/.lst"},
+};
+
+TEST(FileNames, ExtensionCountsFromTheLastPointOfTheLastPart) {
+    for (const auto& [name, source, listing] : nameCases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(setFileName(name, ".asn", false), source);
+        EXPECT_EQ(setFileName(name, ".lst", true), listing);
+    }
+}
+
+TEST(FileNames, NameIsCutForANewExtension) {
+    const std::string name(2000, 'n');
+    EXPECT_EQ(setFileName(name, ".lst", true), std::string(1020, 'n') + ".lst");
+    EXPECT_EQ(setFileName(name, ".asn", false), name + ".asn");
+}
+
+/// A module list as the command line makes it: first.asn, then the other files.
+class ModuleList : public testing::Test {
+  protected:
+    ModuleList() { resetStore(); }
+    ~ModuleList() override { resetStore(); }
+    ModuleRec* addFile(const char* sourceName) {
+        ModuleRec* module = newModuleRec();
+        appendModuleRec(module);
+        setSourceFileName(module, sourceName);
+        return module;
+    }
+};
+
+TEST_F(ModuleList, OnePrefixIsOneRecord) {
+    ModuleRec* first = addFile("first.asn");
+    ModuleRec* alpha = findOrCreateModRec("modul", "modul", "ModuleAlpha");
+    EXPECT_EQ(findOrCreateModRec("modul", "other", "ModuleBeta"), alpha);
+    EXPECT_EQ(alpha->moduleName, "ModuleAlpha");
+    EXPECT_EQ(alpha->generationPrefix, "modul");
+    EXPECT_EQ(first->next, alpha);
+    EXPECT_EQ(run.eOfModRList, alpha);
+}
+
+TEST_F(ModuleList, AFileOfTheCommandLineIsClaimedByItsPrefix) {
+    addFile("first.asn");
+    ModuleRec* second = addFile("modul.asn");
+    ModuleRec* third = addFile("modul.asn");
+    EXPECT_EQ(findOrCreateModRec("modul", "gen", "ModuleAlpha"), second);
+    EXPECT_EQ(second->filePrefix, "modul");
+    EXPECT_EQ(second->generationPrefix, "gen");
+    EXPECT_EQ(second->moduleName, "");
+    EXPECT_EQ(findOrCreateModRec("modul", "gen", "ModuleAlpha"), second);
+    EXPECT_EQ(third->filePrefix, "");
+}
+
+TEST_F(ModuleList, TheFirstRecordIsClaimedByItsNameOnceItHasOne) {
+    ModuleRec* first = addFile("x.asn");
+    first->moduleName = "First";
+    EXPECT_NE(findOrCreateModRec("x", "x", "Other"), first);
+    EXPECT_EQ(findOrCreateModRec("f", "g", "First"), first);
+    EXPECT_EQ(first->filePrefix, "f");
+}
+
+TEST_F(ModuleList, ReferenceOneIsTheModuleItself) {
+    ModuleRec* module = addFile("x.asn");
+    EXPECT_EQ(getModPtr(module, 1), module);
+    EXPECT_EQ(getModPtr(module, 2), nullptr);
+}
+
+TEST(SearchPath, TheFirstDirectoryThatHasTheFileCounts) {
+    const test::TempDir dir;
+    dir.write({"a/other.asn", ""});
+    dir.write({"b/x.asn", "b"});
+    dir.write({"c/x.asn", "c"});
+    std::filesystem::create_directories(dir.path() / "a/x.asn"); // a directory is no source
+    const std::string root = dir.path().string() + "/";
+    std::vector<std::string> path;
+    addDirToSearchPath(path, "");
+    for (const char* part : {"a/", "b/", "c/"}) addDirToSearchPath(path, root + part);
+    ASSERT_EQ(path.size(), 3U);
+
+    std::string found = "unset";
+    std::FILE* file = fopenTextFileInSearchPathForRd(path, "x.asn", found);
+    EXPECT_EQ(found, root + "b/");
+    closeFile(file, "");
+    EXPECT_EQ(file, nullptr);
+    file = fopenTextFileInSearchPathForRd(path, root + "c/x.asn", found);
+    EXPECT_EQ(found, "");
+    closeFile(file, "");
+}
+
+using FilesDeathTest = testing::Test;
+
+TEST(FilesDeathTest, PathsBeyondTheLimitAndMissingFilesEndTheRun) {
+    const std::string longName(1020, 'n');
+    std::string found;
+    EXPECT_EXIT(fopenTextFile("12345", longName, "w"), testing::ExitedWithCode(2),
+                "Can not open file for writing\n\n");
+    EXPECT_EXIT(fopenTextFile("12345", longName, "r"), testing::ExitedWithCode(2),
+                "Can not open file for reading\n\n");
+    EXPECT_EXIT(fopenTextFileInSearchPathForRd({"12345"}, longName, found),
+                testing::ExitedWithCode(2), "Can not open file for reading\n\n");
+    EXPECT_EXIT(fopenTextFileInSearchPathForRd({"/nowhere/"}, "gone.asn", found),
+                testing::ExitedWithCode(2),
+                "Can not open file for reading\n              gone.asn\n\n");
+    EXPECT_EXIT(fopenTextFile("/", "", "w"), testing::ExitedWithCode(2),
+                "Can not open file for writing\n              /\n\n");
+}
+
+} // namespace
+} // namespace orvo
