@@ -1,7 +1,8 @@
 #pragma once
 
 // Component lists of SEQUENCE and SET, alternatives of CHOICE (X.680 (07/2002) clauses 24, 26 and
-// 28). The list rules leave the enclosing type as the current type node.
+// 28). The rules of lists leave the enclosing type as the current type node, the others the node
+// that they have made.
 
 namespace orvo {
 
@@ -10,7 +11,7 @@ void MGR185Component();
 void MGR191NamedType();
 void MGR999ExtensionAdditionGroup();
 void MGR202AlternativeTypeList();
-/// Appends the extension marker that EXTENSIBILITY IMPLIED adds to a list: a node of its own.
+/// Makes the node of an extension marker.
 void appendExtensionMarker();
 
 } // namespace orvo

@@ -1,16 +1,33 @@
 #pragma once
 
 // Object identifier values of module identifiers, and references to values (X.680 (07/2002) clauses
-// 12, 13 and 31).
+// 12, 13 and 31); what all rules share that make value records.
 
 #include <cstdint>
 #include <optional>
 #include <string_view>
 
 #include "lex/orvotok.h"
+#include "tree/orvodef.h"
 #include "tree/orvomod.h"
 
 namespace orvo {
+
+/// A new VNode with the line of the current token, none when the module has a syntax error.
+VNodeNr newValueNode();
+/// A new VNode of type OBJECT IDENTIFIER; its type is a new TNode.
+VNodeNr newObjectIdNode();
+/// Makes a VNode current and pending. False when the module has a syntax error: nothing is current
+/// and nothing is to be stored then.
+bool atValue(VNodeNr node);
+/// Makes a reference without a module that names a formal parameter of the assignment being parsed
+/// a reference to it; others stay as they are.
+void resolveDummy(int32_t& moduleRef, int32_t& name);
+/// Attaches the option comments before the current token, if there are any, to a VNode, which is
+/// current afterwards.
+void takeValueOptions(VNodeNr node);
+/// Gives the current token another code and value.
+void rewriteToken(int32_t code, I64 value);
 
 /// Fills the current value node and creates its components: `{` Component {Component} `}`.
 void MGR13ObjectIdValue();

@@ -1,0 +1,198 @@
+#include "parser/parser_comp.h"
+
+#include "diag/orvoerr.h"
+#include "parser/parser.h"
+#include "parser/parser_defer.h"
+#include "parser/parser_oid.h"
+#include "parser/parser_typ.h"
+#include "tree/orvorec.h"
+#include "tree/types.h"
+#include "tree/values.h"
+
+// Invariants: the nodes of a list are chained by `next`, which is stored when the token behind an
+// element shows that another one comes: it then is the next TNode of the module. The first element
+// is the TNode made next after the type got its code, as setTypeNode presumes.
+
+namespace orvo {
+namespace {
+
+bool anotherFollows() {
+    return parserState.Inp.code == TOK_COMMA || parserState.Inp.code == TOK_ELLIPSIS;
+}
+
+/// Links the current node, an element of a list, to the node that is made next.
+void linkNext() {
+    if (buildsTree()) tNode.next = cMP->nextRecNr[KIND_TNODE];
+}
+
+/// `...`
+void extensionMarker() {
+    appendExtensionMarker();
+    ReadIn();
+    if (anotherFollows()) linkNext();
+}
+
+/// A `...` where a comma should have come first.
+void markerWithoutComma() {
+    recordError(cMP, ERR_WARNING, Msg::CommaBeforeExtensionMarker, parserState.Inp.line);
+    extensionMarker();
+}
+
+/// Ends a list: adds the marker that EXTENSIBILITY IMPLIED asks for and makes the type current.
+void finishList(TNodeNr type, bool hasMarker) {
+    if (!buildsTree()) return;
+    if (cMP->extensibilityImplied && !hasMarker) {
+        linkNext();
+        appendExtensionMarker();
+    }
+    atType(type);
+}
+
+/// DEFAULT Value of a component
+void defaultValue(TNodeNr component) {
+    ReadIn();
+    if (atType(component)) {
+        tNode.compStatus = TCS_OPTIONAL;
+        tNode.defaultVal = addValDefArc(component, parserState.Inp.line).nr;
+        vNode.refMod = REF_DEFERRED;
+        vNode.ref = minusWord(cMP->nextRecNr[KIND_DNODE]);
+    }
+    MGR68OpenValue();
+}
+
+/// [OPTIONAL | DEFAULT Value]
+void optionality(TNodeNr component) {
+    switch (parserState.Inp.code) {
+    case TOK_OPTIONAL:
+        ReadIn();
+        if (atType(component)) tNode.compStatus = TCS_OPTIONAL;
+        break;
+    case TOK_DEFAULT: defaultValue(component); break;
+    case TOK_COMMA:
+    case TOK_RBRACE:
+    case TOK_ELLIPSIS:
+    case TOK_RVERSION: break;
+    default: MGError(notAllowed);
+    }
+}
+
+/// The element behind a comma of a component list; tells whether it is a marker.
+bool componentAfterComma() {
+    switch (parserState.Inp.code) {
+    case TOK_ELLIPSIS: extensionMarker(); return true;
+    case TOK_COMPONENTS:
+    case TOK_VALUEID: MGR185Component(); break;
+    case TOK_LVERSION: MGR999ExtensionAdditionGroup(); break;
+    default: MGError(notAllowed);
+    }
+    return false;
+}
+
+/// NamedType
+void alternative() {
+    const TNodeNr node = newTypeNode();
+    if (buildsTree()) tNode.compStatus = TCS_CHOICE;
+    MGR191NamedType();
+    if (atType(node) && anotherFollows()) linkNext();
+}
+
+} // namespace
+
+void appendExtensionMarker() {
+    newTypeNode();
+    setTypeCode(TYP_EXTENSION_MARKER);
+}
+
+/// ComponentList ::= (Component | `...`)
+///     {`,` (Component | `...` | ExtensionAdditionGroup) | `...`}
+void MGR183ComponentList() {
+    const TNodeNr type = thisTypeNode();
+    bool hasMarker = parserState.Inp.code == TOK_ELLIPSIS;
+    if (hasMarker)
+        extensionMarker();
+    else
+        MGR185Component();
+    while (anotherFollows() && parserState.Parsing) {
+        if (parserState.Inp.code == TOK_COMMA) {
+            ReadIn();
+            if (componentAfterComma()) hasMarker = true;
+        } else {
+            markerWithoutComma();
+            hasMarker = true;
+        }
+    }
+    finishList(type, hasMarker);
+}
+
+/// Component ::= COMPONENTS OF Type | NamedType [OPTIONAL | DEFAULT Value]
+void MGR185Component() {
+    const TNodeNr node = newTypeNode();
+    if (parserState.Inp.code == TOK_COMPONENTS) {
+        ReadIn();
+        expectToken(TOK_OF);
+        if (buildsTree()) tNode.compStatus = TCS_COMPOF;
+        MGR59Type();
+    } else {
+        MGR191NamedType();
+        optionality(node);
+    }
+    if (atType(node) && anotherFollows()) linkNext();
+}
+
+/// NamedType ::= valueid Type
+void MGR191NamedType() {
+    if (parserState.Inp.code == TOK_VALUEID) {
+        const int32_t name = parserState.Inp.stri();
+        if (buildsTree()) tNode.name = name;
+        ReadIn();
+        // `a < T` is the component a of the selection type a < T.
+        if (parserState.Inp.code == TOK_LESS) insertToken(TOK_COMPONENTID, name);
+    } else {
+        MGError(TOK_VALUEID);
+    }
+    MGR59Type();
+}
+
+/// ExtensionAdditionGroup ::= `[[` [number [`:`]] Component {`,` Component} `]]`
+void MGR999ExtensionAdditionGroup() {
+    const TNodeNr node = newTypeNode();
+    if (buildsTree()) {
+        setTypeNode(TYP_EXTADDGRP);
+        tNode.compStatus = TCS_EXTADDGRP;
+    }
+    ReadIn();
+    if (parserState.Inp.code == TOK_NUMBER) {
+        ReadIn();
+        if (parserState.Inp.code == TOK_COLON) ReadIn();
+    }
+    MGR185Component();
+    while (parserState.Inp.code == TOK_COMMA && parserState.Parsing) {
+        ReadIn();
+        MGR185Component();
+    }
+    expectToken(TOK_RVERSION);
+    if (atType(node) && anotherFollows()) linkNext();
+}
+
+/// AlternativeTypeList ::= NamedType {`,` (NamedType | `...`) | `...`}
+void MGR202AlternativeTypeList() {
+    const TNodeNr type = thisTypeNode();
+    bool hasMarker = false;
+    alternative();
+    while (anotherFollows() && parserState.Parsing) {
+        const bool hasComma = parserState.Inp.code == TOK_COMMA;
+        if (hasComma) ReadIn();
+        if (parserState.Inp.code != TOK_ELLIPSIS) {
+            alternative();
+            continue;
+        }
+        hasMarker = true;
+        if (hasComma)
+            extensionMarker();
+        else
+            markerWithoutComma();
+    }
+    finishList(type, hasMarker);
+}
+
+} // namespace orvo

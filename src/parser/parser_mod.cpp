@@ -1,0 +1,181 @@
+#include "parser/parser_mod.h"
+
+#include "diag/orvoerr.h"
+#include "parser/parser.h"
+#include "parser/parser_ass.h"
+#include "parser/parser_oid.h"
+#include "parser/parser_typ.h"
+#include "symtab/orvosym.h"
+#include "symtab/orvosym_imp.h"
+#include "tree/orvorec.h"
+
+// Invariant: what the header and the clauses say about the module as a whole goes into its record
+// at once; symbols and nodes are made only while the module has no syntax error.
+
+namespace orvo {
+namespace {
+
+constexpr int tagDefaultExplicit = TAGMODE_EXPLICIT;
+/// A reference may still turn out to need an explicit tag; automatic tags are implicit ones.
+constexpr int tagDefaultImplicit = TAGMODE_OPEN;
+
+bool isReference(int32_t code) {
+    return code == TOK_TYPEID || code == TOK_VALUEID;
+}
+
+/// [(EXPLICIT | IMPLICIT | AUTOMATIC) TAGS]
+void tagDefault() {
+    cMP->tagDefault = tagDefaultExplicit;
+    const int32_t token = parserState.Inp.code;
+    switch (token) {
+    case TOK_EXPLICIT:
+    case TOK_IMPLICIT:
+    case TOK_AUTOMATIC:
+        if (token != TOK_EXPLICIT) cMP->tagDefault = tagDefaultImplicit;
+        cMP->automaticTags = token == TOK_AUTOMATIC;
+        ReadIn();
+        expectToken(TOK_TAGS);
+        break;
+    case TOK_EXTENSIBILITY:
+    case TOK_ASSIGN: break;
+    default: MGError(notAllowed);
+    }
+    if (cMP->tagDefault == tagDefaultExplicit && cMP->options.explicitTags != 0)
+        recordError(cMP, ERR_WARNING, Msg::ExplicitTaggingNotAllowed, parserState.prevL);
+}
+
+/// [EXTENSIBILITY IMPLIED]
+void extensibilityDefault() {
+    if (parserState.Inp.code != TOK_EXTENSIBILITY) return;
+    ReadIn();
+    if (expectToken(TOK_IMPLIED)) cMP->extensibilityImplied = true;
+}
+
+/// [EXPORTS [SymbolList] `;`]
+void exportsClause() {
+    if (parserState.Inp.code != TOK_EXPORTS) return;
+    ReadIn();
+    cMP->exportsState = parserState.Inp.code == TOK_SEMICOLON ? 1 : 2;
+    if (cMP->exportsState == 2) {
+        MGR24SymbolList(SYM_EXPORTED);
+        if (buildsTree()) catSymTab(cMP->symTab, parserState.symbolList, SYM_EXPORTED);
+    }
+    expectToken(TOK_SEMICOLON);
+}
+
+/// Tells whether the current token, behind the module reference of a FROM clause, is its assigned
+/// identifier and not the first symbol of the next clause.
+bool assignedReferenceFollows() {
+    uint32_t behind = 1;
+    if (parserState.Inp.code == TOK_TYPEID) { // Module.value
+        if (lookAhead(1).code != TOK_DOT || lookAhead(2).code != TOK_VALUEID) return false;
+        behind = 3;
+    } else if (parserState.Inp.code != TOK_VALUEID) {
+        return false;
+    }
+    constexpr TokenSet behindSymbol = {TOK_LBRACE, TOK_COMMA, TOK_FROM};
+    return !behindSymbol.has(lookAhead(behind).code);
+}
+
+/// [ObjectIdValue | DefinedValue] behind the module reference of a FROM clause
+void assignedIdentifier() {
+    if (parserState.Inp.code != TOK_LBRACE && parserState.Inp.code != TOK_MARKER) return;
+    newObjectIdNode();
+    if (parserState.Inp.code == TOK_LBRACE) {
+        MGR13ObjectIdValue();
+    } else {
+        ReadIn();
+        MGR42DefinedValue();
+    }
+}
+
+/// SymbolList FROM typeid [AssignedIdentifier]
+void symbolsFromModule() {
+    MGR24SymbolList(SYM_IMPORTED);
+    expectToken(TOK_FROM);
+    const Token module = parserState.Inp;
+    expectToken(TOK_TYPEID);
+    if (assignedReferenceFollows()) insertToken(TOK_MARKER, 0);
+    const int32_t token = parserState.Inp.code;
+    if (buildsTree())
+        handleImports(parserState.symbolList, module.stri(),
+                      token == TOK_LBRACE || token == TOK_MARKER, module.line);
+    assignedIdentifier();
+    if (!isReference(parserState.Inp.code) && parserState.Inp.code != TOK_SEMICOLON)
+        MGError(notAllowed);
+}
+
+/// [IMPORTS {SymbolsFromModule} `;`]
+void importsClause() {
+    if (parserState.Inp.code != TOK_IMPORTS) return;
+    ReadIn();
+    cMP->importsState = parserState.Inp.code == TOK_SEMICOLON ? 1 : 2;
+    while (isReference(parserState.Inp.code) && parserState.Parsing) symbolsFromModule();
+    expectToken(TOK_SEMICOLON);
+}
+
+} // namespace
+
+/// ModuleDefinition ::= ModuleIdentifier DEFINITIONS [TagDefault TAGS] [EXTENSIBILITY IMPLIED]
+/// `::=`
+///     BEGIN [Exports] [Imports] {Assignment} END
+void MGR3ModuleDefinition() {
+    MGR4ModuleIdentifier();
+    expectToken(TOK_DEFINITIONS);
+    tagDefault();
+    extensibilityDefault();
+    expectToken(TOK_ASSIGN);
+    expectToken(TOK_BEGIN);
+    constexpr TokenSet bodyStart = {TOK_EXPORTS, TOK_IMPORTS, TOK_TYPEID, TOK_VALUEID, TOK_END};
+    if (!MGIsInSet(bodyStart)) MGError(notAllowed);
+    exportsClause();
+    importsClause();
+    parseAssignments();
+    expectToken(TOK_END);
+}
+
+/// ModuleIdentifier ::= typeid [ObjectIdValue]
+void MGR4ModuleIdentifier() {
+    const Token name = parserState.Inp;
+    expectToken(TOK_TYPEID);
+    const bool hasObjId = parserState.Inp.code == TOK_LBRACE;
+    uint32_t rejectedKinds = 0;
+    handleModuleId(name.stri(), hasObjId, name.line, rejectedKinds);
+    if (hasObjId) {
+        newObjectIdNode();
+        MGR13ObjectIdValue();
+    }
+    constexpr TokenSet behindIdentifier = {TOK_DEFINITIONS, TOK_EOF};
+    if (!MGIsInSet(behindIdentifier)) MGSkip({TOK_DEFINITIONS});
+}
+
+/// SymbolList ::= Symbol {`,` Symbol}
+void MGR24SymbolList(uint8_t clause) {
+    parserState.symbolList = {};
+    MGR26Symbol(clause);
+    while (parserState.Inp.code == TOK_COMMA && parserState.Parsing) {
+        ReadIn();
+        MGR26Symbol(clause);
+    }
+}
+
+/// Symbol ::= (typeid | valueid) [`{` `}`]
+void MGR26Symbol(uint8_t clause) {
+    const Token symbol = parserState.Inp;
+    if (!isReference(symbol.code)) {
+        MGError(notAllowed);
+        return;
+    }
+    ReadIn();
+    constexpr TokenSet behindSymbol = {TOK_LBRACE, TOK_FROM, TOK_COMMA, TOK_SEMICOLON};
+    if (!MGIsInSet(behindSymbol)) MGError(notAllowed);
+    uint8_t flags = clause;
+    if (parserState.Inp.code == TOK_LBRACE) {
+        ReadIn();
+        expectToken(TOK_RBRACE);
+        flags |= SYM_PARAMETERIZED;
+    }
+    if (buildsTree()) handleSymbol(parserState.symbolList, symbol.stri(), flags, symbol.line);
+}
+
+} // namespace orvo

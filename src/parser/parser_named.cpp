@@ -1,0 +1,144 @@
+#include "parser/parser_named.h"
+
+#include "lex/i64.h"
+#include "parser/parser.h"
+#include "parser/parser_oid.h"
+#include "parser/parser_typ.h"
+#include "symtab/orvosym.h"
+#include "tree/orvorec.h"
+#include "tree/values.h"
+
+// Invariant: the value nodes of a list have consecutive numbers, the extension marker included, so
+// that a name's place in the list gives its node. Nothing else in a list makes value nodes.
+
+namespace orvo {
+namespace {
+
+/// Prepares the current type for its list; the symbol that is returned collects the names.
+STabNr beginNames() {
+    if (!buildsTree()) return {};
+    tNode.namedVals = cMP->nextRecNr[KIND_VNODE];
+    parserState.identList = {};
+    return updateSymbTab(0, 0, parserState.Inp.line);
+}
+
+void endNames(STabNr names) {
+    if (buildsTree()) symAt(names).formals = parserState.identList.first.nr;
+    parserState.identList = {};
+}
+
+/// A value node of the list. Its type is the current TNode.
+VNodeNr newListNode(uint32_t line) {
+    if (!buildsTree()) return {};
+    const VNodeNr node = addValArc(nullptr, line);
+    vNode.govType = thisTypeNode().nr;
+    vNode.govTypeMod = REF_OWN;
+    vNode.valStatus = VST_NAMED_NUMBER;
+    return node;
+}
+
+/// Links the current value node, an element of the list, to the one that is made next.
+void linkNext() {
+    if (buildsTree()) vNode.next = cMP->nextRecNr[KIND_VNODE];
+}
+
+void enumerationMarker() {
+    newListNode(parserState.Inp.line);
+    if (buildsTree()) setValNode(TYP_EXTENSION_MARKER);
+}
+
+void numberValue(I64 number) {
+    if (!buildsTree()) return;
+    setValNode(TYP_INTEGER);
+    vNode.val.number = number;
+}
+
+/// `(` ([`-`] number | DefinedValue) `)`
+void identValue() {
+    ReadIn();
+    switch (parserState.Inp.code) {
+    case TOK_NUMBER:
+        numberValue(parserState.Inp.value);
+        ReadIn();
+        break;
+    case TOK_MINUS:
+        ReadIn();
+        if (parserState.Inp.code == TOK_NUMBER)
+            numberValue(i64of(-i64native(parserState.Inp.value)));
+        expectToken(TOK_NUMBER);
+        break;
+    case TOK_VALUEID:
+    case TOK_TYPEID: MGR42DefinedValue(); break;
+    default: MGError(notAllowed);
+    }
+    expectToken(TOK_RPAREN);
+}
+
+/// What stands behind the identifier of an item.
+void optionalIdentValue(TypeCode type) {
+    const int32_t token = parserState.Inp.code;
+    if (token == TOK_LPAREN) {
+        identValue();
+    } else if (type != TYP_ENUM) {
+        MGError(TOK_LPAREN);
+    } else if (token == TOK_COMMA || token == TOK_RBRACE) {
+        if (buildsTree()) setValNode(TYP_ENUM);
+    } else {
+        MGError(notAllowed);
+    }
+}
+
+} // namespace
+
+/// EnumerationItemList ::= NamedIdent {`,` (NamedIdent | `...`)}
+void MGR150EnumerationItemList() {
+    const STabNr names = beginNames();
+    bool hasMarker = false;
+    MGR152NamedIdent(TYP_ENUM);
+    while (parserState.Inp.code == TOK_COMMA && parserState.Parsing) {
+        ReadIn();
+        if (parserState.Inp.code != TOK_ELLIPSIS) {
+            MGR152NamedIdent(TYP_ENUM);
+            continue;
+        }
+        hasMarker = true;
+        enumerationMarker();
+        ReadIn();
+        if (parserState.Inp.code == TOK_COMMA) linkNext();
+    }
+    if (cMP->extensibilityImplied && !hasMarker) {
+        linkNext();
+        enumerationMarker();
+    }
+    endNames(names);
+}
+
+/// NamedIdentList ::= `{` NamedIdent {`,` NamedIdent} `}`
+void MGR147NamedIdentList(TypeCode type) {
+    const STabNr names = beginNames();
+    if (!expectToken(TOK_LBRACE)) return;
+    MGR152NamedIdent(type);
+    while (parserState.Inp.code == TOK_COMMA && parserState.Parsing) {
+        ReadIn();
+        MGR152NamedIdent(type);
+    }
+    expectToken(TOK_RBRACE);
+    endNames(names);
+}
+
+/// NamedIdent ::= valueid [`(` ([`-`] number | DefinedValue) `)`]
+void MGR152NamedIdent(TypeCode type) {
+    const Token identifier = parserState.Inp;
+    if (!expectToken(TOK_VALUEID)) return;
+    const VNodeNr node = newListNode(identifier.line);
+    if (buildsTree()) {
+        vNode.name = identifier.stri();
+        if (type == TYP_BITSTR) vNode.valStatus = VST_NAMED_BIT;
+        handleSymbol(parserState.identList, identifier.stri(), SYM_VALUE_NODE, identifier.line);
+    }
+    optionalIdentValue(type);
+    if (parserState.openInst >= 1) takeValueOptions(node);
+    if (atValue(node) && parserState.Inp.code == TOK_COMMA) linkNext();
+}
+
+} // namespace orvo
