@@ -7,10 +7,11 @@
 namespace orvo {
 
 /// Copies the current type record and all below it into the current module as fresh records of the
-/// instantiation on top of the stack, formal references redirected to the actual parameters. `parent` is
-/// the class or structure that the copy belongs to (0 = none). The copy is current afterwards; returns it.
+/// instantiation on top of the stack, formal references redirected to the actual parameters.
+/// `parent` is the class or structure that the copy belongs to (0 = none). The copy is current
+/// afterwards; returns it.
 TNodeNr expandType(TNodeNr parent);
 /// The same for the current value record.
 VNodeNr expandValue();
 
-}  // namespace orvo
+} // namespace orvo

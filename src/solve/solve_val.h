@@ -1,7 +1,7 @@
 #pragma once
 
-// Value notation: parses the text of values at the replay cursor `inp` against their governing type.
-// Every parser leaves the cursor on the last token of what it consumed.
+// Value notation: parses the text of values at the replay cursor `inp` against their governing
+// type. Every parser leaves the cursor on the last token of what it consumed.
 
 #include <cstdint>
 
@@ -11,9 +11,9 @@
 
 namespace orvo {
 
-/// Replays the deferred text of the current value record, governed by the current type record; a value
-/// that is not deferred is left alone. A text that fails makes the value an unresolved reference and
-/// leaves no record behind. The value record is current again afterwards.
+/// Replays the deferred text of the current value record, governed by the current type record; a
+/// value that is not deferred is left alone. A text that fails makes the value an unresolved
+/// reference and leaves no record behind. The value record is current again afterwards.
 void parseVNode();
 /// Parses a value into the current value record against the current type record and records what is
 /// wrong. Both records are current again afterwards. False when the value is not valid.
@@ -21,8 +21,8 @@ void parseVNode();
 
 /// Built-in notation by the kind of the governing type in `tNode`; Msg::None on success.
 Msg parseBuiltinValue(Cause& cause);
-/// A reference to a value into the current value record; `parsAndFields` allows actual parameters and a
-/// field name chain. Msg::None or Msg::DefinedValueSyntax.
+/// A reference to a value into the current value record; `parsAndFields` allows actual parameters
+/// and a field name chain. Msg::None or Msg::DefinedValueSyntax.
 Msg parseDefinedValue(bool parsAndFields, Cause& cause);
 
 /// `number` or `-` `number`; false for anything else. `line` of a bad negation is the token's.
@@ -42,4 +42,4 @@ Msg parseDefinedValue(bool parsAndFields, Cause& cause);
 // ---- solve_val_stri
 [[nodiscard]] bool parseCharStringValue(uint8_t kind, Cause& cause);
 
-}  // namespace orvo
+} // namespace orvo

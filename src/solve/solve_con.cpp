@@ -1,0 +1,227 @@
+// Constraint notation: the entry, serial constraints, set arithmetic (X.680 (07/2002) clauses 45
+// and 46).
+//
+// An operator is seen only behind its first operand. The record that was the operand then becomes
+// the operator and keeps its number, which the type or the enclosing operator already holds, and
+// the operand moves to a fresh number (addAndSwap).
+
+#include "solve/solve_con.h"
+
+#include "solve/p5actpar_err.h"
+#include "solve/solve_con_int.h"
+#include "solve/solve_cur.h"
+#include "solve/solve_ref.h"
+#include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
+#include "tree/types.h"
+#include "util/guard.h"
+
+namespace orvo {
+
+ConstraintState constraintState;
+
+namespace {
+
+bool parseValueSet(SubNr nr, Cause& cause) {
+    if (!advance() || !parseElemSetSpec(nr, cause)) return false;
+    return expectNext(TOK_RBRACE, cause);
+}
+
+/// SIZE without enclosing parentheses, as the 1990 notation writes it before OF.
+bool parseOldSizeConstraint(SubNr nr, Cause& cause) {
+    return parseElements(nr, cause);
+}
+
+/// {Constraint}: more than one make a series.
+bool parseConstraints(SubNr nr, Cause& cause) {
+    if (!parseConstraint(nr, cause)) return false;
+    SubNr last;
+    while (!atLastToken()) {
+        (void)advance();
+        if (!last) last = addAndSwap(nr, SUB_SERIAL);
+        readRec(cMP, last);
+        last = addSibling(last, subRec.typeMod, TNodeNr{subRec.typeNr});
+        if (!parseConstraint(last, cause)) return false;
+    }
+    return true;
+}
+
+bool parseRoot(SubNr root, Msg& outer, Cause& cause) {
+    if (curCode() == TOK_LBRACE) {
+        outer = Msg::ElementSetSpecIsInvalid;
+        return parseValueSet(root, cause);
+    }
+    if (curCode() == TOK_SIZE) {
+        outer = Msg::InvalidSizeConstraint;
+        return parseOldSizeConstraint(root, cause);
+    }
+    outer = Msg::InvalidConstraint;
+    return parseConstraints(root, cause);
+}
+
+} // namespace
+
+void parseSubRec() {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    if (!isDeferred(tNode.constraint)) return;
+    SnapShot trial(type);
+    ReplayCursor replay(type.module, deferredText(tNode.constraint));
+    const uint32_t line = lineHere();
+    const SubNr root = addSubArc(REF_OWN, type.nr, line);
+    makePending(type.module, type.nr);
+    tNode.constraint = static_cast<int32_t>(root.nr);
+    writeRec(type);
+    Cause cause;
+    Msg outer = Msg::None;
+    if (parseRoot(root, outer, cause)) {
+        trial.keep();
+        readRec(type);
+        return;
+    }
+    readRec(type);
+    recordError2(outer, cause, line);
+    trial.restore();
+    makePending(type.module, type.nr);
+    tNode.constraint = 0;
+    writeRec(type);
+}
+
+namespace {
+
+/// The contents of a constraint by the type it restricts.
+bool parseConstraintSpec(SubNr nr, Cause& cause) {
+    if (curCode() == TOK_CONSTRAINED) return parseUserDefConstr(nr, cause);
+    if (curCode() == TOK_CONTAINING) return parseContentsConstraint(nr, cause);
+    readGovernor(nr);
+    if (findActType()) skipTypes(false);
+    if (tNode.typeCode != TYP_FIELDLIST && tNode.typeCode != TYP_INSTANCE_OF)
+        return parseElemSetSpec(nr, cause);
+    if (isOpenTypeConstraint()) return parseOpenTypeConstraint(nr, cause);
+    return parseTableConstr(nr, cause);
+}
+
+} // namespace
+
+/// `(` ConstraintSpec [`!` ExceptionValue] `)`
+bool parseConstraint(SubNr nr, Cause& cause) {
+    if (curCode() != TOK_LPAREN)
+        return fail(cause, tokenExpected(TOK_LPAREN), "Invalid beginning of a constraint");
+    Depth depth(constraintState.depth, maxConstraintDepth);
+    if (depth.tooDeep() || !advance()) return false;
+    if (curCode() == TOK_EXCLAMATION) {
+        return parseExceptionSpec(nr, true, cause) &&
+               expectNext(TOK_RPAREN, cause, "Invalid exception specification");
+    }
+    if (!parseConstraintSpec(nr, cause)) return false;
+    if (nextCode() == TOK_EXCLAMATION) {
+        (void)advance();
+        if (!parseExceptionSpec(nr, false, cause))
+            return failWith(cause, "Invalid exception specification");
+    }
+    return expectNext(TOK_RPAREN, cause, "Missing end of constraint");
+}
+
+namespace {
+
+/// ALL EXCEPT Elements
+bool parseAllExcept(SubNr nr, Cause& cause) {
+    if (!expectNext(TOK_EXCEPT, cause) || !advance()) return false;
+    const SubNr excluded = addOperand(nr);
+    makePending(cMP, nr);
+    subRec.subKind = SUB_ALL_EXCEPT;
+    return parseElements(excluded, cause);
+}
+
+/// Makes `nr` an operator over what it held; gives the governing type of its operands too.
+struct Operator {
+    SubNr last;
+    uint32_t typeMod = 0;
+    TNodeNr type;
+};
+Operator makeOperator(SubNr nr, SubKind kind) {
+    Operator op;
+    op.last = addAndSwap(nr, kind);
+    readRec(cMP, op.last);
+    op.typeMod = subRec.typeMod;
+    op.type = TNodeNr{subRec.typeNr};
+    return op;
+}
+SubNr addNext(Operator& op) {
+    return op.last = addSibling(op.last, op.typeMod, op.type);
+}
+
+/// Elements EXCEPT Elements; the first one is parsed.
+bool parseExcept(SubNr nr, Cause& cause) {
+    Operator op = makeOperator(nr, SUB_EXCEPT);
+    return advance() && advance() && parseElements(addNext(op), cause);
+}
+
+bool isIntersectionMark(int32_t code) {
+    return code == TOK_INTERSECTION || code == TOK_CARET;
+}
+bool isUnionMark(int32_t code) {
+    return code == TOK_UNION || code == TOK_BAR || code == TOK_COMMA;
+}
+
+/// Elements {(`^` | INTERSECTION) Elements}; the first one is parsed.
+bool parseIntersection(SubNr nr, Cause& cause) {
+    Operator op = makeOperator(nr, SUB_INTERSECTION);
+    while (isIntersectionMark(nextCode()))
+        if (!advance() || !advance() || !parseElements(addNext(op), cause)) return false;
+    return true;
+}
+
+/// Examines the separator behind the token at the cursor and passes it. `marker`: an extension
+/// marker stands there; `ends`: nothing of the set follows it.
+bool parseUnionSeparator(bool& marker, bool& ends, Cause& cause) {
+    const bool afterMarker = curCode() == TOK_ELLIPSIS;
+    (void)advance();
+    const int32_t separator = curCode();
+    const bool beforeMarker = nextCode() == TOK_ELLIPSIS;
+    if (separator == TOK_COMMA && !beforeMarker && !afterMarker)
+        return fail(cause, tokenExpected(TOK_ELLIPSIS),
+                    "In sets a comma is allowed only before an extension marker");
+    if (afterMarker && separator != TOK_COMMA)
+        return fail(cause, tokenExpected(TOK_COMMA),
+                    "In sets a comma is expected after an extension marker");
+    if (beforeMarker && separator != TOK_COMMA)
+        return fail(cause, tokenExpected(TOK_COMMA),
+                    "In sets a comma is expected before an extension marker");
+    if (!advance()) return false;
+    marker = beforeMarker;
+    ends = beforeMarker && nextCode() != TOK_COMMA;
+    return true;
+}
+
+/// Elements {separator (Elements | `...`)}; the first one is parsed.
+bool parseUnion(SubNr nr, Cause& cause) {
+    Operator op = makeOperator(nr, SUB_UNION);
+    while (isUnionMark(nextCode())) {
+        bool marker = false;
+        bool ends = false;
+        if (!parseUnionSeparator(marker, ends, cause)) return false;
+        if (marker) {
+            addNext(op);
+            subRec.subKind = SUB_EXTENSION_MARKER;
+        }
+        if (ends) return true;
+        if (!parseElements(addNext(op), cause)) return false;
+    }
+    return true;
+}
+
+} // namespace
+
+/// ALL EXCEPT Elements, or elements joined by operators of one kind.
+bool parseElemSetSpec(SubNr nr, Cause& cause) {
+    Depth depth(constraintState.depth, maxConstraintDepth);
+    if (depth.tooDeep()) return false;
+    if (curCode() == TOK_ALL) return parseAllExcept(nr, cause);
+    if (!parseElements(nr, cause)) return false;
+    if (nextCode() == TOK_EXCEPT) return parseExcept(nr, cause);
+    if (isUnionMark(nextCode())) return parseUnion(nr, cause);
+    if (isIntersectionMark(nextCode())) return parseIntersection(nr, cause);
+    return true;
+}
+
+} // namespace orvo

@@ -1,0 +1,345 @@
+// Elements of sets: values and ranges, sizes, alphabets, contained subtypes, inner subtypes.
+
+#include "solve/p5actpar_err.h"
+#include "solve/solve_con_int.h"
+#include "solve/solve_cur.h"
+#include "solve/solve_par.h"
+#include "solve/solve_ref.h"
+#include "solve/solve_val_int.h"
+#include "symtab/orvosym_imp.h"
+#include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
+#include "tree/types.h"
+#include "tree/values.h"
+#include "util/guard.h"
+
+namespace orvo {
+
+bool fail(Cause& cause, Msg code) {
+    cause.set(code);
+    return false;
+}
+bool fail(Cause& cause, Msg code, std::string_view text) {
+    if (text.data() == nullptr)
+        cause.set(code);
+    else
+        cause.set(code, text);
+    return false;
+}
+bool failWith(Cause& cause, std::string_view text) {
+    cause.text = text;
+    cause.hasText = true;
+    return false;
+}
+bool expectNext(int32_t code, Cause& cause, std::string_view text) {
+    return (advance() && curCode() == code) || fail(cause, tokenExpected(code), text);
+}
+
+uint32_t lineHere() {
+    const InstContext* instance = instContext();
+    return instance != nullptr ? instance->line : curToken().line;
+}
+
+void readGovernor(SubNr nr) {
+    readRec(cMP, nr);
+    readRec(getModPtr(cMP, subRec.typeMod), TNodeNr{subRec.typeNr});
+}
+
+SubNr addOperand(SubNr nr) {
+    readRec(cMP, nr);
+    const uint32_t typeMod = subRec.typeMod;
+    const TNodeNr type{subRec.typeNr};
+    makePending(cMP, nr);
+    subRec.left = nextRec<KIND_SUB>(cMP).nr;
+    return addSubArc(typeMod, type, lineHere());
+}
+
+SubNr addSibling(SubNr last, uint32_t typeMod, TNodeNr type) {
+    makePending(cMP, last);
+    subRec.next = nextRec<KIND_SUB>(cMP).nr;
+    return addSubArc(typeMod, type, lineHere());
+}
+
+void recordSubError(SubNr nr, Msg code, std::string_view detail) {
+    readRec(cMP, nr);
+    recordError2(code, {}, subRec.line, detail);
+}
+
+std::string_view currentTypeName() {
+    if (tNode.name == 0) return {};
+    return getStri(recState.currTPtr[KIND_TNODE], tNode.name);
+}
+
+bool parseValueSetting(VNodeNr& value, TNodeRef governor, Cause& cause) {
+    const uint32_t module = handleImplImports(cMP, governor.module);
+    value = addValArc(instContext(), curToken().line);
+    if (!parseSettingPassOne(false, -1, module, governor.nr, cause)) return false;
+    flushRecs(KIND_VNODE);
+    const Restore cursor(inp);
+    parseSettingPassTwo(value);
+    return true;
+}
+
+bool parseTypeSetting(VNodeNr& value, TNodeRef governor, Cause& cause) {
+    const uint32_t module = handleImplImports(cMP, governor.module);
+    value = addValArc(instContext(), curToken().line);
+    if (!parseSettingPassOne(true, 0, module, governor.nr, cause)) return false;
+    flushRecs(KIND_VNODE);
+    const Restore cursor(inp);
+    parseSettingPassTwo(value);
+    return true;
+}
+
+namespace {
+
+constexpr std::string_view innerSubtypingText = "Invalid inner subtyping constraint";
+
+bool hasValueRange(uint8_t kind) {
+    return kind == TYP_INTEGER || kind == TYP_REAL || kind == TYP_NUMSTR || kind == TYP_PRISTR ||
+           kind == TYP_VISSTR || kind == TYP_IA5STR || kind == TYP_BMPSTR || kind == TYP_UNISTR;
+}
+bool hasSize(uint8_t kind) {
+    return kind == TYP_BITSTR || kind == TYP_OCTSTR || kind == TYP_SEQOF || kind == TYP_SETOF ||
+           kind == TYP_CHASTR || isCharString(kind);
+}
+
+/// lower [`<`] `..` [`<`] upper; `lower` is 0 for MIN, and the cursor stands on its last token.
+bool parseNumberValueRange(SubNr nr, VNodeNr lower, TNodeRef governor, Cause& cause) {
+    uint8_t flags = 0;
+    if (nextCode() == TOK_LESS)
+        (void)advance();
+    else
+        flags |= SUBF_LOWER;
+    if (!expectNext(TOK_RANGE, cause) || !advance()) return false;
+    if (curCode() == TOK_LESS) {
+        if (!advance()) return false;
+    } else {
+        flags |= SUBF_UPPER;
+    }
+    VNodeNr upper;
+    if (curCode() != TOK_MAX && !parseValueSetting(upper, governor, cause)) return false;
+    makePending(cMP, nr);
+    subRec.subKind = SUB_RANGE;
+    subRec.subFlags |= flags;
+    subRec.left = lower.nr;
+    subRec.right = upper.nr;
+    return true;
+}
+
+/// A value, or a range between two.
+bool parseSingleValueOrValueRange(SubNr nr, TNodeRef governor, Cause& cause) {
+    VNodeNr value;
+    const bool isMin = curCode() == TOK_MIN;
+    if (!isMin && !parseValueSetting(value, governor, cause))
+        return failWith(cause, "Invalid single value/invalid value range");
+    if (!isMin && nextCode() != TOK_LESS && nextCode() != TOK_RANGE) {
+        makePending(cMP, nr);
+        subRec.subKind = SUB_SINGLE_VALUE;
+        subRec.left = value.nr;
+        return true;
+    }
+    readRec(governor);
+    if (!hasValueRange(tNode.typeCode)) {
+        recordSubError(nr, Msg::ValueRangeNotAllowed, currentTypeName());
+        return false;
+    }
+    return parseNumberValueRange(nr, value, governor, cause);
+}
+
+/// `(` ElementSetSpec `)` behind SIZE or FROM.
+bool parseParenthesized(SubNr nr, Cause& cause, std::string_view text) {
+    if (!expectNext(TOK_LPAREN, cause, text)) return false;
+    return advance() && parseElemSetSpec(nr, cause) && expectNext(TOK_RPAREN, cause, text);
+}
+
+bool parseSizeConstraint(SubNr nr, uint8_t kind, Cause& cause) {
+    if (!hasSize(kind)) {
+        recordSubError(nr, Msg::SizeConstraintNotAllowed);
+        return false;
+    }
+    const TNodeNr size = addTypeArc(instContext(), curToken().line);
+    setTypeNode(TYP_INTEGER);
+    makePending(cMP, nr);
+    subRec.subKind = SUB_SIZE;
+    subRec.left = nextRec<KIND_SUB>(cMP).nr;
+    const SubNr sizes = addSubArc(REF_OWN, size, lineHere());
+    return parseParenthesized(sizes, cause, "Invalid size constraint");
+}
+
+bool parsePermittedAlphabet(SubNr nr, uint8_t kind, Cause& cause) {
+    if (!isCharString(kind)) {
+        recordSubError(nr, Msg::PermittedAlphabetNotAllowed);
+        return false;
+    }
+    const SubNr alphabet = addOperand(nr);
+    makePending(cMP, nr);
+    subRec.subKind = SUB_PERMITTED_ALPHABET;
+    return parseParenthesized(alphabet, cause, "Invalid permitted alphabet constraint");
+}
+
+bool parseContainedSubtype(SubNr nr, TNodeRef governor, Cause& cause) {
+    if (curCode() == TOK_INCLUDES && !advance()) return false;
+    VNodeNr type;
+    if (!parseTypeSetting(type, governor, cause))
+        return failWith(cause, "Invalid contained subtype constraint/invalid object set");
+    makePending(cMP, nr);
+    subRec.subKind = SUB_CONTAINED_SUBTYPE;
+    subRec.left = type.nr;
+    return true;
+}
+
+/// `...` before a list, followed by a comma, makes it partial; without, the record is marked as
+/// full. The cursor is stepped to the first entry or to `}`.
+bool checkFullVsPartialSpec(SubNr nr, Cause& cause) {
+    if (!advance()) return false;
+    if (curCode() == TOK_ELLIPSIS) return expectNext(TOK_COMMA, cause) && advance();
+    makePending(cMP, nr);
+    subRec.subFlags |= SUBF_FULL;
+    return true;
+}
+
+/// The identifier at the cursor names a component of the structure: its type becomes the current
+/// one. Its name, 0 with the cause set when there is none.
+uint32_t findConstrainedComp(uint8_t kind, TNodeRef structure, Cause& cause) {
+    readRec(structure);
+    const TNodeNr first{tNode.ref};
+    if (curCode() == TOK_VALUEID && findTypeCompId(kind, structure.module, first, curTokenText()))
+        return magnitude(curToken().stri());
+    (void)fail(cause, Msg::InvalidComponentIdentifier, curTokenText());
+    return 0;
+}
+
+void presenceConstraint(SubNr nr) {
+    const int32_t code = nextCode();
+    if (code != TOK_PRESENT && code != TOK_ABSENT && code != TOK_OPTIONAL) return;
+    (void)advance();
+    makePending(cMP, nr);
+    subRec.subFlags |= code == TOK_PRESENT  ? SUBF_PRESENT
+                       : code == TOK_ABSENT ? SUBF_ABSENT
+                                            : SUBF_OPTIONAL;
+}
+
+/// identifier [Constraint] [PRESENT | ABSENT | OPTIONAL], behind the entry `last` (none: the first
+/// one).
+bool parseNamedConstraint(SubNr nr, SubNr& last, uint8_t kind, TNodeRef structure, Cause& cause) {
+    const uint32_t name = findConstrainedComp(kind, structure, cause);
+    if (name == 0) return false;
+    const TNodeRef component = currentRec<KIND_TNODE>();
+    const uint32_t module = handleImplImports(cMP, component.module);
+    if (last) {
+        last = addSibling(last, module, component.nr);
+    } else {
+        makePending(cMP, nr);
+        subRec.left = nextRec<KIND_SUB>(cMP).nr;
+        last = addSubArc(module, component.nr, lineHere());
+    }
+    subRec.name = name;
+    subRec.subKind = SUB_EXCEPTION;
+    if (nextCode() == TOK_LPAREN && (!advance() || !parseConstraint(last, cause))) return false;
+    presenceConstraint(last);
+    return true;
+}
+
+/// `{` [`...` `,`] NamedConstraint {`,` NamedConstraint} `}`; the cursor is before the `{`.
+bool parseMultipleTypeConstr(SubNr nr, uint8_t kind, TNodeRef structure, Cause& cause) {
+    if (!expectNext(TOK_LBRACE, cause) || !checkFullVsPartialSpec(nr, cause)) return false;
+    readRec(cMP, nr);
+    if (curCode() == TOK_RBRACE && (subRec.subFlags & SUBF_FULL) != 0) return true;
+    SubNr last;
+    for (;;) {
+        if (!parseNamedConstraint(nr, last, kind, structure, cause)) return false;
+        if (nextCode() != TOK_COMMA) return expectNext(TOK_RBRACE, cause);
+        if (!advance() || !advance()) return false;
+    }
+}
+
+/// WITH COMPONENTS on a structure whose components are those of `structure`.
+bool parseWithComponents(SubNr nr, TNodeRef structure, Cause& cause) {
+    makePending(cMP, nr);
+    subRec.subKind = SUB_WITH_COMPONENTS;
+    if (!expectNext(TOK_COMPONENTS, cause, innerSubtypingText)) return false;
+    readRec(structure);
+    const uint8_t kind = tNode.typeCode;
+    return parseMultipleTypeConstr(nr, kind, structure, cause);
+}
+
+/// WITH COMPONENT: one constraint on the elements of a list.
+bool parseWithComponent(SubNr nr, TNodeRef list, Cause& cause) {
+    makePending(cMP, nr);
+    subRec.subKind = SUB_WITH_COMPONENT;
+    if (!expectNext(TOK_COMPONENT, cause, innerSubtypingText) || !advance()) return false;
+    readRec(list);
+    const TNodeNr element{tNode.ref};
+    makePending(cMP, nr);
+    subRec.left = nextRec<KIND_SUB>(cMP).nr;
+    return parseConstraint(addSubArc(handleImplImports(cMP, list.module), element, lineHere()),
+                           cause);
+}
+
+bool parseInnerSubtyping(SubNr nr, TNodeRef governor, Cause& cause) {
+    readRec(governor);
+    switch (tNode.typeCode) {
+    case TYP_SEQ:
+    case TYP_SET:
+    case TYP_CHOICE: return parseWithComponents(nr, governor, cause);
+    case TYP_EMB_PDV:
+    case TYP_CHASTR:
+    case TYP_EXTERNAL_1990:
+    case TYP_EXTERNAL_1994:
+        readRec(run.iso8824MP, TNodeNr{tNode.typeCode});
+        skipTypes(false);
+        return parseWithComponents(nr, currentRec<KIND_TNODE>(), cause);
+    case TYP_SEQOF:
+    case TYP_SETOF: return parseWithComponent(nr, governor, cause);
+    default: recordSubError(nr, Msg::InnerSubtypingNotAllowed); return false;
+    }
+}
+
+/// [`,`] `...` [`,` Elements]: an element behind the marker takes the record over.
+bool parseExtendedElements(SubNr nr, Cause& cause) {
+    if (curCode() == TOK_COMMA) (void)advance();
+    if (curCode() != TOK_ELLIPSIS) return fail(cause, tokenExpected(TOK_ELLIPSIS));
+    makePending(cMP, nr);
+    subRec.subKind = SUB_EXTENSION_MARKER;
+    if (nextCode() != TOK_COMMA) return true;
+    return advance() && advance() && parseElements(nr, cause);
+}
+
+/// `(` ElementSetSpec `)`
+bool parseElemSetSpecWithinParen(SubNr nr, Cause& cause) {
+    if (!advance() || !parseElemSetSpec(nr, cause)) return false;
+    return expectNext(TOK_RPAREN, cause, "Invalid \"ElementSetSpec\"");
+}
+
+/// A type begins at the cursor, not the selector of an open type value.
+bool containedSubtypeFollows() {
+    return curCode() == TOK_INCLUDES || curCode() == TOK_TYPEID ||
+           (curCode() == TOK_MARKER && nextCode() != TOK_COLON);
+}
+
+} // namespace
+
+bool parseElements(SubNr nr, Cause& cause) {
+    if (curCode() == TOK_LPAREN) return parseElemSetSpecWithinParen(nr, cause);
+    Depth depth(constraintState.depth, maxConstraintDepth);
+    if (depth.tooDeep()) return false;
+    readGovernor(nr);
+    if (findActType()) skipTypes(true);
+    const TNodeRef governor = currentRec<KIND_TNODE>();
+    const uint8_t kind = tNode.typeCode;
+    if (kind == TYP_SYNONYM || kind == TYP_SELECTION || kind == TYP_FIELDLIST) {
+        recordSubError(nr, Msg::InvalidGoverningTypeClass, currentTypeName());
+        return false;
+    }
+    if (containedSubtypeFollows()) return parseContainedSubtype(nr, governor, cause);
+    switch (curCode()) {
+    case TOK_SIZE: return parseSizeConstraint(nr, kind, cause);
+    case TOK_FROM: return parsePermittedAlphabet(nr, kind, cause);
+    case TOK_WITH: return parseInnerSubtyping(nr, governor, cause);
+    case TOK_ELLIPSIS:
+    case TOK_COMMA: return parseExtendedElements(nr, cause);
+    default: return parseSingleValueOrValueRange(nr, governor, cause);
+    }
+}
+
+} // namespace orvo

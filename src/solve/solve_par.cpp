@@ -1,0 +1,276 @@
+// Instantiation of parameterized definitions (X.683 clause 9): the actual parameter list of a
+// reference becomes value records of the referring module, the definition is copied in its own
+// module, and the copy is solved while the instantiation is on top of the stack.
+//
+// The stack is a chain of records of kind 13. A record that an instantiation produced carries the
+// number of its entry (actParRec), from which the chain can be taken up again later.
+
+#include "solve/solve_par.h"
+
+#include "diag/orvoerr_fatal.h"
+#include "solve/p5actpar_err.h"
+#include "solve/solve_cur.h"
+#include "solve/solve_exp.h"
+#include "solve/solve_pass3.h"
+#include "solve/solve_val.h"
+#include "symtab/orvosym.h"
+#include "symtab/orvosym_imp.h"
+#include "tree/orvorec.h"
+#include "tree/values.h"
+#include "util/guard.h"
+
+namespace orvo {
+
+ParState parState;
+
+namespace {
+
+/// Instances of a run, and how deep they nest: more is an explosion, not a protocol.
+constexpr size_t maxInstances = 1000000;
+constexpr uint32_t maxInstanceDepth = 200;
+
+uint64_t instanceKey(const ModuleRec* module, uint32_t instance) {
+    return uint64_t{module->handle} << 32 | instance;
+}
+
+ModuleRec* moduleOfHandle(uint32_t handle) {
+    return run.modules[handle - 1].get();
+}
+
+} // namespace
+
+ANode aplAt(uint32_t handle) {
+    const AplEntry& entry = parState.entries[handle - 1];
+    return *static_cast<const ANode*>(findRPos(entry.module, KIND_ANODE, entry.nr.nr));
+}
+
+uint32_t aplOfInstance(ModuleRec* module, uint32_t instance) {
+    if (instance == 0) return 0;
+    const auto found = parState.byInstance.find(instanceKey(module, instance));
+    return found == parState.byInstance.end() ? 0 : found->second;
+}
+
+ModuleRec* outermostInstantiator(uint32_t handle) {
+    ModuleRec* module = nullptr;
+    for (; handle != 0; handle = aplAt(handle).below)
+        module = moduleOfHandle(aplAt(handle).instModule);
+    return module;
+}
+
+void setAplStack(uint32_t handle) {
+    parState.aplStack = handle;
+    if (handle == 0) {
+        instState.top = nullptr;
+        return;
+    }
+    parState.context = {aplAt(handle).line, aplAt(handle).instance};
+    instState.top = &parState.context;
+}
+
+namespace {
+
+/// A value record of the current module at a number that was reserved for it.
+void addReservedValue(VNodeNr nr, uint32_t line) {
+    flushRecs(KIND_VNODE);
+    vNode = VNode{};
+    vNode.valCode = TYP_NONE;
+    vNode.valStatus = VST_ACTUAL;
+    const InstContext* instance = instContext();
+    vNode.line = instance != nullptr ? instance->line : line;
+    vNode.actParRec = instance != nullptr ? instance->instance : 0;
+    recState.writePend[KIND_VNODE] = {cMP, nr.nr};
+    recState.recJustRead[KIND_VNODE] = {cMP, nr.nr};
+    recState.currTPtr[KIND_VNODE] = cMP;
+}
+
+/// The actual parameter for one formal, at the cursor, into the record `nr`.
+bool parseActual(ModuleRec* defModule, const STabRec& formal, VNodeNr nr, Cause& cause) {
+    addReservedValue(nr, curToken().line);
+    const int32_t name = static_cast<int32_t>(putStri(cMP, getStri(defModule, formal.name)).nr);
+    vNode.name = formal.name < 0 ? -name : name;
+    const bool isType = (formal.flags & SYM_TYPE_PARAMETER) != 0;
+    const uint32_t govMod = handleImplImports(cMP, defModule);
+    const TNodeNr governor{magnitude(formal.node)};
+    return parseSettingPassOne(isType, formal.name < 0 ? -1 : 1, govMod, governor, cause);
+}
+
+uint32_t countFormals(STabNr formals) {
+    uint32_t count = 0;
+    for (STabNr nr = formals; nr; nr = STabNr{symAt(nr).next}) ++count;
+    return count;
+}
+
+/// `{` actual {`,` actual} `}` for the formals of an assignment of `defModule`. The actual for
+/// position p gets the number `first` + p - 1.
+bool parseActParList(ModuleRec* defModule, STabNr formals, VNodeNr& first, Cause& cause) {
+    first = nextRec<KIND_VNODE>(cMP);
+    cMP->nextRecNr[KIND_VNODE] += countFormals(formals);
+    if (curCode() != TOK_LBRACE) return false;
+    VNodeNr nr = first;
+    for (STabNr formal = formals; formal;) {
+        if (!advance() || !parseActual(defModule, symAt(formal), nr, cause)) return false;
+        if (!advance()) return false;
+        formal = STabNr{symAt(formal).next};
+        if (!formal) break;
+        if (curCode() != TOK_COMMA) return false;
+        makePending(cMP, nr);
+        vNode.next = ++nr.nr;
+    }
+    flushRecs(KIND_VNODE);
+    if (curCode() == TOK_RBRACE) return true;
+    cause.set(tokenExpected(TOK_RBRACE), "Missing end of actual parameter list");
+    return false;
+}
+
+/// The assignment is being instantiated already, inside its own instantiation.
+bool isOnStack(const ModuleRec* defModule, int32_t definition, uint32_t& depth) {
+    for (uint32_t handle = parState.aplStack; handle != 0; handle = aplAt(handle).below) {
+        ++depth;
+        if (aplAt(handle).defModule == defModule->handle && aplAt(handle).definition == definition)
+            return true;
+    }
+    return false;
+}
+
+/// A reference to be instantiated. `definition`: the assignment's TNode, or minus its VNode.
+struct Reference {
+    int32_t refMod = 0;
+    int32_t definition = 0;
+    DNodeNr actuals;
+    uint32_t line = 0;
+};
+
+/// Parses the actual parameters of a reference of the current module and pushes the instantiation.
+Msg pushApl(const Reference& reference, Cause& cause) {
+    ModuleRec* const defModule = getModPtr(cMP, static_cast<uint32_t>(reference.refMod));
+    uint32_t depth = 0;
+    if (isOnStack(defModule, reference.definition, depth))
+        return reference.definition < 0 ? Msg::RecursiveValueReference
+                                        : Msg::RecursiveTypeReference;
+    if (depth >= maxInstanceDepth || parState.entries.size() >= maxInstances)
+        fatalError(Fatal::NoSpace, "Too many instances of parameterized definitions.");
+    const STabNr symbol = findSymbTabRecByNr(defModule, REF_OWN, reference.definition);
+    VNodeNr firstActual;
+    {
+        const ReplayCursor replay(cMP, reference.actuals);
+        if (!parseActParList(defModule, STabNr{symAt(symbol).formals}, firstActual, cause))
+            return Msg::InvalidActualParameterList;
+    }
+    const ANodeNr nr{defModule->nextRecNr[KIND_ANODE]++};
+    flushRecs(KIND_ANODE);
+    aNode = {cMP->handle,          handleImplImports(defModule, cMP),
+             firstActual.nr,       reference.line,
+             defModule->handle,    static_cast<uint32_t>(reference.refMod),
+             reference.definition, nr.nr,
+             parState.aplStack};
+    writeRec(defModule, nr);
+    parState.entries.push_back({defModule, nr});
+    const auto handle = static_cast<uint32_t>(parState.entries.size());
+    parState.byInstance[instanceKey(defModule, nr.nr)] = handle;
+    setAplStack(handle);
+    return Msg::None;
+}
+
+/// Takes the top entry off and solves what its actual parameters are, in the instantiating module.
+void popApl() {
+    const VNodeNr firstActual{aplAt(parState.aplStack).firstActual};
+    setAplStack(aplAt(parState.aplStack).below);
+    if (recExists(cMP, KIND_VNODE, firstActual.nr)) parseSettingPassTwo(firstActual);
+}
+
+} // namespace
+
+void parseTNodeActuals() {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    if (tNode.typeCode != TYP_SYNONYM || !isDeferred(tNode.syntax)) return;
+    const Reference reference = {tNode.refMod, static_cast<int32_t>(tNode.ref),
+                                 deferredText(tNode.syntax), tNode.line};
+    SnapShot trial(self);
+    const CurrentModule inReferring(self.module);
+    const Restore cursor(inp);
+    Cause cause;
+    const Msg code = pushApl(reference, cause);
+    if (code != Msg::None) {
+        recordError2(code, cause, reference.line);
+        trial.restore();
+        makePending(self.module, self.nr);
+        tNode.refMod = REF_UNRESOLVED;
+        tNode.ref = 0;
+        tNode.syntax = 0;
+        writeRec(self);
+        return;
+    }
+    ModuleRec* const defModule = parState.entries[parState.aplStack - 1].module;
+    makePending(self.module, self.nr);
+    tNode.ref = nextRec<KIND_TNODE>(defModule).nr;
+    tNode.syntax = static_cast<int32_t>(aplAt(parState.aplStack).firstActual);
+    writeRec(self);
+    {
+        const CurrentModule inDefining(defModule);
+        readRec(defModule, TNodeNr{static_cast<uint32_t>(reference.definition)});
+        expandType(TNodeNr{});
+        parseTNode();
+    }
+    popApl();
+    trial.keep();
+    readRec(self);
+}
+
+namespace {
+
+/// Copies the value assignment `definition` of the current module and parses the copy's text.
+void expandAndParseParameterizedValue(VNodeNr definition) {
+    readRec(cMP, definition);
+    const VNodeNr copy = expandValue();
+    TNodeNr governor{vNode.govType};
+    readRec(cMP, governor);
+    if (tNode.typeCode == TYP_SYNONYM && tNode.refMod == REF_FORMAL) {
+        governor = expandType(TNodeNr{});
+        makePending(cMP, copy);
+        vNode.govType = governor.nr;
+        writeRec(cMP, copy);
+        parseTNode();
+    }
+    readRec(cMP, copy);
+    parseVNode();
+}
+
+} // namespace
+
+void parseVNodeActuals() {
+    const VNodeRef self = currentRec<KIND_VNODE>();
+    if (vNode.valCode != TYP_SYNONYM || !isDeferred(vNode.deferred)) return;
+    const VNodeNr definition{vNode.ref};
+    const Reference reference = {vNode.refMod, minus(vNode.ref), deferredText(vNode.deferred),
+                                 vNode.line};
+    const KeepRec<KIND_TNODE> keepType;
+    SnapShot trial(self);
+    const CurrentModule inReferring(self.module);
+    const Restore cursor(inp);
+    Cause cause;
+    const Msg code = pushApl(reference, cause);
+    if (code != Msg::None) {
+        recordError2(code, cause, reference.line);
+        trial.restore();
+        makePending(self.module, self.nr);
+        vNode.refMod = REF_UNRESOLVED;
+        vNode.ref = 0;
+        vNode.deferred = 0;
+        writeRec(self);
+        return;
+    }
+    ModuleRec* const defModule = parState.entries[parState.aplStack - 1].module;
+    makePending(self.module, self.nr);
+    vNode.ref = nextRec<KIND_VNODE>(defModule).nr;
+    vNode.deferred = static_cast<int32_t>(aplAt(parState.aplStack).firstActual);
+    writeRec(self);
+    {
+        const CurrentModule inDefining(defModule);
+        expandAndParseParameterizedValue(definition);
+    }
+    popApl();
+    trial.keep();
+    readRec(self);
+}
+
+} // namespace orvo

@@ -1,0 +1,39 @@
+#pragma once
+
+// What the units of value notation share among themselves.
+
+#include <cstdint>
+
+#include "tree/orvodef.h"
+
+namespace orvo {
+
+/// Nesting of values that is parsed; the parser lets no deeper text through.
+inline constexpr uint32_t maxValueDepth = 500;
+struct ValueState {
+    uint32_t depth = 0;
+};
+extern ValueState valueState;
+
+/// A restricted character string type, GeneralizedTime, UTCTime or ObjectDescriptor.
+bool isCharString(uint8_t kind);
+/// The governing type of the current value record becomes the current type record.
+void governByCurrentType();
+/// A reference to a value begins here: `Module.`, or an identifier that selects no alternative.
+bool definedValueFollows();
+
+/// Builds a list of value records: append() links each new record behind the one before, and the
+/// first one to the field of the owner that points at the list.
+class ValueList {
+  public:
+    /// The owner is the current value record; its `ref` is cleared.
+    ValueList();
+    /// A new record, pending, linked to the list.
+    VNodeNr append(uint32_t line);
+
+  private:
+    VNodeRef owner_;
+    VNodeNr last_;
+};
+
+} // namespace orvo

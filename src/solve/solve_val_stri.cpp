@@ -1,0 +1,121 @@
+// Character string values: literals, lists of strings, and single characters by quadruple or tuple.
+
+#include <array>
+#include <span>
+#include <string>
+
+#include "solve/solve_cur.h"
+#include "solve/solve_par.h"
+#include "solve/solve_val.h"
+#include "solve/solve_val_int.h"
+#include "tree/orvorec.h"
+#include "tree/values.h"
+
+namespace orvo {
+
+namespace {
+
+void setString(uint8_t kind, size_t length, uint32_t stri) {
+    setValNode(static_cast<TypeCode>(kind));
+    vNode.val.str.striLen = static_cast<uint16_t>(length);
+    vNode.val.str.stri = stri;
+}
+
+/// The literal at the cursor; BMPString and UniversalString widen each byte to a character.
+void parseCString(uint8_t kind) {
+    const int32_t stri = curToken().stri();
+    const std::string_view text = getStri(cMP, stri);
+    if (kind == TYP_BMPSTR) {
+        std::u16string wide;
+        for (const char c : text) wide.push_back(static_cast<unsigned char>(c));
+        setString(kind, text.size(), putStri16(cMP, wide).nr);
+    } else if (kind == TYP_UNISTR) {
+        std::u32string wide;
+        for (const char c : text) wide.push_back(static_cast<unsigned char>(c));
+        setString(kind, text.size(), putStri32(cMP, wide).nr);
+    } else {
+        setString(kind, text.size(), static_cast<uint32_t>(stri));
+    }
+}
+
+/// The value becomes the string of one character given by two or four numbers; false for a number
+/// that the width of the kind does not admit.
+bool setCharacter(uint8_t kind, std::span<const uint32_t> numbers) {
+    if (numbers.size() == 2 && kind == TYP_IA5STR) {
+        if (numbers[0] > 7 || numbers[1] > 15) return false;
+        const std::string text(1, static_cast<char>(16 * numbers[0] + numbers[1]));
+        setString(kind, 1, putStri(cMP, text).nr);
+        return true;
+    }
+    const size_t significant = kind == TYP_UNISTR ? 4 : kind == TYP_BMPSTR ? 2 : 1;
+    uint32_t character = 0;
+    for (size_t i = 0; i < numbers.size(); ++i) {
+        if (numbers[i] != 0 && i + significant < numbers.size()) return false;
+        character = character << 8 | numbers[i];
+    }
+    if (kind == TYP_UNISTR)
+        setString(kind, 1, putStri32(cMP, std::u32string(1, static_cast<char32_t>(character))).nr);
+    else if (kind == TYP_BMPSTR)
+        setString(kind, 1, putStri16(cMP, std::u16string(1, static_cast<char16_t>(character))).nr);
+    else
+        setString(kind, 1, putStri(cMP, std::string(1, static_cast<char>(character))).nr);
+    return true;
+}
+
+/// `{ group, plane, row, cell }` or `{ column, row }` (X.680 (07/2002) 37.8); the cursor is on `{`.
+bool parseQuadrupleTuple(uint8_t kind, Cause& cause) {
+    std::array<uint32_t, 4> numbers = {};
+    size_t count = 0;
+    bool ok = true;
+    do {
+        if (!advance() || curCode() != TOK_NUMBER || count == numbers.size()) {
+            cause.set(Msg::InvalidQuadrupleTuple);
+            return false;
+        }
+        const int64_t number = i64native(curToken().value);
+        ok = ok && number >= 0 && number <= 255;
+        numbers[count++] = static_cast<uint32_t>(number);
+    } while (advance() && curCode() == TOK_COMMA);
+    if (curCode() != TOK_RBRACE) {
+        cause.set(tokenExpected(TOK_RBRACE));
+        return false;
+    }
+    if (ok && (count == 2 || count == 4) && setCharacter(kind, std::span(numbers).first(count)))
+        return true;
+    cause.set(Msg::InvalidQuadrupleTuple);
+    return false;
+}
+
+bool parseStringElement(uint8_t kind, Cause& cause) {
+    if (curCode() == TOK_CSTRING) {
+        parseCString(kind);
+        return true;
+    }
+    return definedValueFollows() && parseDefinedValue(false, cause) == Msg::None;
+}
+
+bool parseStringList(uint8_t kind, Cause& cause) {
+    ValueList elements;
+    do {
+        if (!advance()) return false;
+        elements.append(curToken().line);
+        if (!parseStringElement(kind, cause)) return false;
+    } while (advance() && curCode() == TOK_COMMA);
+    if (curCode() == TOK_RBRACE) return true;
+    cause.set(tokenExpected(TOK_RBRACE));
+    return false;
+}
+
+} // namespace
+
+bool parseCharStringValue(uint8_t kind, Cause& cause) {
+    if (curCode() == TOK_CSTRING) {
+        parseCString(kind);
+        return true;
+    }
+    if (curCode() != TOK_LBRACE) return false;
+    if (nextCode() == TOK_NUMBER) return parseQuadrupleTuple(kind, cause);
+    return parseStringList(kind, cause);
+}
+
+} // namespace orvo

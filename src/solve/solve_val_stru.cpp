@@ -1,0 +1,167 @@
+// Values made of values: component and element lists, CHOICE, open types, named bits.
+
+#include "solve/solve_cur.h"
+#include "solve/solve_exp.h"
+#include "solve/solve_par.h"
+#include "solve/solve_pass3.h"
+#include "solve/solve_ref.h"
+#include "solve/solve_val.h"
+#include "solve/solve_val_int.h"
+#include "symtab/orvosym.h"
+#include "symtab/orvosym_imp.h"
+#include "tree/orvorec.h"
+#include "tree/values.h"
+
+namespace orvo {
+
+void governByCurrentType() {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    vNode.govTypeMod = handleImplImports(cMP, type.module);
+    vNode.govType = type.nr.nr;
+}
+
+ValueList::ValueList() : owner_(currentRec<KIND_VNODE>()) {
+    makePending(owner_.module, owner_.nr);
+    vNode.ref = 0;
+}
+
+VNodeNr ValueList::append(uint32_t line) {
+    const uint32_t number = nextRec<KIND_VNODE>(cMP).nr;
+    if (last_) {
+        makePending(cMP, last_);
+        vNode.next = number;
+    } else {
+        makePending(owner_.module, owner_.nr);
+        vNode.ref = number;
+    }
+    last_ = addValArc(instContext(), line);
+    return last_;
+}
+
+namespace {
+
+/// The identifier at the cursor names a component of the list from `first`: its type becomes the
+/// current one. Else the cause is set.
+bool readNamedComponent(uint8_t kind, ModuleRec* module, TNodeNr first, Cause& cause) {
+    if (curCode() == TOK_VALUEID && findTypeCompId(kind, module, first, curTokenText()))
+        return true;
+    cause.set(Msg::InvalidComponentIdentifier, curTokenText());
+    return false;
+}
+
+/// One identifier of a named bit list into a new record that refers to the named bit.
+bool parseNamedBit(ValueList& bits, TNodeRef type, Cause& cause) {
+    if (!advance() || curCode() != TOK_VALUEID) {
+        cause.set(tokenExpected(TOK_VALUEID));
+        return false;
+    }
+    int32_t refMod = REF_UNRESOLVED;
+    int32_t name = curToken().stri();
+    readRec(type);
+    if (!handleNamed(type, refMod, name)) return false;
+    bits.append(curToken().line);
+    setValNode(TYP_SYNONYM);
+    vNode.refMod = refMod;
+    vNode.ref = static_cast<uint32_t>(name);
+    return true;
+}
+
+bool parseNamedBits(Cause& cause) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    ValueList bits;
+    if (nextCode() == TOK_RBRACE) return advance();
+    do {
+        if (!parseNamedBit(bits, type, cause)) return false;
+    } while (advance() && curCode() == TOK_COMMA);
+    if (curCode() == TOK_RBRACE) return true;
+    cause.set(tokenExpected(TOK_RBRACE));
+    return false;
+}
+
+} // namespace
+
+bool parseBitStringValue(Cause& cause) {
+    if (curCode() == TOK_BSTRING || curCode() == TOK_HSTRING) {
+        setValNode(curCode() == TOK_BSTRING ? TYP_BITSTR : TYP_OCTSTR);
+        const int32_t stri = curToken().stri();
+        vNode.val.str.striLen = static_cast<uint16_t>(getStri(cMP, stri).size());
+        vNode.val.str.stri = static_cast<uint32_t>(stri);
+        return true;
+    }
+    if (tNode.namedVals == 0 || curCode() != TOK_LBRACE) return false;
+    return parseNamedBits(cause);
+}
+
+bool parseSeqValue(uint8_t kind, Cause& cause) {
+    if (curCode() != TOK_LBRACE) return false;
+    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    const TNodeNr first{tNode.ref};
+    const bool named = kind == TYP_SEQ || kind == TYP_SET;
+    ValueList components;
+    if (nextCode() == TOK_RBRACE) return advance();
+    do {
+        if (!advance()) return false;
+        int32_t name = 0;
+        if (named) {
+            if (!readNamedComponent(kind, module, first, cause)) return false;
+            name = curToken().stri();
+            if (!advance()) return false;
+        } else {
+            readRec(module, first);
+        }
+        components.append(curToken().line);
+        vNode.name = name;
+        governByCurrentType();
+        if (!parseValue()) return false;
+    } while (advance() && curCode() == TOK_COMMA);
+    if (curCode() == TOK_RBRACE) return true;
+    cause.set(tokenExpected(TOK_RBRACE));
+    return false;
+}
+
+bool parseChoiceValue(Cause& cause) {
+    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    const TNodeNr first{tNode.ref};
+    ValueList alternatives;
+    const VNodeNr alternative = alternatives.append(curToken().line);
+    const bool braced = curCode() == TOK_LBRACE;
+    if (braced && !advance()) return false;
+    if (!readNamedComponent(TYP_CHOICE, module, first, cause)) return false;
+    makePending(cMP, alternative);
+    vNode.name = curToken().stri();
+    governByCurrentType();
+    if (!braced && (!advance() || curCode() != TOK_COLON)) {
+        cause.set(tokenExpected(TOK_COLON));
+        return false;
+    }
+    if (!advance() || !parseValue()) return false;
+    if (!braced || (advance() && curCode() == TOK_RBRACE)) return true;
+    cause.set(tokenExpected(TOK_RBRACE));
+    return false;
+}
+
+bool parseAnyValue(Cause& cause) {
+    ValueList content;
+    const VNodeNr value = content.append(curToken().line);
+    if (curCode() != TOK_MARKER) {
+        cause.set(tokenExpected(TOK_TYPEID));
+        return false;
+    }
+    readRec(cMP, TNodeNr{static_cast<uint32_t>(curToken().stri())});
+    if (inp.formals != 0) (void)expandType(TNodeNr{});
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    makePending(cMP, value);
+    vNode.govTypeMod = REF_OWN;
+    vNode.govType = type.nr.nr;
+    parseTNode();
+    if (!advance() || curCode() != TOK_COLON) {
+        cause.set(tokenExpected(TOK_COLON));
+        return false;
+    }
+    if (!advance()) return false;
+    readRec(type);
+    makePending(cMP, value);
+    return parseValue();
+}
+
+} // namespace orvo
