@@ -179,8 +179,7 @@ void typeAssignment() {
 
 /// {Assignment}
 void parseAssignments() {
-    while ((parserState.Inp.code == TOK_VALUEID || parserState.Inp.code == TOK_TYPEID) &&
-           parserState.Parsing) {
+    while (parserState.Inp.code == TOK_VALUEID || parserState.Inp.code == TOK_TYPEID) {
         if (parserState.Inp.code == TOK_VALUEID)
             valueAssignment();
         else
@@ -198,7 +197,7 @@ void MGR57ParameterList() {
     }
     ReadIn();
     MGR70Parameter();
-    while (parserState.Inp.code == TOK_COMMA && parserState.Parsing) {
+    while (parserState.Inp.code == TOK_COMMA) {
         ReadIn();
         MGR70Parameter();
     }

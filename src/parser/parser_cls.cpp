@@ -190,7 +190,7 @@ void MGR60ObjectClassDefn() {
     setTypeCode(TYP_CLASS);
     if (!expectToken(TOK_LBRACE)) return;
     MGR224FieldSpec(classNode);
-    while (parserState.Inp.code == TOK_COMMA && parserState.Parsing) {
+    while (parserState.Inp.code == TOK_COMMA) {
         ReadIn();
         MGR224FieldSpec(classNode);
     }
@@ -233,7 +233,7 @@ SNodeNr MGR245TokenOrGroupSpecList() {
         last = newSyntaxNode();
         MGR247TokenOrGroupSpec();
         literalFromKeyword();
-    } while (MGIsInSet(element) && parserState.Parsing);
+    } while (MGIsInSet(element));
     return last;
 }
 
@@ -256,7 +256,7 @@ void MGR247TokenOrGroupSpec() {
 void MGR113FieldName() {
     newSyntaxNode();
     MGR250PrimitiveFieldName();
-    while (parserState.Inp.code == TOK_DOT && parserState.Parsing) {
+    while (parserState.Inp.code == TOK_DOT) {
         if (buildsTree()) sNode.next = static_cast<int32_t>(cMP->nextRecNr[KIND_SNODE]);
         ReadIn();
         newSyntaxNode();

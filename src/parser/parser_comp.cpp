@@ -112,7 +112,7 @@ void MGR183ComponentList() {
         extensionMarker();
     else
         MGR185Component();
-    while (anotherFollows() && parserState.Parsing) {
+    while (anotherFollows()) {
         if (parserState.Inp.code == TOK_COMMA) {
             ReadIn();
             if (componentAfterComma()) hasMarker = true;
@@ -166,7 +166,7 @@ void MGR999ExtensionAdditionGroup() {
         if (parserState.Inp.code == TOK_COLON) ReadIn();
     }
     MGR185Component();
-    while (parserState.Inp.code == TOK_COMMA && parserState.Parsing) {
+    while (parserState.Inp.code == TOK_COMMA) {
         ReadIn();
         MGR185Component();
     }
@@ -179,7 +179,7 @@ void MGR202AlternativeTypeList() {
     const TNodeNr type = thisTypeNode();
     bool hasMarker = false;
     alternative();
-    while (anotherFollows() && parserState.Parsing) {
+    while (anotherFollows()) {
         const bool hasComma = parserState.Inp.code == TOK_COMMA;
         if (hasComma) ReadIn();
         if (parserState.Inp.code != TOK_ELLIPSIS) {

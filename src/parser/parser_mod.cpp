@@ -110,7 +110,7 @@ void importsClause() {
     if (parserState.Inp.code != TOK_IMPORTS) return;
     ReadIn();
     cMP->importsState = parserState.Inp.code == TOK_SEMICOLON ? 1 : 2;
-    while (isReference(parserState.Inp.code) && parserState.Parsing) symbolsFromModule();
+    while (isReference(parserState.Inp.code)) symbolsFromModule();
     expectToken(TOK_SEMICOLON);
 }
 
@@ -153,7 +153,7 @@ void MGR4ModuleIdentifier() {
 void MGR24SymbolList(uint8_t clause) {
     parserState.symbolList = {};
     MGR26Symbol(clause);
-    while (parserState.Inp.code == TOK_COMMA && parserState.Parsing) {
+    while (parserState.Inp.code == TOK_COMMA) {
         ReadIn();
         MGR26Symbol(clause);
     }

@@ -95,7 +95,7 @@ void MGR150EnumerationItemList() {
     const STabNr names = beginNames();
     bool hasMarker = false;
     MGR152NamedIdent(TYP_ENUM);
-    while (parserState.Inp.code == TOK_COMMA && parserState.Parsing) {
+    while (parserState.Inp.code == TOK_COMMA) {
         ReadIn();
         if (parserState.Inp.code != TOK_ELLIPSIS) {
             MGR152NamedIdent(TYP_ENUM);
@@ -118,7 +118,7 @@ void MGR147NamedIdentList(TypeCode type) {
     const STabNr names = beginNames();
     if (!expectToken(TOK_LBRACE)) return;
     MGR152NamedIdent(type);
-    while (parserState.Inp.code == TOK_COMMA && parserState.Parsing) {
+    while (parserState.Inp.code == TOK_COMMA) {
         ReadIn();
         MGR152NamedIdent(type);
     }

@@ -144,12 +144,14 @@ void MGR13ObjectIdValue() {
     }
     uint32_t component = 1;
     convertComponent(component);
+    uint64_t before = 0;
     do {
+        before = parserState.consumed;
         objectIdComponent();
         convertComponent(++component);
         if (!beginsComponent(parserState.Inp.code)) break;
         if (buildsTree()) vNode.next = cMP->nextRecNr[KIND_VNODE];
-    } while (parserState.Parsing);
+    } while (parserState.consumed != before); // a typeid that begins no reference stays
     expectToken(TOK_RBRACE);
 }
 

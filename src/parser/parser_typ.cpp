@@ -118,7 +118,7 @@ TagNr parseTag() {
 void parseTags(TNodeNr node) {
     if (parserState.Inp.code != TOK_LBRACKET) return;
     const TagNr first = parseTag();
-    while (parserState.Inp.code == TOK_LBRACKET && parserState.Parsing) parseTag();
+    while (parserState.Inp.code == TOK_LBRACKET) parseTag();
     if (!atType(node)) return;
     tNode.tags = first.nr;
     flushTagRec();
