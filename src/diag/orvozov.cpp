@@ -4,12 +4,12 @@
 #include "diag/orvozov.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <utility>
 
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvomod.h"
+#include "util/ascii.h"
 #include "util/text.h"
 
 namespace orvo {
@@ -27,22 +27,11 @@ void put(std::string_view text) {
         fatalError(Fatal::Write);
 }
 
-bool isPrefixChar(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '_';
-}
-bool isPrintable(char c) {
-    return c >= ' ' && c <= '~';
-}
-
-char upper(char c) {
-    return static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-}
-
 /// Takes `name` (given in upper case), in any case, off the front of the text.
 bool takeName(std::string_view& text, std::string_view name) {
     if (text.size() < name.size() ||
         !std::equal(name.begin(), name.end(), text.begin(),
-                    [](char given, char c) { return given == upper(c); }))
+                    [](char given, char c) { return given == toUpper(c); }))
         return false;
     text.remove_prefix(name.size());
     return true;
@@ -64,8 +53,7 @@ bool zovIsZOVOption(std::string_view text) {
 
 bool zovOptionOK(std::string_view text) {
     if (takeName(text, "ZOV-PREFIX=")) {
-        if (text.empty() || text.size() > maxPrefixLength ||
-            !std::ranges::all_of(text, isPrefixChar))
+        if (text.empty() || text.size() > maxPrefixLength || spanOfName(text, "-_") != text.size())
             return false;
         run.zovPrefix = text;
         fatalState.hook = zovSummaryFatalError;

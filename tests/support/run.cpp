@@ -65,8 +65,8 @@ int statusOf(pid_t child) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-Run runIn(std::shared_ptr<TempDir> dir, std::vector<std::string> arguments,
-          const std::vector<std::string>& environment) {
+RunResult runIn(std::shared_ptr<TempDir> dir, std::vector<std::string> arguments,
+                const std::vector<std::string>& environment) {
     arguments.insert(arguments.begin(), "orvo");
     std::vector<char*> pointers = pointersOf(arguments);
     Catch out, err;
@@ -75,7 +75,7 @@ Run runIn(std::shared_ptr<TempDir> dir, std::vector<std::string> arguments,
     if (child < 0) throw std::runtime_error("fork failed");
     if (child == 0)
         beProgram(dir->path(), pointers, environment, fileno(out.file), fileno(err.file));
-    Run run;
+    RunResult run;
     run.status = statusOf(child);
     run.out = out.take();
     run.err = err.take();
@@ -112,19 +112,19 @@ void TempDir::write(const SourceFile& file) const {
     std::ofstream(path, std::ios::binary) << file.text;
 }
 
-std::string Run::file(const std::string& name) const {
+std::string RunResult::file(const std::string& name) const {
     return readAll(dir->path() / name);
 }
 
-bool Run::has(const std::string& name) const {
+bool RunResult::has(const std::string& name) const {
     return std::filesystem::exists(dir->path() / name);
 }
 
-std::string Run::listing(const std::string& prefix) const {
+std::string RunResult::listing(const std::string& prefix) const {
     return maskTimeStamp(file(prefix + ".lst"));
 }
 
-std::string Run::diagnostics(const std::string& prefix) const {
+std::string RunResult::diagnostics(const std::string& prefix) const {
     std::istringstream lines(file(prefix + ".lst"));
     std::string found;
     bool contextMayFollow = false;
@@ -137,24 +137,24 @@ std::string Run::diagnostics(const std::string& prefix) const {
     return found;
 }
 
-std::string Run::tree(const std::string& prefix) const {
+std::string RunResult::tree(const std::string& prefix) const {
     return file(prefix + ".stx");
 }
 
-Run runOrvo(const std::vector<SourceFile>& files, const std::vector<std::string>& arguments,
-            const std::vector<std::string>& environment) {
+RunResult runOrvo(const std::vector<SourceFile>& files, const std::vector<std::string>& arguments,
+                  const std::vector<std::string>& environment) {
     auto dir = std::make_shared<TempDir>();
     for (const SourceFile& file : files) dir->write(file);
     return runIn(std::move(dir), arguments, environment);
 }
 
-Run compile(const std::vector<SourceFile>& files, std::vector<std::string> options) {
+RunResult compile(const std::vector<SourceFile>& files, std::vector<std::string> options) {
     options.push_back(files.at(0).name);
     return runOrvo(files, options);
 }
 
-Run runAgain(const Run& earlier, const std::vector<std::string>& arguments,
-             const std::vector<std::string>& environment) {
+RunResult runAgain(const RunResult& earlier, const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& environment) {
     return runIn(earlier.dir, arguments, environment);
 }
 

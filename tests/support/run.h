@@ -1,7 +1,6 @@
 #pragma once
 
-// Runs of the built program. Tests of runs live in namespace orvo::test, whose Run is the one
-// below.
+// Runs of the built program. Tests of runs live in namespace orvo::test.
 
 #include <filesystem>
 #include <memory>
@@ -32,7 +31,7 @@ class TempDir {
 };
 
 /// What a run of the program left behind. Copies share its directory.
-struct Run {
+struct RunResult {
     int status =
         -1; // exit status; 128 + signal when it was killed (also after a minute without end)
     std::string out, err;
@@ -51,12 +50,12 @@ struct Run {
 
 /// Runs the program in a fresh directory that holds the files. `environment` adds "NAME=value"
 /// texts.
-Run runOrvo(const std::vector<SourceFile>& files, const std::vector<std::string>& arguments,
+RunResult runOrvo(const std::vector<SourceFile>& files, const std::vector<std::string>& arguments,
             const std::vector<std::string>& environment = {});
 /// Compiles the first file, with options in front of its name.
-Run compile(const std::vector<SourceFile>& files, std::vector<std::string> options = {});
+RunResult compile(const std::vector<SourceFile>& files, std::vector<std::string> options = {});
 /// Runs the program once more in the directory of an earlier run.
-Run runAgain(const Run& earlier, const std::vector<std::string>& arguments,
+RunResult runAgain(const RunResult& earlier, const std::vector<std::string>& arguments,
              const std::vector<std::string>& environment = {});
 
 /// "Processed by ORVO 2.13 on 1.2.2026 at 9:15.00" becomes "Processed by ORVO 2.13 on DATE".

@@ -1,0 +1,106 @@
+// The pass sequence, progress lines, listings and trees of whole runs.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/run.h"
+
+namespace orvo::test {
+namespace {
+
+const SourceFile good = {"m.asn", "M DEFINITIONS ::= BEGIN\nT ::= NULL\nEND\n"};
+const SourceFile faulty = {"bad.asn", "Bad DEFINITIONS ::= BEGIN\nT ::= NULL\nT ::= NULL\nEND\n"};
+const SourceFile broken = {"brk.asn", "Brk DEFINITIONS ::= BEGIN\nT = NULL\nEND\n"};
+
+std::string counters(int syntax, int semantic, int symbols, int warnings) {
+    return "\nSyntax errors     : " + std::to_string(syntax) +
+           "\nSemantic errors   : " + std::to_string(semantic) +
+           "\nUndefined symbols : " + std::to_string(symbols) +
+           "\nWarnings          : " + std::to_string(warnings) + "\n";
+}
+
+TEST(Driver, ASyntaxErrorSkipsTheLaterPasses) {
+    const RunResult run = compile({broken});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out.find("pass 2"), std::string::npos);
+    EXPECT_NE(
+        run.out.find("ORVO>>> compiler listing for brk.asn (errors found - no tree output)\n"),
+        std::string::npos);
+    EXPECT_FALSE(run.has("brk.stx"));
+    EXPECT_NE(run.diagnostics("brk"), "");
+}
+
+TEST(Driver, AFaultKeepsAnEarlierTree) {
+    const SourceFile earlier = {"bad.stx", "what was"};
+    const RunResult run = compile({faulty, earlier});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.file("bad.stx"), "what was");
+}
+
+TEST(Driver, QuietRunsSpeakOnlyOfErrors) {
+    EXPECT_EQ(compile({good}, {"-VERBOSE=NONE"}).out, "");
+    const RunResult run = compile({faulty}, {"-VERBOSE=NONE"});
+    EXPECT_EQ(run.out, counters(0, 1, 0, 0));
+    EXPECT_EQ(run.diagnostics("bad"), "  ** ERROR on line   3 : Symbol already defined: T\n");
+}
+
+TEST(Driver, ToolOutputNamesFileAndLine) {
+    const RunResult run = compile({faulty}, {"-VERBOSE=TOOL", "-V=2"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "bad.asn(3) :   ** ERROR on line   3 : Symbol already defined: T\n");
+}
+
+TEST(Driver, ALaterFileWithoutPrefixCannotBeNamed) {
+    const SourceFile second = {"second.asn", "Second DEFINITIONS ::= BEGIN END\n"};
+    const RunResult run = runOrvo({good, second}, {"-VERBOSE=NONE", "m", "second"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err,
+              "\nFATAL ERROR : Can not map a modulereference with a file name\n"
+              "              Check options PREFIXLEN and PREFIX or use the KAVRIMOL tool.\n\n");
+    const RunResult mapped =
+        runAgain(run, {"-VERBOSE=NONE", "-PREFIX=Second:second", "m", "second", "-PREFIXLEN=9"});
+    EXPECT_EQ(mapped.status, 0) << mapped.err;
+    EXPECT_TRUE(mapped.has("second.stx"));
+}
+
+TEST(Driver, WhatCannotBeWrittenIsFatal) {
+    const struct {
+        const char *link, *target, *message;
+    } cases[] = {
+        {"m.lst", "/dev/full", "Can not close file\n              Listing file\n\n"},
+        {"m.stx", "/dev/full", "Can not close file\n              Syntax tree file\n\n"},
+        {"m.lst", "/nowhere/x", "Can not open file for writing\n              m.lst\n\n"},
+        {"m.lst", "m.asn", "Can not open file for writing\n              m.lst\n\n"},
+        {"m.stx", "m.asn", "Can not open file for writing\n              m.stx\n\n"},
+    };
+    for (const auto& [link, target, message] : cases) {
+        SCOPED_TRACE(std::string(link) + " -> " + target);
+        auto dir = std::make_shared<TempDir>();
+        dir->write(good);
+        std::filesystem::create_symlink(target, dir->path() / link);
+        RunResult before;
+        before.dir = dir;
+        const RunResult run = runAgain(before, {"-VERBOSE=NONE", "m"});
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err, std::string("\nFATAL ERROR : ") + message);
+        EXPECT_EQ(run.file("m.asn"), good.text);
+    }
+}
+
+TEST(Driver, OverlongAndUnreadablePathsAreFatal) {
+    const std::string deep = "-A=" + std::string(1020, 'd');
+    const RunResult run = runOrvo({good}, {"-VERBOSE=NONE", deep, "mod"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "\nFATAL ERROR : Can not open file for reading\n\n");
+    const RunResult folder = runOrvo({{"m.asn/x", ""}}, {"-VERBOSE=NONE", "m"});
+    EXPECT_EQ(folder.status, 2);
+    EXPECT_EQ(folder.err, "\nFATAL ERROR : Can not open file for reading\n              m.asn\n\n");
+    const RunResult listing =
+        runOrvo({good}, {"-VERBOSE=NONE", "-L=" + std::string(1020, 'd'), "m"});
+    EXPECT_EQ(listing.status, 2);
+    EXPECT_EQ(listing.err, "\nFATAL ERROR : Can not open file for writing\n\n");
+}
+
+} // namespace
+} // namespace orvo::test
