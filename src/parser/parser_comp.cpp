@@ -96,6 +96,37 @@ void alternative() {
     if (atType(node) && anotherFollows()) linkNext();
 }
 
+/// [number [`:`]] of the version behind `[[`; it is of no consequence.
+void versionNumber() {
+    if (parserState.Inp.code != TOK_NUMBER) return;
+    ReadIn();
+    if (parserState.Inp.code == TOK_COLON) ReadIn();
+}
+
+/// `[[` [number [`:`]] NamedType {`,` NamedType} `]]`. The brackets make no difference to the
+/// alternatives (X.680 (07/2002) 28.1), which stand in the list as if there were none.
+void alternativeGroup() {
+    ReadIn();
+    versionNumber();
+    alternative();
+    while (parserState.Inp.code == TOK_COMMA) {
+        ReadIn();
+        alternative();
+    }
+    expectToken(TOK_RVERSION);
+    if (anotherFollows()) linkNext();
+}
+
+/// The element behind a comma of an alternative list; tells whether it is a marker.
+bool alternativeAfterComma() {
+    switch (parserState.Inp.code) {
+    case TOK_ELLIPSIS: extensionMarker(); return true;
+    case TOK_LVERSION: alternativeGroup(); break;
+    default: alternative();
+    }
+    return false;
+}
+
 } // namespace
 
 void appendExtensionMarker() {
@@ -161,10 +192,7 @@ void MGR999ExtensionAdditionGroup() {
         tNode.compStatus = TCS_EXTADDGRP;
     }
     ReadIn();
-    if (parserState.Inp.code == TOK_NUMBER) {
-        ReadIn();
-        if (parserState.Inp.code == TOK_COLON) ReadIn();
-    }
+    versionNumber();
     MGR185Component();
     while (parserState.Inp.code == TOK_COMMA) {
         ReadIn();
@@ -174,23 +202,20 @@ void MGR999ExtensionAdditionGroup() {
     if (atType(node) && anotherFollows()) linkNext();
 }
 
-/// AlternativeTypeList ::= NamedType {`,` (NamedType | `...`) | `...`}
+/// AlternativeTypeList ::= NamedType
+///     {`,` (NamedType | `...` | `[[` [number [`:`]] NamedType {`,` NamedType} `]]`) | `...`}
 void MGR202AlternativeTypeList() {
     const TNodeNr type = thisTypeNode();
     bool hasMarker = false;
     alternative();
     while (anotherFollows()) {
-        const bool hasComma = parserState.Inp.code == TOK_COMMA;
-        if (hasComma) ReadIn();
-        if (parserState.Inp.code != TOK_ELLIPSIS) {
-            alternative();
-            continue;
-        }
-        hasMarker = true;
-        if (hasComma)
-            extensionMarker();
-        else
+        if (parserState.Inp.code == TOK_COMMA) {
+            ReadIn();
+            if (alternativeAfterComma()) hasMarker = true;
+        } else {
             markerWithoutComma();
+            hasMarker = true;
+        }
     }
     finishList(type, hasMarker);
 }
