@@ -1,0 +1,179 @@
+#include "driver/orvofil_fix.h"
+
+#include "support/store.h"
+#include "tree/types.h"
+#include "tree/values.h"
+
+namespace orvo {
+namespace {
+
+class Naming : public StoreTest {
+  protected:
+    /// Sets a module-wide naming option such as "TPREF=x".
+    void global(std::string_view option) {
+        const size_t equals = option.find('=') + 1;
+        FixList& list = fixRecForKind(a.options, findNameOption(option)->kind);
+        ASSERT_TRUE(getFixOpt(&list, option.substr(0, equals), option.substr(equals))) << option;
+    }
+    /// A component with option comments, left in the buffer.
+    void component(std::string_view name, std::initializer_list<std::string_view> comments = {}) {
+        addTypeArc(nullptr, 1);
+        tNode.name = static_cast<int32_t>(putStri(&a, name).nr);
+        OptRange range;
+        for (const std::string_view comment : comments) addTedRec(range, TED_OPTION, comment);
+        if (comments.size() == 0) return;
+        tNode.optFlags |= 1U << TED_OPTION;
+        tNode.tedFirst = static_cast<uint32_t>(range.first);
+        tNode.tedLast = static_cast<uint32_t>(range.last);
+    }
+    static std::string nameOf(FixKind kind) {
+        FixRec record;
+        getFixRec(record, kind);
+        std::string name;
+        printFixRec(name, "", record, "");
+        EXPECT_EQ(countFixRec(record), name.size());
+        return name;
+    }
+};
+
+TEST_F(Naming, ConversionSplitsWordsAndChangesCase) {
+    constexpr struct {
+        const char* conversion;
+        const char* ident;
+        const char* name;
+    } rows[] = {
+        {"HL", "fooBar", "foo_bar"}, {"U", "fooBar", "FOOBAR"},   {"L", "fooBar", "foobar"},
+        {"hu", "fooBar", "FOO_BAR"}, {"HL", "aB2C", "a_b2_c"},    {"HL", "fooBARbaz", "foo_barbaz"},
+        {"", "my-type", "my-type"},  {"U", "my-type", "MY_TYPE"}, {"HL", "my_Type", "my_type"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.ident);
+        a.options.naming[FIX_COMPONENT].head.fixConv = row.conversion;
+        component(row.ident);
+        EXPECT_EQ(nameOf(FIX_COMPONENT), row.name);
+    }
+}
+
+TEST_F(Naming, PartsAreComposedAndConvertedAcrossTheirBorders) {
+    global("CPREF=my");
+    global("CSUFF=Of-it");
+    component("Value");
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "myValueOf_it");
+    global("CCONV=HU");
+    component("Value");
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "MY_VALUE_OF_IT");
+    component("");
+    tNode.name = 0;
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "");
+}
+
+TEST_F(Naming, IdentifierOverridesModuleAndCommentOverridesIdentifier) {
+    global("CPREF=all_");
+    global("CPREF=my-Comp:own_");
+    global("CNAME=my-Comp:renamed");
+    component("other");
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "all_other");
+    component("my_Comp");
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "own_renamed");
+    component("my_Comp2");
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "all_my_Comp2");
+    component("my_Comp", {"$CNAME=here", "$TNAME=no", "$CCONV=U", "$CSUFF=my-Comp:_s"});
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "OWN_HERE_S");
+    component("other", {"$CPREF="});
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "other");
+    tNode.optFlags = 0; // comments that were not accepted say nothing
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "all_other");
+}
+
+TEST_F(Naming, LatestTextOfAnIdentifierCountsAndItsRecordStaysOne) {
+    global("VSPREF=A:x");
+    global("VSPREF=B:y");
+    global("VSSUFF=A:s");
+    global("VSPREF=A:z");
+    const FixList& list = a.options.naming[FIX_VALUE_SET];
+    ASSERT_EQ(list.records.size(), 2U);
+    EXPECT_EQ(list.head.fixNext->fixIdent, "A:");
+    EXPECT_EQ(list.head.fixNext->fixPref, "z");
+    EXPECT_EQ(list.head.fixNext->fixSuff, "s");
+    EXPECT_EQ(list.head.fixNext->fixNext->fixIdent, "B:");
+    EXPECT_EQ(list.head.fixNext->fixNext->fixNext, nullptr);
+}
+
+TEST_F(Naming, NamesAreCutToTheirSignificantCharacters) {
+    a.options.nameLen = 8;
+    component("abcdefghij");
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "abcdefgh");
+    global("CPREF=prefix_");
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "prefix_abcdefgh");
+    global("CNAME=abcdefghij:ABCDEFGHIJ");
+    EXPECT_EQ(nameOf(FIX_COMPONENT), "prefix_ABCDEFGH");
+}
+
+TEST_F(Naming, ValuesInTheirSecondRoleAreNamedAsValues) {
+    global("VPREF=v_");
+    addValArc(nullptr, 1);
+    vNode.name = minus(putStri(&a, "one").nr);
+    EXPECT_EQ(nameOf(FIX_VALUE), "v_one");
+    EXPECT_EQ(nameOf(FIX_VALUE2), "v_one");
+    EXPECT_EQ(nameOf(FIX_OBJECT), "one");
+    OptRange range;
+    addTedRec(range, TED_BEO, "$BEO=VPREF=no");
+    addTedRec(range, TED_OPTION, "$VSUFF=_c");
+    vNode.tedFirst = 1;
+    vNode.tedLast = 2;
+    vNode.vflags = VF_TED3;
+    EXPECT_EQ(nameOf(FIX_VALUE), "v_one_c");
+}
+
+TEST_F(Naming, RecordsDifferByTheNameTheyCompose) {
+    FixRec one, other;
+    one.fixPref = other.fixName = "x";
+    one.fixName = "y";
+    one.fixIdentLen = 1;
+    other.fixSuff = "y";
+    other.fixIdentLen = 1;
+    EXPECT_FALSE(compareFixRec(one, other));
+    other.fixConv = "U";
+    EXPECT_TRUE(compareFixRec(one, other));
+}
+
+TEST_F(Naming, OptionTextsAreValidByTheirKind) {
+    constexpr struct {
+        const char* text;
+        bool valid;
+    } rows[] = {{"TPREF=Abc:x_", true}, {"TPREF=abc:x_", false}, {"VPREF=abc:x", true},
+                {"VPREF=Abc:x", false}, {"FPREF=Abc:x", true},   {"FPREF=abc:x", true},
+                {"OSNAME=A:", true},    {"OSNAME=:a", false},    {"CCONV=", true},
+                {"CCONV=LL", false},    {"CCONV=x:H", false},    {"XPREF=a", false},
+                {"CPREFIX=a", false},   {"CPREF", false},        {"VSUFF=a", true},
+                {"CNAME=a:b:c", false}};
+    for (const auto& row : rows) {
+        size_t suboption = 0;
+        EXPECT_EQ(parseNamingOption(row.text, suboption), row.valid) << row.text;
+    }
+}
+
+TEST(Names, HyphenAndUnderscoreAreEqual) {
+    EXPECT_EQ(compareNames("My-Type", "My_Type"), 7U);
+    EXPECT_EQ(compareNames("My-Type", "My-Typ"), 6U);
+    EXPECT_EQ(compareNames("a-b", "a.b"), 1U);
+}
+
+TEST_F(Naming, ReferencedModulesAreTakenBackFromListAndIndices) {
+    ModRefList& list = a.modRefs;
+    ModRef* first = createPicRec(list, "B", &b, 2);
+    createPicRec(list, "B", nullptr, 3);
+    createPicRec(list, "C", &a, 4);
+    EXPECT_EQ(findPicRec(list, "B"), first);
+    dropPicRecs(list, 1);
+    EXPECT_EQ(list.modRefLast, first);
+    EXPECT_EQ(first->next, nullptr);
+    EXPECT_EQ(findPicRec(list, "B"), first);
+    EXPECT_EQ(findPicRec(list, "C"), nullptr);
+    EXPECT_EQ(list.byNumber.size(), 1U);
+    EXPECT_EQ(list.byModule.size(), 1U);
+    dropPicRecs(list, 0);
+    EXPECT_EQ(createPicRec(list, "D"), list.modRefFirst);
+}
+
+} // namespace
+} // namespace orvo
