@@ -44,9 +44,9 @@ bool advance();
 /// The text of a name token, else how messages call the token.
 std::string curTokenText();
 
-/// From `{` to its matching `}`, counting into the pending range `dNode`. False, and on the last
+/// From `{` to its matching `}`, adding the tokens passed to `count`. False, and on the last
 /// token, when the text ends before.
-[[nodiscard]] bool deferBraces();
+[[nodiscard]] bool deferBraces(uint32_t& count);
 /// Delimits the value notation that begins at the current token: the new record of its text gets
 /// the next number of the current module, and the cursor stays on its last token. False when no
 /// value begins here; the cause is set when what is missing is known.
