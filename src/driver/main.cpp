@@ -5,6 +5,24 @@
 
 #include "diag/orvoerr_fatal.h"
 #include "driver/orvo.h"
+#include "util/stack.h"
+
+namespace {
+
+struct Arguments {
+    int count;
+    char** values;
+};
+
+/// Chains of references may be as long as a module has assignments, and each link takes some stack.
+constexpr size_t stackSize = sizeof(void*) > 4 ? size_t{4} << 30 : size_t{1} << 28;
+
+int runCompiler(void* argument) {
+    const auto* arguments = static_cast<const Arguments*>(argument);
+    return orvo::orvo_main(arguments->count, arguments->values);
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     std::set_new_handler([] { orvo::fatalError(orvo::Fatal::NoSpace); });
@@ -17,5 +35,6 @@ int main(int argc, char** argv) {
         }
         std::fputc('\n', stderr);
     }
-    return orvo::orvo_main(argc, argv);
+    Arguments arguments{argc, argv};
+    return orvo::runOnStack(stackSize, runCompiler, &arguments);
 }

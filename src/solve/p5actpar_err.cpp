@@ -7,12 +7,13 @@
 namespace orvo {
 
 ModuleRec* actErrModPtr(ModuleRec* module, uint32_t instance) {
-    ModuleRec* const outermost = instance != 0 ? outermostInstantiator(module, instance) : nullptr;
+    ModuleRec* const outermost =
+        outermostInstantiator(instance != 0 ? aplOfInstance(module, instance) : 0);
     return outermost != nullptr ? outermost : module;
 }
 
 ModuleRec* actErrModPtr() {
-    ModuleRec* const outermost = outermostInstantiator();
+    ModuleRec* const outermost = outermostInstantiator(parState.aplStack);
     return outermost != nullptr ? outermost : cMP;
 }
 

@@ -45,8 +45,7 @@ Msg solveValueFPtr(VisitList& visited, ModuleRec* module, SNodeNr first, std::st
                    SNodeNr& next);
 /// What stands for the setting `name` that an object of the class does not have: the default of the
 /// field, or an empty object set. It is the current value afterwards.
-Msg solveMissingFieldValue(TNodeRef classType, std::string_view name, int32_t token,
-                           std::string_view& text);
+Msg solveMissingFieldValue(TNodeRef classType, std::string_view name, std::string_view& text);
 
 /// Finds the component, alternative or field of that name on the list that begins at `first` of
 /// `module`, through COMPONENTS OF in place; its type record is current then. `kind` is the kind of
