@@ -61,8 +61,8 @@ AaContext* makeTable(AaTable& table, RecKind kind) {
     return table.get();
 }
 
-void putChecked(AaContext* table, const void* key, AaValue value) {
-    if (aaPut(table, key, value) < 0) fatalError(Fatal::NoSpace);
+void insertChecked(AaContext* table, const void* key, AaValue value, uint64_t hash) {
+    if (!aaInsert(table, key, value, hash)) fatalError(Fatal::NoSpace);
 }
 
 /// Zero-filled memory for one copy, aligned for any character.
@@ -88,16 +88,15 @@ std::byte* allocateCopy(size_t size) {
 /// `text` is NUL-terminated and of `length` characters.
 uint32_t putStriInternal(ModuleRec* module, const void* text, size_t length, RecKind kind) {
     AaContext* cache = setupStriCaches(module, kind);
-    uint64_t hash = 0;
-    size_t bucket = 0;
-    if (const AaEntry* entry = aaSearch(cache, text, hash, bucket); entry != nullptr)
+    const uint64_t hash = aaCalcHash(cache, text); // that of the set of unique copies, too
+    if (const AaEntry* entry = aaSearchHash(cache, text, hash); entry != nullptr)
         return static_cast<uint32_t>(entry->value);
-    const void* copy = allocateUniqStri(text, length, kind);
+    const void* copy = allocateUniqStri(text, length, hash, kind);
     const uint32_t nr = module->nextRecNr[kind];
     *static_cast<StriSlot*>(pageForWriting(module, kind, nr)) = {copy, length};
     module->nextRecNr[kind] = nr + 1;
     recState.currTPtr[kind] = module;
-    putChecked(cache, copy, nr);
+    insertChecked(cache, copy, nr, hash);
     return nr;
 }
 
@@ -143,18 +142,16 @@ AaContext* setupStriCaches(ModuleRec* module, RecKind kind) {
     return makeTable(module->striCache->tables[kind - KIND_STRI8], kind);
 }
 
-const void* allocateUniqStri(const void* text, size_t length, RecKind kind) {
+const void* allocateUniqStri(const void* text, size_t length, uint64_t hash, RecKind kind) {
     if (!isStriKind(kind)) fatalError(Fatal::Internal);
     AaTable* const tables[] = {&striState.hashtable, &striState.hashtable16,
                                &striState.hashtable32};
     AaContext* unique = makeTable(*tables[kind - KIND_STRI8], kind);
-    uint64_t hash = 0;
-    size_t bucket = 0;
-    if (const AaEntry* entry = aaSearch(unique, text, hash, bucket); entry != nullptr)
+    if (const AaEntry* entry = aaSearchHash(unique, text, hash); entry != nullptr)
         return entry->key;
     std::byte* copy = allocateCopy((length + 1) * recSize[kind]);
     std::memcpy(copy, text, length * recSize[kind]);
-    putChecked(unique, copy, aaPointer(copy));
+    insertChecked(unique, copy, aaPointer(copy), hash);
     return copy;
 }
 

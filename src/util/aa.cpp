@@ -18,6 +18,7 @@ namespace {
 constexpr size_t minListSize = 64;
 constexpr size_t maxListSize = 65536; // all that a 16-bit hash can tell apart
 constexpr uint8_t ownsKey = 1, ownsValue = 2;
+constexpr size_t firstChunk = 16, largestChunk = 1024; // entries
 
 /// Table of the CRC-16-CCITT (polynomial 0x1021, most significant bit first).
 constexpr std::array<uint16_t, 256> makeCrcTable() {
@@ -124,10 +125,42 @@ void freeValue(AaValue value) {
     freeBlock(reinterpret_cast<const void*>(value));
 }
 
-void freeEntry(AaEntry* entry) {
+void freeOwned(const AaEntry* entry) {
     if ((entry->owned & ownsKey) != 0) freeBlock(entry->key);
     if ((entry->owned & ownsValue) != 0) freeValue(entry->value);
-    delete entry;
+}
+
+bool addChunk(AaContext* table) {
+    const size_t size =
+        table->chunks == nullptr ? firstChunk : std::min(table->chunks->size * 2, largestChunk);
+    auto* chunk = new (std::nothrow) AaChunk{table->chunks, size, new (std::nothrow) AaEntry[size]};
+    if (chunk == nullptr) return false;
+    if (chunk->entries == nullptr) {
+        delete chunk;
+        return false;
+    }
+    table->chunks = chunk;
+    table->chunkUsed = 0;
+    return true;
+}
+
+/// An empty entry; null when memory ran out.
+AaEntry* allocateEntry(AaContext* table) {
+    if (AaEntry* entry = table->freeEntries; entry != nullptr) {
+        table->freeEntries = entry->next;
+        return entry;
+    }
+    const bool full = table->chunks == nullptr || table->chunkUsed == table->chunks->size;
+    if (full && !addChunk(table)) return nullptr;
+    return &table->chunks->entries[table->chunkUsed++];
+}
+
+/// Frees what an entry owns and keeps the entry for the next key.
+void freeEntry(AaContext* table, AaEntry* entry) {
+    freeOwned(entry);
+    *entry = {};
+    entry->next = table->freeEntries;
+    table->freeEntries = entry;
 }
 
 /// Loads of 20 and 90 per cent; the gap keeps a table from growing and shrinking in turn.
@@ -226,9 +259,10 @@ bool ownValue(const AaContext* table, AaValue& value, uint8_t& owned) {
 }
 
 /// An entry with its own copies as the flags ask for, or null when memory ran out.
-AaEntry* newEntry(const AaContext* table, const void* key, AaValue value, uint64_t hash) {
-    auto* entry = new (std::nothrow) AaEntry{nullptr, key, value, hash, 0};
+AaEntry* newEntry(AaContext* table, const void* key, AaValue value, uint64_t hash) {
+    AaEntry* entry = allocateEntry(table);
     if (entry == nullptr) return nullptr;
+    *entry = {nullptr, key, value, hash, 0};
     if ((table->flags & AA_KEY_COPY) != 0) {
         entry->key =
             copyBlock(key, table->keyLength != 0 ? table->keyLength : stringSize(table, key));
@@ -236,7 +270,7 @@ AaEntry* newEntry(const AaContext* table, const void* key, AaValue value, uint64
     }
     const bool ok = entry->key != nullptr && ownValue(table, entry->value, entry->owned);
     if (ok) return entry;
-    freeEntry(entry);
+    freeEntry(table, entry);
     return nullptr;
 }
 
@@ -266,12 +300,12 @@ AaContext* aaCreateContext(uint32_t flags, size_t keyLength) {
 
 void aaDestroyContext(AaContext* table) {
     if (table == nullptr) return;
-    for (size_t i = 0; i < table->listSize; ++i) {
-        for (AaEntry* entry = table->buckets[i]; entry != nullptr;) {
-            AaEntry* next = entry->next;
-            freeEntry(entry);
-            entry = next;
-        }
+    while (table->chunks != nullptr) {
+        AaChunk* chunk = table->chunks;
+        for (size_t i = 0; i < chunk->size; ++i) freeOwned(&chunk->entries[i]);
+        table->chunks = chunk->next;
+        delete[] chunk->entries;
+        delete chunk;
     }
     delete[] table->buckets;
     delete table;
@@ -282,40 +316,45 @@ uint64_t aaCalcHash(const AaContext* table, const void* key) {
                                               : hashKey<NarrowHash>(table, key);
 }
 
-AaEntry* aaSearch(const AaContext* table, const void* key, uint64_t& hashOut, size_t& bucketOut) {
-    hashOut = aaCalcHash(table, key);
-    bucketOut = hashOut & (table->listSize - 1);
-    AaEntry* entry = table->buckets[bucketOut];
-    while (entry != nullptr && (entry->hash != hashOut || !sameKey(table, entry->key, key)))
+AaEntry* aaSearchHash(const AaContext* table, const void* key, uint64_t hash) {
+    AaEntry* entry = table->buckets[hash & (table->listSize - 1)];
+    while (entry != nullptr && (entry->hash != hash || !sameKey(table, entry->key, key)))
         entry = entry->next;
     return entry;
 }
 
-int aaPut(AaContext* table, const void* key, AaValue value) {
-    uint64_t hash = 0;
-    size_t bucket = 0;
-    if (AaEntry* entry = aaSearch(table, key, hash, bucket); entry != nullptr) {
-        if ((table->flags & AA_NO_REPLACE) != 0) return 1;
-        uint8_t owned = 0;
-        if (!ownValue(table, value, owned)) return -1;
-        if ((entry->owned & ownsValue) != 0) freeValue(entry->value);
-        entry->value = value;
-        entry->owned = static_cast<uint8_t>((entry->owned & ownsKey) | owned);
-        return 1;
-    }
+AaEntry* aaSearch(const AaContext* table, const void* key, uint64_t& hashOut, size_t& bucketOut) {
+    hashOut = aaCalcHash(table, key);
+    bucketOut = hashOut & (table->listSize - 1);
+    return aaSearchHash(table, key, hashOut);
+}
+
+bool aaInsert(AaContext* table, const void* key, AaValue value, uint64_t hash) {
     AaEntry* entry = newEntry(table, key, value, hash);
-    if (entry == nullptr) return -1;
-    entry->next = table->buckets[bucket];
-    table->buckets[bucket] = entry;
+    if (entry == nullptr) return false;
+    AaEntry*& bucket = table->buckets[hash & (table->listSize - 1)];
+    entry->next = bucket;
+    bucket = entry;
     ++table->count;
     if (mustGrow(table)) increaseHashSize(table);
-    return 0;
+    return true;
+}
+
+int aaPut(AaContext* table, const void* key, AaValue value) {
+    const uint64_t hash = aaCalcHash(table, key);
+    AaEntry* entry = aaSearchHash(table, key, hash);
+    if (entry == nullptr) return aaInsert(table, key, value, hash) ? 0 : -1;
+    if ((table->flags & AA_NO_REPLACE) != 0) return 1;
+    uint8_t owned = 0;
+    if (!ownValue(table, value, owned)) return -1;
+    if ((entry->owned & ownsValue) != 0) freeValue(entry->value);
+    entry->value = value;
+    entry->owned = static_cast<uint8_t>((entry->owned & ownsKey) | owned);
+    return 1;
 }
 
 AaValue aaGet(const AaContext* table, const void* key) {
-    uint64_t hash = 0;
-    size_t bucket = 0;
-    const AaEntry* entry = aaSearch(table, key, hash, bucket);
+    const AaEntry* entry = aaSearchHash(table, key, aaCalcHash(table, key));
     return entry != nullptr ? entry->value : 0;
 }
 
@@ -331,7 +370,7 @@ int aaDelete(AaContext* table, const void* key) {
     AaEntry** link = &table->buckets[bucket];
     while (*link != entry) link = &(*link)->next;
     *link = entry->next;
-    freeEntry(entry);
+    freeEntry(table, entry);
     --table->count;
     if (mustShrink(table)) decreaseHashSize(table);
     return 0;

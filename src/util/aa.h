@@ -37,6 +37,13 @@ struct AaEntry {
     uint8_t owned = 0; // bit 0 the key, bit 1 the value
 };
 
+/// Entries are allocated together: a table of many stays dense, and one of few stays small.
+struct AaChunk {
+    AaChunk* next;
+    size_t size; // entries
+    AaEntry* entries;
+};
+
 struct AaContext {
     AaEntry** buckets = nullptr;
     size_t listSize = 0;          // buckets, a power of two from 64 on
@@ -46,6 +53,9 @@ struct AaContext {
     uint32_t flags = 0;
     size_t keyLength = 0; // 0 = string keys
     size_t count = 0;
+    AaChunk* chunks = nullptr; // the one being filled first
+    size_t chunkUsed = 0;      // entries of that one that were handed out
+    AaEntry* freeEntries = nullptr;
     size_t lowThreshold = 0, highThreshold = 0; // 0 = never shrinks, never grows
 };
 
@@ -64,8 +74,15 @@ AaValue aaGet(const AaContext* table, const void* key);
 AaEntry* aaSearch(const AaContext* table, const void* key, uint64_t& hashOut, size_t& bucketOut);
 /// 0: removed; -1: absent. A running scan goes on behind the removed entry.
 int aaDelete(AaContext* table, const void* key);
-/// Hash of a key as the table computes it.
+/// Hash of a key as the table computes it; the same in all tables of the same key flags.
 uint64_t aaCalcHash(const AaContext* table, const void* key);
+
+// The steps of look-up and entry for who searches several tables for one key.
+
+/// The entry of a key whose hash is known, or null.
+AaEntry* aaSearchHash(const AaContext* table, const void* key, uint64_t hash);
+/// Makes the entry of a key that is known to be absent; false when memory ran out.
+[[nodiscard]] bool aaInsert(AaContext* table, const void* key, AaValue value, uint64_t hash);
 
 /// Starts a scan over all entries, at that of `startKey` when it is not null and present.
 void aaScanBegin(AaContext* table, const void* startKey);
