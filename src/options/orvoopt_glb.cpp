@@ -11,6 +11,7 @@
 #include "diag/orvoerr.h"
 #include "driver/orvofil.h"
 #include "driver/orvofil_fix.h"
+#include "options/orvoopt.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil.h"
 #include "util/ascii.h"
@@ -48,7 +49,7 @@ void normalizeName(ModuleRec* module, TedNr record) {
     const std::string_view stored = getStri(module, tedRec.text);
     if (tedText(module).starts_with('/')) return;
     std::string text(stored);
-    std::transform(text.begin(), std::ranges::find(text, '='), text.begin(), toUpper);
+    optionToUpper(text);
     if (text == stored) return;
     tedRec.text = putStri(module, text).nr;
     writeRec(module, record);

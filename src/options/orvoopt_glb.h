@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "options/orvoopt_val.h"
@@ -45,6 +46,9 @@ struct GlbOption {
 };
 /// All global options in the order of the table.
 std::span<const GlbOption> glbOptions();
+/// The values of an option as people write them: alternatives separated by "|", "" when it has
+/// none.
+std::string optionValues(const GlbOption& row);
 /// The row of the option that the text (without lead-in character, its name in upper case) begins
 /// with.
 const GlbOption* findGlbOption(std::string_view text);

@@ -268,6 +268,14 @@ std::span<const GlbOption> glbOptions() {
     return optionTable;
 }
 
+std::string optionValues(const GlbOption& row) {
+    std::string values(row.values);
+    if (!values.empty()) return values;
+    for (const ValueName& value : row.names)
+        values.append(values.empty() ? "" : "|").append(value.name);
+    return values;
+}
+
 const GlbOption* findGlbOption(std::string_view text) {
     std::string_view name = text.substr(0, text.find('='));
     if (name.size() < text.size()) name = text.substr(0, name.size() + 1);

@@ -1,0 +1,103 @@
+// Options as seen from outside: where they may stand, which wins, what is said of the rejected
+// ones.
+
+#include <gtest/gtest.h>
+
+#include "support/run.h"
+
+namespace orvo::test {
+namespace {
+
+// Explicit tags are the default of this header; EXPLICIT=1 makes it a warning.
+const std::string explicitTags = "  ** WARNING  line   1 : $Explicit tagging not allowed\n";
+
+SourceFile module(const std::string& name, const std::string& file, const std::string& comment = {},
+                  const std::string& imports = {}) {
+    return {file, comment + name + " DEFINITIONS ::= BEGIN " + imports + "\nT ::= NULL\nEND\n"};
+}
+
+TEST(Options, CommandLineOverridesTheCommentsBeforeTheHeader) {
+    const SourceFile source = module("M", "m.asn", "--$EXPLICIT=1--");
+    EXPECT_EQ(compile({source}).diagnostics("m"), explicitTags);
+    EXPECT_EQ(compile({source}, {"-EXPLICIT=0"}).diagnostics("m"), "");
+    EXPECT_EQ(compile({source}, {"-explicit=0", "-EXPLICIT=1"}).diagnostics("m"), explicitTags);
+}
+
+TEST(Options, RejectedOnesAreReportedOnceAtTheHeader) {
+    const RunResult result =
+        compile({module("M", "m.asn", "--$XY=1 $LOG--\n")}, {"-N=u16", "-INT=u16", "-INT=u8 x"});
+    EXPECT_EQ(result.diagnostics("m"), "  ** WARNING  line   2 : $Option(s) ignored: $XY=1\n"
+                                       "  ** WARNING  line   2 : $Option(s) ignored: -N=u16\n"
+                                       "  ** WARNING  line   2 : $Option(s) ignored: -INT=u8\n");
+    EXPECT_EQ(result.err, "\nWARNING : Option ignored: $XY=1\n"
+                          "\nWARNING : Option ignored: -N=u16\n"
+                          "\nWARNING : Option ignored: -INT=u8\n\n");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.has("m.stx"));
+}
+
+TEST(Options, ScopeOfAnOptionFileHoldsForItsModulesOnly) {
+    const RunResult result = compile(
+        {module("Xx", "x.asn", "", "IMPORTS T FROM Yy T FROM Zz;"),
+         module("Yy", "y.asn"),
+         module("Zz", "zz.asn"),
+         {"o.opt", "-BEGIN-SCOPE=y:zz\n-EXPLICIT=1\n-PREFIX=Yy:y\n-end-scope\n-PREFIX=Xx:x\n"}},
+        {"+o.opt"});
+    EXPECT_EQ(result.diagnostics("x").find("Explicit tagging"), std::string::npos);
+    EXPECT_EQ(result.diagnostics("y"), explicitTags);
+    EXPECT_EQ(result.diagnostics("zz"), explicitTags);
+}
+
+TEST(Options, PrefixOptionHasItsModuleCompiledUnderItsNames) {
+    const RunResult result = compile({module("Main", "main.asn"), module("My-Other", "other.asn")},
+                                     {"-PREFIX=My-Other:other:gen", "-PREFIX=Main:main"});
+    EXPECT_EQ(result.status, 0) << result.out << result.err;
+    EXPECT_TRUE(result.has("gen.stx"));
+    EXPECT_TRUE(result.has("other.lst"));
+}
+
+TEST(Options, PrefixLengthsThatDifferAreReportedForTheLaterModule) {
+    const RunResult result =
+        compile({module("Main", "main.asn", "--$PREFIXLEN=6--", "IMPORTS T FROM Other;"),
+                 module("Other", "other.asn", "--$PREFIXLEN=7--")});
+    EXPECT_EQ(result.err, "\nWARNING : Inconsistent PREFIXLEN option values for different modules."
+                          "\n          Check option files and ASN.1 module definition files and"
+                          "\n          delete all the PREFIXLEN options. Give only the highest"
+                          "\n          option value once for ORVO on the command line or in one"
+                          "\n          option file.\n");
+}
+
+TEST(Options, CommentsAreTakenAtEveryKindOfNode) {
+    const RunResult result = compile(
+        {{"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                   "A ::= INTEGER { one (1) --$VNAME=x-- } (1..9) --$INT=U8 $TPREF=a_ $ENTRY--\n"
+                   "B ::= SEQUENCE { a BOOLEAN --$CCONV=HL $PLMBOOLE=1--,\n"
+                   "  ..., b B --$PTR $NEAR=YES-- OPTIONAL } --$COMPMASK=8 $ASNHC--\n"
+                   "C ::= SEQUENCE SIZE (1..5) --$N=16 $DYN-- OF OCTET STRING --$FRAME--\n"
+                   "D ::= CHOICE { a NULL --$SKIP--, b NULL } --$CHOICE=8 $EXTENSIONS=SKIP--\n"
+                   "E ::= ENUMERATED { a --$VSUFF=_e--, b } --$INT=16--\n"
+                   "F ::= CLASS { &Type, &id INTEGER --$FNAME=id-- } --$CLCONV=L--\n"
+                   "v INTEGER ::= 5 --$VNAME=x $BEO=any--\n"
+                   "V INTEGER ::= { 1 | 2 } --$VSPREF=s--\n"
+                   "END\n"}});
+    EXPECT_EQ(result.diagnostics("m"), "");
+}
+
+TEST(Options, CommentsThatTheirPlaceDoesNotAllowAreReported) {
+    const RunResult result = compile({{"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                                                "A ::= INTEGER --$NEAR=YES--\n"
+                                                "B ::= INTEGER --$EXTENSIONS=SAVE $INT=8--\n"
+                                                "C ::= SEQUENCE { a NULL --$ENTRY--\n"
+                                                "  , b NULL --$TNAME=x-- }\n"
+                                                "v INTEGER ::= 5 --$INT=8--\n"
+                                                "--$SKIP--D ::= NULL\n"
+                                                "END\n"}});
+    EXPECT_EQ(result.diagnostics("m"), "  ** WARNING  line   3 : $Option(s) ignored\n"
+                                       "  ** WARNING  line   4 : $Option(s) ignored\n"
+                                       "  ** WARNING  line   5 : $Option(s) ignored\n"
+                                       "  ** WARNING  line   5 : $Option(s) ignored\n"
+                                       "  ** WARNING  line   7 : $Option(s) ignored\n");
+}
+
+} // namespace
+} // namespace orvo::test
