@@ -15,6 +15,7 @@
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
 #include "util/guard.h"
+#include "util/text.h"
 
 namespace orvo {
 
@@ -233,7 +234,7 @@ std::vector<ActPar> actualParams(ModuleRec* module, uint32_t first) {
 }
 
 std::string getActParId(const ActPar& par) {
-    std::string text = "(" + std::to_string(par.position) + ")";
+    std::string text = concat("(", std::to_string(par.position), ")");
     if (par.name != 0) text.append(" ").append(getStri(par.module, par.name));
     return text;
 }
