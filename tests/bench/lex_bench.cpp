@@ -35,8 +35,8 @@ class Source {
 /// One run of a function over a fresh module per iteration; the clean-up is not measured.
 template <typename Fn> void overModule(benchmark::State& state, Fn&& fn) {
     const Source source(static_cast<size_t>(state.range(0)) * megabyte);
-    const Restore<uint8_t> quiet(run.verbose, VERBOSE_NONE);
     for (auto _ : state) {
+        run.verbose = VERBOSE_NONE;
         ModuleRec module;
         module.srcFile = source.rewound();
         changeCMP(&module);
