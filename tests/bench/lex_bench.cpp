@@ -1,6 +1,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <memory>
 #include <string>
 
 #include "generated_module.h"
@@ -37,13 +38,14 @@ template <typename Fn> void overModule(benchmark::State& state, Fn&& fn) {
     const Source source(static_cast<size_t>(state.range(0)) * megabyte);
     for (auto _ : state) {
         run.verbose = VERBOSE_NONE;
-        ModuleRec module;
-        module.srcFile = source.rewound();
-        changeCMP(&module);
-        fn(module);
+        auto module = std::make_unique<ModuleRec>();
+        module->srcFile = source.rewound();
+        changeCMP(module.get());
+        fn(*module);
         state.PauseTiming();
         flushRecs(-1);
         cMP = nullptr;
+        module.reset();
         resetStore();
         resetTokens();
         resetSymbols();
