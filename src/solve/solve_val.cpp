@@ -81,6 +81,8 @@ void parseVNode() {
     const VNodeRef self = currentRec<KIND_VNODE>();
     SnapShot trial(self);
     ReplayCursor replay(self.module, deferredText(vNode));
+    // Only the nesting of one text counts: a value parsed on demand is not nested in its user.
+    const Restore<uint32_t> ownDepth(valueState.depth, 0);
     makePending(self.module, self.nr);
     vNode.refMod = REF_UNRESOLVED;
     vNode.ref = 0;
