@@ -1,0 +1,191 @@
+#include <gtest/gtest.h>
+
+#include "support/run.h"
+
+namespace orvo::test {
+namespace {
+
+struct SyntaxCase {
+    const char* name;
+    const char* source;
+    const char* diagnostics;
+};
+
+void expectDiagnostics(const SyntaxCase& row) {
+    SCOPED_TRACE(row.name);
+    const auto run = compile({{"m.asn", row.source}});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.diagnostics("m"), row.diagnostics);
+    EXPECT_FALSE(run.has("m.stx"));
+}
+
+TEST(SyntaxErrors, ModuleFrame) {
+    constexpr SyntaxCase cases[] = {
+        {"no assignment sign in the header", "M DEFINITIONS BEGIN\nT ::= NULL\nEND\n",
+         " *** ERROR on line   1 : BEGIN is not allowed after:\n"
+         "typeid DEFINITIONS \n"},
+        {"no END", "M DEFINITIONS ::= BEGIN\nT ::= NULL\n",
+         " *** ERROR on line   3 : END is expected after:\n"
+         "::= BEGIN typeid ::= NULL \n"},
+        {"second module", "M DEFINITIONS ::= BEGIN END\nN DEFINITIONS ::= BEGIN END\n",
+         " *** ERROR on line   2 : typeid is not allowed after:\n"
+         "typeid DEFINITIONS ::= BEGIN END \n"},
+        {"words behind the name", "M junk { 1 } DEFINITIONS ::= BEGIN END",
+         " *** ERROR on line   1 : valueid is not allowed after:\n"
+         "typeid \n"},
+        {"the skip stops at SEQUENCE", "M junk SEQUENCE DEFINITIONS ::= BEGIN END",
+         " *** ERROR on line   1 : valueid is not allowed after:\n"
+         "typeid \n"
+         " *** ERROR on line   1 : DEFINITIONS is expected after:\n"
+         "typeid valueid \n"},
+        {"no DEFINITIONS at all", "M junk",
+         " *** ERROR on line   1 : valueid is not allowed after:\n"
+         "typeid \n"
+         " *** ERROR on line   1 : DEFINITIONS is expected after:\n"
+         "typeid valueid \n"}};
+    for (const SyntaxCase& row : cases) expectDiagnostics(row);
+}
+
+TEST(SyntaxErrors, AssignmentsAndTypes) {
+    constexpr SyntaxCase cases[] = {
+        {"no assignment sign", "M DEFINITIONS ::= BEGIN\nv INTEGER w INTEGER ::= 5\nEND\n",
+         " *** ERROR on line   2 : ::= is expected after:\n"
+         "DEFINITIONS ::= BEGIN valueid INTEGER \n"
+         " *** ERROR on line   2 : INTEGER is not allowed after:\n"
+         "::= BEGIN valueid INTEGER valueid \n"},
+        {"value without type", "M DEFINITIONS ::= BEGIN\na ::= 5\nT ::= ,\nEND\n",
+         " *** ERROR on line   2 : ::= is not allowed after:\n"
+         "typeid DEFINITIONS ::= BEGIN valueid \n"
+         " *** ERROR on line   3 : , is not allowed after:\n"
+         "valueid ::= number typeid ::= \n"},
+        {"no comma between components",
+         "M DEFINITIONS ::= BEGIN\nT ::= SEQUENCE { a INTEGER b BOOLEAN }\nU ::= ,\nEND\n",
+         " *** ERROR on line   2 : valueid is not allowed after:\n"
+         "::= SEQUENCE { valueid INTEGER \n"
+         " *** ERROR on line   2 : ::= is expected after:\n"
+         "{ valueid INTEGER valueid BOOLEAN \n"},
+        {"a list goes on behind an error",
+         "M DEFINITIONS ::= BEGIN\nT ::= SEQUENCE { a , b ],\n c SET }\nEND\n",
+         " *** ERROR on line   2 : , is not allowed after:\n"
+         "typeid ::= SEQUENCE { valueid \n"
+         " *** ERROR on line   2 : ] is not allowed after:\n"
+         "SEQUENCE { valueid , valueid \n"}};
+    for (const SyntaxCase& row : cases) expectDiagnostics(row);
+}
+
+TEST(SyntaxErrors, DeferredNotation) {
+    constexpr SyntaxCase cases[] = {
+        {"brace not closed", "M DEFINITIONS ::= BEGIN\nv T ::= { a 1\nEND\n",
+         " *** ERROR on line   4 : } is expected after:\n"
+         "::= { valueid number END \n"},
+        {"parenthesis not closed", "M DEFINITIONS ::= BEGIN\nT ::= INTEGER (1 ; 2)\nEND\n",
+         " *** ERROR on line   2 : ) is expected after:\n"
+         "typeid ::= INTEGER ( number \n"},
+        {"what only looks like a type", "M DEFINITIONS ::= BEGIN\nT ::= INTEGER (UNIVERSAL)\nEND\n",
+         " *** ERROR on line   2 : UNIVERSAL is not allowed after:\n"
+         "typeid ::= INTEGER ( \n"},
+        {"brace missing", "M DEFINITIONS ::= BEGIN\nT INTEGER ::= 1\nEND\n",
+         " *** ERROR on line   2 : { is expected after:\n"
+         "::= BEGIN typeid INTEGER ::= \n"},
+        {"sign without number", "M DEFINITIONS ::= BEGIN\nv INTEGER ::= -x\nEND\n",
+         " *** ERROR on line   2 : number is expected after:\n"
+         "BEGIN valueid INTEGER ::= - \n"
+         " *** ERROR on line   3 : END is not allowed after:\n"
+         "valueid INTEGER ::= - valueid \n"},
+        {"no value", "M DEFINITIONS ::= BEGIN\nv INTEGER ::= ;\nEND\n",
+         " *** ERROR on line   2 : ; is not allowed after:\n"
+         "::= BEGIN valueid INTEGER ::= \n"},
+        {"more behind a reference", "M DEFINITIONS ::= BEGIN\nv INTEGER ::= w (1)\nEND\n",
+         " *** ERROR on line   2 : ( is not allowed after:\n"
+         "BEGIN valueid INTEGER ::= valueid \n"},
+        {"field name missing", "M DEFINITIONS ::= BEGIN\nv INTEGER ::= w.x\nEND\n",
+         " *** ERROR on line   2 : valueid is not allowed after:\n"
+         "valueid INTEGER ::= valueid . \n"
+         " *** ERROR on line   3 : END is not allowed after:\n"
+         "INTEGER ::= valueid . valueid \n"},
+        // the marker of the type stands in the context, without a name
+        {"type without value", "M DEFINITIONS ::= BEGIN\nv ANY ::= INTEGER\nEND\n",
+         " *** ERROR on line   3 : : is expected after:\n"
+         "valueid ANY ::= INTEGER \n"}};
+    for (const SyntaxCase& row : cases) expectDiagnostics(row);
+}
+
+TEST(SyntaxErrors, ListingShowsBothLinesOfAnError) {
+    const auto run = compile({{"m.asn", "M DEFINITIONS ::= BEGIN\nT ::= SET {\n  a 5\n}\nEND\n"}});
+    const std::string listing = run.listing("m");
+    EXPECT_EQ(listing.substr(listing.find("    1:  ")),
+              "    1:  M DEFINITIONS ::= BEGIN\n"
+              "    2:  T ::= SET {\n"
+              "    3:    a 5\n"
+              " *** ERROR on line   3 : number is not allowed after:\n"
+              "typeid ::= SET { valueid \n"
+              "    4:  }\n"
+              "    5:  END\n"
+              "\n"
+              "Syntax errors     : 1\n"
+              "Semantic errors   : 0\n"
+              "Undefined symbols : 0\n"
+              "Warnings          : 0\n");
+}
+
+TEST(SyntaxErrors, FileWithoutModuleReferenceIsNotRead) {
+    constexpr SyntaxCase cases[] = {
+        {"empty", "", " *** ERROR on line   1 : typeid is expected after:\n"},
+        {"one token", "5", " *** ERROR on line   1 : typeid is expected after:\n"},
+        {"lower case", "\n\nmodule DEFINITIONS ::= BEGIN END #",
+         " *** ERROR on line   3 : typeid is expected after:\n"}};
+    for (const SyntaxCase& row : cases) expectDiagnostics(row);
+    const auto run = compile({{"m.asn", ""}});
+    EXPECT_NE(run.out.find("ORVO>>> stopping parsing - can not find module reference\n"),
+              std::string::npos);
+}
+
+TEST(SyntaxErrors, ParsingStopsAtTheFiveHundredth) {
+    const auto source = [](int errors) {
+        std::string text = "M DEFINITIONS ::= BEGIN\n";
+        for (int i = 0; i < errors; ++i) text += "T NULL\n"; // no `::=` at the next T
+        return text + "T ::= NULL END";
+    };
+    constexpr const char* message = "ORVO>>> stopping parsing - too many syntax errors\n";
+    const auto most = compile({{"m.asn", source(499)}});
+    EXPECT_NE(most.listing("m").find("\nSyntax errors     : 499\n"), std::string::npos);
+    EXPECT_EQ(most.out.find(message), std::string::npos);
+    const auto over = compile({{"m.asn", source(600)}});
+    EXPECT_NE(over.listing("m").find("\nSyntax errors     : 499\n"), std::string::npos);
+    EXPECT_NE(over.out.find(message), std::string::npos);
+    const auto quiet = compile({{"m.asn", source(600)}}, {"-VERBOSE=NONE"});
+    EXPECT_EQ(quiet.out.find(message), std::string::npos);
+}
+
+TEST(SyntaxErrors, NestingHasALimit) {
+    const auto repeat = [](std::string_view piece, int times) {
+        std::string text;
+        while (times-- > 0) text += piece;
+        return text;
+    };
+    const struct {
+        std::string source[2]; // 500 and 501 levels
+        const char* diagnostics;
+    } cases[] = {
+        {{"T ::= " + repeat("SET OF ", 499) + "NULL", "T ::= " + repeat("SET OF ", 500) + "NULL"},
+         " *** ERROR on line   1 : NULL is not allowed after:\nOF SET OF SET OF \n"},
+        {{"v T ::= " + repeat("{", 500) + repeat("}", 500), "v T ::= " + repeat("{", 501)},
+         " *** ERROR on line   1 : { is not allowed after:\n{ { { { { \n"},
+        {{"v T ::= {" + repeat("(", 499) + repeat(")", 499) + "}", "v T ::= {" + repeat("(", 500)},
+         " *** ERROR on line   1 : ( is not allowed after:\n( ( ( ( ( \n"},
+        {{"v T ::= " + repeat("x : ", 100000) + "1", "T ::= " + repeat("a < ", 500) + "B"},
+         " *** ERROR on line   1 : typeid is not allowed after:\n"
+         "< componentid < componentid < \n"}};
+    constexpr const char* message = "ORVO>>> stopping parsing - nesting too deep\n";
+    for (const auto& [source, diagnostics] : cases) {
+        SCOPED_TRACE(source[0].substr(0, 30));
+        const auto most = compile({{"m.asn", "M DEFINITIONS ::= BEGIN " + source[0] + " END"}});
+        EXPECT_NE(most.listing("m").find("\nSyntax errors     : 0\n"), std::string::npos);
+        const auto over = compile({{"m.asn", "M DEFINITIONS ::= BEGIN " + source[1] + " END"}});
+        EXPECT_EQ(over.diagnostics("m"), diagnostics);
+        EXPECT_NE(over.out.find(message), std::string::npos);
+    }
+}
+
+} // namespace
+} // namespace orvo::test
