@@ -1,0 +1,314 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <random>
+
+#include "lex/orvotok.h"
+#include "stx/stxreader.h"
+#include "support/tree_bytes.h"
+
+namespace {
+
+using orvo::TreeBytes;
+
+constexpr stx::Kind recordKinds[] = {stx::MNODE, stx::TNODE, stx::VNODE, stx::TAG,
+                                     stx::SUB,   stx::TED,   stx::SNODE};
+
+/// The error of reading the bytes, "" when they are sound.
+std::string errorOf(std::vector<uint8_t> bytes) {
+    stx::Tree tree;
+    std::string error;
+    return tree.parse("x", std::move(bytes), error) ? "" : error;
+}
+
+/// A module with every sort of link in use:
+/// S ::= [1] SEQUENCE { a T (SIZE (1..n)) DEFAULT v, ..., [[ b INTEGER { one(1) } ]] }
+/// T ::= OCTET STRING; C ::= CLASS { &id INTEGER } WITH SYNTAX { [ID &id] }; n INTEGER ::= 5
+TreeBytes sample() {
+    TreeBytes file;
+    file.text("");
+    orvo::MNode& self = file.modules[0];
+    self.modTimeStamp = {213, 213, 20260728, 101112};
+    self.modName = file.text("M");
+    self.srcDir = file.text("");
+    self.srcFile = file.text("m.asn");
+    orvo::TNode& s = file.type("S", orvo::TYP_SEQ, orvo::TCS_HEADER);
+    s.ref = 2, s.next = 6, s.tags = 1, s.fieldSize = 3, s.line = 3;
+    s.tedFirst = s.tedLast = 1;
+    s.checkFlags = orvo::CF_OPTIONALS | orvo::CF_EXTENSIBLE;
+    orvo::TNode& a = file.type("a", orvo::TYP_SYNONYM, orvo::TCS_OPTIONAL);
+    a.refMod = 1, a.ref = 6, a.next = 3, a.constraint = 1, a.defaultVal = 2;
+    file.type("", orvo::TYP_EXTENSION_MARKER).next = 4;
+    file.type("", orvo::TYP_EXTADDGRP, orvo::TCS_EXTADDGRP).ref = 5;
+    file.type("b", orvo::TYP_INTEGER).namedVals = 3;
+    file.type("T", orvo::TYP_OCTSTR, orvo::TCS_HEADER).next = 7;
+    orvo::TNode& cls = file.type("C", orvo::TYP_CLASS, orvo::TCS_HEADER);
+    cls.ref = 8, cls.syntaxList = 1;
+    file.type("id", orvo::TYP_INTEGER).formals = 9; // no sound file has formals there; a link it is
+    file.type("", orvo::TYP_NONE, orvo::TCS_FORMAL);
+
+    orvo::VNode& n = file.value("n", orvo::TYP_INTEGER, orvo::VST_HEADER);
+    n.val.number = orvo::i64of(5), n.govType = 5, n.govTypeMod = 1;
+    orvo::VNode& v = file.value("", orvo::TYP_OCTSTR, orvo::VST_DEFAULT);
+    v.val.str = {2, 0, file.text("AB"), 0};
+    v.govType = 6, v.govTypeMod = 1;
+    orvo::VNode& one = file.value("one", orvo::TYP_INTEGER, orvo::VST_NAMED_NUMBER);
+    one.val.number = orvo::i64of(1);
+    orvo::VNode& ref = file.value("", orvo::TYP_SYNONYM);
+    ref.refMod = 1, ref.ref = 1;
+
+    file.tags = {{orvo::TAG_CONTEXT, orvo::TAGMODE_IMPLICIT, 1, 2},
+                 {orvo::TAG_APPLICATION, orvo::TAGMODE_EXPLICIT, -1, 0}};
+    file.subs.resize(3);
+    file.subs[0] = {0, orvo::SUB_SIZE, 0, {}, 1, 2, 4, 0, 0, 2, 0};
+    file.subs[1] = {0, orvo::SUB_UNION, 0, {}, 1, 5, 4, 0, 0, 3, 0};
+    file.subs[2] = {
+        0, orvo::SUB_RANGE, orvo::SUBF_LOWER | orvo::SUBF_EXCEPTION, {}, 1, 5, 4, 0, 1, 3, 4};
+    file.options = {{orvo::TED_OPTION, {}, file.text("$N=8")}};
+    file.syntax = {{orvo::TOK_LBRACKET, {}, 0, 2, 9, 0},
+                   {orvo::TOK_TYPEID, {}, 0, static_cast<int32_t>(file.text("ID")), 9, 3},
+                   {orvo::TOK_VALUEFIELDID, {}, 1, 8, 9, -1}};
+    self.firstTypeAss = 1, self.firstValAss = 1, self.firstDefVal = 2, self.modOid = 4;
+    file.strings16 = {u"\u20ac"};
+    file.strings32 = {U"\U0001F600x"};
+    return file;
+}
+
+stx::Tree treeOf(TreeBytes file) {
+    stx::Tree tree;
+    std::string error;
+    EXPECT_TRUE(tree.parse("m.stx", file.bytes(), error)) << error;
+    return tree;
+}
+
+TEST(StxReader, LayoutsAndNamesAreThoseOfTheCompiler) {
+    for (const stx::Kind kind : recordKinds) {
+        const std::span<const orvo::Field> written =
+            orvo::fieldsOf(static_cast<orvo::RecKind>(kind));
+        const std::span<const stx::Field> read = stx::fieldsOf(kind);
+        ASSERT_EQ(read.size(), written.size()) << stx::kindNames[kind];
+        for (size_t at = 0; at < read.size(); ++at) {
+            EXPECT_STREQ(read[at].name, written[at].name);
+            EXPECT_EQ(read[at].offset, written[at].offset) << read[at].name;
+            EXPECT_EQ(read[at].width, written[at].size) << read[at].name;
+        }
+    }
+    for (const orvo::TypeRow& row : orvo::typeArr) {
+        EXPECT_STREQ(stx::typeTable[row.code].name, row.name);
+        EXPECT_STREQ(stx::typeTable[row.code].asnName, row.asnName == nullptr ? "" : row.asnName);
+        EXPECT_EQ(stx::typeTable[row.code].tag, row.tag) << row.name;
+        EXPECT_EQ(stx::typeTable[row.code].structured, row.structured) << row.name;
+    }
+    EXPECT_EQ(stx::codeName(stx::tokenNames, orvo::TOK_VALUEFIELDID), "TOK_VALUEFIELDID");
+}
+
+TEST(StxReader, GivesEveryRecordAsWritten) {
+    const stx::Tree tree = treeOf(sample());
+    EXPECT_EQ(tree.moduleName(), "M");
+    EXPECT_EQ(tree.mNode(1).modTimeStamp, (stx::TimeStamp{213, 213, 20260728, 101112}));
+    const stx::TNode s = tree.tNode(1);
+    EXPECT_EQ(tree.text(s.name), "S");
+    EXPECT_EQ(s.fieldSize, 3);
+    EXPECT_EQ(s.lowerBound, INT64_MIN);
+    EXPECT_EQ(s.upperBound, INT64_MAX);
+    EXPECT_EQ(tree.vNode(1).number, 5);
+    EXPECT_EQ(tree.vNode(2).striLen, 2);
+    EXPECT_EQ(tree.text(tree.vNode(2).stri), "AB");
+    EXPECT_EQ(tree.tagRec(2).tagNr, -1);
+    EXPECT_EQ(tree.subRec(3).right, 4);
+    EXPECT_EQ(tree.text(tree.tedRec(1).text), "$N=8");
+    EXPECT_EQ(tree.sNode(3).next, -1);
+    EXPECT_EQ(tree.text16(1), u"\u20ac");
+    EXPECT_EQ(tree.text32(1), U"\U0001F600x");
+    EXPECT_EQ(tree.tNode(99).ref, 0U);
+    EXPECT_EQ(tree.text(99), "");
+}
+
+TEST(StxReader, EveryTruncationIsDiagnosed) {
+    const std::vector<uint8_t> whole = sample().bytes();
+    ASSERT_EQ(errorOf(whole), "");
+    for (size_t size = 0; size < whole.size(); ++size) {
+        const std::string error = errorOf({whole.begin(), whole.begin() + static_cast<long>(size)});
+        EXPECT_NE(error.find("cut: "), std::string::npos) << size << ": " << error;
+    }
+    std::vector<uint8_t> longer = whole;
+    longer.push_back(0);
+    EXPECT_EQ(errorOf(longer), "x: too long: 1 bytes follow the last record");
+}
+
+TEST(StxReader, EveryLinkOutOfRangeIsDiagnosedByRecordAndField) {
+    const std::vector<uint8_t> whole = sample().bytes();
+    const stx::Tree tree = treeOf(sample());
+    int tried = 0;
+    size_t start = 0;
+    for (const stx::Kind kind : recordKinds) {
+        for (uint32_t nr = 1; nr <= tree.count(kind); ++nr)
+            for (const stx::Field& field : stx::fieldsOf(kind)) {
+                const stx::Link link = tree.linkOf(kind, nr, field);
+                if (link.target != stx::Target::Record && link.target != stx::Target::String)
+                    continue;
+                if (link.optional) continue;
+                std::vector<uint8_t> bad = whole;
+                int64_t value = 0;
+                ASSERT_TRUE(tree.number(kind, nr, field, value));
+                const uint32_t beyond = tree.count(link.kind) + 1;
+                const size_t at = start + (nr - 1) * stx::recordSize[kind] + field.offset;
+                const uint32_t word = value < 0 ? 0 - beyond : beyond;
+                for (size_t byte = 0; byte < 4; ++byte)
+                    bad[at + byte] = static_cast<uint8_t>(word >> 8 * byte);
+                const std::string error = errorOf(bad);
+                const std::string place = std::string(stx::kindNames[kind]) + ' ' +
+                                          std::to_string(nr) + ", field " + field.name;
+                EXPECT_NE(error.find("out of range"), std::string::npos) << place << ": " << error;
+                // a damaged module reference shows at the number that it belongs to as well
+                EXPECT_TRUE(link.kind == stx::MNODE || error.find(place) != std::string::npos)
+                    << error;
+                ++tried;
+            }
+        start += tree.count(kind) * stx::recordSize[kind];
+    }
+    EXPECT_GT(tried, 45);
+}
+
+TEST(StxReader, ListsThatLeadBackAreDiagnosed) {
+    struct Case {
+        const char* name;
+        void (*damage)(TreeBytes&);
+        const char* error;
+    };
+    const Case cases[] = {
+        {"types", [](TreeBytes& f) { f.types[6].next = 1; }, "x: tNode "},
+        {"a type inside itself", [](TreeBytes& f) { f.types[3].ref = 1; }, "x: tNode "},
+        {"values", [](TreeBytes& f) { f.values[2].next = 3; }, "x: vNode 3, "},
+        {"tags", [](TreeBytes& f) { f.tags[1].next = 1; }, "x: tagRec 1, "},
+        {"constraints", [](TreeBytes& f) { f.subs[1].left = 1; }, "x: subRec "},
+        {"syntax", [](TreeBytes& f) { f.syntax[0].value = 1; }, "x: sNode 1, "},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        TreeBytes file = sample();
+        row.damage(file);
+        const std::string error = errorOf(file.bytes());
+        EXPECT_TRUE(error.starts_with(row.error)) << error;
+        EXPECT_TRUE(error.ends_with("the list leads back to its own beginning")) << error;
+    }
+}
+
+TEST(StxReader, DamageOfCodesAndStringsIsDiagnosed) {
+    struct Case {
+        void (*damage)(TreeBytes&);
+        const char* error;
+    };
+    const Case cases[] = {
+        {[](TreeBytes& f) { f.types[0].typeCode = 42; },
+         "x: tNode 1, field typeCode: 42 is not a known code"},
+        {[](TreeBytes& f) { f.types[1].compStatus = 8; },
+         "x: tNode 2, field compStatus: 8 is not a known code"},
+        {[](TreeBytes& f) { f.types[1].refMod = -3; },
+         "x: tNode 2, field refMod: -3 is not a known code"},
+        {[](TreeBytes& f) { f.types[1].refMod = 2; },
+         "x: tNode 2, field refMod: 2 is out of range (mNode 1..1)"},
+        {[](TreeBytes& f) { f.subs[0].subKind = 6; },
+         "x: subRec 1, field subKind: 6 is not a known code"},
+        {[](TreeBytes& f) { f.tags[0].tagMode = 3; },
+         "x: tagRec 1, field tagMode: 3 is not a known code"},
+        {[](TreeBytes& f) { f.syntax[2].next = -2; },
+         "x: sNode 3, field next: -2 does not lead back to an optional group"},
+    };
+    for (const Case& row : cases) {
+        TreeBytes file = sample();
+        row.damage(file);
+        EXPECT_EQ(errorOf(file.bytes()), row.error);
+    }
+    std::vector<uint8_t> bytes = sample().bytes();
+    bytes.back() = 1;
+    EXPECT_EQ(errorOf(bytes), "x: string32 1, characters: the string is not terminated");
+}
+
+TEST(StxReader, StringAboveTheCountIsNoneWhereTheLastChecksAddSome) {
+    TreeBytes file = sample();
+    orvo::VNode& oid = file.value("", orvo::TYP_OBJID);
+    oid.val.str = {3, 0, 500, 0};
+    const stx::Tree tree = treeOf(file);
+    EXPECT_EQ(tree.vNode(5).stri, 500U);
+    EXPECT_FALSE(tree.hasText(500));
+    EXPECT_EQ(tree.text(500), "");
+    file.types[1].name = 500;
+    EXPECT_EQ(errorOf(file.bytes()), "x: tNode 2, field name: 500 is out of range (string 1..14)");
+}
+
+TEST(StxReader, ListsFollowGroupsTagsAndConstraints) {
+    const stx::Tree tree = treeOf(sample());
+    stx::Trees trees;
+    using Numbers = std::vector<uint32_t>;
+    EXPECT_EQ(stx::typeAssignments(tree), (Numbers{1, 6, 7}));
+    EXPECT_EQ(stx::components(tree, 1), (Numbers{2, 3, 5}));
+    EXPECT_EQ(stx::components(tree, 1, true), (Numbers{2, 3, 4}));
+    EXPECT_EQ(stx::findComponent(tree, 1, "b"), 5U);
+    EXPECT_EQ(stx::namedValues(tree, 5), (Numbers{3}));
+    EXPECT_EQ(stx::operands(tree, stx::constraintOf(tree, 2)), (Numbers{2}));
+    EXPECT_EQ(stx::options(tree, stx::TNODE, 1), (Numbers{1}));
+    EXPECT_EQ(stx::constraintText(trees, tree, 1), "(SIZE (1..<n !5))");
+    EXPECT_EQ(stx::tagListText(trees, {&tree, 1}), "[1] IMPLICIT [APPLICATION 5] EXPLICIT");
+    std::string error;
+    EXPECT_EQ(stx::skipTypes(trees, {&tree, 2}, false, error).nr, 6U);
+    const stx::FinalTags tags = stx::finalTags(trees, {&tree, 1}, -1, error);
+    EXPECT_EQ(tags.tags, (std::vector<stx::Tag>{{stx::TAG_CONTEXT, 1}, {stx::TAG_UNIVERSAL, 16}}));
+    EXPECT_EQ(error, "");
+}
+
+/// Everything that walks, on every record; returns so that nothing is optimised away.
+size_t walkAll(const stx::Tree& tree) {
+    stx::Trees trees;
+    std::string error;
+    size_t size = stx::valueAssignments(tree).size();
+    for (uint32_t nr = 1; nr <= tree.count(stx::TNODE); ++nr) {
+        const stx::TypeRef type{&tree, nr};
+        stx::skipTypes(trees, type, true, error);
+        size +=
+            stx::allComponents(trees, type, error).size() + stx::tagListText(trees, type).size() +
+            stx::finalTags(trees, type, 1, error).tags.size() + stx::typeText(trees, type).size() +
+            stx::options(tree, stx::TNODE, nr).size() + stx::namedValues(tree, nr).size();
+    }
+    for (uint32_t nr = 1; nr <= tree.count(stx::VNODE); ++nr) {
+        size += stx::valueText(trees, {&tree, nr}).size();
+        stx::skipValues(trees, {&tree, nr}, error);
+    }
+    for (uint32_t nr = 1; nr <= tree.count(stx::SUB); ++nr)
+        size += stx::constraintText(trees, tree, nr).size();
+    return size;
+}
+
+TEST(StxReader, DamagedBytesEndInAnErrorOrInASoundTree) {
+    const std::vector<uint8_t> whole = sample().bytes();
+    std::mt19937 random(20260728);
+    int sound = 0;
+    for (int round = 0; round < 20000; ++round) {
+        std::vector<uint8_t> bytes = whole;
+        for (auto flips = 1 + random() % 3; flips > 0; --flips) {
+            const size_t at = random() % bytes.size();
+            bytes[at] = static_cast<uint8_t>(random() % 2 == 0 ? random() % 12 : random());
+        }
+        stx::Tree tree;
+        std::string error;
+        if (!tree.parse("x", bytes, error)) {
+            EXPECT_TRUE(error.starts_with("x: ")) << error;
+            continue;
+        }
+        ++sound;
+        walkAll(tree);
+    }
+    EXPECT_GT(sound, 1000);
+}
+
+TEST(StxReader, UnreadablePathsAreNamed) {
+    stx::Tree tree;
+    std::string error;
+    EXPECT_FALSE(tree.open("/nowhere/x.stx", error));
+    EXPECT_EQ(error, "/nowhere/x.stx: no such file");
+    EXPECT_FALSE(tree.open("/", error));
+    EXPECT_EQ(error, "/: not a regular file");
+}
+
+} // namespace

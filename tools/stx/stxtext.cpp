@@ -1,0 +1,398 @@
+#include "stxreader.h"
+
+#include <algorithm>
+#include <limits>
+
+// Values, constraints and tags in ASN.1 notation, for dumps, messages and tests. Names of
+// references are printed, what they refer to is not, so the text of a sound record is as long as
+// its source. A damaged file can share parts so that the text would double with every level: it is
+// cut at `maxText`.
+
+namespace stx {
+namespace {
+
+constexpr size_t maxText = 8192;
+constexpr int maxDepth = 100;
+
+struct Writer {
+    Trees& trees;
+    std::string out;
+    int depth = 0;
+    bool full() const { return out.size() > maxText || depth > maxDepth; }
+};
+/// Counts a level of nesting as long as it lives.
+struct Level {
+    int& depth;
+    explicit Level(int& counter) : depth(counter) { ++depth; }
+    ~Level() { --depth; }
+    Level(const Level&) = delete;
+    Level& operator=(const Level&) = delete;
+};
+
+void writeValue(Writer& writer, ValueRef value);
+void writeSub(Writer& writer, const Tree& tree, uint32_t nr);
+
+/// What a value or type is called in the file that refers to it.
+std::string refName(Trees& trees, const Tree& from, const Link& link) {
+    if (link.target == Target::Formal) return "(formal parameter " + std::to_string(link.nr) + ')';
+    if (link.target == Target::String) return std::string(from.text(link.nr));
+    if (link.target != Target::Record) return "(none)";
+    std::string error;
+    std::string text;
+    if (link.module != 1) text = std::string(from.text(from.mNode(link.module).modName)) + '.';
+    const Tree* tree = trees.module(from, link.module, error);
+    std::string_view name;
+    if (tree != nullptr && link.nr <= tree->count(link.kind))
+        name =
+            tree->text(link.kind == TNODE ? tree->tNode(link.nr).name : tree->vNode(link.nr).name);
+    if (name.empty()) return text + '#' + std::to_string(link.nr);
+    return text + std::string(name);
+}
+
+Link refOf(const Tree& tree, Kind kind, uint32_t nr) {
+    return tree.linkOf(kind, nr, fieldNamed(kind, "ref"));
+}
+
+/// ".&a.&b": names of a chain, as far as they are still there.
+std::string fieldChain(Trees& trees, const Tree& tree, int64_t first) {
+    std::string text;
+    for (const uint32_t nr : listFrom(tree, SNODE, first)) {
+        text += ".&";
+        text += refName(trees, tree, tree.linkOf(SNODE, nr, fieldNamed(SNODE, "value")));
+    }
+    return text;
+}
+
+void writeReal(Writer& writer, const VNode& node) {
+    if (node.base == -1) {
+        writer.out += node.number == -2   ? "PLUS-INFINITY"
+                      : node.number == -1 ? "MINUS-INFINITY"
+                                          : "0";
+        return;
+    }
+    writer.out += "{mantissa " + std::to_string(node.number) + ", base " +
+                  std::to_string(node.base) + ", exponent " + std::to_string(node.exponent) + '}';
+}
+
+void appendHex(std::string& out, uint32_t code, int digits) {
+    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4)
+        out += "0123456789abcdef"[code >> shift & 15];
+}
+
+template <typename Text> void writeWide(Writer& writer, const Text& text) {
+    writer.out += '"';
+    for (const auto unit : text) {
+        const auto code = static_cast<uint32_t>(unit);
+        if (writer.full()) return;
+        if (code >= 32 && code < 127 && code != '"' && code != '\\') {
+            writer.out += static_cast<char>(code);
+            continue;
+        }
+        writer.out += code > 0xFFFF ? "\\U" : "\\u";
+        appendHex(writer.out, code, code > 0xFFFF ? 8 : 4);
+    }
+    writer.out += '"';
+}
+
+void writeString(Writer& writer, const Tree& tree, const VNode& node) {
+    switch (node.valCode) {
+    case TYP_BITSTR: writer.out += '\'' + std::string(tree.text(node.stri)) + "'B"; break;
+    case TYP_OCTSTR: writer.out += '\'' + std::string(tree.text(node.stri)) + "'H"; break;
+    case TYP_BMPSTR: writeWide(writer, tree.text16(node.stri)); break;
+    case TYP_UNISTR: writeWide(writer, tree.text32(node.stri)); break;
+    default: writer.out += quoted(tree.text(node.stri)); break;
+    }
+}
+
+/// Values in braces: with their names, separated by commas; arcs by blanks.
+void writeList(Writer& writer, ValueRef value, bool names) {
+    const bool arcs = value.node().valCode == TYP_OBJID;
+    writer.out += '{';
+    bool first = true;
+    for (const uint32_t nr : componentValues(*value.tree, value.nr)) {
+        if (writer.full()) break;
+        if (!first) writer.out += arcs ? " " : ", ";
+        first = false;
+        const VNode node = value.tree->vNode(nr);
+        const std::string_view name = value.tree->text(node.name);
+        if (arcs && !name.empty()) {
+            writer.out += std::string(name) + '(';
+            writeValue(writer, {value.tree, nr});
+            writer.out += ')';
+            continue;
+        }
+        if (names && !name.empty()) writer.out += std::string(name) + ' ';
+        writeValue(writer, {value.tree, nr});
+    }
+    writer.out += '}';
+}
+
+std::string typeName(Trees& trees, TypeRef type) {
+    if (!type) return "(none)";
+    const TNode node = type.node();
+    if (node.typeCode == TYP_SYNONYM)
+        return refName(trees, *type.tree, refOf(*type.tree, TNODE, type.nr));
+    if (node.typeCode == TYP_FIELDLIST) {
+        const Link link = refOf(*type.tree, TNODE, type.nr);
+        std::string error;
+        const TypeRef base = typeOf(trees, *type.tree, link, error);
+        const bool named = base && base.node().typeCode == TYP_SYNONYM;
+        const Link name = named ? refOf(*base.tree, TNODE, base.nr) : link;
+        return refName(trees, named ? *base.tree : *type.tree, name) +
+               fieldChain(trees, *type.tree, node.syntax);
+    }
+    return std::string(asnName(node.typeCode));
+}
+
+/// A type setting, an object set, or a value behind its type.
+void writeOpen(Writer& writer, ValueRef value) {
+    std::string error;
+    const Link link = refOf(*value.tree, VNODE, value.nr);
+    if (link.kind != TNODE) {
+        const std::vector<uint32_t> inner = componentValues(*value.tree, value.nr);
+        if (inner.empty()) return;
+        const Link gov = value.tree->linkOf(VNODE, inner[0], fieldNamed(VNODE, "govType"));
+        writer.out += typeName(writer.trees, typeOf(writer.trees, *value.tree, gov, error)) + " : ";
+        return writeValue(writer, {value.tree, inner[0]});
+    }
+    const TypeRef type = typeOf(writer.trees, *value.tree, link, error);
+    const uint32_t set = type ? constraintOf(*type.tree, type.nr) : 0;
+    if ((value.node().vflags & VF_SET) == 0 || set == 0 || value.tree != type.tree) {
+        writer.out += typeName(writer.trees, type);
+        return;
+    }
+    writer.out += '{';
+    writeSub(writer, *type.tree, set);
+    writer.out += '}';
+}
+
+void writeValue(Writer& writer, ValueRef value) {
+    const Level level(writer.depth);
+    if (!value) return;
+    if (writer.full()) {
+        writer.out += "...";
+        return;
+    }
+    const Tree& tree = *value.tree;
+    const VNode node = value.node();
+    if (node.refMod == REF_DEFERRED) {
+        writer.out += "(not parsed)";
+        return;
+    }
+    switch (node.valCode) {
+    case TYP_SYNONYM:
+        writer.out += refName(writer.trees, tree, refOf(tree, VNODE, value.nr));
+        return;
+    case TYP_FIELDLIST:
+        writer.out += refName(writer.trees, tree, refOf(tree, VNODE, node.ref)) +
+                      fieldChain(writer.trees, tree, node.deferred);
+        return;
+    case TYP_BOOLEAN: writer.out += node.boole ? "TRUE" : "FALSE"; return;
+    case TYP_INTEGER:
+    case TYP_ENUM: writer.out += std::to_string(node.number); return;
+    case TYP_REAL: writeReal(writer, node); return;
+    case TYP_NULL: writer.out += "NULL"; return;
+    case TYP_OPEN:
+    case TYP_ANY: writeOpen(writer, value); return;
+    case TYP_EXTENSION_MARKER: writer.out += "..."; return;
+    case TYP_CHOICE: {
+        const std::vector<uint32_t> chosen = componentValues(tree, value.nr);
+        if (chosen.empty()) return;
+        writer.out += std::string(tree.text(tree.vNode(chosen[0]).name)) + " : ";
+        return writeValue(writer, {&tree, chosen[0]});
+    }
+    case TYP_SEQOF:
+    case TYP_SETOF: return writeList(writer, value, false);
+    default: break;
+    }
+    const Link string = tree.linkOf(VNODE, value.nr, fieldNamed(VNODE, "val"));
+    if (string.target == Target::String && node.valCode != TYP_OBJID && node.ref == 0)
+        return writeString(writer, tree, node);
+    writeList(writer, value, true);
+}
+
+void writeOperands(Writer& writer, const Tree& tree, uint32_t nr, std::string_view between) {
+    const auto isOperator = [&](uint32_t sub) {
+        const uint8_t kind = tree.subRec(sub).subKind;
+        return kind >= SUB_UNION && kind <= SUB_ALL_EXCEPT && kind != SUB_SERIAL;
+    };
+    bool first = true;
+    for (const uint32_t operand : operands(tree, nr)) {
+        if (writer.full()) return;
+        const uint8_t kind = tree.subRec(operand).subKind;
+        const bool nested = isOperator(nr) && isOperator(operand);
+        if (!first) writer.out += kind == SUB_EXTENSION_MARKER ? ", " : between;
+        first = false;
+        if (nested) writer.out += '(';
+        writeSub(writer, tree, operand);
+        if (nested) writer.out += ')';
+    }
+}
+
+void writeBound(Writer& writer, const Tree& tree, int64_t nr, const char* none) {
+    if (nr == 0)
+        writer.out += none;
+    else
+        writeValue(writer, {&tree, static_cast<uint32_t>(nr)});
+}
+
+void writeRange(Writer& writer, const Tree& tree, const SubRec& sub) {
+    writeBound(writer, tree, sub.left, "MIN");
+    if (sub.left != 0 && (sub.subFlags & SUBF_LOWER) == 0) writer.out += '<';
+    writer.out += "..";
+    if (sub.right != 0 && (sub.subFlags & SUBF_UPPER) == 0) writer.out += '<';
+    writeBound(writer, tree, sub.right, "MAX");
+}
+
+void writeInner(Writer& writer, const Tree& tree, uint32_t nr, const SubRec& parent) {
+    writer.out += (parent.subFlags & SUBF_FULL) != 0 ? "WITH COMPONENTS {" : "WITH COMPONENTS {...";
+    bool first = (parent.subFlags & SUBF_FULL) != 0;
+    for (const uint32_t entry : operands(tree, nr)) {
+        if (writer.full()) return;
+        const SubRec sub = tree.subRec(entry);
+        if (!first) writer.out += ", ";
+        first = false;
+        writer.out += tree.text(sub.name);
+        if (sub.subKind != SUB_EXCEPTION) {
+            writer.out += " (";
+            writeSub(writer, tree, entry);
+            writer.out += ')';
+        }
+        if ((sub.subFlags & SUBF_PRESENT) != 0) writer.out += " PRESENT";
+        if ((sub.subFlags & SUBF_ABSENT) != 0) writer.out += " ABSENT";
+        if ((sub.subFlags & SUBF_OPTIONAL) != 0) writer.out += " OPTIONAL";
+    }
+    writer.out += '}';
+}
+
+void writeTable(Writer& writer, const Tree& tree, const SubRec& sub) {
+    writeValue(writer, {&tree, sub.left});
+    if (sub.right == 0) return;
+    writer.out += " {@";
+    bool first = true;
+    for (const uint32_t nr : listFrom(tree, SNODE, -int64_t{sub.right})) {
+        if (!first) writer.out += '.';
+        first = false;
+        writer.out +=
+            refName(writer.trees, tree, tree.linkOf(SNODE, nr, fieldNamed(SNODE, "value")));
+    }
+    writer.out += '}';
+}
+
+void writeEnclosed(Writer& writer, const Tree& tree, uint32_t nr, const char* word) {
+    writer.out += word;
+    writer.out += " (";
+    writeOperands(writer, tree, nr, " | ");
+    writer.out += ')';
+}
+
+void writeSub(Writer& writer, const Tree& tree, uint32_t nr) {
+    const Level level(writer.depth);
+    if (writer.full()) {
+        writer.out += "...";
+        return;
+    }
+    const SubRec sub = tree.subRec(nr);
+    switch (sub.subKind) {
+    case SUB_UNION: writeOperands(writer, tree, nr, " | "); break;
+    case SUB_INTERSECTION: writeOperands(writer, tree, nr, " ^ "); break;
+    case SUB_SERIAL: writeOperands(writer, tree, nr, ")("); break;
+    case SUB_EXCEPT: writeOperands(writer, tree, nr, " EXCEPT "); break;
+    case SUB_ALL_EXCEPT:
+        writer.out += "ALL EXCEPT ";
+        writeOperands(writer, tree, nr, " ");
+        break;
+    case SUB_RANGE: writeRange(writer, tree, sub); break;
+    case SUB_PERMITTED_ALPHABET: writeEnclosed(writer, tree, nr, "FROM"); break;
+    case SUB_SIZE: writeEnclosed(writer, tree, nr, "SIZE"); break;
+    case SUB_WITH_COMPONENT: writeEnclosed(writer, tree, nr, "WITH COMPONENT"); break;
+    case SUB_WITH_COMPONENTS: writeInner(writer, tree, nr, sub); break;
+    case SUB_CONTAINED_SUBTYPE:
+    case SUB_SINGLE_VALUE:
+    case SUB_OPEN_TYPE: writeValue(writer, {&tree, sub.left}); break;
+    case SUB_TABLE: writeTable(writer, tree, sub); break;
+    case SUB_USER_DEFINED: writer.out += "CONSTRAINED BY {}"; break;
+    case SUB_EXTENSION_MARKER: writer.out += "..."; break;
+    case SUB_CONTENTS: writer.out += "CONTAINING"; break;
+    default: break;
+    }
+    if ((sub.subFlags & SUBF_EXCEPTION) == 0) return;
+    writer.out += " !";
+    writeValue(writer, {&tree, sub.third});
+}
+
+std::string finished(Writer& writer) {
+    if (writer.out.size() > maxText) writer.out.replace(maxText, std::string::npos, " ...");
+    return std::move(writer.out);
+}
+
+} // namespace
+
+std::string tagText(const Tag& tag) {
+    std::string text = "[";
+    if (tag.tagClass != TAG_CONTEXT)
+        text += std::string(codeName(tagClassNames, tag.tagClass)) + ' ';
+    return text + (tag.number < 0 ? "?" : std::to_string(tag.number)) + ']';
+}
+
+std::string tagListText(Trees& trees, TypeRef type) {
+    std::string text;
+    if (!type) return text;
+    for (const uint32_t nr : tagList(*type.tree, type.nr)) {
+        const TagRec tag = type.tree->tagRec(nr);
+        if (!text.empty()) text += ' ';
+        text += tagText({tag.tagClass, tagNumber(trees, *type.tree, tag)});
+        if (tag.tagMode == TAGMODE_IMPLICIT) text += " IMPLICIT";
+        if (tag.tagMode == TAGMODE_EXPLICIT) text += " EXPLICIT";
+    }
+    return text;
+}
+
+std::string boundsText(const TNode& type) {
+    const auto text = [](int64_t bound) -> std::string {
+        if (bound == std::numeric_limits<int64_t>::min()) return "MIN";
+        if (bound == std::numeric_limits<int64_t>::max()) return "MAX";
+        return std::to_string(bound);
+    };
+    return text(type.lowerBound) + ".." + text(type.upperBound);
+}
+
+std::string typeText(Trees& trees, TypeRef type) {
+    return typeName(trees, type);
+}
+
+std::string valueText(Trees& trees, ValueRef value) {
+    Writer writer{trees, {}};
+    writeValue(writer, value);
+    return finished(writer);
+}
+
+std::string constraintText(Trees& trees, const Tree& tree, uint32_t subNr) {
+    Writer writer{trees, {}};
+    if (subNr == 0 || subNr > tree.count(SUB)) return {};
+    writer.out += '(';
+    writeSub(writer, tree, subNr);
+    writer.out += ')';
+    return finished(writer);
+}
+
+std::string_view asnName(uint8_t typeCode) {
+    return typeCode < typeCount ? typeTable[typeCode].asnName : "";
+}
+
+std::string quoted(std::string_view text) {
+    std::string out = "\"";
+    for (const char byte : text) {
+        const auto code = static_cast<unsigned char>(byte);
+        if (code >= 32 && code < 127) {
+            if (code == '"' || code == '\\') out += '\\';
+            out += byte;
+        } else {
+            out += "\\x";
+            appendHex(out, code, 2);
+        }
+    }
+    return out + '"';
+}
+
+} // namespace stx

@@ -1,0 +1,252 @@
+#include "stxreader.h"
+
+#include <filesystem>
+
+// References across files. A chain of references may be as long as a module; its end is kept for
+// every member, so that a module of nothing but references is walked once. A damaged set of files
+// may hold a circle of references: the walk marks what it has entered and reports the circle.
+
+namespace stx {
+namespace {
+
+/// Entries of component lists that are looked at for one structure: no real module needs as many.
+constexpr int maxSteps = 1'000'000;
+/// Components of one structure, the limit of `fieldSize`.
+constexpr size_t maxComponents = 32767;
+constexpr int maxNesting = 200;
+/// Tagged types that refer to one another, for one list of tags.
+constexpr int maxTags = 1000;
+
+uint32_t lastOfChain(const Tree& tree, int64_t first) {
+    const std::vector<uint32_t> chain = listFrom(tree, SNODE, first);
+    return chain.empty() ? 0 : chain.back();
+}
+
+Link linkOf(const Tree& tree, Kind kind, uint32_t nr, const char* field) {
+    return tree.linkOf(kind, nr, fieldNamed(kind, field));
+}
+
+bool isLink(const Link& link, Kind kind) {
+    return link.target == Target::Record && link.kind == kind;
+}
+
+} // namespace
+
+const Tree* Trees::open(const std::string& path, std::string& error) {
+    const std::string key = std::filesystem::path(path).lexically_normal().string();
+    auto [at, isNew] = files_.try_emplace(key);
+    if (isNew) {
+        auto tree = std::make_unique<Tree>();
+        if (tree->open(path, at->second.error)) at->second.tree = std::move(tree);
+    }
+    if (!at->second.tree) error = at->second.error;
+    return at->second.tree.get();
+}
+
+const Tree* Trees::module(const Tree& from, int64_t refMod, std::string& error) {
+    if (refMod == 0 || refMod == 1) return &from;
+    if (refMod < 0 || refMod > from.count(MNODE)) {
+        error = from.path() + ": there is no module reference " + std::to_string(refMod);
+        return nullptr;
+    }
+    const MNode other = from.mNode(static_cast<uint32_t>(refMod));
+    const std::string name(from.text(other.modName));
+    const std::string prefix(from.text(other.stxName));
+    if (prefix.empty()) {
+        error = "module " + name + " has no tree file";
+        return nullptr;
+    }
+    const std::filesystem::path path =
+        std::filesystem::path(from.path()).parent_path() / (prefix + ".stx");
+    std::string cause;
+    const Tree* tree = open(path.string(), cause);
+    if (tree == nullptr) {
+        error = name == "ISO8824" ? "the built-in module ISO8824 has no tree file"
+                                  : "module " + name + ": " + cause;
+        return nullptr;
+    }
+    if (tree->moduleName() != name || tree->mNode(1).modTimeStamp != other.modTimeStamp) {
+        error = path.string() + ": " +
+                (tree->moduleName() != name
+                     ? "holds module " + std::string(tree->moduleName()) + ", not " + name
+                     : "is of another run than " + from.path());
+        return nullptr;
+    }
+    return tree;
+}
+
+TypeRef typeOf(Trees& trees, const Tree& from, const Link& link, std::string& error) {
+    if (!isLink(link, TNODE)) return {};
+    const Tree* tree = trees.module(from, link.module, error);
+    if (tree == nullptr) return {};
+    if (link.nr <= tree->count(TNODE)) return {tree, link.nr};
+    error = tree->path() + ": there is no tNode " + std::to_string(link.nr);
+    return {};
+}
+
+ValueRef valueOf(Trees& trees, const Tree& from, const Link& link, std::string& error) {
+    if (!isLink(link, VNODE)) return {};
+    const Tree* tree = trees.module(from, link.module, error);
+    if (tree == nullptr) return {};
+    if (link.nr <= tree->count(VNODE)) return {tree, link.nr};
+    error = tree->path() + ": there is no vNode " + std::to_string(link.nr);
+    return {};
+}
+
+TypeRef nextType(Trees& trees, TypeRef type, bool fields, std::string& error) {
+    if (!type) return {};
+    const TNode node = type.node();
+    if (node.typeCode == TYP_SYNONYM)
+        return typeOf(trees, *type.tree, linkOf(*type.tree, TNODE, type.nr, "ref"), error);
+    const bool selection = node.typeCode == TYP_SELECTION;
+    const bool chain = node.typeCode == TYP_FIELDLIST && (fields || node.refMod == REF_OBJECT);
+    if (!selection && !chain) return {};
+    const Link end = linkOf(*type.tree, SNODE, lastOfChain(*type.tree, node.syntax), "value");
+    if (isLink(end, TNODE)) return typeOf(trees, *type.tree, end, error);
+    const ValueRef setting = valueOf(trees, *type.tree, end, error); // of an object: a type
+    if (!setting) return {};
+    return typeOf(trees, *setting.tree, linkOf(*setting.tree, VNODE, setting.nr, "ref"), error);
+}
+
+TypeRef Trees::skip(TypeRef type, Skip how, std::string& error) {
+    std::vector<Key> path;
+    End end{type, "", false};
+    while (end.type) {
+        const Key key{end.type.tree, end.type.nr, how};
+        auto [at, isNew] = ends_.try_emplace(key, End{{}, "", true});
+        if (!isNew) {
+            if (at->second.running)
+                end.error = end.type.tree->path() + ": tNode " + std::to_string(end.type.nr) +
+                            ": the reference leads back to itself";
+            else
+                end = at->second;
+            break;
+        }
+        path.push_back(key);
+        if (how == Skip::Untagged && end.type.node().tags != 0) break;
+        const TypeRef next = nextType(*this, end.type, how != Skip::Plain, end.error);
+        if (!next) break;
+        end.type = next;
+    }
+    end.running = false;
+    for (const Key& key : path) ends_[key] = end;
+    if (!end.error.empty()) error = end.error;
+    return end.type;
+}
+
+TypeRef skipTypes(Trees& trees, TypeRef type, bool fields, std::string& error) {
+    return trees.skip(type, fields ? Trees::Skip::Fields : Trees::Skip::Plain, error);
+}
+
+ValueRef skipValues(Trees& trees, ValueRef value, std::string& error) {
+    ValueRef mark = value; // moved on at every power of two: a circle comes back to it
+    for (uint64_t steps = 1, power = 1; value; ++steps) {
+        const VNode node = value.node();
+        Link link;
+        if (node.valCode == TYP_SYNONYM) link = linkOf(*value.tree, VNODE, value.nr, "ref");
+        if (node.valCode == TYP_FIELDLIST)
+            link = linkOf(*value.tree, SNODE, lastOfChain(*value.tree, node.deferred), "value");
+        const ValueRef next = valueOf(trees, *value.tree, link, error);
+        if (!next) break;
+        value = next;
+        if (value == mark) {
+            error = value.tree->path() + ": vNode " + std::to_string(value.nr) +
+                    ": the reference leads back to itself";
+            break;
+        }
+        if (steps == power) {
+            mark = value;
+            power *= 2;
+        }
+    }
+    return value;
+}
+
+namespace {
+
+struct Expansion {
+    Trees& trees;
+    std::vector<Component>& list;
+    std::string& error;
+    bool automatic;
+    int steps = 0;
+};
+
+/// The entries of one list. `included`: brought in by COMPONENTS OF, so only up to the marker.
+void expand(Expansion& expansion, TypeRef type, bool included, int depth) {
+    bool extension = false;
+    for (const uint32_t nr : components(*type.tree, type.nr)) {
+        const TNode node = type.tree->tNode(nr);
+        if (++expansion.steps > maxSteps || expansion.list.size() == maxComponents) return;
+        if (node.typeCode == TYP_EXTENSION_MARKER) {
+            if (included) return;
+            extension = true;
+            continue;
+        }
+        if (node.role() == TCS_COMPOF) {
+            const TypeRef from =
+                skipTypes(expansion.trees, {type.tree, nr}, false, expansion.error);
+            if (from && depth < maxNesting) expand(expansion, from, true, depth + 1);
+            continue;
+        }
+        Component entry{{type.tree, nr}, -1, extension};
+        if (expansion.automatic) entry.automaticTag = static_cast<int64_t>(expansion.list.size());
+        expansion.list.push_back(entry);
+    }
+}
+
+} // namespace
+
+std::vector<Component> allComponents(Trees& trees, TypeRef type, std::string& error) {
+    std::vector<Component> list;
+    if (!type) return list;
+    Expansion expansion{trees, list, error, (type.node().checkFlags & CF_AUTOMATIC_TAGS) != 0};
+    expand(expansion, type, false, 0);
+    return list;
+}
+
+int64_t tagNumber(Trees& trees, const Tree& tree, const TagRec& tag) {
+    if (tag.tagNr >= 0) return tag.tagNr;
+    std::string error;
+    const ValueRef value =
+        skipValues(trees, {&tree, static_cast<uint32_t>(-int64_t{tag.tagNr})}, error);
+    const VNode node = value.node();
+    return value && error.empty() && node.valCode == TYP_INTEGER ? node.number : -1;
+}
+
+FinalTags finalTags(Trees& trees, TypeRef type, int64_t automaticTag, std::string& error) {
+    FinalTags result;
+    bool replaced = false; // an IMPLICIT tag stands in front: the next one is not encoded
+    if (automaticTag >= 0) {
+        result.tags.push_back({TAG_CONTEXT, automaticTag});
+        const FinalTags inner = finalTags(trees, type, -1, error);
+        replaced = !inner.tags.empty(); // explicit after all where nothing is there to be replaced
+    }
+    for (int steps = 0; type && steps < maxTags; ++steps) {
+        std::string broken;
+        const TypeRef at = trees.skip(type, Trees::Skip::Untagged, broken);
+        if (!broken.empty()) {
+            error = broken;
+            result.open = true;
+            return result;
+        }
+        const std::vector<uint32_t> list = tagList(*at.tree, at.nr);
+        for (const uint32_t nr : list) {
+            const TagRec tag = at.tree->tagRec(nr);
+            if (!replaced) result.tags.push_back({tag.tagClass, tagNumber(trees, *at.tree, tag)});
+            replaced =
+                tag.tagMode == TAGMODE_IMPLICIT || (tag.tagMode == TAGMODE_OPEN && tag.next != 0);
+        }
+        type = nextType(trees, at, true, error);
+        if (type) continue;
+        const uint8_t code = at.node().typeCode;
+        const int32_t tag = code < typeCount ? typeTable[code].tag : -1;
+        if (tag < 0)
+            result.open = true;
+        else if (!replaced)
+            result.tags.push_back({TAG_UNIVERSAL, tag});
+    }
+    return result;
+}
+
+} // namespace stx
