@@ -32,9 +32,10 @@ void extensionMarker() {
     if (anotherFollows()) linkNext();
 }
 
-/// A `...` where a comma should have come first.
+/// A `...` where a comma should have come first; no word of that when it has been reported.
 void markerWithoutComma() {
-    recordError(cMP, ERR_WARNING, Msg::CommaBeforeExtensionMarker, parserState.Inp.line);
+    if (parserState.Parsing)
+        recordError(cMP, ERR_WARNING, Msg::CommaBeforeExtensionMarker, parserState.Inp.line);
     extensionMarker();
 }
 
