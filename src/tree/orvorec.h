@@ -155,9 +155,10 @@ template <typename Fn> void forEachTNodeByMod(ModuleRec* module, TNodeNr first, 
 }
 /// The same over a VNode chain of the module in currTPtr[KIND_VNODE].
 template <typename Fn> void forEachVNode(VNodeNr first, Fn&& fn) {
+    if (!first) return;
     ModuleRec* module = recState.currTPtr[KIND_VNODE];
     KeepRec<KIND_VNODE> keep;
-    uint32_t left = module->nextRecNr[KIND_VNODE];
+    uint32_t left = module != nullptr ? module->nextRecNr[KIND_VNODE] : 1;  // the read is fatal then
     for (VNodeNr nr = first; nr && left-- != 0;) {
         readRec(module, nr);
         const VNodeNr next{vNode.next};
@@ -183,7 +184,8 @@ std::u16string_view getStri16(ModuleRec* module, int64_t nr);
 std::u32string_view getStri32(ModuleRec* module, int64_t nr);
 /// Number of a text that the module's 8-bit cache already holds, else none; adds nothing.
 StriNr findStri(const ModuleRec* module, std::string_view text);
-/// Forgets the strings of a module with numbers from the given ones on (a trial parse taken back).
+/// Forgets the strings of a module with numbers from the given ones on and puts its counters back there
+/// (a trial parse taken back).
 void dropStriFrom(ModuleRec* module, uint32_t next8, uint32_t next16, uint32_t next32);
 
 /// The scratch characters that scratchStri designates; the second unit is always 0.

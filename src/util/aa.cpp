@@ -122,7 +122,7 @@ void freeBlock(const void* block) {
     ::operator delete(const_cast<void*>(block));
 }
 void freeValue(AaValue value) {
-    freeBlock(reinterpret_cast<const void*>(value));
+    freeBlock(aaAddress(value));
 }
 
 void freeOwned(const AaEntry* entry) {
@@ -164,7 +164,7 @@ void freeEntry(AaContext* table, AaEntry* entry) {
 }
 
 /// Loads of 20 and 90 per cent; the gap keeps a table from growing and shrinking in turn.
-void calculateHashThresholds(AaContext* table) {
+void CalculateHashThresholds(AaContext* table) {
     const bool limited = (table->flags & AA_WIDE_HASH) == 0;
     table->lowThreshold = table->listSize > minListSize
                               ? table->listSize / 10 * 2 + table->listSize % 10 * 2 / 10
@@ -175,7 +175,7 @@ void calculateHashThresholds(AaContext* table) {
 }
 
 /// Doubles the bucket array; false when that is not possible, which only costs speed.
-bool increaseHashSize(AaContext* table) {
+bool IncreaseHashSize(AaContext* table) {
     const size_t oldSize = table->listSize;
     if (table->scanning || table->highThreshold == 0) return false;
     auto** wider = new (std::nothrow) AaEntry* [oldSize * 2] {};
@@ -194,12 +194,12 @@ bool increaseHashSize(AaContext* table) {
     delete[] table->buckets;
     table->buckets = wider;
     table->listSize = oldSize * 2;
-    calculateHashThresholds(table);
+    CalculateHashThresholds(table);
     return true;
 }
 
 /// Halves the bucket array: each chain of the upper half goes behind that of its partner.
-bool decreaseHashSize(AaContext* table) {
+bool DecreaseHashSize(AaContext* table) {
     if (table->scanning || table->listSize <= minListSize) return false;
     const size_t newSize = table->listSize / 2;
     auto** narrower = new (std::nothrow) AaEntry* [newSize] {};
@@ -213,7 +213,7 @@ bool decreaseHashSize(AaContext* table) {
     delete[] table->buckets;
     table->buckets = narrower;
     table->listSize = newSize;
-    calculateHashThresholds(table);
+    CalculateHashThresholds(table);
     return true;
 }
 
@@ -228,30 +228,33 @@ bool mustShrink(const AaContext* table) {
 /// makes AA_CASEINSIG pointless.
 bool checkFlags(uint32_t& flags, size_t keyLength) {
     const auto refuse = [](const char* reason) {
-        std::fprintf(stderr, "aaCreateContext: %s\n", reason);
+        std::fputs(reason, stderr);
         return false;
     };
     const bool wide = (flags & (AA_CHARWIDTH16 | AA_CHARWIDTH32)) != 0;
     if (keyLength != 0 && (flags & AA_CASEINSIG) != 0) {
-        refuse("fixed length of keys used, flag AA_CASEINSIG ignored");
+        refuse("aaCreateContext: fixed length of keys used, flag AA_CASEINSIG ignored\n");
         flags &= ~uint32_t{AA_CASEINSIG};
     }
     if (keyLength != 0 && wide)
-        return refuse("16 or 32 bit characters may only be used with arbitrary length keys");
+        return refuse("aaCreateContext: 16 or 32 bit characters may only be used with arbitrary "
+                      "length keys\n");
     if (wide && (flags & AA_CASEINSIG) != 0)
-        return refuse(
-            "case-insignificant comparison for 16 or 32 bit char strings not implemented");
+        return refuse("aaCreateContext: case-insignificant comparison for 16 or 32 bit char "
+                      "strings not implemented\n");
     if ((flags & AA_CHARWIDTH16) != 0 && (flags & AA_CHARWIDTH32) != 0)
-        return refuse("cannot specify both AA_CHARWIDTH16 and AA_CHARWIDTH32");
-    if ((flags & (AA_KEY_COPY | AA_KEY_REF)) == 0) return refuse("No AA_KEY specifier");
-    if ((flags & (AA_VAL_COPY | AA_VAL_REF)) == 0) return refuse("No AA_VAL specifier");
+        return refuse("aaCreateContext: cannot specify both AA_CHARWIDTH16 and AA_CHARWIDTH32\n");
+    if ((flags & (AA_KEY_COPY | AA_KEY_REF)) == 0)
+        return refuse("aaCreateContext: No AA_KEY specifier\n");
+    if ((flags & (AA_VAL_COPY | AA_VAL_REF)) == 0)
+        return refuse("aaCreateContext: No AA_VAL specifier\n");
     return true;
 }
 
 /// Makes `value` what the table is to store; false when memory ran out.
 bool ownValue(const AaContext* table, AaValue& value, uint8_t& owned) {
     if ((table->flags & AA_VAL_COPY) == 0 || value == 0) return true;
-    const void* text = reinterpret_cast<const void*>(value);
+    const void* text = aaAddress(value);
     const void* copy = copyBlock(text, stringSize(table, text));
     value = aaPointer(copy);
     owned |= ownsValue;
@@ -294,7 +297,7 @@ AaContext* aaCreateContext(uint32_t flags, size_t keyLength) {
     table->listSize = minListSize;
     table->flags = flags;
     table->keyLength = keyLength;
-    calculateHashThresholds(table);
+    CalculateHashThresholds(table);
     return table;
 }
 
@@ -336,7 +339,7 @@ bool aaInsert(AaContext* table, const void* key, AaValue value, uint64_t hash) {
     entry->next = bucket;
     bucket = entry;
     ++table->count;
-    if (mustGrow(table)) increaseHashSize(table);
+    if (mustGrow(table)) IncreaseHashSize(table);
     return true;
 }
 
@@ -372,7 +375,7 @@ int aaDelete(AaContext* table, const void* key) {
     *link = entry->next;
     freeEntry(table, entry);
     --table->count;
-    if (mustShrink(table)) decreaseHashSize(table);
+    if (mustShrink(table)) DecreaseHashSize(table);
     return 0;
 }
 
@@ -401,9 +404,9 @@ const void* aaScanNext(AaContext* table, AaValue& valueOut) {
 void aaScanEnd(AaContext* table) {
     table->scanning = false;
     table->scanEntry = nullptr;
-    while (mustGrow(table) && increaseHashSize(table)) {
+    while (mustGrow(table) && IncreaseHashSize(table)) {
     }
-    while (mustShrink(table) && decreaseHashSize(table)) {
+    while (mustShrink(table) && DecreaseHashSize(table)) {
     }
 }
 
@@ -424,7 +427,7 @@ void aaDumpTable(const AaContext* table) {
                         static_cast<unsigned long long>(entry->hash),
                         static_cast<unsigned long long>(hash));
             if (textValue && entry->value != 0)
-                std::fputs(reinterpret_cast<const char*>(entry->value), stdout);
+                std::fputs(static_cast<const char*>(aaAddress(entry->value)), stdout);
             else
                 std::printf("%llx", static_cast<unsigned long long>(entry->value));
             std::puts((hash & (table->listSize - 1)) != i ? "   BAD HASH!" : "");

@@ -4,6 +4,7 @@
 // powers of two. Keys are NUL-terminated strings of 8-, 16- or 32-bit characters or blocks of a
 // fixed length.
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -25,6 +26,7 @@ enum AaFlags : uint32_t {
 
 /// A value: a number, or a pointer as an integer (a copied string: the address of the copy).
 using AaValue = uintptr_t;
+inline const void* aaAddress(AaValue value) { return std::bit_cast<const void*>(value); }
 inline AaValue aaPointer(const void* pointer) {
     return reinterpret_cast<AaValue>(pointer);
 }
