@@ -1,0 +1,211 @@
+// Solving of references: chains, cycles, selection types, COMPONENTS OF, fields of classes and
+// objects, defaults, and all of it across modules and instances.
+
+#include <gtest/gtest.h>
+
+#include "support/run.h"
+
+namespace orvo::test {
+namespace {
+
+SourceFile moduleM(const std::string& body) {
+    return {"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n" + body + "\nEND\n"};
+}
+std::string diagnosticsOf(const std::string& body) {
+    return compile({moduleM(body)}).diagnostics("m");
+}
+
+constexpr struct {
+    const char* body;
+    const char* diagnostics;
+} referenceCases[] = {
+    // Every record that leads into a cycle is reported.
+    {"A ::= B\nB ::= A", "  ** ERROR on line   2 : Invalid recursion in definition of type\n"
+                         "  ** ERROR on line   3 : Invalid recursion in definition of type\n"},
+    {"A ::= A", "  ** ERROR on line   2 : Invalid recursion in definition of type\n"},
+    {"A ::= B\nB ::= C\nC ::= B",
+     "  ** ERROR on line   2 : Invalid recursion in definition of type\n"
+     "  ** ERROR on line   3 : Invalid recursion in definition of type\n"
+     "  ** ERROR on line   4 : Invalid recursion in definition of type\n"},
+    {"A ::= SEQUENCE { a A OPTIONAL }", ""},
+    {"a INTEGER ::= b\nb INTEGER ::= a",
+     "  ** ERROR on line   2 : Invalid recursion in definition of value: b\n"
+     "  ** ERROR on line   3 : Invalid recursion in definition of value: a\n"},
+    {"a INTEGER ::= b\nb INTEGER ::= c\nc INTEGER ::= 1", ""},
+    // Selection types.
+    {"C ::= CHOICE { a INTEGER, b NULL }\nS ::= a < C\nv S ::= 5", ""},
+    {"C ::= CHOICE { a INTEGER }\nD ::= C\nS ::= a < D\nT ::= S\nv T ::= 5", ""},
+    {"C ::= CHOICE { a INTEGER }\nS ::= b < C",
+     "  ** ERROR on line   3 : Invalid selection type: b\n"},
+    {"C ::= SEQUENCE { a INTEGER }\nS ::= a < C",
+     "  ** ERROR on line   3 : Invalid selection type: a\n"},
+    {"S ::= a < C\nC ::= CHOICE { a S }",
+     "  ** ERROR on line   2 : Invalid recursion in definition of type: a\n"
+     "  ** ERROR on line   3 : Invalid recursion in definition of type\n"},
+    // COMPONENTS OF.
+    {"S ::= SEQUENCE { COMPONENTS OF T, c NULL }\nT ::= SEQUENCE { a INTEGER, b NULL }\n"
+     "v S ::= { a 1, b NULL, c NULL }",
+     ""},
+    {"S ::= SEQUENCE { COMPONENTS OF T }\nT ::= SEQUENCE { COMPONENTS OF U }\n"
+     "U ::= SEQUENCE { a INTEGER }\nv S ::= { a 1 }",
+     ""},
+    {"S ::= SEQUENCE { COMPONENTS OF T,\nc INTEGER }\nT ::= SET { a NULL }",
+     "  ** ERROR on line   2 : Invalid type in COMPONENTS OF\n"},
+    {"S ::= SET { COMPONENTS OF T }\nT ::= SET { a NULL }", ""},
+    {"T ::= SEQUENCE { a NULL, COMPONENTS OF T }",
+     "  ** ERROR on line   2 : Invalid recursion in definition of type\n"},
+    {"S ::= SEQUENCE { a NULL, COMPONENTS OF T }\nT ::= SEQUENCE { b NULL, COMPONENTS OF S }",
+     "  ** ERROR on line   2 : Invalid recursion in definition of type\n"},
+    {"S ::= SEQUENCE { COMPONENTS OF T }\nT ::= T",
+     "  ** ERROR on line   2 : Invalid recursion in definition of type\n"
+     "  ** ERROR on line   3 : Invalid recursion in definition of type\n"},
+    {"S ::= SEQUENCE { a NULL, ..., [[ COMPONENTS OF T ]] }\nT ::= SEQUENCE { b NULL }", ""},
+};
+
+TEST(References, AreFollowedToTheirEnd) {
+    for (const auto& row : referenceCases) {
+        SCOPED_TRACE(row.body);
+        EXPECT_EQ(diagnosticsOf(row.body), row.diagnostics);
+    }
+}
+
+const std::string classes =
+    "C ::= CLASS { &id INTEGER UNIQUE, &Type DEFAULT BOOLEAN, &Set D OPTIONAL, &obj D OPTIONAL,"
+    " &val INTEGER DEFAULT 7, &Need } WITH SYNTAX"
+    " { ID &id [TYPE &Type] [OBJS &Set] [OBJ &obj] [VAL &val] NEED &Need }\n"
+    "D ::= CLASS { &Type, &n INTEGER }\n"
+    "d D ::= { &Type NULL, &n 3 }\n"
+    "o C ::= { ID 1 TYPE INTEGER OBJS {d} OBJ d NEED NULL }\n"
+    "p C ::= { ID 2 NEED o.&Type }\n";
+
+constexpr struct {
+    const char* body; // from line 7 on
+    const char* diagnostics;
+} fieldCases[] = {
+    {"T ::= o.&Type\nv T ::= 5", ""},
+    {"T ::= p.&Type\nv T ::= TRUE", ""}, // the field's default
+    {"T ::= p.&Need\nv T ::= 5", ""},    // through a setting that is such a type itself
+    {"v INTEGER ::= o.&id\nw INTEGER ::= p.&val", ""},
+    {"T ::= o.&obj.&Type\nv T ::= NULL", ""},
+    {"v INTEGER ::= o.&obj.&n", ""},
+    {"q C ::= p\nT ::= q.&Type\nv T ::= FALSE", ""},
+    {"T ::= C.&id\nv T ::= 5", ""},
+    {"T ::= C.&obj.&n\nv T ::= 5", ""},
+    {"S D ::= { o.&Set }\nT ::= SEQUENCE { a D.&n ({S}) }", ""},
+    {"S D ::= { p.&Set, ... }", ""}, // optional and absent: an empty set
+    {"T ::= o.&nix", "  ** ERROR on line   7 : Invalid information from object: nix\n"},
+    {"T ::= p.&obj", "  ** ERROR on line   7 : Invalid information from object: obj\n"},
+    {"v INTEGER ::= d.&x", "  ** ERROR on line   7 : Invalid information from object: x\n"},
+    {"T ::= o.&id", "  ** ERROR on line   7 : Defined type syntax: id\n"},
+    {"T ::= C.&nix", "  ** ERROR on line   7 : Invalid class field type: nix\n"},
+    {"U ::= NULL\nT ::= U.&id", "  ** ERROR on line   8 : Invalid class field type: id\n"},
+    {"T ::= TYPE-IDENTIFIER.&id\nv T ::= { 1 2 }", ""},
+    {"T ::= r.&Need\nr C ::= { ID 9 NEED r.&Need }", // T leads to what r left unresolved
+     "  ** ERROR on line   8 : Invalid recursion in definition of type: Need\n"},
+};
+
+TEST(References, LeadThroughClassesAndObjects) {
+    for (const auto& row : fieldCases) {
+        SCOPED_TRACE(row.body);
+        EXPECT_EQ(diagnosticsOf(classes + row.body), row.diagnostics);
+    }
+}
+
+TEST(Defaults, AreParsedAgainstTheirField) {
+    EXPECT_EQ(diagnosticsOf("S ::= SEQUENCE { a INTEGER DEFAULT 5, b T DEFAULT { x TRUE } }\n"
+                            "T ::= SEQUENCE { x BOOLEAN }"),
+              "");
+    EXPECT_EQ(diagnosticsOf("S ::= SEQUENCE { a BOOLEAN\n DEFAULT 5 }"),
+              "  ** ERROR on line   3 : BOOLEAN value syntax\n");
+    // A variable-type field is governed by the default of the field that names its type.
+    EXPECT_EQ(diagnosticsOf("C ::= CLASS { &Type DEFAULT BOOLEAN, &val &Type DEFAULT TRUE }"), "");
+    EXPECT_EQ(diagnosticsOf("C ::= CLASS { &Type DEFAULT BOOLEAN, &val &Type DEFAULT 5 }"),
+              "  ** ERROR on line   2 : BOOLEAN value syntax\n");
+    EXPECT_EQ(diagnosticsOf("C ::= CLASS { &Type, &val &Type\nDEFAULT TRUE }"),
+              "  ** ERROR on line   3 : Invalid governing type/class: val\n");
+    EXPECT_EQ(diagnosticsOf("C ::= CLASS { &Set INTEGER DEFAULT { 1 | 2 | x } }\n"
+                            "x INTEGER ::= 3"),
+              "");
+    EXPECT_EQ(diagnosticsOf("C ::= CLASS { &Set INTEGER DEFAULT { TRUE } }"),
+              "  ** ERROR on line   2 : INTEGER value syntax\n");
+}
+
+// What one module needs of the other is solved when it is needed, whichever comes first.
+TEST(References, AreSolvedOnDemandAcrossModules) {
+    const SourceFile first = {"first.asn", "First DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                                           "IMPORTS v, bad, Loop2, P{} FROM Secnd;\n"
+                                           "T ::= SEQUENCE { a INTEGER (0..v), b NULL }\n"
+                                           "Loop1 ::= Loop2\n"
+                                           "w INTEGER ::= v\n"
+                                           "x T ::= bad\n"
+                                           "y P{T} ::= { { a v, b NULL } }\n"
+                                           "END\n"};
+    const SourceFile second = {"secnd.asn", "Secnd DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                                            "IMPORTS T, Loop1, w, y FROM First;\n"
+                                            "v INTEGER ::= 5\n"
+                                            "bad T ::= { a v, c w }\n"
+                                            "Loop2 ::= Loop1\n"
+                                            "P{X} ::= SEQUENCE OF X\n"
+                                            "z P{T} ::= y\n"
+                                            "END\n"};
+    for (const bool inOrder : {true, false}) {
+        SCOPED_TRACE(inOrder);
+        const RunResult run = inOrder ? compile({first, second}) : compile({second, first});
+        EXPECT_EQ(run.diagnostics("first"),
+                  "  ** ERROR on line   4 : Invalid recursion in definition of type\n");
+        EXPECT_EQ(run.diagnostics("secnd"),
+                  "  ** ERROR on line   4 : Invalid component identifier: c\n"
+                  "  ** ERROR on line   4 : SEQUENCE value syntax\n"
+                  "  ** ERROR on line   5 : Invalid recursion in definition of type\n");
+    }
+}
+
+TEST(References, ErrorsInInstancesBelongToTheOutermostReference) {
+    const SourceFile defining = {"n.asn", "N DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                                          "P{X} ::= SEQUENCE { a a < X,\n b Q{X} }\n"
+                                          "Q{X} ::= SEQUENCE {\n COMPONENTS OF X }\n"
+                                          "END\n"};
+    const RunResult run = compile({moduleM("IMPORTS P{} FROM N;\n\nT ::= P{NULL}"), defining});
+    EXPECT_EQ(run.diagnostics("n"), "");
+    EXPECT_EQ(run.diagnostics("m"), "  ** ERROR on line   4 : Invalid selection type: a\n"
+                                    "  ** ERROR on line   4 : Invalid type in COMPONENTS OF\n");
+}
+
+/// `count` assignments "A0 ... ::= A1", "A1 ... ::= A2", ... and an end.
+std::string chain(int count, const std::string& link, const std::string& end) {
+    std::string body;
+    for (int i = 0; i < count; ++i) {
+        std::string text = link;
+        for (size_t at = 0; (at = text.find_first_of("#$", at)) != std::string::npos;)
+            text.replace(at, 1, std::to_string(text[at] == '#' ? i : i + 1));
+        body += text + "\n";
+    }
+    return body + end;
+}
+
+TEST(References, ChainsMayBeLong) {
+    constexpr int length = 20000;
+    const std::string last = std::to_string(length);
+    const std::string bodies[] = {
+        chain(length, "T# ::= T$", "T" + last + " ::= INTEGER"),
+        chain(length, "v# INTEGER ::= v$", "v" + last + " INTEGER ::= 1"),
+        chain(length, "v# T ::= { a v$ }",
+              "v" + last + " T ::= { }\nT ::= SEQUENCE { a T OPTIONAL }"),
+        chain(length, "T# ::= SEQUENCE { a# NULL, COMPONENTS OF T$ }",
+              "T" + last + " ::= SEQUENCE { z NULL }"),
+        chain(length, "T# ::= a < C# C# ::= CHOICE { a T$ }", "T" + last + " ::= INTEGER"),
+    };
+    for (const std::string& body : bodies) {
+        SCOPED_TRACE(body.substr(0, body.find('\n')));
+        const RunResult run = compile({moduleM(body)});
+        EXPECT_EQ(run.err, "");
+        EXPECT_EQ(run.diagnostics("m"), "");
+    }
+    // As long a cycle: each of its values is reported, 500 of them with text.
+    const RunResult run =
+        compile({moduleM(chain(length, "v# INTEGER ::= v$", "v" + last + " INTEGER ::= v0"))});
+    EXPECT_NE(run.out.find("Semantic errors   : 20001\n"), std::string::npos);
+}
+
+} // namespace
+} // namespace orvo::test

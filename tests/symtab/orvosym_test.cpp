@@ -1,0 +1,146 @@
+// Symbol tables: what look-ups find first, replaced symbols, formal parameters, named numbers,
+// uses.
+
+#include "symtab/orvosym.h"
+
+#include "support/store.h"
+#include "symtab/orvosym_imp.h"
+#include "tree/orvoutil.h"
+#include "tree/types.h"
+#include "tree/values.h"
+
+namespace orvo {
+namespace {
+
+class SymbolTables : public StoreTest {
+  protected:
+    SymbolTables() {
+        a.moduleName = "A";
+        b.moduleName = "B";
+    }
+    ~SymbolTables() override { resetSymbols(); }
+    int32_t type(const char* name) { return static_cast<int32_t>(putStri(cMP, name).nr); }
+    int32_t value(const char* name) { return -type(name); }
+    STabNr define(int32_t name) {
+        const STabNr symbol = updateSymbTab(name, 0, 1);
+        addTypeArc(nullptr, 1);
+        return symbol;
+    }
+    /// The names of a list, in order.
+    std::string namesOf(STabNr nr) {
+        std::string names;
+        for (; nr; nr = STabNr{symAt(nr).next})
+            names += std::string(getStri(cMP, symAt(nr).name)) + " ";
+        return names;
+    }
+};
+
+TEST_F(SymbolTables, ALaterListReplacesSymbolsOfItsNames) {
+    SymTab table, list;
+    for (const char* name : {"x", "y", "z"}) handleSymbol(table, value(name), 0, 1);
+    for (const char* name : {"y", "w"}) handleSymbol(list, value(name), SYM_PARAMETERIZED, 2);
+    catSymTab(table, list, SYM_IMPORTED);
+    EXPECT_EQ(namesOf(table.first), "x z y w ");
+    EXPECT_EQ(symAt(findSymbol(table, value("y"))).flags, SYM_PARAMETERIZED | SYM_IMPORTED);
+    EXPECT_FALSE(list.first);
+    EXPECT_FALSE(findSymbol(list, value("y")));
+}
+
+TEST_F(SymbolTables, ANameIsLookedUpInTheModuleBeforeItsImports) {
+    const int32_t own = type("Own"), both = type("Both"), twice = type("Twice");
+    define(own);
+    define(both);
+    SymTab fromM, fromN;
+    for (const int32_t name : {both, twice}) handleSymbol(fromM, name, 0, 1);
+    handleSymbol(fromN, twice, 0, 2);
+    a.nextRecNr[KIND_MNODE] = 2;
+    handleImports(fromM, type("Mmmmm"), false, 1);
+    handleImports(fromN, type("Nnnnn"), false, 2);
+    const struct {
+        int32_t moduleRef, name, foundRef;
+        uint32_t line; // of the symbol found, 0 = none
+    } cases[] = {
+        {0, own, 1, 1},   {0, both, 1, 1},  {2, both, 2, 1},         {0, twice, 2, 1},
+        {2, twice, 2, 2}, {3, twice, 3, 1}, {0, type("None"), 0, 0},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(std::to_string(row.moduleRef) + " " + std::to_string(row.name));
+        int32_t moduleRef = row.moduleRef;
+        const STabNr found = findSymbTabRec(moduleRef, row.name);
+        EXPECT_EQ(moduleRef, row.foundRef);
+        EXPECT_EQ(found ? symAt(found).line : 0, row.line);
+    }
+}
+
+// The list is long enough to be indexed, and grows after it was.
+TEST_F(SymbolTables, FormalParametersAreFoundByNameAndPlace) {
+    SymTab formals;
+    const auto add = [&](int from, int to) {
+        for (int i = from; i <= to; ++i)
+            handleSymbol(formals, type(("F" + std::to_string(i)).c_str()), SYM_FORMAL, 1);
+    };
+    add(1, 30);
+    handleSymbol(formals, type("F20"), SYM_FORMAL, 2); // reported, and never found
+    add(31, 40);
+    for (const int place : {1, 8, 9, 20, 40}) {
+        int32_t moduleRef = 0, name = type(("F" + std::to_string(place)).c_str());
+        EXPECT_TRUE(handleDefined(formals.first, moduleRef, name));
+        EXPECT_EQ(moduleRef, REF_FORMAL);
+        EXPECT_EQ(name, place <= 30 ? place : place + 1);
+        EXPECT_NE(
+            symAt(formalAt(formals.first, static_cast<uint32_t>(name))).flags & SYM_FORMAL_USED, 0);
+    }
+    add(41, 41);
+    int32_t moduleRef = 0, name = type("F41");
+    EXPECT_TRUE(handleDefined(formals.first, moduleRef, name));
+    EXPECT_EQ(name, 42);
+    EXPECT_FALSE(formalAt(formals.first, 43));
+    EXPECT_FALSE(handleDefined(STabNr{}, moduleRef, name));
+    EXPECT_EQ(symAt(formalAt(formals.first, 2)).flags & SYM_FORMAL_USED, 0);
+    EXPECT_EQ(a.nbSemErrors, 1);
+}
+
+TEST_F(SymbolTables, ItemsBehindTheExtensionMarkerHaveTheNumberOfTheirRecord) {
+    changeCMP(&b);
+    const TNodeRef enumeration{&b, addTypeArc(nullptr, 1)};
+    setTypeNode(TYP_ENUM);
+    tNode.namedVals = nextRec<KIND_VNODE>(&b).nr;
+    const STabNr list = updateSymbTab(0, 0, 1);
+    EXPECT_EQ(list, updateSymbTab(0, 0, 7)); // the next value record is still the same
+    EXPECT_EQ(symAt(list).line, 7U);
+    SymTab items;
+    for (const char* name : {"red", "...", "green"}) {
+        addValArc(nullptr, 1);
+        setValNode(name[0] == '.' ? TYP_EXTENSION_MARKER : TYP_ENUM);
+        if (name[0] != '.') handleSymbol(items, value(name), SYM_VALUE_NODE, 1);
+        vNode.next = name[0] == 'g' ? 0 : nextRec<KIND_VNODE>(&b).nr;
+    }
+    symAt(list).formals = items.first.nr;
+    flushRecs(-1);
+    readRec(enumeration);
+    EXPECT_EQ(findEnumExtMarkIdx(), 1);
+    changeCMP(&a);
+    type("other"); // the string numbers of the modules differ
+    int32_t moduleRef = 0, name = value("green");
+    EXPECT_TRUE(handleNamed(enumeration, moduleRef, name));
+    EXPECT_EQ(name, 3);
+    EXPECT_EQ(matchingNr(a.modRefs, static_cast<uint32_t>(moduleRef))->module, &b);
+    name = value("blue");
+    EXPECT_FALSE(handleNamed(enumeration, moduleRef, name));
+}
+
+TEST_F(SymbolTables, ReferencesOnDemandAreMadeOnce) {
+    a.nextRecNr[KIND_MNODE] = 2;
+    EXPECT_EQ(handleImplImports(&a, &a), 1U);
+    EXPECT_EQ(handleImplImports(&a, &b), 2U);
+    EXPECT_EQ(handleImplImports(&a, &b), 2U);
+    EXPECT_EQ(a.modRefs.modRefFirst->name, "B");
+    EXPECT_EQ(a.modRefs.modRefFirst->state, 0);
+    dropModRefsFrom(&a, 2);
+    a.nextRecNr[KIND_MNODE] = 2;
+    EXPECT_EQ(a.modRefs.modRefFirst, nullptr);
+    EXPECT_EQ(handleImplImports(&a, &b), 2U);
+}
+
+} // namespace
+} // namespace orvo
