@@ -1,7 +1,6 @@
 #pragma once
 
-// String values in one form: characters of the width that the kind needs, bits as text of "0" and
-// "1".
+// String values in one form: characters whatever their width, bits as text of "0" and "1".
 
 #include <cstdint>
 #include <string>
@@ -11,38 +10,37 @@
 
 namespace orvo {
 
-/// The characters of a string value. 16 bits wide for BMPString, 32 for UniversalString, else 8;
-/// only the member of the kind's width is used.
+/// The characters of a string value. Two strings of different kinds are never equal.
 struct RestrCharStri {
     uint8_t kind = TYP_NONE;
-    uint32_t length = 0; // in characters
-    std::string chars8;
-    std::u16string chars16;
-    std::u32string chars32;
-    /// Character at a place below `length`.
-    [[nodiscard]] uint32_t at(uint32_t place) const;
+    std::u32string chars;
 };
-/// Longest string that is put together from segments; what is beyond is counted, not kept.
-inline constexpr uint32_t maxCharStri = 16777216;
+/// Longest string that is put together: segments by reference can double their length with every
+/// level. What is beyond counts in the length, but is not kept.
+inline constexpr uint32_t maxCharStri = 1000000;
 
-/// The characters of a value with all its segments; `stri.length` is how many there are, the return
-/// value the length of the whole value, which saturates at 4294967295. Preserving.
+/// The characters of a value with all its segments. Returns the length of the whole value, which
+/// saturates at 4294967295. Preserving.
 uint32_t makeRestrCharStri(ModuleRec* module, const VNode& value, RestrCharStri& stri);
-/// The length of a value in characters, saturating. Preserving.
-[[nodiscard]] uint32_t lenOfCharStri(ModuleRec* module, const VNode& value);
+/// The length of a value in characters, and, when asked for, its characters appended to `stri`.
+uint32_t makeRestrCharStriSeg(ModuleRec* module, const VNode& value, RestrCharStri* stri);
+/// The different characters of a value in the order in which they occur first. Preserving.
+std::u32string distinctChars(ModuleRec* module, const VNode& value);
 
-/// Length in bits of a value that lists named bits; 2147483647 when a number does not fit.
-/// Preserving.
+/// Length in bits of a value that lists named bits; 2147483647 when a number does not fit in 32
+/// bits. Preserving.
 [[nodiscard]] uint32_t lenFromNamedBits(ModuleRec* module, VNodeNr first);
-/// The length of the current value under the current type: bits for BIT STRING (trailing zero bits
-/// beyond the highest named bit not counted), octets for OCTET STRING, else characters. Preserving.
-[[nodiscard]] uint32_t getAnyStringLength();
-/// Number of the highest named bit of the current BIT STRING type, -1 without named bits.
+/// Number of the highest named bit of the current BIT STRING type; -1 without named bits.
 /// Preserving.
 [[nodiscard]] int64_t highestNamedBit();
+/// The length of the current value under the current type: bits for BIT STRING (trailing zero bits
+/// beyond the highest named bit not counted), octets for OCTET STRING, else characters. References
+/// of both are followed. Preserving.
+[[nodiscard]] uint32_t getAnyStringLength();
 
-/// The bits of a BIT STRING or OCTET STRING value as "0" and "1"; `kind` is that of the type. At
-/// most 32000 binary digits and bit numbers below 32000 count. Preserving.
+/// The bits of a BIT STRING or OCTET STRING value as "0" and "1"; `kind` is that of the type, which
+/// for OCTET STRING fills the last octet. Binary digits and bit numbers beyond 32000 do not count.
+/// Preserving.
 std::string convBitString(uint8_t kind, ModuleRec* module, const VNode& value);
 [[nodiscard]] bool equalStrings(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
                                 const VNode& b);

@@ -137,10 +137,12 @@ enum CGeneration : uint32_t {
 struct RecPages;       // storage of one kind (tree/orvorec)
 struct StriCacheRec;   // string caches of a module (tree/orvorec_stri)
 struct FindCache;      // what look-ups and walks noted about a module (tree/orvoutil_find)
+struct CheckCache;     // what pass 5 computed once about a module (check/check_cache)
 /// Deleters live with the complete types.
 struct RecPagesDeleter { void operator()(RecPages*) const; };
 struct StriCacheDeleter { void operator()(StriCacheRec*) const; };
 struct FindCacheDeleter { void operator()(FindCache*) const; };
+struct CheckCacheDeleter { void operator()(CheckCache*) const; };
 
 enum ParseState : uint8_t { PARSE_NEW = 0, PARSE_ERROR = 1, PARSE_OK = 2 };
 
@@ -174,6 +176,7 @@ struct ModuleRec {
     std::unique_ptr<RecPages, RecPagesDeleter> recDir[kindCount];
     std::unique_ptr<StriCacheRec, StriCacheDeleter> striCache;
     std::unique_ptr<FindCache, FindCacheDeleter> findCache;
+    std::unique_ptr<CheckCache, CheckCacheDeleter> checkCache;
 };
 
 
