@@ -18,6 +18,7 @@ struct Endpoint {
 };
 
 /// Sets an endpoint to minus or plus infinity of a kind: MIN or MAX, for REAL the special values.
+/// The flags become 0.
 void setInfinity(Endpoint& end, bool plus, uint8_t kind);
 [[nodiscard]] bool testInfinity(const Endpoint& end, bool plus, uint8_t kind);
 
@@ -25,17 +26,20 @@ void setInfinity(Endpoint& end, bool plus, uint8_t kind);
 /// every type on the way. False (and valCode noEndpoint) when its kind has none. Preserving.
 [[nodiscard]] bool getEndpoint(Endpoint& end, bool upper);
 /// The endpoint that the current constraint record, of kind range, gives to values of the type it
-/// constrains; MIN and MAX are those of the type. False (and valCode noEndpoint) when it gives
-/// none: the bound is no value of the type's kind or lies outside the parent's range. Preserving.
+/// constrains; MIN and MAX are those of the type, for character strings the first and the last
+/// character. False (and valCode noEndpoint) when it gives none: the bound is no value of the
+/// type's kind or lies outside the parent's range. Preserving.
 [[nodiscard]] bool getRangeEndpoint(Endpoint& end, bool upper);
 /// The current constraint record is a range, or a series one of whose members contains one.
+/// Preserving.
 [[nodiscard]] bool isRangeInSub();
 /// -1, 0 or 1 by value: kind INTEGER or REAL; 0 for any other kind.
 [[nodiscard]] int compareNumber(const VNode& a, const VNode& b, uint8_t kind);
 /// Smallest or largest value of the current ENUMERATED type's numbered items; false when an item
-/// has no number. Preserving.
+/// has no number yet. Preserving.
 [[nodiscard]] bool getEnumEndpoint(Endpoint& end, bool upper);
-/// The size endpoint of the current type, a string or list: SIZE constraints alone count.
+/// The size endpoint of the current type, a string or list, when a SIZE constraint bounds it on
+/// that side. Preserving.
 [[nodiscard]] bool getSizeEndpoint(Endpoint& end, bool upper);
 
 /// Stores the bounds of the current type in its record. Fatal 13 when they cannot be obtained.

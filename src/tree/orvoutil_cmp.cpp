@@ -48,7 +48,8 @@ struct OpenPair {
 
 bool isStru(uint8_t kind) {
     return kind == TYP_SEQ || kind == TYP_SET || kind == TYP_CHOICE || kind == TYP_EMB_PDV ||
-           kind == TYP_CHASTR || kind == 28 || kind == 29 || kind == TYP_INSTANCE_OF;
+           kind == TYP_CHASTR || kind == TYP_EXTERNAL_1990 || kind == TYP_EXTERNAL_1994 ||
+           kind == TYP_INSTANCE_OF;
 }
 bool isList(uint8_t kind) {
     return kind == TYP_SEQOF || kind == TYP_SETOF;
@@ -150,6 +151,12 @@ bool equalLists(Comparison& state, uint8_t kind, VNodeRef a, VNodeRef b);
 
 bool equalEntries(Comparison& state, const VNodeRef atA, const Entry& a, VNodeRef atB,
                   const Entry& b);
+
+/// Hashes of lists by their first entry and the depth at which they are met.
+struct Hashing {
+    std::map<std::tuple<ModuleRec*, uint32_t, uint32_t>, uint64_t> lists;
+};
+uint64_t hashAt(Hashing& state, ModuleRec* module, const VNode& value, uint32_t depth);
 
 /// The elements of a SET OF value that are still to be matched, by hash and in order.
 struct Unmatched {

@@ -61,6 +61,9 @@ void skipTypesCatchInst(bool classFieldTypes, NodeContext* instance);
 /// From the current value through value references (and fields of objects when asked for) to the
 /// value they stand for.
 void skipValues(bool fields);
+/// Takes one step of such a walk; false, and nothing is read, when the current type is no reference
+/// or an unresolved one.
+bool followTypeRef(bool classFieldTypes);
 /// Reads what the last entry of the current type's field name chain designates: a type, or the type
 /// of a value setting. False, and nothing is read, when the chain is empty or not solved.
 bool skipFieldList();

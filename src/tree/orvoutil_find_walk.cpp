@@ -155,6 +155,11 @@ bool skipFieldList() {
            readSolvedType(module);
 }
 
+bool followTypeRef(bool classFieldTypes) {
+    if (step<KIND_TNODE>()) return true;
+    return classFieldTypes && tNode.typeCode == TYP_FIELDLIST && skipFieldList();
+}
+
 void skipTypesCatchInst(bool classFieldTypes, NodeContext* instance) {
     for (int fields = 0; fields < maxFieldSteps; ++fields) {
         const TNodeRef caught = walk<KIND_TNODE>();

@@ -1,0 +1,226 @@
+// Endpoints of types. The endpoint of a reference is that of its own constraint within that of the
+// type it refers to. What was computed for a type is kept once its checks are done: while they run,
+// parts of its constraint may be cut off for a time. A chain of references is walked with a list,
+// not by recursion; contained subtypes recurse, and their types have been checked before.
+
+#include "check/orvonum_end.h"
+
+#include <algorithm>
+#include <limits>
+#include <vector>
+
+#include "check/check_cache.h"
+#include "check/orvonum.h"
+#include "check/orvonum_end_sub.h"
+#include "diag/orvoerr_fatal.h"
+#include "tree/orvoutil_find.h"
+
+namespace orvo {
+
+namespace {
+
+/// Links of one chain of references; more is a cycle.
+constexpr size_t maxLinks = 1000000;
+
+bool isSizeKind(uint8_t kind) {
+    return kind == TYP_BITSTR || kind == TYP_OCTSTR || kind == TYP_SEQOF || kind == TYP_SETOF ||
+           (kind >= TYP_NUMSTR && kind <= TYP_UNISTR) || kind == TYP_OBJDESCR;
+}
+bool isNumberKind(uint8_t kind) {
+    return kind == TYP_INTEGER || kind == TYP_REAL;
+}
+bool isBounded(uint8_t kind) {
+    return isSizeKind(kind) || isNumberKind(kind) || kind == TYP_ENUM;
+}
+
+/// Kind of the endpoints of a type of a kind.
+uint8_t endpointKind(uint8_t kind) {
+    return kind == TYP_REAL ? TYP_REAL : TYP_INTEGER;
+}
+
+bool none(Endpoint& end) {
+    end = {};
+    end.value.valCode = noEndpoint;
+    return false;
+}
+
+/// The kept endpoint of the current type, null when it is not known or the record has changed.
+EndpointNote* noteOf(TNodeRef type) {
+    auto& notes = checkCacheOf(type.module).endpoints;
+    const auto found = notes.find(type.nr.nr);
+    if (found == notes.end()) return nullptr;
+    EndpointNote& note = found->second;
+    const bool same = note.constraint == tNode.constraint && note.refMod == tNode.refMod &&
+                      note.ref == tNode.ref && note.typeCode == tNode.typeCode;
+    return same ? &note : nullptr;
+}
+
+void keepEndpoint(TNodeRef type, const Endpoint& end, bool exists, bool upper) {
+    EndpointNote* note = noteOf(type);
+    if (note == nullptr) {
+        note = &checkCacheOf(type.module).endpoints[type.nr.nr];
+        *note = {};
+        note->constraint = tNode.constraint;
+        note->refMod = tNode.refMod;
+        note->ref = tNode.ref;
+        note->typeCode = tNode.typeCode;
+    }
+    note->known[upper] = true;
+    note->exists[upper] = exists;
+    note->ends[upper] = end;
+}
+
+/// The endpoint that the current type's own constraint gives.
+bool ownEndpoint(Endpoint& end, bool upper, uint8_t kind) {
+    if (tNode.constraint <= 0) return false;
+    const SubRef sub{recState.currTPtr[KIND_TNODE], SubNr{magnitude(tNode.constraint)}};
+    return isSizeKind(kind) ? sizeEndpoint(end, upper, sub)
+                            : isNumberKind(kind) && numberEndpoint(end, upper, sub, kind);
+}
+
+/// The endpoint of the current type, which is no reference.
+bool baseEndpoint(Endpoint& end, bool upper) {
+    const uint8_t kind = tNode.typeCode;
+    if (kind == TYP_ENUM) return getEnumEndpoint(end, upper);
+    if (!isBounded(kind)) return none(end);
+    if (ownEndpoint(end, upper, kind)) return true;
+    setInfinity(end, upper, endpointKind(kind));
+    if (isNumberKind(kind)) end.flags = upper ? SUBF_UPPER : SUBF_LOWER;
+    return true;
+}
+
+/// The types from the current one along its references to the first whose endpoint is known, or the
+/// last. Returns whether it is known; then `end` and `exists` are its endpoint.
+bool collectChain(std::vector<TNodeRef>& chain, Endpoint& end, bool& exists, bool upper) {
+    do {
+        const TNodeRef type = currentRec<KIND_TNODE>();
+        const EndpointNote* note = noteOf(type);
+        if (note != nullptr && note->known[upper]) {
+            end = note->ends[upper];
+            exists = note->exists[upper];
+            return true;
+        }
+        chain.push_back(type);
+    } while (chain.size() < maxLinks && followTypeRef(true));
+    return false;
+}
+
+uint8_t actualKind() {
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    return tNode.typeCode;
+}
+
+/// Computes the endpoint of the current type; `keepAll` keeps it even though its checks still run.
+bool computeEndpoint(Endpoint& end, bool upper, bool keepAll) {
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    const KeepRec<KIND_SUB> keepSub;
+    const TNodeRef asked = currentRec<KIND_TNODE>();
+    const uint8_t kind = actualKind();
+    std::vector<TNodeRef> chain;
+    bool exists = false;
+    bool known = collectChain(chain, end, exists, upper);
+    for (size_t i = chain.size(); i-- != 0; known = true) {
+        readRec(chain[i]);
+        if (!known) {
+            exists = baseEndpoint(end, upper);
+        } else if (Endpoint own; exists && ownEndpoint(own, upper, kind)) {
+            narrow(end, own, upper, endpointKind(kind));
+        }
+        readRec(chain[i]);
+        if (tNode.checkState == static_cast<int16_t>(CHECK_DONE) || (keepAll && chain[i] == asked))
+            keepEndpoint(chain[i], end, exists, upper);
+    }
+    return exists;
+}
+
+/// The number of an item of an enumeration, the current value: false without one.
+bool itemNumber(int64_t& number) {
+    const KeepRec<KIND_VNODE> keep;
+    skipValues(false);
+    if (vNode.valCode != TYP_INTEGER) return false;
+    number = i64native(vNode.val.number);
+    return true;
+}
+
+I64 storedBound(const Endpoint& end, uint8_t kind) {
+    if (testInfinity(end, false, TYP_INTEGER) && isSizeKind(kind)) return {};
+    return end.value.val.number;
+}
+
+} // namespace
+
+void setInfinity(Endpoint& end, bool plus, uint8_t kind) {
+    end = {};
+    end.value.valCode = kind;
+    if (kind == TYP_REAL) {
+        makeSpecialRealVal(end.value.val.real, plus ? REAL_PLUS_INFINITY : REAL_MINUS_INFINITY);
+    } else {
+        end.value.val.number = plus ? i64max() : i64min();
+    }
+}
+
+bool testInfinity(const Endpoint& end, bool plus, uint8_t kind) {
+    if (kind != TYP_REAL) return end.value.val.number == (plus ? i64max() : i64min());
+    return isSpecialRealVal(end.value.val.real) &&
+           getSpecialRealVal(end.value.val.real) ==
+               (plus ? REAL_PLUS_INFINITY : REAL_MINUS_INFINITY);
+}
+
+int compareNumber(const VNode& a, const VNode& b, uint8_t kind) {
+    switch (kind) {
+    case TYP_INTEGER: return i64cmp(a.val.number, b.val.number);
+    case TYP_REAL: return compareReal(a.val.real, b.val.real);
+    default: return 0;
+    }
+}
+
+bool getEnumEndpoint(Endpoint& end, bool upper) {
+    const KeepRec<KIND_VNODE> keep;
+    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    setInfinity(end, upper, TYP_INTEGER);
+    uint32_t left = module->nextRecNr[KIND_VNODE];
+    bool first = true;
+    for (VNodeNr nr{tNode.namedVals}; nr && left != 0; --left) {
+        readRec(module, nr);
+        nr = {vNode.next};
+        if (vNode.valCode == TYP_ENUM) return none(end);
+        int64_t number = 0;
+        // A number that does not resolve is reported where the items are checked.
+        if (vNode.valCode == TYP_EXTENSION_MARKER || !itemNumber(number)) continue;
+        const int64_t best = i64native(end.value.val.number);
+        if (first || (upper ? number > best : number < best)) end.value.val.number = i64of(number);
+        first = false;
+    }
+    if (!first) end.flags = upper ? SUBF_UPPER : SUBF_LOWER;
+    return true;
+}
+
+bool getEndpoint(Endpoint& end, bool upper) {
+    return computeEndpoint(end, upper, false) || none(end);
+}
+
+bool getSizeEndpoint(Endpoint& end, bool upper) {
+    if (!isSizeKind(actualKind()) || !getEndpoint(end, upper)) return none(end);
+    return end.flags != 0 || !testInfinity(end, upper, TYP_INTEGER);
+}
+
+void setTNodeEndpoints() {
+    const uint8_t kind = tNode.typeCode;
+    I64 lower = i64min();
+    I64 upper = i64max();
+    if (isBounded(kind) && kind != TYP_REAL) {
+        writeCurrent<KIND_TNODE>(); // the record is read again below
+        Endpoint ends[2];
+        if (!computeEndpoint(ends[0], false, true) || !computeEndpoint(ends[1], true, true))
+            fatalError(Fatal::Internal, "Cannot obtain endpoint for a type.");
+        lower = storedBound(ends[0], kind);
+        upper = storedBound(ends[1], kind);
+    }
+    tNode.lowerBound = lower;
+    tNode.upperBound = upper;
+    writeCurrent<KIND_TNODE>();
+}
+
+} // namespace orvo

@@ -1,0 +1,274 @@
+// Endpoints of constraints. A union has the outermost endpoint of its operands, an intersection and
+// a series the innermost; an operand without endpoint is passed over. Of two endpoints with the
+// same value a union takes the included one, an intersection the excluded one.
+
+#include "check/orvonum_end_sub.h"
+
+#include "check/check_cache.h"
+#include "diag/orvoerr_fatal.h"
+#include "tree/orvoutil_find.h"
+#include "util/guard.h"
+
+namespace orvo {
+
+namespace {
+
+/// Operators inside operators are at most as deep as notation nests, contained subtypes add to
+/// them.
+constexpr uint32_t maxNesting = 2000;
+/// Links of one chain of references; more is a cycle.
+constexpr size_t maxLinks = 1000000;
+
+/// What is asked of a constraint and of its operands.
+struct Request {
+    bool upper;
+    uint8_t kind;
+    bool ofSize; // the constraint is one of a string or list: SIZE alone counts
+    bool inSize; // it stands inside SIZE: contained subtypes do not count
+    uint32_t& depth;
+};
+
+bool subEndpoint(const Request& request, SubRef sub, Endpoint& end);
+
+uint8_t includedFlag(bool upper) {
+    return upper ? SUBF_UPPER : SUBF_LOWER;
+}
+
+/// Replaces `end` by the endpoint that lies further out (wide) or further in.
+void choose(Endpoint& end, const Endpoint& other, bool wide, bool upper, uint8_t kind) {
+    int order = compareNumber(other.value, end.value, kind);
+    if (order == 0)
+        order = (end.flags != 0 ? 1 : 0) - (other.flags != 0 ? 1 : 0);
+    else if (upper)
+        order = -order;
+    if (wide ? order < 0 : order > 0) end = other;
+}
+
+/// Walks the operands of the current operator record.
+bool operandsEndpoint(const Request& request, SubRef first, bool wide, Endpoint& end) {
+    bool given = false;
+    uint32_t left = first.module->nextRecNr[KIND_SUB];
+    for (SubNr nr = first.nr; nr && left != 0; --left) {
+        readRec(first.module, nr);
+        const SubNr next{subRec.next};
+        if (Endpoint operand; subEndpoint(request, {first.module, nr}, operand)) {
+            if (given)
+                choose(end, operand, wide, request.upper, request.kind);
+            else
+                end = operand;
+            given = true;
+        }
+        nr = next;
+    }
+    if (!given) setInfinity(end, request.upper, request.kind);
+    return true;
+}
+
+bool singleValueEndpoint(const Request& request, VNodeRef value, Endpoint& end) {
+    if (!value) return false;
+    readRec(value);
+    skipValues(true);
+    if (vNode.valCode != request.kind) return false;
+    end.value = vNode;
+    end.flags = includedFlag(request.upper);
+    return true;
+}
+
+bool containedEndpoint(const Request& request, VNodeRef setting, Endpoint& end) {
+    if (!setting) return false;
+    readRec(setting);
+    if (vNode.refMod != REF_FORMAL || vNode.ref == 0) return false;
+    const KeepRec<KIND_TNODE> keep;
+    readRec(setting.module, TNodeNr{vNode.ref});
+    return getEndpoint(end, request.upper) && end.value.valCode == request.kind;
+}
+
+bool subEndpoint(const Request& request, SubRef sub, Endpoint& end) {
+    const Depth nesting(request.depth, maxNesting);
+    if (nesting.tooDeep()) fatalError(Fatal::NoSpace, "Constraints nested too deeply.");
+    readRec(sub);
+    const SubRef operand{sub.module, SubNr{subRec.left}};
+    const VNodeRef value{sub.module, VNodeNr{subRec.left}};
+    switch (subRec.subKind) {
+    case SUB_UNION: return operandsEndpoint(request, operand, true, end);
+    case SUB_INTERSECTION:
+    case SUB_SERIAL: return operandsEndpoint(request, operand, false, end);
+    case SUB_SIZE: {
+        const Request inner{request.upper, TYP_INTEGER, false, true, request.depth};
+        return request.ofSize && operand && subEndpoint(inner, operand, end);
+    }
+    case SUB_RANGE: return !request.ofSize && getRangeEndpoint(end, request.upper);
+    case SUB_SINGLE_VALUE: return !request.ofSize && singleValueEndpoint(request, value, end);
+    case SUB_CONTAINED_SUBTYPE:
+        return !request.ofSize && !request.inSize && containedEndpoint(request, value, end);
+    default: return false;
+    }
+}
+
+// ---- ranges
+
+bool hasRangeEndpoints(uint8_t kind) {
+    switch (kind) {
+    case TYP_INTEGER:
+    case TYP_REAL:
+    case TYP_NUMSTR:
+    case TYP_PRISTR:
+    case TYP_VISSTR:
+    case TYP_IA5STR:
+    case TYP_BMPSTR:
+    case TYP_UNISTR: return true;
+    default: return false;
+    }
+}
+bool isNumber(uint8_t kind) {
+    return kind == TYP_INTEGER || kind == TYP_REAL;
+}
+
+/// The first or the last character of a string kind, as a string of one.
+void setStringInfinity(Endpoint& end, bool plus, uint8_t kind, ModuleRec* module) {
+    end = {};
+    end.value.valCode = kind;
+    end.value.val.str.striLen = 1;
+    uint32_t& stri = end.value.val.str.stri;
+    // The first character is NUL, which no text of the cache holds: it stands behind an empty one.
+    switch (kind) {
+    case TYP_BMPSTR: stri = putStri16(module, plus ? u"\xFFFF" : u"").nr; break;
+    case TYP_UNISTR: stri = putStri32(module, plus ? U"\U0010FFFF" : U"").nr; break;
+    default: stri = putStri(module, plus ? "\xFF" : "").nr; break;
+    }
+}
+
+/// The current type, or the one behind it on its chain of references, that is the first with a
+/// range in its constraint; none when there is none. The types on the way are noted.
+TNodeRef firstWithRange() {
+    std::vector<TNodeRef> passed;
+    TNodeRef found;
+    size_t left = maxLinks;
+    do {
+        const TNodeRef type = currentRec<KIND_TNODE>();
+        const auto& notes = checkCacheOf(type.module).rangeParents;
+        if (const auto note = notes.find(type.nr.nr); note != notes.end()) {
+            found = note->second;
+            break;
+        }
+        if (tNode.checkState == static_cast<int16_t>(CHECK_DONE)) passed.push_back(type);
+        if (tNode.constraint > 0) {
+            readRec(type.module, SubNr{magnitude(tNode.constraint)});
+            if (isRangeInSub()) found = type;
+        }
+    } while (!found && --left != 0 && followTypeRef(true));
+    for (const TNodeRef& type : passed) checkCacheOf(type.module).rangeParents[type.nr.nr] = found;
+    return found;
+}
+
+/// The type that gives the parent range to the current type: none when that is no reference.
+bool readRangeParent() {
+    if (!followTypeRef(true)) return false;
+    const TNodeRef parent = firstWithRange();
+    if (!parent) return false;
+    readRec(parent);
+    return true;
+}
+
+/// An explicit endpoint lies inside the parent's range. The current type is the constrained one.
+bool isInsideParent(const VNode& value, uint8_t kind) {
+    if (!isNumber(kind) || !readRangeParent()) return true;
+    for (const bool upper : {false, true}) {
+        Endpoint bound;
+        if (!getEndpoint(bound, upper) || testInfinity(bound, upper, kind)) continue;
+        int order = compareNumber(value, bound.value, kind);
+        if (upper) order = -order;
+        if (order < 0 || (order == 0 && bound.flags == 0)) return false;
+    }
+    return true;
+}
+
+bool explicitRangeEndpoint(Endpoint& end, VNodeRef value, uint8_t flags, uint8_t kind) {
+    readRec(value);
+    skipValues(true);
+    if (vNode.valCode != kind) return false;
+    end.value = vNode;
+    end.flags = flags;
+    return isInsideParent(end.value, kind);
+}
+
+/// MIN or MAX of the current type.
+bool implicitRangeEndpoint(Endpoint& end, bool upper, uint8_t kind, ModuleRec* module) {
+    if (!isNumber(kind)) {
+        setStringInfinity(end, upper, kind, module);
+    } else if (!readRangeParent() || !getEndpoint(end, upper)) {
+        setInfinity(end, upper, kind);
+    }
+    return true;
+}
+
+/// Reads the type that the current range record constrains: what the record names, or the current
+/// type when that is a reference to it, under which the later members of a series are checked.
+bool readConstrainedType(ModuleRec* module) {
+    const auto typeMod = static_cast<int32_t>(subRec.typeMod);
+    const TNodeRef named{refModule(module, typeMod), TNodeNr{subRec.typeNr}};
+    if (named.module == nullptr || !named.nr) return false;
+    const bool isReferenceToIt =
+        recState.currTPtr[KIND_TNODE] != nullptr && tNode.typeCode == TYP_SYNONYM &&
+        tNode.ref == named.nr.nr &&
+        refModule(recState.currTPtr[KIND_TNODE], tNode.refMod) == named.module;
+    if (!isReferenceToIt) readRec(named);
+    return true;
+}
+
+bool rangeEndpoint(Endpoint& end, bool upper) {
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    const KeepRec<KIND_SUB> keepSub;
+    ModuleRec* module = recState.currTPtr[KIND_SUB];
+    const VNodeRef value{module, VNodeNr{upper ? subRec.right : subRec.left}};
+    const auto flags = static_cast<uint8_t>(subRec.subFlags & includedFlag(upper));
+    if (!readConstrainedType(module)) return false;
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    skipTypes(true);
+    const uint8_t kind = tNode.typeCode;
+    if (!hasRangeEndpoints(kind)) return false;
+    readRec(type);
+    return value ? explicitRangeEndpoint(end, value, flags, kind)
+                 : implicitRangeEndpoint(end, upper, kind, module);
+}
+
+} // namespace
+
+bool numberEndpoint(Endpoint& end, bool upper, SubRef sub, uint8_t kind) {
+    uint32_t depth = 0;
+    return subEndpoint({upper, kind, false, false, depth}, sub, end);
+}
+
+bool sizeEndpoint(Endpoint& end, bool upper, SubRef sub) {
+    uint32_t depth = 0;
+    return subEndpoint({upper, TYP_INTEGER, true, false, depth}, sub, end);
+}
+
+void narrow(Endpoint& end, const Endpoint& other, bool upper, uint8_t kind) {
+    choose(end, other, false, upper, kind);
+}
+
+bool getRangeEndpoint(Endpoint& end, bool upper) {
+    if (rangeEndpoint(end, upper)) return true;
+    end = {};
+    end.value.valCode = noEndpoint;
+    return false;
+}
+
+bool isRangeInSub() {
+    if (subRec.subKind == SUB_RANGE) return true;
+    if (subRec.subKind != SUB_SERIAL) return false;
+    const KeepRec<KIND_SUB> keep;
+    ModuleRec* module = recState.currTPtr[KIND_SUB];
+    uint32_t left = module->nextRecNr[KIND_SUB];
+    for (SubNr nr{subRec.left}; nr && left != 0; --left) {
+        readRec(module, nr);
+        const SubNr next{subRec.next};
+        if (isRangeInSub()) return true;
+        nr = next;
+    }
+    return false;
+}
+
+} // namespace orvo
