@@ -108,7 +108,7 @@ template <typename Fn> void forEachLeaf(ModuleRec* module, VNodeNr first, bool o
     const KeepRec<KIND_VNODE> keep;
     std::vector<OpenSegments> open{openSegments(module, first)};
     std::set<std::pair<ModuleRec*, uint32_t>> walked;
-    uint32_t left = 16 * maxCharStri; // lists may nest without adding a character
+    uint32_t left = 80 * maxCharStri; // lists may nest without adding a character
     while (!open.empty() && left-- != 0) {
         if (!readSegment(open.back())) {
             open.pop_back();

@@ -17,7 +17,7 @@ struct RestrCharStri {
 };
 /// Longest string that is put together: segments by reference can double their length with every
 /// level. What is beyond counts in the length, but is not kept.
-inline constexpr uint32_t maxCharStri = 1000000;
+inline constexpr uint32_t maxCharStri = 200000;
 
 /// The characters of a value with all its segments. Returns the length of the whole value, which
 /// saturates at 4294967295. Preserving.

@@ -144,7 +144,7 @@ std::string messageText(const ErrRec& record) {
         printSyntaxError(record, text);
         return text;
     }
-    if (record.code == Msg::None) return record.detail + "\n"; // the text is all there is
+    if (record.code == Msg::None && record.hasDetail) return record.detail + "\n"; // text alone
     const bool known =
         printValueSyntaxError(code, text) || printInvalidConstraintError(code, text) ||
         printValueOutOfConstraintError(code, text) || printInvalidValueError(code, text) ||
