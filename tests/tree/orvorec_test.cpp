@@ -34,13 +34,6 @@ TEST_F(Store, RecordsStayWhereTheyAreWhileAKindGrows) {
     }
 }
 
-TEST_F(Store, AHighNumberCostsNoRecordsBelow) {
-    writeRec(&a, SNodeNr{maxRecNr});
-    EXPECT_TRUE(recExists(&a, KIND_SNODE, maxRecNr));
-    EXPECT_FALSE(recExists(&a, KIND_SNODE, maxRecNr - 1));
-    EXPECT_FALSE(recExists(&a, KIND_SNODE, 1));
-}
-
 TEST_F(Store, APendingRecordLivesInTheBufferAlone) {
     const TNodeNr first = newType(1);
     EXPECT_FALSE(recExists(&a, KIND_TNODE, first.nr));
@@ -70,16 +63,6 @@ TEST_F(Store, AChangedBufferIsLostUnlessItIsWritten) {
     readRec(&a, TNodeNr{2});
     readRec(&a, first);
     EXPECT_EQ(tNode.line, 78U);
-}
-
-TEST_F(Store, PendingRecordsOfOtherKindsStay) {
-    const TNodeNr type = newType(1);
-    const VNodeNr value = newRec<KIND_VNODE>();
-    newType(2);
-    EXPECT_TRUE(recExists(&a, KIND_TNODE, type.nr));
-    EXPECT_FALSE(recExists(&a, KIND_VNODE, value.nr));
-    flushRecs(-1);
-    EXPECT_TRUE(recExists(&a, KIND_VNODE, value.nr));
 }
 
 TEST_F(Store, PendingRecordsAreWrittenWhereTheyBelong) {

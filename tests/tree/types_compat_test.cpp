@@ -130,13 +130,6 @@ TEST_F(Compatibility, BuiltinTypesAreCompatibleWithTheirDefinition) {
     }
 }
 
-TEST_F(Compatibility, NamesOfTypesBecomeIdentifiers) {
-    EXPECT_EQ(asnTypeName("x_", TYP_TYPE_ID, false, "_y"), "x_TYPE_IDENTIFIER_y");
-    EXPECT_EQ(asnTypeName("", TYP_EMB_PDV, false, ""), "EMBEDDED PDV");
-    EXPECT_EQ(asnTypeName("a", TYP_SYNONYM, true, "b"), "ab");
-    EXPECT_EQ(hiddenTypeName(TYP_EMB_PDV), "__EMBEDDED_PDV");
-}
-
 // ---- what a constraint applies to ---------------------------------------------------------------
 
 class Constrained : public Compatibility {

@@ -88,14 +88,6 @@ TEST(Aa, IgnoresCaseOfKeysOfAnyLength) {
     EXPECT_EQ(aaGet(aa.get(), (lower + "z").c_str()), 0U);
 }
 
-TEST(Aa, ComparesTheWholeOfWideKeys) {
-    const AaTable aa = table(copied | AA_CHARWIDTH32);
-    EXPECT_EQ(aaPut(aa.get(), U"\x00010041", 1), 0);
-    EXPECT_EQ(aaPut(aa.get(), U"\x00020041", 2), 0);
-    EXPECT_EQ(aaGet(aa.get(), U"\x00010041"), 1U);
-    EXPECT_EQ(aaGet(aa.get(), U"A"), 0U);
-}
-
 TEST(Aa, RefusesContradictingFlags) {
     constexpr struct {
         uint32_t flags;
