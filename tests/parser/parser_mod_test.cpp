@@ -136,12 +136,5 @@ TEST_F(Modules, NothingIsMadeBehindTheFirstSyntaxError) {
     EXPECT_EQ(module->nextRecNr[KIND_DNODE], 1U);
 }
 
-TEST_F(Modules, AtMost499SyntaxErrorsAreRecorded) {
-    std::string body;
-    for (int i = 0; i < 600; ++i) body += "A ::= [5 NULL\n";
-    parseBody(body);
-    EXPECT_EQ(module->nbStxErrors, 499);
-}
-
 } // namespace
 } // namespace orvo

@@ -135,18 +135,5 @@ TEST_F(Types, WhatStandsBehindATypeIsChecked) {
     }
 }
 
-TEST_F(Types, NestingIsFollowedFor500LevelsAndRefusedBeyond) {
-    const auto nested = [](int levels) {
-        std::string type;
-        for (int i = 1; i < levels; ++i) type += "SEQUENCE { a ";
-        type += "NULL";
-        for (int i = 1; i < levels; ++i) type += "}";
-        return type;
-    };
-    EXPECT_EQ(typeOf(nested(500)).substr(0, 14), "SEQ{a SEQ{a SE");
-    EXPECT_EQ(typeOf(nested(501)), "2: NULL is not allowed after:\n");
-    EXPECT_EQ(typeOf(nested(100000)), "2: SEQUENCE is not allowed after:\n");
-}
-
 } // namespace
 } // namespace orvo
