@@ -287,6 +287,10 @@ class Trees {
     std::map<Key, End> ends_; // where chains of references end
 };
 
+/// The type records of the built-in module ISO8824 as the bytes of a tree file. No such file is
+/// ever written; Trees takes this one where a reference leads there.
+std::vector<uint8_t> builtinTree();
+
 /// The record that a link leads to, in whichever file; null tree with `error` set when out of
 /// reach.
 TypeRef typeOf(Trees& trees, const Tree& from, const Link& link, std::string& error);

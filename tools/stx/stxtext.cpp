@@ -57,8 +57,9 @@ Link refOf(const Tree& tree, Kind kind, uint32_t nr) {
 std::string fieldChain(Trees& trees, const Tree& tree, int64_t first) {
     std::string text;
     for (const uint32_t nr : listFrom(tree, SNODE, first)) {
-        text += ".&";
-        text += refName(trees, tree, tree.linkOf(SNODE, nr, fieldNamed(SNODE, "value")));
+        const Link link = tree.linkOf(SNODE, nr, fieldNamed(SNODE, "value"));
+        const std::string name = refName(trees, tree, link);
+        text += ".&" + name.substr(name.rfind('.') + 1);
     }
     return text;
 }
@@ -136,10 +137,13 @@ std::string typeName(Trees& trees, TypeRef type) {
         const Link link = refOf(*type.tree, TNODE, type.nr);
         std::string error;
         const TypeRef base = typeOf(trees, *type.tree, link, error);
-        const bool named = base && base.node().typeCode == TYP_SYNONYM;
-        const Link name = named ? refOf(*base.tree, TNODE, base.nr) : link;
-        return refName(trees, named ? *base.tree : *type.tree, name) +
-               fieldChain(trees, *type.tree, node.syntax);
+        const uint8_t code = base.node().typeCode;
+        std::string text(asnName(code));
+        if (code == TYP_SYNONYM)
+            text = refName(trees, *base.tree, refOf(*base.tree, TNODE, base.nr));
+        else if (text.empty())
+            text = refName(trees, *type.tree, link);
+        return text + fieldChain(trees, *type.tree, node.syntax);
     }
     return std::string(asnName(node.typeCode));
 }

@@ -1,6 +1,7 @@
 #include "stxreader.h"
 
 #include <filesystem>
+#include <system_error>
 
 // References across files. A chain of references may be as long as a module; its end is kept for
 // every member, so that a module of nothing but references is walked once. A damaged set of files
@@ -14,6 +15,8 @@ constexpr int maxSteps = 1'000'000;
 /// Components of one structure, the limit of `fieldSize`.
 constexpr size_t maxComponents = 32767;
 constexpr int maxNesting = 200;
+/// Stands for the path of the built-in module.
+constexpr const char* builtinName = "(ISO8824)";
 /// Tagged types that refer to one another, for one list of tags.
 constexpr int maxTags = 1000;
 
@@ -37,7 +40,9 @@ const Tree* Trees::open(const std::string& path, std::string& error) {
     auto [at, isNew] = files_.try_emplace(key);
     if (isNew) {
         auto tree = std::make_unique<Tree>();
-        if (tree->open(path, at->second.error)) at->second.tree = std::move(tree);
+        const bool sound = path == builtinName ? tree->parse(path, builtinTree(), at->second.error)
+                                               : tree->open(path, at->second.error);
+        if (sound) at->second.tree = std::move(tree);
     }
     if (!at->second.tree) error = at->second.error;
     return at->second.tree.get();
@@ -59,10 +64,12 @@ const Tree* Trees::module(const Tree& from, int64_t refMod, std::string& error) 
     const std::filesystem::path path =
         std::filesystem::path(from.path()).parent_path() / (prefix + ".stx");
     std::string cause;
+    std::error_code failed;
+    if (name == "ISO8824" && !std::filesystem::exists(path, failed))
+        return open(builtinName, cause);
     const Tree* tree = open(path.string(), cause);
     if (tree == nullptr) {
-        error = name == "ISO8824" ? "the built-in module ISO8824 has no tree file"
-                                  : "module " + name + ": " + cause;
+        error = "module " + name + ": " + cause;
         return nullptr;
     }
     if (tree->moduleName() != name || tree->mNode(1).modTimeStamp != other.modTimeStamp) {

@@ -1,0 +1,41 @@
+#include "driver/orvofil.h"
+#include "parser/iso8824.h"
+#include "stx/stxreader.h"
+#include "support/pass1.h"
+
+namespace orvo {
+namespace {
+
+class BuiltInTree : public Pass1Test {
+  protected:
+    BuiltInTree() {
+        parseISO8824();
+        flushRecs(-1);
+    }
+};
+
+/// The reader keeps a copy of the built-in module's types; a change of the module's text shows
+/// here.
+TEST_F(BuiltInTree, HasTheNumbersNamesAndTypesOfTheCompiler) {
+    stx::Tree tree;
+    std::string error;
+    ASSERT_TRUE(tree.parse("ISO8824", stx::builtinTree(), error)) << error;
+    EXPECT_EQ(tree.count(stx::TNODE) + 1, module->nextRecNr[KIND_TNODE]);
+    EXPECT_EQ(tree.mNode(1).firstTypeAss, module->firstTypeHead.nr);
+    for (uint32_t nr = 1; nr <= tree.count(stx::TNODE); ++nr) {
+        SCOPED_TRACE(nr);
+        const TNode built = typeAt(TNodeNr{nr});
+        const stx::TNode read = tree.tNode(nr);
+        EXPECT_EQ(tree.text(read.name), built.name == 0 ? "" : getStri(module, built.name));
+        EXPECT_EQ(read.name < 0, built.name < 0);
+        EXPECT_EQ(read.next, built.next);
+        EXPECT_EQ(read.compStatus, built.compStatus);
+        EXPECT_EQ(read.tags != 0, built.tags != 0);
+        if (built.typeCode == TYP_FIELDLIST) continue; // stands as what it denotes
+        EXPECT_EQ(read.typeCode, built.typeCode);
+        EXPECT_EQ(read.ref, typeArr[built.typeCode].structured ? built.ref : read.ref);
+    }
+}
+
+} // namespace
+} // namespace orvo

@@ -1,0 +1,172 @@
+#include "stxdump.h"
+
+#include <map>
+#include <set>
+
+// One definition with everything it is made of. A type that several references lead to is shown at
+// the first of them, so that recursive types end and the output stays as long as the definitions;
+// the depth of nesting is limited for files that no compiler wrote.
+
+namespace stxdump {
+
+using stx::Tree;
+using stx::Trees;
+using stx::TypeRef;
+
+namespace {
+
+constexpr int maxNesting = 600;
+
+struct Walk {
+    Trees& trees;
+    Sink& out;
+    std::string error; // the first file that is damaged or of another run
+    std::set<std::pair<const Tree*, uint32_t>> shown;
+    int depth = 0;
+};
+
+void showType(Walk& walk, TypeRef type, int64_t automaticTag);
+
+std::string indent(const Walk& walk) {
+    return std::string(4 * static_cast<size_t>(walk.depth), ' ');
+}
+
+void addPart(std::string& line, std::string_view part) {
+    if (!part.empty()) line += "  " + std::string(part);
+}
+
+/// A missing file is told in place; one that is there and unusable fails the dump.
+void note(Walk& walk, const std::string& error) {
+    const bool missing = error.ends_with("no such file") || error.ends_with("has no tree file");
+    if (!error.empty() && !missing && walk.error.empty()) walk.error = error;
+}
+
+std::string presence(Walk& walk, const Tree& tree, const stx::TNode& node) {
+    if (node.role() == stx::TCS_COMPOF) return "COMPONENTS OF";
+    if (node.role() != stx::TCS_OPTIONAL) return "";
+    if (node.defaultVal == 0) return "OPTIONAL";
+    return "DEFAULT " + stx::valueText(walk.trees, {&tree, node.defaultVal});
+}
+
+std::string namedText(Walk& walk, TypeRef type) {
+    std::string text;
+    for (const uint32_t nr : stx::namedValues(*type.tree, type.nr)) {
+        const stx::VNode node = type.tree->vNode(nr);
+        text += text.empty() ? "" : ", ";
+        if (node.valCode == stx::TYP_EXTENSION_MARKER) {
+            text += "...";
+            continue;
+        }
+        text += std::string(type.tree->text(node.name)) + '(' +
+                stx::valueText(walk.trees, {type.tree, nr}) + ')';
+    }
+    return text.empty() ? text : '{' + text + '}';
+}
+
+std::string optionsText(TypeRef type) {
+    std::string text;
+    for (const uint32_t nr : stx::options(*type.tree, stx::TNODE, type.nr))
+        text +=
+            (text.empty() ? "" : " ") + std::string(type.tree->text(type.tree->tedRec(nr).text));
+    return text.empty() ? text : "--" + text + "--";
+}
+
+/// Name, kind, tags, constraint, bounds, presence and what else distinguishes a node.
+std::string typeLine(Walk& walk, TypeRef type, int64_t automaticTag) {
+    const stx::TNode node = type.node();
+    const std::string_view name = type.tree->text(node.name);
+    std::string line(name.empty() ? "*" : name);
+    if (node.role() == stx::TCS_HEADER)
+        line = std::string(type.tree->moduleName()) + '.' + std::string(name);
+    addPart(line, kindText(walk.trees, type));
+    std::string error;
+    if (node.formals != 0) {
+        addPart(line, "parameterized");
+    } else if (!isClass(walk.trees, type)) {
+        addPart(line, tagsText(stx::finalTags(walk.trees, type, automaticTag, error)));
+        addPart(line, stx::constraintText(walk.trees, *type.tree,
+                                          stx::constraintOf(*type.tree, type.nr)));
+        addPart(line, boundsOf(walk.trees, type));
+    }
+    note(walk, error);
+    addPart(line, namedText(walk, type));
+    addPart(line, presence(walk, *type.tree, node));
+    addPart(line, stx::bitNames(stx::checkFlagNames, node.checkFlags));
+    addPart(line, optionsText(type));
+    return line;
+}
+
+void showComponents(Walk& walk, TypeRef type) {
+    std::string error;
+    std::map<uint32_t, int64_t> automatic;
+    if ((type.node().checkFlags & stx::CF_AUTOMATIC_TAGS) != 0)
+        for (const stx::Component& entry : stx::allComponents(walk.trees, type, error))
+            if (entry.type.tree == type.tree) automatic[entry.type.nr] = entry.automaticTag;
+    note(walk, error);
+    for (const uint32_t nr : stx::components(*type.tree, type.nr, true)) {
+        const stx::TNode node = type.tree->tNode(nr);
+        if (node.typeCode == stx::TYP_EXTENSION_MARKER) {
+            walk.out.add(indent(walk) + "...\n");
+            continue;
+        }
+        if (node.typeCode == stx::TYP_EXTADDGRP) walk.out.add(indent(walk) + "[[\n");
+        const bool group = node.typeCode == stx::TYP_EXTADDGRP;
+        const std::vector<uint32_t> entries =
+            group ? stx::components(*type.tree, nr) : std::vector<uint32_t>{nr};
+        for (const uint32_t entry : entries) {
+            const auto tag = automatic.find(entry);
+            showType(walk, {type.tree, entry}, tag == automatic.end() ? -1 : tag->second);
+        }
+        if (group) walk.out.add(indent(walk) + "]]\n");
+    }
+}
+
+/// What stands below a node: its components, or the definition that it refers to.
+void showInside(Walk& walk, TypeRef type) {
+    if (walk.depth > maxNesting) {
+        walk.out.add(indent(walk) + "...\n");
+        return;
+    }
+    std::string error;
+    const uint8_t code = type.node().typeCode;
+    if (code < stx::typeCount && stx::typeTable[code].structured && code != stx::TYP_SELECTION)
+        return showComponents(walk, type);
+    const TypeRef next = stx::nextType(walk.trees, type, true, error);
+    note(walk, error); // the line above tells it
+    if (next) showType(walk, next, -1);
+}
+
+void showType(Walk& walk, TypeRef type, int64_t automaticTag) {
+    const std::string line = indent(walk) + typeLine(walk, type, automaticTag);
+    if (!walk.shown.insert({type.tree, type.nr}).second) {
+        walk.out.add(line + "  (see above)\n");
+        return;
+    }
+    walk.out.add(line + '\n');
+    ++walk.depth;
+    showInside(walk, type);
+    --walk.depth;
+}
+
+} // namespace
+
+bool dumpType(Trees& trees, TypeRef type, Sink& out, std::string& error) {
+    Walk walk{trees, out, {}, {}};
+    showType(walk, type, -1);
+    error = walk.error;
+    return error.empty();
+}
+
+void dumpValue(Trees& trees, stx::ValueRef value, Sink& out) {
+    const stx::VNode node = value.node();
+    std::string error;
+    const stx::Link gov =
+        value.tree->linkOf(stx::VNODE, value.nr, stx::fieldNamed(stx::VNODE, "govType"));
+    const TypeRef type = stx::typeOf(trees, *value.tree, gov, error);
+    std::string line =
+        std::string(value.tree->moduleName()) + '.' + std::string(value.tree->text(node.name));
+    if (type) line += "  " + kindText(trees, type);
+    out.add(line + " ::= " + stx::valueText(trees, value) + '\n');
+}
+
+} // namespace stxdump

@@ -1,0 +1,11 @@
+#include "stxdump/stxdump.h"
+
+int main(int argc, char** argv) {
+    stxdump::Sink out, err;
+    out.stream = stdout;
+    err.stream = stderr;
+    const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+    const int status = stxdump::run(arguments, out, err);
+    err.flush();
+    return status;
+}
