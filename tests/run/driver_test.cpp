@@ -13,11 +13,52 @@ const SourceFile good = {"m.asn", "M DEFINITIONS ::= BEGIN\nT ::= NULL\nEND\n"};
 const SourceFile faulty = {"bad.asn", "Bad DEFINITIONS ::= BEGIN\nT ::= NULL\nT ::= NULL\nEND\n"};
 const SourceFile broken = {"brk.asn", "Brk DEFINITIONS ::= BEGIN\nT = NULL\nEND\n"};
 
+/// Standard output behind the banner.
+std::string progress(const RunResult& run) {
+    const size_t end = run.out.find("\n\n", run.out.find("Processed by"));
+    return end == std::string::npos ? run.out : run.out.substr(end + 2);
+}
 std::string counters(int syntax, int semantic, int symbols, int warnings) {
     return "\nSyntax errors     : " + std::to_string(syntax) +
            "\nSemantic errors   : " + std::to_string(semantic) +
            "\nUndefined symbols : " + std::to_string(symbols) +
            "\nWarnings          : " + std::to_string(warnings) + "\n";
+}
+
+TEST(Driver, AGoodModuleGoesThroughAllPasses) {
+    const RunResult run = compile({good});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(progress(run), "ORVO>>> source file  : m.asn\n"
+                             "ORVO>>> listing file : m.lst\n"
+                             "ORVO>>> parsing (pass 1) for m.asn\n"
+                             "ORVO>>> solving references (pass 2) for m.asn\n"
+                             "ORVO>>> solving references (pass 3) for m.asn\n"
+                             "ORVO>>> building module references (pass 4) for m.asn\n"
+                             "ORVO>>> semantic checking (pass 5) for m.asn\n"
+                             "ORVO>>> compiler listing for m.asn (ok)\n" +
+                                 counters(0, 0, 0, 0));
+    const std::string listing = run.listing("m");
+    EXPECT_TRUE(listing.starts_with(
+        "\nCompiler for Abstract Syntax Notation One Version 2.13 February 2002\n"
+        "(c) The orvo authors.\nAll rights reserved.\n\n"
+        "Processed by ORVO 2.13 on DATE\n\n"
+        "    1:  M DEFINITIONS ::= BEGIN\n"
+        "    2:  T ::= NULL\n"
+        "    3:  END\n"))
+        << listing;
+    EXPECT_TRUE(listing.ends_with(counters(0, 0, 0, 0)));
+}
+
+TEST(Driver, OneFaultyModuleKeepsPassFiveFromAllButNotTheTrees) {
+    const SourceFile user = {"m.asn",
+                             "M DEFINITIONS ::= BEGIN\nIMPORTS T FROM Bad;\nU ::= T\nEND\n"};
+    const RunResult run = compile({user, faulty});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out.find("pass 5"), std::string::npos);
+    EXPECT_TRUE(run.has("m.stx"));
+    EXPECT_FALSE(run.has("bad.stx"));
+    EXPECT_NE(run.out.find("\nTotal errors:\n\nSyntax errors     : 0\n"), std::string::npos);
 }
 
 TEST(Driver, ASyntaxErrorSkipsTheLaterPasses) {

@@ -38,6 +38,12 @@ TEST(Zov, SummaryHoldsShownDiagnosticsAndCounters) {
     EXPECT_EQ(again.file("z/env-1.acs"), summary + summary + "Warnings          : 0\n");
 }
 
+TEST(Zov, TypeListNamesTheTypesButNoSetsClassesAndParameterizedOnes) {
+    const RunResult run = compile({good}, {"-ZOV-PREFIX=env"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.file("env.atl"), "My-Mod.An-Int\nMy-Mod.Last\n");
+}
+
 TEST(Zov, FatalErrorsReachTheSummary) {
     const RunResult run = compile({faulty}, {"-ZOV-PREFIX=env", "-L=nowhere"});
     EXPECT_EQ(run.status, 2);
