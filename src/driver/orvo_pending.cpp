@@ -1,9 +1,8 @@
-#include "check/p5typ.h"
 #include "check/p5val.h"
 
 namespace orvo {
 
-bool checkTNode(ModuleRec*, bool, bool) {
+bool checkValNode(ModuleRec*, VNodeRef, bool, bool) {
     return true;
 }
 bool checkVNode(ModuleRec*, bool, bool) {

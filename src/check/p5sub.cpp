@@ -1,0 +1,255 @@
+// The walk over a constraint and the operators in it (X.680 (07/2002) clauses 45 to 48).
+
+#include "check/p5sub.h"
+
+#include "check/check_cache.h"
+#include "check/p5sub_int.h"
+#include "diag/orvoerr.h"
+#include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
+#include "tree/types.h"
+
+namespace orvo {
+
+int subNameIndex(uint8_t subKind) {
+    switch (subKind) {
+    case SUB_TABLE: return 12;
+    case SUB_USER_DEFINED: return 13;
+    case SUB_EXCEPTION: return 15;
+    case SUB_OPEN_TYPE: return 16;
+    default: return subKind >= SUB_RANGE ? subKind - SUB_RANGE + 5 : subKind - SUB_UNION;
+    }
+}
+
+void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail) {
+    recordError(module, ERR_SEMANTIC, code, subRec.line, detail);
+}
+
+void subError(ModuleRec* module, Msg code, uint32_t line) {
+    if (isSetTNode()) {
+        if (code == invalidConstraint(subNameIndex(SUB_SINGLE_VALUE))) {
+            code = Msg::InvalidSetElement;
+        } else {
+            const KeepRec<KIND_TNODE> keep;
+            skipTypes(true);
+            code = isClassCode(tNode.typeCode) ? Msg::InvalidObjectSet : Msg::InvalidValueSet;
+        }
+    }
+    recordError(module, ERR_SEMANTIC, code, line);
+}
+
+namespace {
+
+SubRef currentSub() {
+    return currentRec<KIND_SUB>();
+}
+
+/// The operands of the current operator, in order; the first one that fails ends the walk.
+bool checkOperands(ModuleRec* module, ParentType parent) {
+    const SubRef self = currentSub();
+    bool ok = true;
+    uint32_t left = nextRec<KIND_SUB>(self.module).nr;
+    for (uint32_t nr = subRec.left; ok && nr != 0 && left-- != 0;) {
+        readRec(self.module, SubNr{nr});
+        nr = subRec.next;
+        ok = chkSubRec(module, parent);
+    }
+    readRec(self);
+    return ok;
+}
+
+/// Cuts the link behind a constraint record while the scope lasts.
+class CutLink {
+  public:
+    explicit CutLink(SubRef sub) : sub_(sub) {
+        readRec(sub_);
+        next_ = subRec.next;
+        subRec.next = 0;
+        writeRec(sub_);
+    }
+    CutLink(const CutLink&) = delete;
+    CutLink& operator=(const CutLink&) = delete;
+    ~CutLink() {
+        readRec(sub_);
+        subRec.next = next_;
+        writeRec(sub_);
+    }
+
+  private:
+    SubRef sub_;
+    uint32_t next_ = 0;
+};
+
+bool subExcept(ModuleRec* module, ParentType parent) {
+    const SubRef self = currentSub();
+    const SubRef first{self.module, SubNr{subRec.left}};
+    readRec(first);
+    const SubRef second{self.module, SubNr{subRec.next}};
+    bool ok = chkSubRec(module, parent);
+    if (ok && second) {
+        const CutLink cut(first);
+        readRec(second);
+        ok = chkSubRec(module, parent);
+    }
+    readRec(self);
+    return ok;
+}
+
+/// ALL EXCEPT takes values from the whole type: its own constraint is off while they are checked.
+bool subAllExcept(ModuleRec* module, ParentType parent) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentSub();
+    const int32_t constraint = tNode.constraint;
+    const bool isWhole =
+        constraint == static_cast<int32_t>(self.nr.nr) && type.module == self.module;
+    if (isWhole) {
+        tNode.constraint = 0;
+        writeRec(type);
+    }
+    readRec(self);
+    const bool ok = checkOperands(module, parent);
+    readRec(type);
+    if (isWhole) {
+        tNode.constraint = constraint;
+        writeRec(type);
+    }
+    return ok;
+}
+
+/// What was noted of a type while a part of its constraint was taken off holds no more.
+void forgetEndpoints(TNodeRef type) {
+    checkCacheOf(type.module).endpoints.erase(type.nr.nr);
+}
+
+/// A temporary reference to the constrained type, the parent of a further constraint of a series.
+class TemporaryReference {
+  public:
+    explicit TemporaryReference(TNodeRef type) : type_(type), inModule_(type.module) {
+        forgetEndpoints(type_);
+        nr_ = addTypeArc(nullptr, tNode.line);
+        setTypeNode(TYP_SYNONYM);
+        tNode.refMod = REF_OWN;
+        tNode.ref = type_.nr.nr;
+        tNode.checkState = CHECK_DONE;
+        writeRec(cMP, nr_);
+    }
+    TemporaryReference(const TemporaryReference&) = delete;
+    TemporaryReference& operator=(const TemporaryReference&) = delete;
+    ~TemporaryReference() {
+        readRec(type_);
+        forgetEndpoints(type_);
+        forgetEndpoints({type_.module, nr_});
+        if (type_.module->nextRecNr[KIND_TNODE] == nr_.nr + 1)
+            type_.module->nextRecNr[KIND_TNODE] = nr_.nr;
+        forgetTakenBack(type_.module);
+    }
+    [[nodiscard]] TNodeRef ref() const { return {type_.module, nr_}; }
+
+  private:
+    TNodeRef type_;
+    CurrentModule inModule_;
+    TNodeNr nr_;
+};
+
+/// (C1) (C2) ...: each further constraint is one on the type as the ones before it leave it.
+bool subCatenation(ModuleRec* module, ParentType parent) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentSub();
+    SubRef before{self.module, SubNr{subRec.left}};
+    readRec(before);
+    SubRef member{self.module, SubNr{subRec.next}};
+    bool ok = chkSubRec(module, parent);
+    uint32_t left = nextRec<KIND_SUB>(self.module).nr;
+    while (ok && member && left-- != 0) {
+        readRec(member);
+        const SubRef next{self.module, SubNr{subRec.next}};
+        readRec(type);
+        const TemporaryReference temporary(type);
+        const CutLink cut(before);
+        readRec(temporary.ref());
+        readRec(member);
+        ok = chkSubRec(module, ParentType::Referenced);
+        before = member;
+        member = next;
+    }
+    readRec(type);
+    readRec(self);
+    return ok;
+}
+
+/// The constraint by its kind. What reports by itself comes back as valid here.
+bool checkByKind(ModuleRec* module, ParentType parent) {
+    switch (subRec.subKind) {
+    case SUB_UNION:
+    case SUB_INTERSECTION: return checkOperands(module, parent);
+    case SUB_SERIAL: return subCatenation(module, parent);
+    case SUB_EXCEPT: return subExcept(module, parent);
+    case SUB_ALL_EXCEPT: return subAllExcept(module, parent);
+    case SUB_RANGE: return subRange();
+    case SUB_PERMITTED_ALPHABET: return subPermittedAlphabet(module);
+    case SUB_SIZE: return subSizeConstr(module);
+    case SUB_SINGLE_VALUE: return subSingleValue(module, parent);
+    case SUB_CONTAINED_SUBTYPE: return subContainedSubtype(module);
+    case SUB_WITH_COMPONENT: return subWithComp(module);
+    case SUB_WITH_COMPONENTS: return subWithComps(module);
+    case SUB_USER_DEFINED: return subUserDefConstr(module);
+    case SUB_EXCEPTION: return subNoValueConstr(module);
+    case SUB_OPEN_TYPE: return subOpenTypeConstr(module);
+    default: return true;
+    }
+}
+
+void markExtensible() {
+    if (isSetTNode()) return;
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    tNode.checkFlags |= CF_EXTENSIBLE;
+    writeRec(type);
+}
+
+bool isKnownKind(uint8_t kind) {
+    return (kind >= SUB_UNION && kind <= SUB_ALL_EXCEPT) ||
+           (kind >= SUB_RANGE && kind <= SUB_TABLE) ||
+           (kind >= SUB_USER_DEFINED && kind <= SUB_EXTENSION_MARKER) || kind == SUB_CONTENTS;
+}
+
+} // namespace
+
+bool chkSubRec(ModuleRec* module, ParentType parent) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentSub();
+    const uint8_t kind = subRec.subKind;
+    const uint32_t line = subRec.line;
+    if (!isKnownKind(kind)) return false;
+    if (isSetTNode()) parent = ParentType::None;
+    if (kind == SUB_EXTENSION_MARKER) {
+        markExtensible();
+        return true;
+    }
+    const bool ok = kind == SUB_TABLE ? subTableConstr(module) : checkByKind(module, parent);
+    readRec(type);
+    readRec(self);
+    if (ok || kind == SUB_TABLE) return ok;
+    subError(module,
+             kind == SUB_EXCEPTION ? Msg::InvalidExceptionValue
+                                   : invalidConstraint(subNameIndex(kind)),
+             line);
+    return false;
+}
+
+bool checkSubRec(ModuleRec* module, bool isReference) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const KeepRec<KIND_SUB> keepSub;
+    const KeepRec<KIND_VNODE> keepValue;
+    readRec(type.module, SubNr{static_cast<uint32_t>(tNode.constraint)});
+    bool ok = false;
+    if (subRec.subKind == SUB_EXTENSION_MARKER && !isObjSetTNode()) {
+        recordSubRecError(module, Msg::ElementSetSpecIsInvalid,
+                          "{ ... } is allowed only in ObjectSets.");
+    } else {
+        ok = chkSubRec(module, isReference ? ParentType::Referenced : ParentType::None);
+    }
+    readRec(type);
+    return ok;
+}
+
+} // namespace orvo

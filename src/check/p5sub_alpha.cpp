@@ -1,0 +1,81 @@
+// Permitted alphabets (X.680 (07/2002) 47.7).
+
+#include "check/orvonum_end.h"
+#include "check/orvostri.h"
+#include "check/p5sub_int.h"
+#include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
+
+namespace orvo {
+
+namespace {
+
+bool isCharacterValue(uint8_t valCode) {
+    return valCode >= TYP_NUMSTR && valCode <= TYP_UNISTR;
+}
+
+/// The value at an end of a range is one character.
+bool isOneCharacter(ModuleRec* module, uint32_t value) {
+    if (value == 0) return true; // MIN and MAX
+    const KeepRec<KIND_VNODE> keep;
+    readRec(module, VNodeNr{value});
+    skipValues(true);
+    return isCharacterValue(vNode.valCode) &&
+           makeRestrCharStriSeg(recState.currTPtr[KIND_VNODE], vNode, nullptr) == 1;
+}
+
+/// Four hexadecimal digits stand for a character where the module allows notation beyond the
+/// standard.
+bool isHexCharacter() {
+    return recState.currTPtr[KIND_TNODE]->options.allow && vNode.valCode == TYP_OCTSTR &&
+           vNode.val.str.striLen == 4;
+}
+
+bool validValueInPermittedAlphabet(ModuleRec* module, uint32_t value) {
+    if (value == 0) return false;
+    const KeepRec<KIND_VNODE> keep;
+    readRec(module, VNodeNr{value});
+    skipValues(true);
+    return isCharacterValue(vNode.valCode) || isHexCharacter();
+}
+
+/// The constraint in `subRec`, inside FROM.
+bool validPermittedAlphabet() {
+    const SubRef self = currentRec<KIND_SUB>();
+    switch (subRec.subKind) {
+    case SUB_UNION:
+    case SUB_INTERSECTION:
+    case SUB_SERIAL:
+    case SUB_EXCEPT:
+    case SUB_ALL_EXCEPT: break;
+    case SUB_RANGE:
+        return isOneCharacter(self.module, subRec.left) &&
+               isOneCharacter(self.module, subRec.right);
+    case SUB_SINGLE_VALUE: return validValueInPermittedAlphabet(self.module, subRec.left);
+    case SUB_CONTAINED_SUBTYPE:
+    case SUB_EXTENSION_MARKER: return true;
+    default: return false;
+    }
+    bool ok = true;
+    uint32_t left = nextRec<KIND_SUB>(self.module).nr;
+    for (uint32_t nr = subRec.left; ok && nr != 0 && left-- != 0;) {
+        readRec(self.module, SubNr{nr});
+        nr = subRec.next;
+        ok = validPermittedAlphabet();
+    }
+    readRec(self);
+    return ok;
+}
+
+} // namespace
+
+bool subPermittedAlphabet(ModuleRec* module) {
+    const SubRef self = currentRec<KIND_SUB>();
+    if (subRec.left == 0) return false;
+    readRec(self.module, SubNr{subRec.left});
+    const bool ok = chkSubRec(module, ParentType::None) && validPermittedAlphabet();
+    readRec(self);
+    return ok;
+}
+
+} // namespace orvo

@@ -1,0 +1,248 @@
+// Elements of constraints: ranges, sizes, values, contained subtypes, inner subtypes, parameters.
+
+#include <string>
+#include <vector>
+
+#include "check/orvonum_end.h"
+#include "check/p5sub_int.h"
+#include "check/p5typ.h"
+#include "check/p5val.h"
+#include "diag/orvoerr.h"
+#include "tree/orvorec.h"
+#include "tree/orvoutil_cmp.h"
+#include "tree/orvoutil_find.h"
+#include "tree/types_compat.h"
+
+namespace orvo {
+
+bool readSettingType(ModuleRec* module, VNodeNr setting) {
+    if (!setting) return false;
+    readRec(module, setting);
+    if (vNode.ref == 0) return false;
+    ModuleRec* const owner = vNode.refMod == REF_FORMAL ? module : refModule(module, vNode.refMod);
+    if (owner == nullptr) return false;
+    readRec(owner, TNodeNr{vNode.ref});
+    return true;
+}
+
+bool subRange() {
+    const KeepRec<KIND_TNODE> keep;
+    ModuleRec* const module = recState.currTPtr[KIND_SUB];
+    Endpoint lower;
+    Endpoint upper;
+    if (!getRangeEndpoint(lower, false) || !getRangeEndpoint(upper, true)) return false;
+    skipTypes(true);
+    if (lower.value.valCode != tNode.typeCode || upper.value.valCode != tNode.typeCode)
+        return false;
+    const int order = compareValue(module, lower.value, module, upper.value);
+    if (order != 0) return order < 0;
+    return (lower.flags & SUBF_LOWER) != 0 && (upper.flags & SUBF_UPPER) != 0;
+}
+
+bool subSizeConstr(ModuleRec* module) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentRec<KIND_SUB>();
+    bool ok = false;
+    bool extensible = false;
+    readRec(self.module, SubNr{subRec.left});
+    if (ModuleRec* owner = refModule(self.module, static_cast<int32_t>(subRec.typeMod))) {
+        const TNodeRef size{owner, TNodeNr{subRec.typeNr}};
+        readRec(size);
+        ok = chkSubRec(module, ParentType::None);
+        readRec(size);
+        extensible = (tNode.checkFlags & CF_EXTENSIBLE) != 0;
+    }
+    readRec(type);
+    if (extensible) {
+        tNode.checkFlags |= CF_EXTENSIBLE;
+        writeRec(type);
+    }
+    readRec(self);
+    return ok;
+}
+
+bool subSingleValue(ModuleRec* module, ParentType parent) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentRec<KIND_SUB>();
+    const VNodeRef value{self.module, VNodeNr{subRec.left}};
+    if (!value) return false;
+    readRec(value);
+    bool ok = checkVNode(module, true, false);
+    if (ok && parent != ParentType::None) {
+        readRec(type);
+        if (parent == ParentType::Referenced && tNode.typeCode == TYP_SYNONYM && tNode.ref != 0) {
+            if (ModuleRec* target = refModule(type.module, tNode.refMod))
+                readRec(target, TNodeNr{tNode.ref});
+        }
+        readRec(value);
+        ok = checkValNode(module, value, true, true);
+    }
+    readRec(type);
+    readRec(self);
+    return ok;
+}
+
+bool subContainedSubtype(ModuleRec* module) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentRec<KIND_SUB>();
+    if (!readSettingType(self.module, VNodeNr{subRec.left})) return false;
+    const TNodeRef contained = currentRec<KIND_TNODE>();
+    bool ok = checkTNode(module, true, true);
+    ok &= subtypeCompatible(type.module, type.nr, contained.module, contained.nr);
+    readRec(type);
+    readRec(self);
+    return ok;
+}
+
+bool subWithComp(ModuleRec* module) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentRec<KIND_SUB>();
+    skipTypes(true);
+    bool ok = false;
+    if ((tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF) && tNode.ref != 0) {
+        readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
+        ok = checkTNode(module, tNode.typeCode == TYP_SYNONYM, false);
+        skipTypes(true);
+        readRec(self.module, SubNr{subRec.left});
+        ok &= chkSubRec(module, ParentType::Itself);
+    }
+    readRec(type);
+    readRec(self);
+    return ok;
+}
+
+namespace {
+
+/// The structure that WITH COMPONENTS restricts, and which of its components were met.
+struct InnerSubtypes {
+    ModuleRec* errors = nullptr;
+    TNodeRef structure;
+    uint8_t kind = TYP_NONE;
+    uint32_t lastPosition = 0;
+    std::vector<bool> marked;
+};
+
+void reportPresence(const InnerSubtypes& inner, Msg code) {
+    const std::string name(tNode.name == 0 ? std::string_view()
+                                           : getStri(recState.currTPtr[KIND_TNODE], tNode.name));
+    recordSubRecError(inner.errors, code, "component '" + name + "'");
+}
+
+/// In a CHOICE OPTIONAL means nothing; elsewhere only what may be absent can be constrained to be
+/// so.
+bool presenceAllowed(const InnerSubtypes& inner) {
+    const uint8_t presence = subRec.subFlags & (SUBF_PRESENT | SUBF_ABSENT | SUBF_OPTIONAL);
+    if (inner.kind == TYP_CHOICE) return (presence & SUBF_OPTIONAL) == 0;
+    return presence == 0 || magnitude(tNode.compStatus) == TCS_OPTIONAL;
+}
+
+/// The component at a position, the current type record, and its entry, the current constraint
+/// record.
+bool checkInnerEntry(InnerSubtypes& inner, uint32_t position) {
+    bool ok = true;
+    const bool ordered = inner.kind != TYP_SET && inner.kind != TYP_CHOICE;
+    if (ordered && position <= inner.lastPosition) {
+        recordSubRecError(inner.errors, Msg::ConstraintsMustAppearInOrder);
+        ok = false;
+    }
+    if (!presenceAllowed(inner)) {
+        reportPresence(inner, Msg::InvalidPresenceConstraint);
+        ok = false;
+    }
+    if (inner.marked.size() <= position) inner.marked.resize(position + 1);
+    if (inner.marked[position]) {
+        reportPresence(inner, Msg::DuplicateConstraint);
+        ok = false;
+    }
+    inner.marked[position] = true;
+    inner.lastPosition = position;
+    return ok & chkSubRec(inner.errors, ParentType::Itself);
+}
+
+/// The entry in `subRec`: its component is looked up in the structure.
+bool checkInnerSubtype(InnerSubtypes& inner) {
+    const SubRef entry = currentRec<KIND_SUB>();
+    readRec(inner.structure);
+    uint32_t position = 0;
+    if (!findTypeCompByConstr(inner.structure.module, TNodeNr{tNode.ref}, &position)) return false;
+    ModuleRec* const owner = refModule(entry.module, static_cast<int32_t>(subRec.typeMod));
+    if (owner == nullptr) return false;
+    readRec(owner, TNodeNr{subRec.typeNr});
+    return checkInnerEntry(inner, position);
+}
+
+} // namespace
+
+bool subWithComps(ModuleRec* module) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentRec<KIND_SUB>();
+    skipTypes(true);
+    const uint8_t code = tNode.typeCode;
+    if (code == TYP_EMB_PDV || code == TYP_CHASTR || code == TYP_EXTERNAL_1990 ||
+        code == TYP_EXTERNAL_1994) {
+        readRec(run.iso8824MP, TNodeNr{code});
+        skipTypes(true);
+    }
+    InnerSubtypes inner;
+    inner.errors = module;
+    inner.structure = currentRec<KIND_TNODE>();
+    inner.kind = tNode.typeCode;
+    bool ok = true;
+    uint32_t left = nextRec<KIND_SUB>(self.module).nr;
+    for (uint32_t nr = subRec.left; nr != 0 && left-- != 0;) {
+        readRec(self.module, SubNr{nr});
+        nr = subRec.next;
+        ok &= checkInnerSubtype(inner);
+    }
+    readRec(type);
+    readRec(self);
+    return ok;
+}
+
+bool subUserDefConstr(ModuleRec* module) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentRec<KIND_SUB>();
+    bool ok = true;
+    uint32_t left = nextRec<KIND_VNODE>(self.module).nr;
+    for (uint32_t nr = subRec.left; nr != 0 && left-- != 0;) {
+        const VNodeRef parameter{self.module, VNodeNr{nr}};
+        readRec(parameter);
+        nr = vNode.next;
+        if (vNode.valCode == TYP_OPEN && vNode.refMod == REF_FORMAL) {
+            ok &= readSettingType(self.module, parameter.nr) && checkTNode(module, true, false);
+        } else {
+            ok &= checkVNode(module, true, true);
+        }
+    }
+    readRec(type);
+    readRec(self);
+    return ok;
+}
+
+bool subNoValueConstr(ModuleRec* module) {
+    if ((subRec.subFlags & SUBF_EXCEPTION) == 0 || subRec.third == 0) return true;
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentRec<KIND_SUB>();
+    readRec(self.module, VNodeNr{subRec.third});
+    const bool ok = checkVNode(module, true, true);
+    readRec(type);
+    readRec(self);
+    return ok;
+}
+
+bool subOpenTypeConstr(ModuleRec* module) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentRec<KIND_SUB>();
+    bool ok = readSettingType(self.module, VNodeNr{subRec.left});
+    if (ok) {
+        ok = checkTNode(module, true, true);
+        skipTypes(true);
+        ok &= tNode.typeCode != TYP_SYNONYM && tNode.typeCode != TYP_FIELDLIST &&
+              tNode.typeCode != TYP_SELECTION && !isClassCode(tNode.typeCode);
+    }
+    readRec(type);
+    readRec(self);
+    return ok;
+}
+
+} // namespace orvo

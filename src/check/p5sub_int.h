@@ -1,0 +1,50 @@
+#pragma once
+
+// What the units of the constraint checks share among themselves. All functions work on the current
+// constraint record and the current type record, the one constrained, and leave both current.
+
+#include <string_view>
+
+#include "diag/orvomsg.h"
+#include "tree/orvodef.h"
+
+namespace orvo {
+
+/// The type whose own constraints the values in a constraint must meet.
+enum class ParentType : uint8_t {
+    None,       // the constrained type has no constraint before this one
+    Referenced, // what the constrained type, a reference, leads to
+    Itself,     // the constrained type as it stands: an inner constraint
+};
+
+/// Checks the current constraint record by its kind and reports the finding at its line.
+[[nodiscard]] bool chkSubRec(ModuleRec* module, ParentType parent);
+/// Reports the failure of the current constraint; on a set node as a wrong element or set.
+void subError(ModuleRec* module, Msg code, uint32_t line);
+/// Reports at the line of the current constraint record.
+void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail = {});
+/// Index of a constraint kind in the names of messages.
+int subNameIndex(uint8_t subKind);
+
+// ---- p5sub_elem
+[[nodiscard]] bool subRange();
+[[nodiscard]] bool subSizeConstr(ModuleRec* module);
+[[nodiscard]] bool subSingleValue(ModuleRec* module, ParentType parent);
+[[nodiscard]] bool subContainedSubtype(ModuleRec* module);
+[[nodiscard]] bool subWithComp(ModuleRec* module);
+[[nodiscard]] bool subWithComps(ModuleRec* module);
+[[nodiscard]] bool subUserDefConstr(ModuleRec* module);
+[[nodiscard]] bool subNoValueConstr(ModuleRec* module);
+[[nodiscard]] bool subOpenTypeConstr(ModuleRec* module);
+/// Reads the type record that a type or set setting stands for; the setting is a value record of
+/// `module`.
+[[nodiscard]] bool readSettingType(ModuleRec* module, VNodeNr setting);
+
+// ---- p5sub_alpha
+[[nodiscard]] bool subPermittedAlphabet(ModuleRec* module);
+
+// ---- p5sub_tab
+/// Reports by itself.
+[[nodiscard]] bool subTableConstr(ModuleRec* module);
+
+} // namespace orvo

@@ -1,0 +1,155 @@
+// Table constraints and component relations (X.682 (07/2002) clause 10).
+
+#include "check/p5sub_int.h"
+#include "check/p5typ.h"
+#include "diag/orvoerr.h"
+#include "symtab/orvosym_imp.h"
+#include "tree/orvorec.h"
+#include "tree/orvoutil.h"
+#include "tree/orvoutil_find.h"
+
+namespace orvo {
+
+namespace {
+
+enum NameIndex { TableName = 12, ComponentRelationName = 14 };
+
+/// The current type takes its values from a column of a table.
+bool isTableColumn() {
+    if (isObjClassFieldTypeTNode()) return true;
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(false);
+    return tNode.typeCode == TYP_INSTANCE_OF;
+}
+
+/// The object set in the setting `set`.
+bool checkTable(ModuleRec* module, VNodeNr set) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentRec<KIND_SUB>();
+    bool ok = readSettingType(self.module, set);
+    if (ok && tNode.constraint > 0) {
+        readRec(recState.currTPtr[KIND_TNODE], SubNr{static_cast<uint32_t>(tNode.constraint)});
+        ok = chkSubRec(module, ParentType::None);
+    }
+    readRec(type);
+    readRec(self);
+    return ok;
+}
+
+/// A table constraint is the constraint, or one of a series.
+bool isAtInSub(ModuleRec* module, int32_t constraint) {
+    if (constraint <= 0) return false;
+    const KeepRec<KIND_SUB> keep;
+    readRec(module, SubNr{static_cast<uint32_t>(constraint)});
+    if (subRec.subKind == SUB_TABLE) return true;
+    if (subRec.subKind != SUB_SERIAL) return false;
+    uint32_t left = nextRec<KIND_SUB>(module).nr;
+    for (uint32_t nr = subRec.left; nr != 0 && left-- != 0; nr = subRec.next) {
+        readRec(module, SubNr{nr});
+        if (subRec.subKind == SUB_TABLE) return true;
+    }
+    return false;
+}
+
+/// One step from the structure in `tNode` to a component, or to the element of a list.
+bool solveAtCompId(int32_t token, std::string_view name) {
+    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    const uint8_t kind = tNode.typeCode;
+    const TNodeNr first{tNode.ref};
+    if (!first) return false;
+    if (token == TOK_NUMBER) {
+        if (kind != TYP_SEQOF && kind != TYP_SETOF) return false;
+        readRec(module, first);
+        return true;
+    }
+    if (kind != TYP_SEQ && kind != TYP_SET && kind != TYP_CHOICE) return false;
+    return findTypeCompById(module, first, name);
+}
+
+/// The name or number that a step was written with, also after an earlier solution.
+std::string_view stepName(ModuleRec* module, const SNode& step) {
+    if (step.module == 0) return getStri(module, step.value);
+    const KeepRec<KIND_TNODE> keep;
+    ModuleRec* const owner = getModPtr(module, step.module);
+    readRec(owner, TNodeNr{magnitude(step.value)});
+    return tNode.name == 0 ? std::string_view() : getStri(owner, tNode.name);
+}
+
+/// One reference: `entry` is its "@"; moved to the entry behind it.
+bool solveReference(ModuleRec* errors, ModuleRec* module, TNodeRef under, SNodeNr& entry) {
+    readRec(module, entry);
+    entry = SNodeNr{static_cast<uint32_t>(sNode.next)};
+    bool inner = false;
+    if (entry) {
+        readRec(module, entry);
+        inner = sNode.token == TOK_DOT;
+        if (inner) entry = SNodeNr{static_cast<uint32_t>(sNode.next)};
+    }
+    readRec(under);
+    bool ok = inner ? innerEnclStru(p5State.struTypeStack) : outerEnclStru(p5State.struTypeStack);
+    while (entry) {
+        readRec(module, entry);
+        if (sNode.token == TOK_AT) break;
+        const SNode step = sNode;
+        const SNodeNr nr = entry;
+        entry = SNodeNr{static_cast<uint32_t>(step.next)};
+        if (!ok) continue;
+        skipTypes(true);
+        ok = solveAtCompId(step.token, stepName(module, step));
+        if (!ok) continue;
+        const TNodeRef component = currentRec<KIND_TNODE>();
+        readRec(module, nr);
+        sNode.module = handleImplImports(module, component.module);
+        sNode.value = static_cast<int32_t>(component.nr.nr);
+        writeRec(module, nr);
+        const bool last = !entry || (readRec(module, entry), sNode.token == TOK_AT);
+        if (!last || isAtInSub(component.module, tNode.constraint)) continue;
+        const std::string_view name =
+            tNode.name == 0 ? std::string_view() : getStri(component.module, tNode.name);
+        recordSubRecError(errors, Msg::InvalidReferencedComponent, name);
+        ok = false;
+    }
+    return ok;
+}
+
+/// All references of a component relation; `list` is its first entry.
+bool solveAt(ModuleRec* errors, SNodeNr list) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const SubRef self = currentRec<KIND_SUB>();
+    const KeepRec<KIND_SNODE> keep;
+    bool ok = true;
+    while (list) {
+        const bool solved = solveReference(errors, self.module, type, list);
+        if (!solved) recordSubRecError(errors, invalidConstraint(ComponentRelationName));
+        ok &= solved;
+    }
+    readRec(type);
+    readRec(self);
+    return ok;
+}
+
+} // namespace
+
+bool subTableConstr(ModuleRec* module) {
+    const SubRef self = currentRec<KIND_SUB>();
+    if (!isTableColumn()) {
+        recordSubRecError(module, invalidConstraint(TableName),
+                          "Table constraint can be associated only with an ObjectClassFieldType.");
+        return false;
+    }
+    bool ok = checkTable(module, VNodeNr{subRec.left});
+    if (!ok)
+        recordSubRecError(module, invalidConstraint(TableName),
+                          "The ObjectSet in the table constraint is invalid.");
+    const int32_t relation = signedWord(subRec.right);
+    if (relation < 0) {
+        const bool solved = solveAt(module, SNodeNr{magnitude(relation)});
+        readRec(self);
+        subRec.right = solved ? magnitude(relation) : 0;
+        writeRec(self);
+        ok &= solved;
+    }
+    return ok;
+}
+
+} // namespace orvo

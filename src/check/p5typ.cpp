@@ -1,0 +1,188 @@
+// The walk of pass 5 over a type.
+//
+// Every record is checked once, whoever reaches it first: checkState moves from solved to running
+// to done and is never reset. What a check reads besides its record, it puts back; the record under
+// check is current between any two steps.
+
+#include "check/p5typ.h"
+
+#include <utility>
+
+#include "check/orvonum_end.h"
+#include "check/p5sub.h"
+#include "check/p5typ_int.h"
+#include "check/p5val.h"
+#include "diag/orvoerr.h"
+#include "solve/p5actpar.h"
+#include "solve/solve_stx.h"
+#include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
+
+namespace orvo {
+
+P5State p5State;
+
+void recordTNodeError(ModuleRec* module, ErrClass errClass, Msg code, std::string_view detail) {
+    recordError(module, errClass, code, tNode.line, detail);
+}
+
+std::string_view tNodeName() {
+    if (tNode.name == 0) return {};
+    return getStri(recState.currTPtr[KIND_TNODE], tNode.name);
+}
+
+namespace {
+
+/// Starts an empty stack of enclosing structures for a type assignment, and puts the old one back.
+class OwnStruTypeStack {
+  public:
+    explicit OwnStruTypeStack(bool isHead) : isHead_(isHead) {
+        if (isHead_) saved_ = std::exchange(p5State.struTypeStack, NodeList{NODES_TYPE});
+    }
+    OwnStruTypeStack(const OwnStruTypeStack&) = delete;
+    OwnStruTypeStack& operator=(const OwnStruTypeStack&) = delete;
+    ~OwnStruTypeStack() {
+        if (isHead_) p5State.struTypeStack = std::move(saved_);
+    }
+
+  private:
+    bool isHead_;
+    NodeList saved_{NODES_TYPE};
+};
+
+bool isReferenceWithTarget() {
+    return tNode.typeCode == TYP_SYNONYM && tNode.ref != 0 && tNode.refMod > 0;
+}
+
+/// Checks what the current reference leads to; a definition of its own answers for its errors
+/// itself.
+bool checkReferencedType(ModuleRec* module, bool ignorable) {
+    const KeepRec<KIND_TNODE> keep;
+    ModuleRec* const target = refModule(recState.currTPtr[KIND_TNODE], tNode.refMod);
+    if (target == nullptr) return true;
+    readRec(target, TNodeNr{tNode.ref});
+    const bool ownDefinition = magnitude(tNode.compStatus) == TCS_HEADER && tNode.formals == 0;
+    return checkTNode(ownDefinition ? target : module, tNode.typeCode == TYP_SYNONYM, ignorable);
+}
+
+bool checkByKind(ModuleRec* module, bool ignorable) {
+    switch (tNode.typeCode) {
+    case TYP_SEQ:
+    case TYP_SEQOF:
+    case TYP_SET:
+    case TYP_SETOF:
+    case TYP_CHOICE:
+    case TYP_CLASS: return tNode.ref == 0 || checkStruType(module);
+    case TYP_INSTANCE_OF: return checkEmbeddedType(module);
+    case TYP_SYNONYM: return !isReferenceWithTarget() || checkReferencedType(module, ignorable);
+    case TYP_FIELDLIST: return !isObjClassFieldTypeTNode() || checkObjClassFieldType(module);
+    default: return true;
+    }
+}
+
+/// A reference to a set is a set too.
+void checkAndMarkSetTNode(TNodeRef self) {
+    if (isSetTNode()) return;
+    bool isSet = false;
+    uint32_t left = maxRecNr;
+    while (!isSet && left-- != 0) {
+        ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+        if (isReferenceWithTarget()) {
+            ModuleRec* const target = refModule(module, tNode.refMod);
+            if (target == nullptr) break;
+            const TNodeRef next{target, TNodeNr{tNode.ref}};
+            if (next == self) break;
+            readRec(next);
+        } else if (tNode.typeCode != TYP_FIELDLIST || !skipFieldList()) {
+            break;
+        }
+        isSet = isSetTNode();
+    }
+    readRec(self);
+    if (!isSet) return;
+    tNode.nodeFlags |= NF_SET;
+    writeRec(self);
+}
+
+/// The type that governs a default: references are followed where the notation of the field or
+/// component leads elsewhere.
+bool checkDefaultValue(ModuleRec* module) {
+    const KeepRec<KIND_VNODE> keepValue;
+    readRec(recState.currTPtr[KIND_TNODE], VNodeNr{tNode.defaultVal});
+    return checkVNode(module, true, true);
+}
+
+bool checkDefaultType(ModuleRec* module) {
+    const KeepRec<KIND_TNODE> keep;
+    const KeepRec<KIND_VNODE> keepValue;
+    ModuleRec* const own = recState.currTPtr[KIND_TNODE];
+    readRec(own, VNodeNr{tNode.defaultVal});
+    if (vNode.ref == 0) return true;
+    readRec(own, TNodeNr{vNode.ref});
+    if (tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_FIELDLIST) return true;
+    return checkTNode(module, false, false);
+}
+
+bool checkDef(ModuleRec* module) {
+    const bool isTypeField = tNode.typeCode == TYP_OPEN && !isSetTNode() && !isValFieldTNode();
+    const bool ok = isTypeField ? checkDefaultType(module) : checkDefaultValue(module);
+    if (!ok) recordTNodeError(module, ERR_SEMANTIC, Msg::InvalidDefaultValue);
+    return ok;
+}
+
+bool checkParts(ModuleRec* module, bool isReference, SeenTag inner) {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    bool ok = true;
+    if (tNode.constraint > 0) ok &= checkSubRec(module, isReference);
+    readRec(self);
+    if (tNode.namedVals != 0) checkNamedList(module);
+    readRec(self);
+    if (tNode.defaultVal != 0) ok &= checkDef(module);
+    readRec(self);
+    p5State.nextTag = inner;
+    if (tNode.tags != 0) ok &= checkTag(module);
+    if (tNode.typeCode == TYP_CLASS && tNode.syntaxList != 0) ok &= checkUsrDefSyntax();
+    readRec(self);
+    if (tNode.typeCode == TYP_ANY)
+        ok &= checkAnyType(module);
+    else if (tNode.syntax > 0)
+        ok &= checkTNodeActuals(module);
+    readRec(self);
+    return ok;
+}
+
+} // namespace
+
+bool checkTNode(ModuleRec* module, bool isReference, bool ignorable) {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    if (tNode.checkState >= CHECK_RUNNING) {
+        p5State.nextTag = getNextTag();
+        return true;
+    }
+    tNode.checkState = CHECK_RUNNING;
+    writeRec(self);
+    const OwnStruTypeStack ownStack(magnitude(tNode.compStatus) == TCS_HEADER);
+    bool ok = checkByKind(module, ignorable);
+    readRec(self);
+    SeenTag inner = p5State.nextTag;
+    if (!isReferenceWithTarget() && !isObjClassFieldTypeTNode())
+        inner = {TAG_UNIVERSAL, typeArr[tNode.typeCode].tag};
+    checkAndMarkSetTNode(self);
+    ok &= checkParts(module, isReference, inner);
+    if (ok) {
+        setTypeVF();
+        setTNodeEndpoints();
+        readRec(self);
+    }
+    markRecursion(module);
+    if (ignorable && isTypeTNode()) checkIgnorable();
+    readRec(self);
+    checkOptions(module);
+    readRec(self);
+    tNode.checkState = CHECK_DONE;
+    writeRec(self);
+    p5State.nextTag = getNextTag();
+    return ok;
+}
+
+} // namespace orvo

@@ -1,0 +1,217 @@
+// ANY and its classifier, and options of types whose validity depends on other types.
+
+#include <string>
+
+#include "check/p5typ_int.h"
+#include "diag/orvoerr.h"
+#include "options/orvoopt_loc.h"
+#include "symtab/orvosym_imp.h"
+#include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
+
+namespace orvo {
+
+namespace {
+
+bool isComponent() {
+    const uint32_t role = magnitude(tNode.compStatus);
+    return role == TCS_MANDATORY || role == TCS_OPTIONAL;
+}
+
+bool isIdentifying(uint8_t kind) {
+    return kind == TYP_INTEGER || kind == TYP_OBJID;
+}
+
+/// Looks for the component `name` of the structure in `tNode`, which becomes current; `passed`: the
+/// component `any` stands before it or is itself the one.
+bool findClassifyingComp(std::string_view name, TNodeRef any, bool& passed) {
+    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    TNodeRef found;
+    passed = false;
+    uint32_t left = nextRec<KIND_TNODE>(module).nr;
+    for (uint32_t nr = tNode.ref; nr != 0 && left-- != 0; nr = tNode.next) {
+        readRec(module, TNodeNr{nr});
+        const bool isAny = currentRec<KIND_TNODE>() == any;
+        passed |= isAny;
+        if (tNode.name != 0 && getStri(module, tNode.name) == name) {
+            found = currentRec<KIND_TNODE>();
+            break;
+        }
+    }
+    if (!found) {
+        passed = false;
+        readRec(any);
+        skipTypes(false);
+        return false;
+    }
+    return true;
+}
+
+/// The current CHOICE has only alternatives that identify.
+bool hasIdentifyingAlternatives() {
+    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    bool ok = true;
+    forEachTNodeByMod(module, TNodeNr{tNode.ref}, [&] {
+        if (tNode.typeCode == TYP_EXTENSION_MARKER) return;
+        skipTypes(true);
+        ok &= isIdentifying(tNode.typeCode);
+    });
+    return ok;
+}
+
+/// The classifier in `tNode` identifies a type; a finding stands at the ANY.
+bool checkClassifyingComp(ModuleRec* module, uint32_t line) {
+    skipTypes(true);
+    if (isIdentifying(tNode.typeCode)) return true;
+    const bool isChoice = tNode.typeCode == TYP_CHOICE;
+    if (isChoice && hasIdentifyingAlternatives()) return true;
+    const bool isError = isChoice || run.strict_standard;
+    recordError(module, isError ? ERR_SEMANTIC : ERR_WARNING, Msg::InvalidAnyClassifier, line);
+    return !isError;
+}
+
+/// Stores the classifier in the identifier's record.
+void resolveClassifier(ModuleRec* module, SNodeNr identifier, TNodeRef classifier) {
+    const KeepRec<KIND_SNODE> keep;
+    readRec(module, identifier);
+    sNode.module = handleImplImports(module, classifier.module);
+    sNode.value = static_cast<int32_t>(classifier.nr.nr);
+    writeRec(module, identifier);
+}
+
+/// The name that DEFINED BY gives; for a classifier that was found already, that component's.
+std::string_view classifierName(ModuleRec* module, SNodeNr identifier) {
+    const KeepRec<KIND_SNODE> keep;
+    readRec(module, identifier);
+    if (sNode.module == 0) return getStri(module, sNode.value);
+    const KeepRec<KIND_TNODE> keepType;
+    ModuleRec* const owner = getModPtr(module, sNode.module);
+    readRec(owner, TNodeNr{static_cast<uint32_t>(sNode.value)});
+    return getStri(owner, tNode.name);
+}
+
+/// DEFINED BY in a component of the structure that encloses it.
+bool checkDefinedBy(ModuleRec* module) {
+    const KeepRec<KIND_TNODE> keep;
+    const TNodeRef any = currentRec<KIND_TNODE>();
+    const uint32_t line = tNode.line;
+    const SNodeNr identifier{static_cast<uint32_t>(tNode.syntax)};
+    const std::string_view name = classifierName(any.module, identifier);
+    if (!innerEnclStru(p5State.struTypeStack)) return false;
+    bool passed = false;
+    if (!findClassifyingComp(name, any, passed)) {
+        recordError(module, ERR_SEMANTIC, Msg::ClassifierForAnyNotFound, line, name);
+        return false;
+    }
+    bool ok = !passed;
+    if (passed) recordError(module, ERR_SEMANTIC, Msg::ClassifierAndAnyInReverseOrder, line, name);
+    resolveClassifier(any.module, identifier, currentRec<KIND_TNODE>());
+    ok &= checkClassifyingComp(module, line);
+    return ok;
+}
+
+} // namespace
+
+bool checkAnyType(ModuleRec* module) {
+    if (tNode.syntax <= 0) {
+        if (isComponent())
+            recordTNodeError(module, ERR_WARNING, Msg::AnyWithoutDefinedByIsDeprecated);
+        return true;
+    }
+    if (!isComponent()) {
+        recordTNodeError(module, ERR_SEMANTIC, Msg::AnyDefinedByAllowedOnlyWithinSequenceSet);
+        return false;
+    }
+    return checkDefinedBy(module);
+}
+
+namespace {
+
+/// The value of an ANY= option identifies: its kind, and whether it is an alternative of a CHOICE
+/// value.
+bool readClassifyingValue(ModuleRec* module, std::string_view name, uint8_t& kind, bool& inChoice) {
+    const KeepRec<KIND_VNODE> keep;
+    if (!findValueById(module, name)) return false;
+    skipValues(true);
+    inChoice = vNode.valCode == TYP_CHOICE;
+    if (inChoice && vNode.ref != 0) {
+        readRec(recState.currTPtr[KIND_VNODE], VNodeNr{vNode.ref});
+        skipValues(true);
+    }
+    kind = vNode.valCode;
+    return isIdentifying(kind);
+}
+
+/// The classifier of the current ANY component admits a value of that kind.
+bool classifierAdmits(uint8_t kind, bool inChoice) {
+    if (tNode.typeCode != TYP_ANY || tNode.syntax <= 0 || !isComponent()) return true;
+    const KeepRec<KIND_TNODE> keep;
+    const KeepRec<KIND_SNODE> keepEntry;
+    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    readRec(module, SNodeNr{static_cast<uint32_t>(tNode.syntax)});
+    if (sNode.module == 0) return true;
+    readRec(getModPtr(module, sNode.module), TNodeNr{static_cast<uint32_t>(sNode.value)});
+    skipTypes(true);
+    return tNode.typeCode == (inChoice ? static_cast<uint8_t>(TYP_CHOICE) : kind);
+}
+
+bool isEntryType(ModuleRec* module, std::string_view name) {
+    const KeepRec<KIND_TNODE> keep;
+    return findTypeById(module, name) && (tNode.optFlags & OPTF_ENTRY) != 0;
+}
+
+std::string storedName(std::string_view name) {
+    std::string stored(name);
+    for (char& c : stored)
+        if (c == '-') c = '_';
+    return stored;
+}
+
+/// What is wrong with the value of an ANY= option; empty when nothing is.
+std::string_view anyOptionFault(ModuleRec* module, std::string_view value) {
+    std::string_view typeName;
+    std::string_view valueName;
+    if (!parseAnyOption(value, typeName, valueName)) return "Invalid ANY option value syntax.";
+    uint8_t kind = TYP_NONE;
+    bool inChoice = false;
+    if (!readClassifyingValue(module, storedName(valueName), kind, inChoice))
+        return "ANY option: Invalid classifying value.";
+    if (!classifierAdmits(kind, inChoice)) return "ANY option: Invalid entry type.";
+    if (!isEntryType(module, storedName(typeName)))
+        return "ANY option: The entry type does not reside in the same module.";
+    return {};
+}
+
+void checkAnyDefByOption(ModuleRec* module) {
+    constexpr std::string_view option = "$ANY=";
+    ModuleRec* const own = recState.currTPtr[KIND_TNODE];
+    const KeepRec<KIND_TED> keep;
+    for (uint32_t nr = tNode.tedFirst; nr != 0 && nr <= tNode.tedLast; ++nr) {
+        readRec(own, TedNr{nr});
+        const std::string_view text = getStri(own, StriNr{tedRec.text});
+        if (!text.starts_with(option)) continue;
+        const std::string_view fault = anyOptionFault(own, text.substr(option.size()));
+        if (fault.empty()) continue;
+        tedRec.text = putStri(own, "?" + std::string(text.substr(1))).nr;
+        writeRec(own, TedNr{nr});
+        recordTNodeError(module, ERR_WARNING, Msg::OptionsIgnored, fault);
+    }
+}
+
+} // namespace
+
+void checkOptions(ModuleRec* module) {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    if ((tNode.optFlags & OPTF_ANY) != 0) checkAnyDefByOption(module);
+    if ((tNode.optFlags & OPTF_ENTRY) == 0) return;
+    skipTypes(true);
+    const bool isClass = isClassCode(tNode.typeCode);
+    readRec(self);
+    if (!isClass) return;
+    recordTNodeError(module, ERR_WARNING, Msg::OptionsIgnored,
+                     "An object class can not be marked as an entry.");
+    tNode.optFlags &= ~uint32_t{OPTF_ENTRY};
+    writeRec(self);
+}
+
+} // namespace orvo

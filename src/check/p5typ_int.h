@@ -1,0 +1,57 @@
+#pragma once
+
+// What the units of the walk over types share among themselves. All functions work on the current
+// type record and leave it current.
+
+#include "check/p5typ.h"
+
+namespace orvo {
+
+/// Records an error or warning at the line of the current type record.
+void recordTNodeError(ModuleRec* module, ErrClass errClass, Msg code, std::string_view detail = {});
+/// The name of the current type record; data() is null when it has none.
+std::string_view tNodeName();
+
+// ---- p5typ_comp
+/// Structures and classes: components, their identifiers and tags, extension markers.
+[[nodiscard]] bool checkStruType(ModuleRec* module);
+
+// ---- p5typ_cls
+/// The current record is a field specification of the class: UNIQUE, optionality, links to the
+/// class.
+[[nodiscard]] bool checkFieldSpec(ModuleRec* module, TNodeRef classNode);
+[[nodiscard]] bool checkEmbeddedType(ModuleRec* module);
+[[nodiscard]] bool checkObjClassFieldType(ModuleRec* module);
+
+// ---- p5typ_any
+[[nodiscard]] bool checkAnyType(ModuleRec* module);
+/// ANY= options and ENTRY on classes; findings are warnings.
+void checkOptions(ModuleRec* module);
+
+/// One entry of a component list, COMPONENTS OF and extension addition groups in place.
+struct CompEntry {
+    TNodeRef record;       // the component, or the COMPONENTS OF entry that brought it in
+    std::string_view name; // empty when there is none
+    int32_t compStatus = 0;
+    SeenTag tag;
+    std::vector<SeenTag> alternatives; // of an untagged CHOICE: the tags of all its alternatives
+    bool isOpen = false; // its type is open: ANY, an open type, a field reference to one
+};
+/// Compares the tags of the entries of a structure with those of earlier entries.
+class TagComparison {
+  public:
+    explicit TagComparison(uint8_t kind) : sequence_(kind == TYP_SEQ), kind_(kind) {}
+    /// Checks the next entry; true when its tag is distinct. `isLast`: no entry follows.
+    [[nodiscard]] bool distinctCompTag(ModuleRec* module, const CompEntry& entry, bool isLast);
+
+  private:
+    const SeenTag* tagInDynaList(const CompEntry& entry) const;
+
+    bool sequence_;
+    uint8_t kind_;
+    uint32_t count_ = 0;
+    std::unordered_map<uint64_t, uint32_t>
+        earlier_; // tag -> place of the nearest earlier entry that has it
+};
+
+} // namespace orvo

@@ -1,0 +1,174 @@
+// Named numbers, named bits and enumeration items (X.680 (07/2002) clauses 18, 19 and 21).
+
+#include <algorithm>
+#include <climits>
+#include <unordered_set>
+
+#include "check/p5typ_int.h"
+#include "diag/orvoerr.h"
+#include "diag/orvoerr_fatal.h"
+#include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
+
+namespace orvo {
+
+namespace {
+
+enum class EntrySort { Numbered, Valueless, Marker };
+
+EntrySort entrySort(std::string_view fault) {
+    switch (vNode.valCode) {
+    case TYP_INTEGER:
+    case TYP_BITSTR:
+    case TYP_SYNONYM: return EntrySort::Numbered;
+    case TYP_ENUM: return EntrySort::Valueless;
+    case TYP_EXTENSION_MARKER: return EntrySort::Marker;
+    default: fatalError(Fatal::Internal, fault);
+    }
+}
+
+/// The current type's list, and whom errors are charged to.
+struct NamedList {
+    ModuleRec* errors = nullptr;
+    ModuleRec* module = nullptr;
+    VNodeNr first;
+    bool isBitString = false;
+};
+
+/// Calls fn for each entry, which is the current value record.
+template <typename Fn> void forEachEntry(const NamedList& list, Fn&& fn) {
+    uint32_t left = nextRec<KIND_VNODE>(list.module).nr;
+    for (uint32_t nr = list.first.nr; nr != 0 && left-- != 0;) {
+        readRec(list.module, VNodeNr{nr});
+        nr = vNode.next;
+        fn();
+    }
+}
+
+void report(const NamedList& list, Msg code) {
+    const std::string_view name =
+        vNode.name == 0 ? std::string_view() : getStri(list.module, vNode.name);
+    recordError(list.errors, ERR_SEMANTIC, code, vNode.line, name);
+}
+
+/// The number of the current entry; false when it leads to no INTEGER.
+bool numberOf(int64_t& number) {
+    const KeepRec<KIND_VNODE> keep;
+    skipValues(true);
+    if (vNode.valCode != TYP_INTEGER && vNode.valCode != TYP_BITSTR) return false;
+    number = i64native(vNode.val.number);
+    return true;
+}
+
+/// A number, or a value that leads to one; no bit has a negative number.
+void signedNumOrDefVal(const NamedList& list) {
+    int64_t number = 0;
+    if (numberOf(number) && !(list.isBitString && number < 0)) return;
+    report(list, invalidValue(TYP_INTEGER));
+}
+
+/// The numbers that a scan for a collision covers, so far.
+struct Numbers {
+    std::unordered_set<int64_t> used;
+    void addCurrent() {
+        int64_t number = 0;
+        if (vNode.valCode != TYP_ENUM && vNode.valCode != TYP_EXTENSION_MARKER && numberOf(number))
+            used.insert(number);
+    }
+};
+
+/// Gives the current item the first number from the counter on that no other one has.
+void numberItem(const NamedList& list, Numbers& numbers, int64_t& counter) {
+    while (numbers.used.contains(counter)) {
+        if (counter >= INT32_MAX) {
+            report(list, invalidValue(TYP_INTEGER));
+            break;
+        }
+        ++counter;
+    }
+    vNode.valCode = TYP_INTEGER;
+    vNode.val.number = i64of(counter);
+    writeCurrent<KIND_VNODE>();
+    numbers.used.insert(counter);
+    if (counter < INT64_MAX) ++counter;
+}
+
+/// Numbers the items that have none: those of the root among all numbered ones of the root, those
+/// behind the marker among the items before them (X.680 (07/2002) 19.3 and 19.6).
+void valuelessEnum(const NamedList& list) {
+    Numbers numbers;
+    bool inRoot = true;
+    forEachEntry(list, [&] {
+        inRoot &= vNode.valCode != TYP_EXTENSION_MARKER;
+        if (inRoot) numbers.addCurrent();
+    });
+    int64_t counter = 0;
+    inRoot = true;
+    forEachEntry(list, [&] {
+        const EntrySort sort = entrySort("Unexpected named number category.");
+        if (sort == EntrySort::Marker) {
+            inRoot = false;
+        } else if (sort == EntrySort::Valueless) {
+            numberItem(list, numbers, counter);
+        } else if (!inRoot) {
+            numbers.addCurrent();
+            int64_t number = 0;
+            if (numberOf(number) && number < INT64_MAX) counter = number + 1;
+        }
+    });
+}
+
+void checkDuplicateValue(const NamedList& list) {
+    std::unordered_set<int64_t> seen;
+    forEachEntry(list, [&] {
+        int64_t number = 0;
+        if (entrySort("Unexpected named number category.") != EntrySort::Numbered ||
+            !numberOf(number))
+            return;
+        if (!seen.insert(number).second) report(list, Msg::NonDistinctValueInNamedNumberBitList);
+    });
+}
+
+/// Behind the extension marker values do not decrease.
+void checkExtensionOrder(const NamedList& list) {
+    bool inRoot = true;
+    int64_t largest = INT32_MIN;
+    forEachEntry(list, [&] {
+        int64_t number = 0;
+        if (vNode.valCode == TYP_EXTENSION_MARKER) {
+            inRoot = false;
+        } else if (!inRoot && numberOf(number)) {
+            if (number < largest) report(list, Msg::NonAscendingValueInExtensionAddition);
+            largest = std::max(largest, number);
+        }
+    });
+}
+
+} // namespace
+
+void checkNamedList(ModuleRec* module) {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    const KeepRec<KIND_VNODE> keepValue;
+    const NamedList list{module, self.module, VNodeNr{tNode.namedVals},
+                         tNode.typeCode == TYP_BITSTR};
+    bool extensible = false;
+    bool valueless = false;
+    forEachEntry(list, [&] {
+        vNode.govTypeMod = REF_OWN;
+        writeCurrent<KIND_VNODE>();
+        switch (entrySort("Unrecognized named number category.")) {
+        case EntrySort::Numbered: signedNumOrDefVal(list); break;
+        case EntrySort::Valueless: valueless = true; break;
+        case EntrySort::Marker: extensible = true; break;
+        }
+    });
+    if (valueless) valuelessEnum(list);
+    checkDuplicateValue(list);
+    if (extensible) checkExtensionOrder(list);
+    readRec(self);
+    if (!extensible) return;
+    tNode.checkFlags |= CF_EXTENSIBLE;
+    writeRec(self);
+}
+
+} // namespace orvo
