@@ -1,7 +1,9 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <new>
-#include <string>
 
 #include "diag/orvoerr_fatal.h"
 #include "driver/orvo.h"
@@ -22,19 +24,30 @@ int runCompiler(void* argument) {
     return orvo::orvo_main(arguments->count, arguments->values);
 }
 
+/// A standard stream that is closed would lend its number to the first file opened, and what is
+/// meant for the terminal would end up in a listing.
+void occupyStandardStreams() {
+    int fd = 0;
+    while (fd >= 0 && fd <= 2) fd = open("/dev/null", O_RDWR);
+    if (fd > 2) close(fd);
+}
+
+void echoArguments(int argc, char** argv) {
+    for (int i = 0; i < argc; ++i) {
+        std::fputs(argv[i], stderr);
+        std::fputc(' ', stderr);
+    }
+    std::fputc('\n', stderr);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    occupyStandardStreams();
     std::set_new_handler([] { orvo::fatalError(orvo::Fatal::NoSpace); });
     // Progress lines appear as they are written, also when the output goes to a file or a pipe.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
-    if (std::getenv("VEXO_PRINT_ASN_OPTIONS") != nullptr) {
-        for (int i = 0; i < argc; ++i) {
-            std::fputs(argv[i], stderr);
-            std::fputc(' ', stderr);
-        }
-        std::fputc('\n', stderr);
-    }
+    if (std::getenv("VEXO_PRINT_ASN_OPTIONS") != nullptr) echoArguments(argc, argv);
     Arguments arguments{argc, argv};
     return orvo::runOnStack(stackSize, runCompiler, &arguments);
 }

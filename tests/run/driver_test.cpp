@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "support/run.h"
+#include "support/tree.h"
 
 namespace orvo::test {
 namespace {
@@ -59,6 +60,47 @@ TEST(Driver, OneFaultyModuleKeepsPassFiveFromAllButNotTheTrees) {
     EXPECT_TRUE(run.has("m.stx"));
     EXPECT_FALSE(run.has("bad.stx"));
     EXPECT_NE(run.out.find("\nTotal errors:\n\nSyntax errors     : 0\n"), std::string::npos);
+}
+
+TEST(Driver, ModuleNodesDescribeTheModulesReferredTo) {
+    const SourceFile user = {"asn/m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                                          "EXPORTS ;\n"
+                                          "IMPORTS A, B FROM Other-Mod V FROM Third;\n"
+                                          "T ::= A\nU ::= V\nEND\n"};
+    const SourceFile other = {"asn/oth.asn",
+                              "Other-Mod DEFINITIONS ::= BEGIN\n"
+                              "IMPORTS ;\nA ::= NULL\nB ::= NULL\nv A ::= NULL\nEND\n"};
+    const SourceFile third = {"third.asn", "Third DEFINITIONS ::= BEGIN\nV ::= Other-Mod.A\nEND\n"};
+    const RunResult run = runOrvo({user, other, third},
+                                  {"-PREFIX=Other-Mod:oth:gen", "-VERBOSE=NONE", "-A=asn", "m"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const TreeFacts facts(run, "m");
+    const stx::Tree& tree = facts.tree();
+    ASSERT_EQ(tree.mNode(1).recCount[stx::MNODE], 3U);
+
+    const stx::MNode own = tree.mNode(1);
+    EXPECT_EQ(tree.text(own.modName), "M");
+    EXPECT_EQ(own.stxName, 0U);
+    EXPECT_EQ(own.exportsState, 1); // EXPORTS ;
+    EXPECT_EQ(own.importsState, 2); // a list
+    EXPECT_EQ(own.automaticTags, 1);
+    EXPECT_EQ(tree.text(own.srcDir), "asn/");
+    EXPECT_EQ(tree.text(own.srcFile), "m.asn");
+    EXPECT_EQ(own.modTimeStamp.version, 213);
+
+    const stx::MNode imported = tree.mNode(2);
+    EXPECT_EQ(tree.text(imported.modName), "Other_Mod");
+    EXPECT_EQ(tree.text(imported.stxName), "gen");
+    EXPECT_EQ(imported.importsState, 0x21); // by IMPORTS; has "IMPORTS ;" itself
+    EXPECT_EQ(imported.exportsState, 0);
+    EXPECT_EQ(imported.automaticTags, 0);
+    EXPECT_EQ(imported.recCount[stx::TNODE],
+              TreeFacts(run, "gen").tree().mNode(1).recCount[stx::TNODE]);
+    EXPECT_NE(imported.firstTypeAss, 0U);
+    EXPECT_NE(imported.firstValAss, 0U);
+
+    EXPECT_EQ(tree.text(tree.mNode(3).stxName), "third");
+    EXPECT_EQ(TreeFacts(run, "third").tree().mNode(2).importsState, 0x11); // by Other-Mod.A
 }
 
 TEST(Driver, ASyntaxErrorSkipsTheLaterPasses) {
