@@ -20,7 +20,8 @@ static_assert(sizeof(I64) == 8 && alignof(I64) == 4);
 
 /// The pair as a native integer, and back.
 constexpr int64_t i64native(I64 v) {
-    return static_cast<int64_t>((static_cast<uint64_t>(static_cast<uint32_t>(v.high)) << 32) | v.low);
+    return static_cast<int64_t>((static_cast<uint64_t>(static_cast<uint32_t>(v.high)) << 32) |
+                                v.low);
 }
 constexpr I64 i64of(int64_t v) {
     const auto bits = static_cast<uint64_t>(v);
@@ -29,13 +30,27 @@ constexpr I64 i64of(int64_t v) {
 
 // Sums, differences and products are modulo 2^64.
 
-constexpr I64 i64make(int32_t high, uint32_t low) { return {high, low}; }
-constexpr I64 i64ltosint64(int32_t v) { return i64of(v); }
-constexpr I64 i64ultosint64(uint32_t v) { return i64of(v); }
-constexpr int32_t i64hi(I64 v) { return v.high; }
-constexpr uint32_t i64lo(I64 v) { return v.low; }
-constexpr I64 i64max() { return {INT32_MAX, UINT32_MAX}; }
-constexpr I64 i64min() { return {INT32_MIN, 0}; }
+constexpr I64 i64make(int32_t high, uint32_t low) {
+    return {high, low};
+}
+constexpr I64 i64ltosint64(int32_t v) {
+    return i64of(v);
+}
+constexpr I64 i64ultosint64(uint32_t v) {
+    return i64of(v);
+}
+constexpr int32_t i64hi(I64 v) {
+    return v.high;
+}
+constexpr uint32_t i64lo(I64 v) {
+    return v.low;
+}
+constexpr I64 i64max() {
+    return {INT32_MAX, UINT32_MAX};
+}
+constexpr I64 i64min() {
+    return {INT32_MIN, 0};
+}
 
 /// The value as a signed 32-bit number; false and 2147483647 when it is none.
 bool i64tol(I64 v, int32_t& out);
@@ -65,7 +80,7 @@ I64 i64neg(I64 v);
 bool i64iszero(I64 v);
 bool i64ismax(I64 v);
 bool i64ismin(I64 v);
-bool i64ispos(I64 v);  // greater than 0
+bool i64ispos(I64 v); // greater than 0
 bool i64isneg(I64 v);
 /// -1, 0 or 1.
 int i64cmp(I64 a, I64 b);
@@ -86,4 +101,4 @@ std::string i64tostr(I64 v);
 /// small.
 char* i64tostr(I64 v, char* buffer, size_t size);
 
-}  // namespace orvo
+} // namespace orvo

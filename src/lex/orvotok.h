@@ -1,7 +1,7 @@
 #pragma once
 
-// Token codes and token records. Token records live in an arena for the whole run: deferred texts and
-// the replay cursor hold their numbers.
+// Token codes and token records. Token records live in an arena for the whole run: deferred texts
+// and the replay cursor hold their numbers.
 
 #include <cstdint>
 #include <string_view>
@@ -14,7 +14,7 @@ namespace orvo {
 enum TokenCode : int32_t {
 #define TOKEN(code, name, spelling) TOK_##name = code,
 #include "lex/tokens.def"
-    TOK_OUT_OF_TABLE = 149,  // what a code outside the table is replaced by
+    TOK_OUT_OF_TABLE = 149, // what a code outside the table is replaced by
 };
 /// Spelling of each token as messages show it; empty = none.
 inline constexpr std::string_view gMGTabInp[] = {
@@ -25,7 +25,8 @@ inline constexpr int tokenCount = 149;
 static_assert(std::size(gMGTabInp) == tokenCount);
 inline constexpr int firstReservedWord = TOK_ABSENT, lastReservedWord = TOK_WITH;
 inline constexpr int firstTypeName = TOK_ABSTRACT_SYNTAX, lastTypeName = TOK_VISIBLESTRING;
-static_assert(firstReservedWord == 11 && lastReservedWord == 70 && firstTypeName == 131 && lastTypeName == 148);
+static_assert(firstReservedWord == 11 && lastReservedWord == 70 && firstTypeName == 131 &&
+              lastTypeName == 148);
 static_assert(std::is_sorted(gMGTabInp + firstReservedWord, gMGTabInp + lastReservedWord + 1));
 static_assert(std::is_sorted(gMGTabInp + firstTypeName, gMGTabInp + lastTypeName + 1));
 
@@ -34,8 +35,8 @@ constexpr std::string_view tokenName(int32_t code) {
     return code >= 0 && code < tokenCount ? gMGTabInp[code] : std::string_view();
 }
 
-/// First and last option record of a list; its records have consecutive numbers. A range that was handed
-/// over is reset to first -1, last 0.
+/// First and last option record of a list; its records have consecutive numbers. A range that was
+/// handed over is reset to first -1, last 0.
 struct OptRange {
     int32_t first = -1;
     int32_t last = 0;
@@ -49,9 +50,9 @@ struct TokNr {
 };
 
 struct Token {
-    int32_t code = 0;      // TOK_*
-    int32_t lexError = 0;  // 0 or the number of the lexical error found in the token
-    I64 value;             // a number; names and strings: the string number (see stri)
+    int32_t code = 0;     // TOK_*
+    int32_t lexError = 0; // 0 or the number of the lexical error found in the token
+    I64 value;            // a number; names and strings: the string number (see stri)
     uint32_t line = 0;
     uint32_t optFlags = 0; // bit k: a `$` command of kind k in the comments before the token
     OptRange options;      // the option records made from those comments
@@ -63,13 +64,15 @@ struct Token {
     constexpr void setStri(int32_t nr) { value = {nr < 0 ? -1 : 0, static_cast<uint32_t>(nr)}; }
 };
 
-/// A new token record, all zero. The arena keeps records for the whole run; fatal 5 when memory runs out.
+/// A new token record, all zero. The arena keeps records for the whole run; fatal 5 when memory
+/// runs out.
 TokNr newToken();
-/// Hands a record back for reuse by newToken; only for records that no list or range holds any more.
+/// Hands a record back for reuse by newToken; only for records that no list or range holds any
+/// more.
 void freeToken(TokNr nr);
 /// The record of a number (asserted to be valid). The reference stays valid for the whole run.
 Token& tokenAt(TokNr nr);
 /// Forgets all records (tests, fuzzing).
 void resetTokens();
 
-}  // namespace orvo
+} // namespace orvo

@@ -159,21 +159,6 @@ TEST_F(ParserTest, InsertedTokenLeavesWhatIsBehindItUnchanged) {
     EXPECT_EQ(lookAhead(20).code, TOK_EOF);
 }
 
-TEST_F(ParserTest, PairedBracketsAreTakenApart) {
-    startAt("[[ ]] x");
-    splitVersionBrackets();
-    EXPECT_EQ(parserState.Inp.code, TOK_LBRACKET);
-    ReadIn();
-    EXPECT_EQ(parserState.Inp.code, TOK_LBRACKET);
-    ReadIn();
-    splitVersionBrackets();
-    ReadIn();
-    EXPECT_EQ(parserState.Inp.code, TOK_RBRACKET);
-    ReadIn();
-    splitVersionBrackets();
-    EXPECT_EQ(parserState.Inp.code, TOK_VALUEID);
-}
-
 TEST_F(ParserTest, ValueIsOneRangeWithMarkersForTypes) {
     parseBody("v T ::= { a 1, b SEQUENCE { c INTEGER (0..5) DEFAULT 3 }, d x < U } "
               "T ::= NULL U ::= NULL");

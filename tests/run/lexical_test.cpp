@@ -61,15 +61,6 @@ TEST(LexicalErrors, NamesAreCutWithAWarning) {
               "  ** WARNING  line   3 : More than 128 characters in: typeid\n");
 }
 
-TEST(LexicalErrors, StringsAreCut) {
-    const auto source = [](size_t length) {
-        return "M DEFINITIONS ::= BEGIN v IA5String ::= \"" + std::string(length, 'x') + "\" END";
-    };
-    EXPECT_EQ(compile({{"m.asn", source(32000)}}).status, 0);
-    EXPECT_EQ(compile({{"m.asn", source(32001)}}).diagnostics("m"),
-              " *** ERROR on line   1 : More than 32000 characters in: cstring\n");
-}
-
 TEST(LexicalErrors, ForeignBytesOutsideCommentsAreErrors) {
     EXPECT_EQ(compile({{"m.asn", "\xEF\xBB\xBFM DEFINITIONS ::= BEGIN END"}}).diagnostics("m"),
               " *** ERROR on line   1 : Lexical error before: typeid\n");
@@ -78,11 +69,6 @@ TEST(LexicalErrors, ForeignBytesOutsideCommentsAreErrors) {
     const auto run = compile({{"m.asn", "M\r\nDEFINITIONS ::=\fBEGIN -- \xE4\0 --\r\nEND\x0B"s}});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.diagnostics("m"), "");
-}
-
-TEST(LexicalErrors, UnreadableSourceIsFatal) {
-    const auto run = runOrvo({{"m.asn/x", ""}}, {"m.asn"});
-    EXPECT_EQ(run.status, 2);
 }
 
 } // namespace
