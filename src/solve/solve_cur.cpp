@@ -267,27 +267,26 @@ void restoreNoted(ModuleRec* module, const Mark& note, const ModuleMarks& marks)
     if (hasGrown(module, to)) restoreModule(module, to);
 }
 
-/// Takes the innermost trial's note of a module away; what it says passes on to the enclosing trial
-/// when the trial is kept. True when the module is now one of the enclosing trial's.
-bool endNote(ModuleRec* module, bool kept) {
+/// Takes the innermost trial's note of a module away. `inherit`: the enclosing trial takes it over
+/// unless it has one of its own. True when it did.
+bool endNote(ModuleRec* module, bool inherit) {
     ModuleMarks& marks = snapState.modules[module];
     Mark note = marks.notes.back();
     marks.notes.pop_back();
-    if (!kept) restoreNoted(module, note, marks);
     while (!marks.pins.empty() && marks.pins.back().trial >= note.trial) marks.pins.pop_back();
     const uint32_t outer = note.trial - 1;
-    const bool inherits =
-        kept && outer != 0 && (marks.notes.empty() || marks.notes.back().trial != outer);
-    if (inherits) {
+    inherit = inherit && outer != 0 && (marks.notes.empty() || marks.notes.back().trial != outer);
+    if (inherit) {
         note.trial = outer;
         marks.notes.push_back(note);
     }
     module->touchedIn = marks.notes.empty() ? 0 : marks.notes.back().trial;
-    return inherits;
+    return inherit;
 }
 
 /// Ends the innermost trial. The modules in which it has created records are handed out when it is
-/// kept.
+/// kept. A module that was only visited needs no note any more: it gets another one when it is
+/// visited again.
 std::vector<ModuleRec*> endTrial(bool kept) {
     std::vector<ModuleRec*> grown;
     const size_t start = snapState.starts.back();
@@ -295,9 +294,12 @@ std::vector<ModuleRec*> endTrial(bool kept) {
     flushRecs(-1);
     for (size_t i = start; i < snapState.touched.size(); ++i) {
         ModuleRec* const module = snapState.touched[i];
-        if (kept && hasGrown(module, snapState.modules[module].notes.back().counters))
-            grown.push_back(module);
-        if (endNote(module, kept)) snapState.touched[inherited++] = module;
+        const ModuleMarks& marks = snapState.modules[module];
+        const bool hasNew = kept && hasGrown(module, marks.notes.back().counters);
+        if (hasNew) grown.push_back(module);
+        if (!kept) restoreNoted(module, marks.notes.back(), marks);
+        if (endNote(module, hasNew || (kept && module == cMP)))
+            snapState.touched[inherited++] = module;
     }
     snapState.touched.resize(inherited);
     snapState.starts.pop_back();

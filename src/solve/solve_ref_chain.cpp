@@ -7,9 +7,6 @@
 
 #include "solve/solve_ref.h"
 
-#include <set>
-#include <unordered_map>
-
 #include "solve/solve_cur.h"
 #include "solve/solve_par.h"
 #include "solve/solve_pass3.h"
@@ -22,12 +19,6 @@
 namespace orvo {
 
 namespace {
-
-struct FoundState {
-    // Prepared lists with COMPONENTS OF or extension addition groups, by first component.
-    std::unordered_map<ModuleRec*, std::set<uint32_t>> prepared;
-};
-FoundState foundState;
 
 using SNodeRef = RecRef<KIND_SNODE>;
 
@@ -211,8 +202,7 @@ namespace {
 using Lists = std::vector<TNodeRef>;
 
 void noteList(Lists& lists, TNodeRef first) {
-    if (first.nr && foundState.prepared[first.module].insert(first.nr.nr).second)
-        lists.push_back(first);
+    if (first.nr && first.module->preparedLists.insert(first.nr.nr).second) lists.push_back(first);
 }
 
 /// The current component: what it brings in is to be prepared too.
@@ -251,9 +241,7 @@ bool findValueCompId(uint8_t /*kind*/, ModuleRec* module, VNodeNr first, std::st
 }
 
 void forgetFoundComps(ModuleRec* module) {
-    const auto found = foundState.prepared.find(module);
-    if (found == foundState.prepared.end()) return;
-    std::set<uint32_t>& lists = found->second;
+    std::set<uint32_t>& lists = module->preparedLists;
     lists.erase(lists.lower_bound(module->nextRecNr[KIND_TNODE]), lists.end());
 }
 

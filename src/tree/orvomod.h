@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <deque>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -172,6 +173,7 @@ struct ModuleRec {
     std::vector<ErrRec> errors;                  // sorted by line, then order of recording
     std::FILE* srcFile = nullptr;                // open during pass 1 and during the listing
     std::FILE* lstFile = nullptr;                // open during the listing
+    std::set<uint32_t> preparedLists;            // component lists that solve/solve_ref has prepared
     uint64_t touchedIn = 0;                      // the trial parse that has noted the counters
     std::unique_ptr<RecPages, RecPagesDeleter> recDir[kindCount];
     std::unique_ptr<StriCacheRec, StriCacheDeleter> striCache;
