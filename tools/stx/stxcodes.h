@@ -161,7 +161,9 @@ enum CheckFlags : uint16_t {
 /// Tokens of syntax list entries that readers must tell apart; the other codes are literal words.
 enum Token : uint8_t {
     TOK_COMMA = 91,
+    TOK_DOT = 92,
     TOK_LBRACKET = 98,
+    TOK_AT = 105,
     TOK_NUMBER = 120,
     TOK_VALUEID = 121,
     TOK_TYPEID = 122,

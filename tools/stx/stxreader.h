@@ -60,6 +60,9 @@ struct TNode { // a type, component, field, formal parameter or the head of a ty
     int64_t lowerBound = 0, upperBound = 0;
     /// TCS_* whatever its sign.
     int64_t role() const { return compStatus < 0 ? -int64_t{compStatus} : compStatus; }
+    /// A parameterized definition: it is not solved, only its instances are (their heads have the
+    /// parameters too, and the role negated).
+    bool isParameterized() const { return formals != 0 && compStatus >= 0; }
 };
 struct VNode { // a value, named number, component value, DEFAULT value or head of a value
                // assignment

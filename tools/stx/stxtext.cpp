@@ -29,6 +29,7 @@ struct Level {
     Level& operator=(const Level&) = delete;
 };
 
+void writeType(Writer& writer, TypeRef type);
 void writeValue(Writer& writer, ValueRef value);
 void writeSub(Writer& writer, const Tree& tree, uint32_t nr);
 
@@ -128,24 +129,62 @@ void writeList(Writer& writer, ValueRef value, bool names) {
     writer.out += '}';
 }
 
-std::string typeName(Trees& trees, TypeRef type) {
-    if (!type) return "(none)";
-    const TNode node = type.node();
-    if (node.typeCode == TYP_SYNONYM)
-        return refName(trees, *type.tree, refOf(*type.tree, TNODE, type.nr));
-    if (node.typeCode == TYP_FIELDLIST) {
-        const Link link = refOf(*type.tree, TNODE, type.nr);
-        std::string error;
-        const TypeRef base = typeOf(trees, *type.tree, link, error);
-        const uint8_t code = base.node().typeCode;
-        std::string text(asnName(code));
-        if (code == TYP_SYNONYM)
-            text = refName(trees, *base.tree, refOf(*base.tree, TNODE, base.nr));
-        else if (text.empty())
-            text = refName(trees, *type.tree, link);
-        return text + fieldChain(trees, *type.tree, node.syntax);
+/// "P {5, BOOLEAN}": a reference by name; one to a nameless type (an actual parameter) by that
+/// type.
+void writeSynonym(Writer& writer, TypeRef type) {
+    const Link link = refOf(*type.tree, TNODE, type.nr);
+    std::string error;
+    const TypeRef target = typeOf(writer.trees, *type.tree, link, error);
+    if (target && target.node().name == 0) return writeType(writer, target);
+    writer.out += refName(writer.trees, *type.tree, link);
+    bool first = true;
+    for (const uint32_t nr : listFrom(*type.tree, VNODE, type.node().syntax)) {
+        if (writer.full()) return;
+        writer.out += first ? " {" : ", ";
+        first = false;
+        writeValue(writer, {type.tree, nr});
     }
-    return std::string(asnName(node.typeCode));
+    if (!first) writer.out += '}';
+}
+
+/// "C.&id" and "object.&Type"; within a class "&Type".
+void writeFieldType(Writer& writer, TypeRef type) {
+    const Tree& tree = *type.tree;
+    const TNode node = type.node();
+    const std::string chain = fieldChain(writer.trees, tree, node.syntax);
+    if ((node.nodeFlags & NF_VARIABLE) != 0) {
+        writer.out += chain.empty() ? chain : chain.substr(1);
+        return;
+    }
+    const Link link = refOf(tree, TNODE, type.nr);
+    if (link.target == Target::Record && link.kind == VNODE) {
+        writeValue(writer, {&tree, link.nr});
+    } else {
+        std::string error;
+        const TypeRef base = typeOf(writer.trees, tree, link, error);
+        const bool named = !base || base.node().name != 0;
+        if (named)
+            writer.out += refName(writer.trees, tree, link);
+        else
+            writeType(writer, base);
+    }
+    writer.out += chain;
+}
+
+void writeType(Writer& writer, TypeRef type) {
+    const Level level(writer.depth);
+    if (writer.full()) {
+        writer.out += "...";
+        return;
+    }
+    if (!type)
+        writer.out += "(none)";
+    else if (type.node().typeCode == TYP_SYNONYM)
+        writeSynonym(writer, type);
+    else if (type.node().typeCode == TYP_FIELDLIST)
+        writeFieldType(writer, type);
+    else
+        writer.out += asnName(type.node().typeCode);
 }
 
 /// A type setting, an object set, or a value behind its type.
@@ -156,18 +195,28 @@ void writeOpen(Writer& writer, ValueRef value) {
         const std::vector<uint32_t> inner = componentValues(*value.tree, value.nr);
         if (inner.empty()) return;
         const Link gov = value.tree->linkOf(VNODE, inner[0], fieldNamed(VNODE, "govType"));
-        writer.out += typeName(writer.trees, typeOf(writer.trees, *value.tree, gov, error)) + " : ";
+        writeType(writer, typeOf(writer.trees, *value.tree, gov, error));
+        writer.out += " : ";
         return writeValue(writer, {value.tree, inner[0]});
     }
     const TypeRef type = typeOf(writer.trees, *value.tree, link, error);
     const uint32_t set = type ? constraintOf(*type.tree, type.nr) : 0;
     if ((value.node().vflags & VF_SET) == 0 || set == 0 || value.tree != type.tree) {
-        writer.out += typeName(writer.trees, type);
+        writeType(writer, type);
         return;
     }
     writer.out += '{';
     writeSub(writer, *type.tree, set);
     writer.out += '}';
+}
+
+/// A reference by name; one to a nameless value by that value.
+void writeReference(Writer& writer, ValueRef value) {
+    const Link link = refOf(*value.tree, VNODE, value.nr);
+    std::string error;
+    const ValueRef target = valueOf(writer.trees, *value.tree, link, error);
+    if (target && target.node().name == 0) return writeValue(writer, target);
+    writer.out += refName(writer.trees, *value.tree, link);
 }
 
 void writeValue(Writer& writer, ValueRef value) {
@@ -184,9 +233,7 @@ void writeValue(Writer& writer, ValueRef value) {
         return;
     }
     switch (node.valCode) {
-    case TYP_SYNONYM:
-        writer.out += refName(writer.trees, tree, refOf(tree, VNODE, value.nr));
-        return;
+    case TYP_SYNONYM: return writeReference(writer, value);
     case TYP_FIELDLIST:
         writer.out += refName(writer.trees, tree, refOf(tree, VNODE, node.ref)) +
                       fieldChain(writer.trees, tree, node.deferred);
@@ -269,18 +316,24 @@ void writeInner(Writer& writer, const Tree& tree, uint32_t nr, const SubRec& par
     writer.out += '}';
 }
 
+/// An object set and, in braces, the components that select from it: "{@a.b,@.c}".
 void writeTable(Writer& writer, const Tree& tree, const SubRec& sub) {
     writeValue(writer, {&tree, sub.left});
     if (sub.right == 0) return;
-    writer.out += " {@";
-    bool first = true;
+    std::string list;
     for (const uint32_t nr : listFrom(tree, SNODE, -int64_t{sub.right})) {
-        if (!first) writer.out += '.';
-        first = false;
-        writer.out +=
-            refName(writer.trees, tree, tree.linkOf(SNODE, nr, fieldNamed(SNODE, "value")));
+        const uint8_t token = tree.sNode(nr).token;
+        const char last = list.empty() ? '\0' : list.back();
+        if (token == TOK_AT) {
+            list += list.empty() ? "@" : ",@";
+        } else if (token == TOK_DOT) {
+            list += '.';
+        } else {
+            if (last != '@' && last != '.') list += '.';
+            list += tree.text(tree.sNode(nr).value);
+        }
     }
-    writer.out += '}';
+    writer.out += " {" + list + '}';
 }
 
 void writeEnclosed(Writer& writer, const Tree& tree, uint32_t nr, const char* word) {
@@ -362,7 +415,9 @@ std::string boundsText(const TNode& type) {
 }
 
 std::string typeText(Trees& trees, TypeRef type) {
-    return typeName(trees, type);
+    Writer writer{trees, {}};
+    writeType(writer, type);
+    return finished(writer);
 }
 
 std::string valueText(Trees& trees, ValueRef value) {

@@ -71,7 +71,7 @@ std::string notes(const stx::TNode& node) {
         node.typeCode == stx::TYP_SET || node.typeCode == stx::TYP_CLASS)
         add(std::to_string(node.fieldSize) + (node.fieldSize == 1 ? " entry" : " entries"));
     if ((node.nodeFlags & stx::NF_SET) != 0 || node.name < 0) add("set");
-    if (node.formals != 0) add("parameterized");
+    if (node.isParameterized()) add("parameterized");
     const std::string flags = stx::bitNames(stx::checkFlagNames, node.checkFlags);
     if (!flags.empty()) add(flags);
     return text;
@@ -81,7 +81,7 @@ std::array<std::string, 5> typeRow(Trees& trees, TypeRef type) {
     const stx::TNode node = type.node();
     std::array<std::string, 5> row = {std::string(type.tree->text(node.name)),
                                       kindText(trees, type), "", "", notes(node)};
-    if (node.formals != 0 || isClass(trees, type)) return row;
+    if (node.isParameterized() || isClass(trees, type)) return row;
     std::string error;
     row[2] = tagsText(stx::finalTags(trees, type, -1, error));
     row[3] = boundsOf(trees, type);

@@ -80,7 +80,7 @@ std::string typeLine(Walk& walk, TypeRef type, int64_t automaticTag) {
         line = std::string(type.tree->moduleName()) + '.' + std::string(name);
     addPart(line, kindText(walk.trees, type));
     std::string error;
-    if (node.formals != 0) {
+    if (node.isParameterized()) {
         addPart(line, "parameterized");
     } else if (!isClass(walk.trees, type)) {
         addPart(line, tagsText(stx::finalTags(walk.trees, type, automaticTag, error)));
@@ -92,6 +92,7 @@ std::string typeLine(Walk& walk, TypeRef type, int64_t automaticTag) {
     addPart(line, namedText(walk, type));
     addPart(line, presence(walk, *type.tree, node));
     addPart(line, stx::bitNames(stx::checkFlagNames, node.checkFlags));
+    if (node.actParRec != 0) addPart(line, "instance " + std::to_string(node.actParRec));
     addPart(line, optionsText(type));
     return line;
 }

@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include "support/run.h"
+#include "support/tree.h"
+
+namespace orvo::test {
+namespace {
+
+TEST(TreeTexts, ReferencesParametersAndFieldsReadAsWritten) {
+    const RunResult run =
+        compile({{"m.asn", "M DEFINITIONS IMPLICIT TAGS ::= BEGIN\n"
+                           "IMPORTS X FROM N;\n"
+                           "I ::= INTEGER { one(1), two(2) } (0..5 | 7, ...)\n"
+                           "P {INTEGER : n, Type} ::= SEQUENCE { f Type, g INTEGER (1..n) }\n"
+                           "U ::= P {5, BOOLEAN}\n"
+                           "C ::= CLASS { &id INTEGER UNIQUE, &Type, &val &Type OPTIONAL }\n"
+                           "      WITH SYNTAX { &Type ID &id [VALUE &val] }\n"
+                           "Os C ::= { { BOOLEAN ID 1 } | { INTEGER ID 2 VALUE 7 }, ... }\n"
+                           "S ::= SEQUENCE { id C.&id ({Os}), v C.&Type ({Os}{@id}),\n"
+                           "                 l SEQUENCE SIZE (1..MAX) OF I OPTIONAL, x X }\n"
+                           "O ::= TYPE-IDENTIFIER.&Type\n"
+                           "END\n"},
+                 {"n.asn", "N DEFINITIONS ::= BEGIN\nX ::= [1] OCTET STRING (SIZE (4))\nEND\n"}});
+    ASSERT_EQ(run.status, 0) << run.diagnostics("m");
+    const TreeFacts tree(run, "m");
+    EXPECT_EQ(tree.types(), "I P U C Os S O");
+    EXPECT_EQ(tree.named("I"), "one(1) two(2)");
+    EXPECT_EQ(tree.constraint("I"), "(0..5 | 7, ...)");
+    EXPECT_EQ(tree.kind("U"), "P {5, BOOLEAN}");
+    EXPECT_EQ(tree.components("U"), "");
+    EXPECT_EQ(tree.actualKind("U.f"), "BOOLEAN");
+    EXPECT_EQ(tree.constraint("U.g"), "(1..n)");
+    EXPECT_EQ(tree.components("C"), "id Type val");
+    EXPECT_EQ(tree.kind("C.val"), "&Type");
+    EXPECT_EQ(tree.constraint("Os"), "({Type BOOLEAN, id 1} | {Type INTEGER, id 2, val 7}, ...)");
+    EXPECT_EQ(tree.kind("S.id"), "C.&id");
+    EXPECT_EQ(tree.actualKind("S.id"), "INTEGER");
+    EXPECT_EQ(tree.constraint("S.v"), "({Os} {@id})");
+    EXPECT_EQ(tree.constraint("S.l"), "(SIZE (1..MAX))");
+    EXPECT_EQ(tree.presence("S.l"), "OPTIONAL");
+    EXPECT_EQ(tree.kind("S.x"), "N.X");
+    EXPECT_EQ(tree.constraint("S.x"), "");
+    EXPECT_EQ(tree.finalTags("S.x"), "[1] [UNIVERSAL 4]");
+    EXPECT_EQ(tree.kind("O"), "TYPE-IDENTIFIER.&Type");
+    EXPECT_EQ(tree.actualKind("O"), "Open type");
+}
+
+TEST(TreeTexts, ValuesReadAsWritten) {
+    const RunResult run =
+        compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n"
+                           "B ::= BIT STRING { x(0), y(3) }\n"
+                           "Ch ::= CHOICE { i INTEGER, s SEQUENCE OF INTEGER }\n"
+                           "An ::= SEQUENCE { t INTEGER, w ANY DEFINED BY t OPTIONAL }\n"
+                           "oid OBJECT IDENTIFIER ::= { iso standard(0) 8571 arc(9) }\n"
+                           "oid2 OBJECT IDENTIFIER ::= { oid 7 }\n"
+                           "b B ::= { x, y }\n"
+                           "bits BIT STRING ::= '0101'B\n"
+                           "ch Ch ::= s : { 1, -2 }\n"
+                           "an An ::= { t 1, w BOOLEAN : TRUE }\n"
+                           "r REAL ::= { mantissa 5, base 10, exponent -2 }\n"
+                           "inf REAL ::= MINUS-INFINITY\n"
+                           "bmp BMPString ::= \"ab\"\n"
+                           "ia5 IA5String ::= \"a\"\"b\"\n"
+                           "END\n"}});
+    ASSERT_EQ(run.status, 0) << run.diagnostics("m");
+    const TreeFacts tree(run, "m");
+    constexpr struct {
+        const char* name;
+        const char* text;
+    } values[] = {{"oid", "{1 standard(0) 8571 arc(9)}"},
+                  {"oid2", "{oid 7}"},
+                  {"b", "{x, y}"},
+                  {"bits", "'0101'B"},
+                  {"ch", "s : {1, -2}"},
+                  {"an", "{t 1, w BOOLEAN : TRUE}"},
+                  {"r", "{mantissa 5, base 10, exponent -2}"},
+                  {"inf", "MINUS-INFINITY"},
+                  {"bmp", "\"ab\""},
+                  {"ia5", "\"a\\\"b\""}};
+    for (const auto& row : values) EXPECT_EQ(tree.valueText(row.name), row.text) << row.name;
+}
+
+} // namespace
+} // namespace orvo::test
