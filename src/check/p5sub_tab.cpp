@@ -99,9 +99,11 @@ bool solveReference(ModuleRec* errors, ModuleRec* module, TNodeRef under, SNodeN
         if (!ok) continue;
         const TNodeRef component = currentRec<KIND_TNODE>();
         readRec(module, nr);
-        sNode.module = handleImplImports(module, component.module);
-        sNode.value = static_cast<int32_t>(component.nr.nr);
-        writeRec(module, nr);
+        if (const uint32_t number = findImplImport(module, component.module)) {
+            sNode.module = number; // of a module without a number the step keeps its name
+            sNode.value = static_cast<int32_t>(component.nr.nr);
+            writeRec(module, nr);
+        }
         const bool last = !entry || (readRec(module, entry), sNode.token == TOK_AT);
         if (!last || isAtInSub(component.module, tNode.constraint)) continue;
         const std::string_view name =

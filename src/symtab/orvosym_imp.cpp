@@ -119,10 +119,15 @@ void handleExtRef(int32_t& moduleRef, int32_t name, uint32_t line) {
     catSymTab(*list, entered, 0);
 }
 
-uint32_t handleImplImports(ModuleRec* module, ModuleRec* target) {
+uint32_t findImplImport(ModuleRec* module, ModuleRec* target) {
     if (target == module) return REF_OWN;
     const auto found = module->modRefs.byModule.find(target);
-    if (found != module->modRefs.byModule.end()) return found->second->number;
+    return found != module->modRefs.byModule.end() ? found->second->number : 0;
+}
+
+uint32_t handleImplImports(ModuleRec* module, ModuleRec* target) {
+    const uint32_t known = findImplImport(module, target);
+    if (known != 0) return known;
     return newModRef(module, target->moduleName, target)->number;
 }
 

@@ -29,6 +29,9 @@ void handleExtRef(int32_t& moduleRef, int32_t name, uint32_t line);
 /// Number by which `module` refers to `target`: 1 for itself; a reference is made when there is
 /// none.
 uint32_t handleImplImports(ModuleRec* module, ModuleRec* target);
+/// The same without making one: 0 when there is none. For pass 5, when the module nodes of the tree
+/// are written and a new number would lead nowhere.
+uint32_t findImplImport(ModuleRec* module, ModuleRec* target);
 /// Takes back the references with numbers from `number` on (made during a trial parse that failed).
 void dropModRefsFrom(ModuleRec* module, uint32_t number);
 
