@@ -27,7 +27,7 @@ TEST(TreeTexts, ReferencesParametersAndFieldsReadAsWritten) {
     EXPECT_EQ(tree.named("I"), "one(1) two(2)");
     EXPECT_EQ(tree.constraint("I"), "(0..5 | 7, ...)");
     EXPECT_EQ(tree.kind("U"), "P {5, BOOLEAN}");
-    EXPECT_EQ(tree.components("U"), "");
+    EXPECT_EQ(tree.components("U"), "f g");
     EXPECT_EQ(tree.actualKind("U.f"), "BOOLEAN");
     EXPECT_EQ(tree.constraint("U.g"), "(1..n)");
     EXPECT_EQ(tree.components("C"), "id Type val");
@@ -43,6 +43,29 @@ TEST(TreeTexts, ReferencesParametersAndFieldsReadAsWritten) {
     EXPECT_EQ(tree.finalTags("S.x"), "[1] [UNIVERSAL 4]");
     EXPECT_EQ(tree.kind("O"), "TYPE-IDENTIFIER.&Type");
     EXPECT_EQ(tree.actualKind("O"), "Open type");
+}
+
+/// The component stands in a module that M names nowhere: its number must not be made up after the
+/// module nodes were written.
+TEST(TreeTexts, StepsThroughComponentsOfAThirdModuleKeepTheirNames) {
+    const RunResult run = compile(
+        {{"aa.asn", "AA DEFINITIONS ::= BEGIN\n"
+                    "IMPORTS T2 FROM BB Os, CL FROM DD;\n"
+                    "T ::= SEQUENCE { COMPONENTS OF T2, v CL.&Type ({Os}{@id}),\n"
+                    "                 i INTEGER, w ANY DEFINED BY i }\n"
+                    "END\n"},
+         {"bb.asn", "BB DEFINITIONS ::= BEGIN\nIMPORTS T3 FROM CC;\n"
+                    "T2 ::= SEQUENCE { COMPONENTS OF T3 }\nEND\n"},
+         {"cc.asn", "CC DEFINITIONS ::= BEGIN\nIMPORTS Os, CL FROM DD;\n"
+                    "T3 ::= SEQUENCE { id CL.&id ({Os}) }\nEND\n"},
+         {"dd.asn", "DD DEFINITIONS ::= BEGIN\n"
+                    "CL ::= CLASS { &id INTEGER UNIQUE, &Type } WITH SYNTAX { &Type ID &id }\n"
+                    "Os CL ::= { { BOOLEAN ID 1 } }\nEND\n"}});
+    ASSERT_EQ(run.status, 0) << run.diagnostics("aa");
+    const TreeFacts tree(run, "aa");
+    EXPECT_EQ(tree.components("T"), "COMPONENTS-OF v i w");
+    EXPECT_EQ(tree.constraint("T.v"), "({DD.Os} {@id})");
+    EXPECT_EQ(tree.kind("T.w"), "ANY DEFINED BY i");
 }
 
 TEST(TreeTexts, ValuesReadAsWritten) {

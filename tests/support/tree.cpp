@@ -165,7 +165,8 @@ std::string TreeFacts::presence(std::string_view path) const {
 }
 
 std::string TreeFacts::components(std::string_view path) const {
-    const stx::TypeRef at = type(path);
+    std::string error;
+    const stx::TypeRef at = stx::skipTypes(*trees_, type(path), true, error);
     return at ? entries(*at.tree, at.nr) : none;
 }
 

@@ -55,7 +55,7 @@ class TreeFacts {
     std::string constraint(std::string_view path) const;
     /// "", "OPTIONAL", "DEFAULT 5", "COMPONENTS OF".
     std::string presence(std::string_view path) const;
-    /// Entries of a structure as they stand: "a b ... [[ c ]]".
+    /// Entries of a structure (of what a reference comes to) as they stand: "a b ... [[ c ]]".
     std::string components(std::string_view path) const;
     /// Named numbers, bits or enumeration items: "a(0) b(1) ...".
     std::string named(std::string_view path) const;

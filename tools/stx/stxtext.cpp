@@ -54,13 +54,19 @@ Link refOf(const Tree& tree, Kind kind, uint32_t nr) {
     return tree.linkOf(kind, nr, fieldNamed(kind, "ref"));
 }
 
+/// The name that an entry was written with, whether it has been solved or not.
+std::string syntaxName(Trees& trees, const Tree& tree, uint32_t nr) {
+    const std::string name =
+        refName(trees, tree, tree.linkOf(SNODE, nr, fieldNamed(SNODE, "value")));
+    return name.substr(name.rfind('.') + 1);
+}
+
 /// ".&a.&b": names of a chain, as far as they are still there.
 std::string fieldChain(Trees& trees, const Tree& tree, int64_t first) {
     std::string text;
     for (const uint32_t nr : listFrom(tree, SNODE, first)) {
-        const Link link = tree.linkOf(SNODE, nr, fieldNamed(SNODE, "value"));
-        const std::string name = refName(trees, tree, link);
-        text += ".&" + name.substr(name.rfind('.') + 1);
+        text += ".&";
+        text += syntaxName(trees, tree, nr);
     }
     return text;
 }
@@ -177,14 +183,18 @@ void writeType(Writer& writer, TypeRef type) {
         writer.out += "...";
         return;
     }
+    const TNode node = type.node();
     if (!type)
         writer.out += "(none)";
-    else if (type.node().typeCode == TYP_SYNONYM)
-        writeSynonym(writer, type);
-    else if (type.node().typeCode == TYP_FIELDLIST)
-        writeFieldType(writer, type);
+    else if (node.typeCode == TYP_SYNONYM)
+        return writeSynonym(writer, type);
+    else if (node.typeCode == TYP_FIELDLIST)
+        return writeFieldType(writer, type);
     else
-        writer.out += asnName(type.node().typeCode);
+        writer.out += asnName(node.typeCode);
+    if (type && node.typeCode == TYP_ANY && node.syntax > 0)
+        writer.out += " DEFINED BY " +
+                      syntaxName(writer.trees, *type.tree, static_cast<uint32_t>(node.syntax));
 }
 
 /// A type setting, an object set, or a value behind its type.
@@ -321,7 +331,8 @@ void writeTable(Writer& writer, const Tree& tree, const SubRec& sub) {
     writeValue(writer, {&tree, sub.left});
     if (sub.right == 0) return;
     std::string list;
-    for (const uint32_t nr : listFrom(tree, SNODE, -int64_t{sub.right})) {
+    const int64_t first = sub.right; // negative until the references are solved
+    for (const uint32_t nr : listFrom(tree, SNODE, first < 0 ? -first : first)) {
         const uint8_t token = tree.sNode(nr).token;
         const char last = list.empty() ? '\0' : list.back();
         if (token == TOK_AT) {
@@ -330,7 +341,7 @@ void writeTable(Writer& writer, const Tree& tree, const SubRec& sub) {
             list += '.';
         } else {
             if (last != '@' && last != '.') list += '.';
-            list += tree.text(tree.sNode(nr).value);
+            list += syntaxName(writer.trees, tree, nr);
         }
     }
     writer.out += " {" + list + '}';
