@@ -42,7 +42,8 @@ std::vector<char*> pointersOf(std::vector<std::string>& texts) {
     return pointers;
 }
 
-[[noreturn]] void beProgram(const std::filesystem::path& dir, std::vector<char*>& arguments,
+[[noreturn]] void beProgram(const std::string& program, const std::filesystem::path& dir,
+                            std::vector<char*>& arguments,
                             const std::vector<std::string>& environment, int out, int err) {
     unsetenv("VEXO_PRINT_ASN_OPTIONS");
     for (const std::string& text : environment) {
@@ -54,7 +55,7 @@ std::vector<char*> pointersOf(std::vector<std::string>& texts) {
     alarm(secondsPerRun);
     const int nothing = open("/dev/null", O_RDONLY);
     if (chdir(dir.c_str()) == 0 && dup2(nothing, 0) == 0 && dup2(out, 1) == 1 && dup2(err, 2) == 2)
-        execv(ORVO_PROGRAM, arguments.data());
+        execv(program.c_str(), arguments.data());
     _exit(127);
 }
 
@@ -64,16 +65,16 @@ int statusOf(pid_t child) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-RunResult runIn(std::shared_ptr<TempDir> dir, std::vector<std::string> arguments,
-                const std::vector<std::string>& environment) {
-    arguments.insert(arguments.begin(), "orvo");
+RunResult runIn(std::shared_ptr<TempDir> dir, const std::string& program,
+                std::vector<std::string> arguments, const std::vector<std::string>& environment) {
+    arguments.insert(arguments.begin(), std::filesystem::path(program).filename());
     std::vector<char*> pointers = pointersOf(arguments);
     Catch out, err;
     std::fflush(nullptr);
     const pid_t child = fork();
     if (child < 0) throw std::runtime_error("fork failed");
     if (child == 0)
-        beProgram(dir->path(), pointers, environment, fileno(out.file), fileno(err.file));
+        beProgram(program, dir->path(), pointers, environment, fileno(out.file), fileno(err.file));
     RunResult run;
     run.status = statusOf(child);
     run.out = out.take();
@@ -140,11 +141,17 @@ std::string RunResult::tree(const std::string& prefix) const {
     return file(prefix + ".stx");
 }
 
-RunResult runOrvo(const std::vector<SourceFile>& files, const std::vector<std::string>& arguments,
-                  const std::vector<std::string>& environment) {
+RunResult runProgram(const std::string& program, const std::vector<SourceFile>& files,
+                     const std::vector<std::string>& arguments,
+                     const std::vector<std::string>& environment) {
     auto dir = std::make_shared<TempDir>();
     for (const SourceFile& file : files) dir->write(file);
-    return runIn(std::move(dir), arguments, environment);
+    return runIn(std::move(dir), program, arguments, environment);
+}
+
+RunResult runOrvo(const std::vector<SourceFile>& files, const std::vector<std::string>& arguments,
+                  const std::vector<std::string>& environment) {
+    return runProgram(ORVO_PROGRAM, files, arguments, environment);
 }
 
 RunResult compile(const std::vector<SourceFile>& files, std::vector<std::string> options) {
@@ -154,7 +161,7 @@ RunResult compile(const std::vector<SourceFile>& files, std::vector<std::string>
 
 RunResult runAgain(const RunResult& earlier, const std::vector<std::string>& arguments,
                    const std::vector<std::string>& environment) {
-    return runIn(earlier.dir, arguments, environment);
+    return runIn(earlier.dir, ORVO_PROGRAM, arguments, environment);
 }
 
 std::string maskTimeStamp(std::string text) {

@@ -48,15 +48,19 @@ struct RunResult {
     [[nodiscard]] std::string tree(const std::string& prefix) const;
 };
 
-/// Runs the program in a fresh directory that holds the files. `environment` adds "NAME=value"
-/// texts.
+/// Runs a program, given by its path, in a fresh directory that holds the files. `environment` adds
+/// "NAME=value" texts.
+RunResult runProgram(const std::string& program, const std::vector<SourceFile>& files,
+                     const std::vector<std::string>& arguments,
+                     const std::vector<std::string>& environment = {});
+/// The same with the compiler.
 RunResult runOrvo(const std::vector<SourceFile>& files, const std::vector<std::string>& arguments,
-            const std::vector<std::string>& environment = {});
+                  const std::vector<std::string>& environment = {});
 /// Compiles the first file, with options in front of its name.
 RunResult compile(const std::vector<SourceFile>& files, std::vector<std::string> options = {});
-/// Runs the program once more in the directory of an earlier run.
+/// Runs the compiler in the directory of an earlier run.
 RunResult runAgain(const RunResult& earlier, const std::vector<std::string>& arguments,
-             const std::vector<std::string>& environment = {});
+                   const std::vector<std::string>& environment = {});
 
 /// "Processed by ORVO 2.13 on 1.2.2026 at 9:15.00" becomes "Processed by ORVO 2.13 on DATE".
 std::string maskTimeStamp(std::string text);

@@ -1,0 +1,316 @@
+#include <gtest/gtest.h>
+
+#include "kavrimol/kavrimol.h"
+#include "kavrimol/scan.h"
+#include "kavrimol/split.h"
+#include "support/run.h"
+
+namespace orvo::test {
+namespace {
+
+/// "A 1 (B 2, C 3); D 4": modules with their lines and what they refer to.
+std::string scanned(std::string_view text) {
+    std::string all;
+    for (const kavrimol::ModuleText& module : kavrimol::scanModules(text)) {
+        all += (all.empty() ? "" : "; ") + module.name + " " + std::to_string(module.line);
+        std::string references;
+        for (const kavrimol::Reference& reference : module.references)
+            references += (references.empty() ? "" : ", ") + reference.module + " " +
+                          std::to_string(reference.line);
+        if (!references.empty()) all += " (" + references + ")";
+    }
+    return all;
+}
+
+constexpr struct {
+    const char* what;
+    const char* text;
+    const char* modules;
+} scanCases[] = {
+    {"nothing", "", ""},
+    {"header in pieces",
+     "M -- DEFINITIONS --\n{ iso a(1) }\nDEFINITIONS AUTOMATIC TAGS ::= BEGIN END", "M 1"},
+    {"two modules", "A DEFINITIONS ::= BEGIN END\n\nB DEFINITIONS ::= BEGIN END\n", "A 1; B 3"},
+    {"END is missing", "A DEFINITIONS ::= BEGIN\nT ::= NULL\n", "A 1"},
+    {"brace of the header is open", "A { iso DEFINITIONS ::= BEGIN END B DEFINITIONS ::= BEGIN END",
+     "B 1"},
+    {"word in front", "Garbage A DEFINITIONS ::= BEGIN END", "A 1"},
+    {"comments",
+     "-- X DEFINITIONS ::= BEGIN END\n/* Y DEFINITIONS /* */ don't */\n"
+     "A--x--DEFINITIONS ::= BEGIN --END\nEND B DEFINITIONS ::= BEGIN END",
+     "A 3; B 4"},
+    {"strings", "A DEFINITIONS ::= BEGIN a T ::= \"END \"\" X.y\n\" b T ::= '--'H c X.T ::= 1 END",
+     "A 1 (X 2)"},
+    {"open string", "A DEFINITIONS ::= BEGIN a T ::= \"END", "A 1"},
+    {"imports",
+     "A DEFINITIONS ::= BEGIN EXPORTS B, C; IMPORTS T{}, v FROM B { b 1 }\n"
+     "U FROM C cId W FROM D E.eId w FROM B; END",
+     "A 1 (B 1, C 2, D 2, E 2)"},
+    {"FROM elsewhere",
+     "A DEFINITIONS ::= BEGIN o CLS ::= { FROM Here } T ::= IA5String (FROM (S))\n"
+     "IMPORTS T FROM B; END",
+     "A 1"},
+    {"external references",
+     "A DEFINITIONS ::= BEGIN T ::= SEQUENCE { a B.T (C . low..D.high) }\n"
+     "o E.CLS ::= E.obj END",
+     "A 1 (B 1, C 1, D 1, E 2)"},
+    {"no external references",
+     "A DEFINITIONS ::= BEGIN T ::= CLS.&Type ({S}{@a.b}) (Min..Max)\n"
+     "U ::= A.T v T ::= obj.&v (M...) END",
+     "A 1"},
+    {"macro",
+     "A DEFINITIONS ::= BEGIN X MACRO ::= BEGIN TYPE NOTATION ::= \"x\" END\n"
+     "T ::= B.T END C DEFINITIONS ::= BEGIN END",
+     "A 1 (B 2); C 2"},
+    {"BEGIN as a word",
+     "A DEFINITIONS ::= BEGIN o CLS ::= { BEGIN 1 } END B DEFINITIONS ::= BEGIN END", "A 1; B 1"},
+};
+TEST(Kavrimol, FindsModulesAndWhatTheyReferTo) {
+    for (const auto& row : scanCases) {
+        SCOPED_TRACE(row.what);
+        EXPECT_EQ(scanned(row.text), row.modules);
+    }
+}
+
+TEST(Kavrimol, CutsNamesAsTheCompilerDoes) {
+    const std::string name(130, 'N');
+    EXPECT_EQ(scanned(name + " DEFINITIONS ::= BEGIN END"), std::string(128, 'N') + " 1");
+}
+
+// ---- option files -----------------------------------------------------------------------------
+
+std::string module(const std::string& name, const std::string& contents = "") {
+    return name + " DEFINITIONS ::= BEGIN " + contents + " END\n";
+}
+
+RunResult runKavrimol(const std::vector<SourceFile>& files, std::vector<std::string> arguments) {
+    return runProgram(KAVRIMOL_PROGRAM, files, arguments);
+}
+
+RunResult prefixesOf(const std::vector<SourceFile>& files, std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "-option-file=p.opt");
+    return runKavrimol(files, arguments);
+}
+
+TEST(Kavrimol, OptionFileLeadsTheCompilerToFilesOfAnyName) {
+    const RunResult run = prefixesOf(
+        {{"asn/main.asn", module("First-Module", "IMPORTS T FROM Zulu U FROM Alpha; V ::= SET OF T "
+                                                 "W ::= SET OF U")},
+         {"asn/q_1.asn", module("Alpha", "U ::= Bravo.B")},
+         {"lib/Some-Name.asn", module("Zulu", "IMPORTS U FROM Alpha; T ::= U")},
+         {"lib/b.asn", module("Bravo", "B ::= NULL")},
+         {"lib/not-used.asn", module("Unused")}},
+        {"-A=asn", "-a=lib/", "main"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out + run.err, "");
+    EXPECT_EQ(run.file("p.opt"), "-PREFIXLEN=32\n"
+                                 "-PREFIX=First-Module:main:main\n"
+                                 "-PREFIX=Zulu:Some-Name:Some-Name\n"
+                                 "-PREFIX=Alpha:q_1:q_1\n"
+                                 "-PREFIX=Bravo:b:b\n");
+    EXPECT_EQ(runAgain(run, {"+p.opt", "-A=asn", "-A=lib", "main"}).status, 0);
+    for (const char* stem : {"main", "Some-Name", "q_1", "b"}) EXPECT_NE(run.tree(stem), "");
+}
+
+TEST(Kavrimol, LooksInTheCurrentDirectoryLast) {
+    const std::vector<SourceFile> files = {{"x.asn", module("X", "IMPORTS T FROM Y U FROM Z;")},
+                                           {"old.asn", module("Y", "T ::= NULL")},
+                                           {"asn/y.asn", module("Y", "T ::= NULL")},
+                                           {"z.asn", module("Z", "U ::= NULL")}};
+    const RunResult run = prefixesOf(files, {"-A=asn", "x.asn"});
+    EXPECT_EQ(run.file("p.opt"), "-PREFIXLEN=32\n-PREFIX=X:x:x\n-PREFIX=Y:y:y\n-PREFIX=Z:z:z\n");
+}
+
+TEST(Kavrimol, FirstFileMayHaveAnyName) {
+    const RunResult run = prefixesOf({{"src/my.mod.asn", module("My-Mod", "T ::= Y.T")},
+                                      {"y.asn", module("Y", "T ::= NULL U ::= My-Mod.T")}},
+                                     {"src/my.mod.asn"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err,
+              "kavrimol: warning: src/my.mod.asn: a file prefix is made of letters, digits, "
+              "\"-\" and \"_\" only; let it be the first file that orvo is given\n");
+    EXPECT_EQ(run.file("p.opt"), "-PREFIXLEN=32\n-PREFIX=My-Mod:my-mod:my-mod\n-PREFIX=Y:y:y\n");
+    runAgain(run, {"+p.opt", "-L=.", "src/my.mod.asn"}); // the listing goes to ./src
+    EXPECT_NE(run.tree("my-mod"), "");
+    EXPECT_NE(run.tree("y"), "");
+}
+
+const std::string importY = module("X", "\nIMPORTS T FROM Y;");
+const SourceFile fileX = {"asn/x.asn", importY};
+
+const struct {
+    const char* what;
+    std::vector<SourceFile> files;
+    std::vector<std::string> arguments;
+    int status;
+    const char* err; // without the "kavrimol: " of each line
+} faultCases[] = {
+    {"undefined", {fileX}, {"-A=asn", "x"}, 1, "asn/x.asn:2: no file defines module Y\n"},
+    {"reached behind another name",
+     {fileX, {"lib/x.asn", module("Y")}},
+     {"-A=asn", "-A=lib", "x"},
+     1,
+     "asn/x.asn:2: no file defines module Y; lib/x.asn does, but it is hidden by asn/x.asn\n"},
+    {"two files",
+     {fileX, {"asn/a.asn", module("Y")}, {"asn/b.asn", module("Y")}},
+     {"-A=asn", "x"},
+     1,
+     "module Y is defined by asn/a.asn and by asn/b.asn\n"},
+    {"two named files",
+     {{"a.asn", module("Y")}, {"b.asn", module("Y")}},
+     {"a", "b"},
+     1,
+     "module Y is defined by a.asn and by b.asn\n"},
+    {"several modules",
+     {fileX, {"asn/yz.asn", module("Z") + module("Y")}},
+     {"-A=asn", "x"},
+     1,
+     "asn/yz.asn: several modules in one file (Z, Y); write a file for each with -split=DIR\n"},
+    {"no module",
+     {{"a.asn", "T ::= NULL\n"}},
+     {"a"},
+     1,
+     "a.asn: no module in it (\"Name DEFINITIONS ::= BEGIN ... END\")\n"},
+    {"no file",
+     {fileX},
+     {"-A=asn", "x", "nobody"},
+     2,
+     "nobody.asn: No such file or directory\nasn/x.asn:2: no file defines module Y\n"},
+    {"no directory",
+     {fileX},
+     {"-A=asn", "-A=nowhere", "x"},
+     2,
+     "nowhere/: No such file or directory\nasn/x.asn:2: no file defines module Y\n"},
+    {"directory instead of a file",
+     {{"a.asn/y.asn", module("Y")}},
+     {"a"},
+     2,
+     "a.asn: not a regular file\n"},
+    {"own source",
+     {{"p.opt", module("P")}},
+     {"p.opt"},
+     1,
+     "p.opt: not overwritten, it is a source file\n"},
+};
+TEST(Kavrimol, FaultsLeaveTheOptionFileAlone) {
+    for (const auto& row : faultCases) {
+        SCOPED_TRACE(row.what);
+        std::vector<SourceFile> files = row.files;
+        if (files[0].name != "p.opt") files.push_back({"p.opt", "old"});
+        const RunResult run = prefixesOf(files, row.arguments);
+        EXPECT_EQ(run.status, row.status);
+        std::string expected = row.err;
+        for (size_t at = 0; at < expected.size(); at = expected.find('\n', at) + 1)
+            expected.insert(at, "kavrimol: ");
+        if (files[0].name != "p.opt")
+            EXPECT_TRUE(run.err.starts_with(expected)) << run.err;
+        else
+            EXPECT_NE(run.err.find(expected), std::string::npos) << run.err;
+        EXPECT_EQ(run.file("p.opt"), files[0].name == "p.opt" ? module("P") : "old");
+    }
+}
+
+const struct {
+    const char* what;
+    SourceFile fileY;
+    std::vector<std::string> arguments;
+    const char* prefix;
+    const char* err;
+} mendCases[] = {
+    {"characters",
+     {"asn/y+1.asn", module("Y")},
+     {"-A=asn", "x"},
+     "y",
+     "asn/y+1.asn: a file prefix is made of letters, digits, \"-\" and \"_\" only; rename the file "
+     "to "
+     "y.asn"},
+    {"length",
+     {"asn/abcdef.asn", module("Y")},
+     {"-A=asn", "-prefixlen=5", "x"},
+     "y",
+     "asn/abcdef.asn: the name has more than the 5 characters of a file prefix (-PREFIXLEN=); "
+     "rename "
+     "the file to y.asn"},
+    {"extension",
+     {"asn/y.txt", module("Y")},
+     {"-A=asn", "x", "y.txt"},
+     "y",
+     "asn/y.txt: a name without \".asn\" cannot be a file prefix; rename the file to y.asn"},
+    {"hidden",
+     {"lib/z.asn", module("Y")},
+     {"-A=asn", "x", "lib/z.asn"},
+     "y",
+     "lib/z.asn: it is hidden by asn/z.asn; rename the file to y.asn"},
+    {"directory",
+     {"lib/y.asn", module("Y")},
+     {"-A=asn", "x", "lib/y"},
+     "y",
+     "lib/y.asn: no -A= names its directory; add -A=lib/"},
+};
+TEST(Kavrimol, SaysHowFilesComeToBeFound) {
+    for (const auto& row : mendCases) {
+        SCOPED_TRACE(row.what);
+        const RunResult run =
+            prefixesOf({fileX, {"asn/z.asn", module("Z")}, row.fileY}, row.arguments);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.err, std::string("kavrimol: ") + row.err + "\n");
+        EXPECT_TRUE(run.file("p.opt").ends_with(std::string("-PREFIX=X:x:x\n-PREFIX=Y:") +
+                                                row.prefix + ":" + row.prefix + "\n"));
+    }
+}
+
+TEST(Kavrimol, MadePrefixesAreUniqueAndFree) {
+    kavrimol::PrefixPool pool{.maxLength = 5};
+    const auto isFree = [](const std::string& prefix) { return prefix != "modu3"; };
+    for (const char* prefix : {"modul", "modu2", "modu4"})
+        EXPECT_EQ(kavrimol::takeUniquePrefix(pool, "Module-X", isFree), prefix);
+    EXPECT_EQ(kavrimol::takeUniquePrefix(pool, "Modu4", isFree), "modu5");
+    kavrimol::PrefixPool tiny{.maxLength = 1};
+    for (int i = 0; i < 9; ++i) EXPECT_NE(kavrimol::takeUniquePrefix(tiny, "M", isFree), "");
+    EXPECT_EQ(kavrimol::takeUniquePrefix(tiny, "M", isFree), "");
+}
+
+// ---- splitting --------------------------------------------------------------------------------
+
+TEST(Kavrimol, SplitsIntoExactTexts) {
+    const std::string one = "-- head\r\nAn-A DEFINITIONS ::= BEGIN T ::= NULL END  -- of A\r\n";
+    const std::string two = "\n-- about B\nB DEFINITIONS ::= BEGIN END";
+    const std::string three = " C DEFINITIONS ::= BEGIN END -- c -- rest\ntail";
+    const RunResult run = runKavrimol({{"all.asn", one + two + three}}, {"-split=new/dir", "all"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out, "new/dir/an-a.asn\nnew/dir/b.asn\nnew/dir/c.asn\n");
+    EXPECT_EQ(run.file("new/dir/an-a.asn"), one);
+    EXPECT_EQ(run.file("new/dir/b.asn"), two);
+    EXPECT_EQ(run.file("new/dir/c.asn"), three);
+}
+
+TEST(Kavrimol, SplittingKeepsWhatIsThere) {
+    const std::string text = module("A") + module("B");
+    const RunResult run = runKavrimol(
+        {{"all.asn", text}, {"a.asn", module("A")}, {"b.asn", "mine"}}, {"-split=.", "all"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "kavrimol: ./b.asn: not overwritten, it holds something else\n");
+    EXPECT_EQ(run.file("b.asn"), "mine");
+}
+
+TEST(Kavrimol, UsageIsShownForWrongArguments) {
+    const std::vector<std::string> wrong[] = {{},
+                                              {"x"},
+                                              {"-option-file=p"},
+                                              {"-option-file=", "x"},
+                                              {"-option-file=p", "-split=d", "x"},
+                                              {"-option-file=p", "-PREFIXLEN=33", "x"},
+                                              {"-option-file=p", "-PREFIXLEN=08", "x"},
+                                              {"-option-file=p", "-B=c", "x"},
+                                              {"-option-file=p", "+o", "x"},
+                                              {"-option-file=p", ""}};
+    for (const std::vector<std::string>& arguments : wrong) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const kavrimol::Result result = kavrimol::run(arguments);
+        EXPECT_EQ(result.status, 1);
+        EXPECT_NE(result.err.find("usage: kavrimol "), std::string::npos);
+    }
+}
+
+} // namespace
+} // namespace orvo::test
