@@ -7,6 +7,9 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "check/check_cache.h"
@@ -111,12 +114,37 @@ uint8_t actualKind() {
     return tNode.typeCode;
 }
 
+/// The endpoints that are being computed: a type that contains itself as a subtype has no endpoint
+/// there.
+struct EndpointState {
+    std::set<std::tuple<ModuleRec*, uint32_t, bool>> running;
+};
+EndpointState endpointState;
+
+/// Notes an endpoint as being computed while the scope lasts.
+class RunningEndpoint {
+  public:
+    RunningEndpoint(TNodeRef type, bool upper)
+        : place_(endpointState.running.insert({type.module, type.nr.nr, upper})) {}
+    RunningEndpoint(const RunningEndpoint&) = delete;
+    RunningEndpoint& operator=(const RunningEndpoint&) = delete;
+    ~RunningEndpoint() {
+        if (place_.second) endpointState.running.erase(place_.first);
+    }
+    [[nodiscard]] bool isNew() const { return place_.second; }
+
+  private:
+    std::pair<decltype(EndpointState::running)::iterator, bool> place_;
+};
+
 /// Computes the endpoint of the current type; `keepAll` keeps it even though its checks still run.
 bool computeEndpoint(Endpoint& end, bool upper, bool keepAll) {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
     const TNodeRef asked = currentRec<KIND_TNODE>();
+    const RunningEndpoint running(asked, upper);
+    if (!running.isNew()) return false;
     const uint8_t kind = actualKind();
     std::vector<TNodeRef> chain;
     bool exists = false;

@@ -7,7 +7,7 @@
 #include "check/check_cache.h"
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvoutil_find.h"
-#include "util/guard.h"
+#include "util/stack.h"
 
 namespace orvo {
 
@@ -25,7 +25,6 @@ struct Request {
     uint8_t kind;
     bool ofSize; // the constraint is one of a string or list: SIZE alone counts
     bool inSize; // it stands inside SIZE: contained subtypes do not count
-    uint32_t& depth;
 };
 
 bool subEndpoint(const Request& request, SubRef sub, Endpoint& end);
@@ -76,16 +75,14 @@ bool singleValueEndpoint(const Request& request, VNodeRef value, Endpoint& end) 
 
 bool containedEndpoint(const Request& request, VNodeRef setting, Endpoint& end) {
     if (!setting) return false;
-    readRec(setting);
-    if (vNode.refMod != REF_FORMAL || vNode.ref == 0) return false;
     const KeepRec<KIND_TNODE> keep;
-    readRec(setting.module, TNodeNr{vNode.ref});
+    readRec(setting);
+    if (!readTypeOfSetting()) return false;
     return getEndpoint(end, request.upper) && end.value.valCode == request.kind;
 }
 
 bool subEndpoint(const Request& request, SubRef sub, Endpoint& end) {
-    const Depth nesting(request.depth, maxNesting);
-    if (nesting.tooDeep()) fatalError(Fatal::NoSpace, "Constraints nested too deeply.");
+    if (stackIsLow()) fatalError(Fatal::NoSpace, "Constraints are nested too deeply.");
     readRec(sub);
     const SubRef operand{sub.module, SubNr{subRec.left}};
     const VNodeRef value{sub.module, VNodeNr{subRec.left}};
@@ -94,7 +91,7 @@ bool subEndpoint(const Request& request, SubRef sub, Endpoint& end) {
     case SUB_INTERSECTION:
     case SUB_SERIAL: return operandsEndpoint(request, operand, false, end);
     case SUB_SIZE: {
-        const Request inner{request.upper, TYP_INTEGER, false, true, request.depth};
+        const Request inner{request.upper, TYP_INTEGER, false, true};
         return request.ofSize && operand && subEndpoint(inner, operand, end);
     }
     case SUB_RANGE: return !request.ofSize && getRangeEndpoint(end, request.upper);
@@ -236,13 +233,11 @@ bool rangeEndpoint(Endpoint& end, bool upper) {
 } // namespace
 
 bool numberEndpoint(Endpoint& end, bool upper, SubRef sub, uint8_t kind) {
-    uint32_t depth = 0;
-    return subEndpoint({upper, kind, false, false, depth}, sub, end);
+    return subEndpoint({upper, kind, false, false}, sub, end);
 }
 
 bool sizeEndpoint(Endpoint& end, bool upper, SubRef sub) {
-    uint32_t depth = 0;
-    return subEndpoint({upper, TYP_INTEGER, true, false, depth}, sub, end);
+    return subEndpoint({upper, TYP_INTEGER, true, false}, sub, end);
 }
 
 void narrow(Endpoint& end, const Endpoint& other, bool upper, uint8_t kind) {

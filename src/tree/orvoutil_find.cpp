@@ -77,9 +77,9 @@ struct OpenList {
     ModuleRec* module;
     TNodeNr first;
     TNodeNr next;
-    bool included; // by COMPONENTS OF: its first extension marker ends it
-    bool group;
-    uint32_t left; // entries it may still have: a broken chain must not be endless
+    bool included;     // by COMPONENTS OF: its first extension marker ends it
+    TNodeNr groupNode; // when it is the list of an extension addition group
+    uint32_t left;     // entries it may still have: a broken chain must not be endless
     uint32_t before;
 };
 
@@ -93,10 +93,10 @@ struct Flattening {
     bool settled = true;                // nothing on the way can still change
 };
 
-void openList(Flattening& flat, TNodeRef first, bool included, bool group) {
-    flat.open.push_back({first.module, first.nr, first.nr, included, group,
+void openList(Flattening& flat, TNodeRef first, bool included, TNodeNr groupNode) {
+    flat.open.push_back({first.module, first.nr, first.nr, included, groupNode,
                          first.module->nextRecNr[KIND_TNODE], flat.index.count});
-    if (!group) flat.places[{first.module, first.nr.nr}] = stillOpen;
+    if (!groupNode) flat.places[{first.module, first.nr.nr}] = stillOpen;
 }
 
 /// The current COMPONENTS OF entry: opens the list that it includes. A list that was included
@@ -108,7 +108,7 @@ void includeList(Flattening& flat) {
     if ((tNode.typeCode != TYP_SEQ && tNode.typeCode != TYP_SET) || tNode.ref == 0) return;
     const TNodeRef first{recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}};
     const auto known = flat.places.find({first.module, first.nr.nr});
-    if (known == flat.places.end()) return openList(flat, first, true, false);
+    if (known == flat.places.end()) return openList(flat, first, true, {});
     if (known->second == stillOpen) return;
     flat.index.entries.push_back({addPlaces(flat.index.count, 1), first, true});
     flat.index.count = addPlaces(flat.index.count, known->second);
@@ -116,22 +116,25 @@ void includeList(Flattening& flat) {
 
 void addComponent(Flattening& flat, TNodeRef component) {
     flat.index.count = addPlaces(flat.index.count, 1);
+    FlatEntry entry{flat.index.count, component, false};
+    entry.compStatus = static_cast<int32_t>(magnitude(tNode.compStatus));
+    entry.group = flat.open.back().groupNode;
     if (tNode.name != 0) {
-        flat.index.byName.try_emplace(getStri(component.module, tNode.name),
-                                      flat.index.entries.size());
+        entry.name = getStri(component.module, tNode.name);
+        flat.index.byName.try_emplace(entry.name, flat.index.entries.size());
     }
-    flat.index.entries.push_back({flat.index.count, component, false});
+    flat.index.entries.push_back(entry);
 }
 
 void closeList(Flattening& flat) {
     const OpenList& list = flat.open.back();
-    if (!list.group) flat.places[{list.module, list.first.nr}] = flat.index.count - list.before;
+    if (!list.groupNode) flat.places[{list.module, list.first.nr}] = flat.index.count - list.before;
     flat.open.pop_back();
 }
 
 Flattening flatten(ModuleRec* module, TNodeNr first) {
     Flattening flat;
-    openList(flat, {module, first}, false, false);
+    openList(flat, {module, first}, false, {});
     while (!flat.open.empty()) {
         OpenList& list = flat.open.back();
         if (!list.next || list.left-- == 0) {
@@ -146,7 +149,7 @@ Flattening flatten(ModuleRec* module, TNodeNr first) {
         else if (isCompOf())
             includeList(flat);
         else if (isGroup())
-            openList(flat, {entry.module, TNodeNr{tNode.ref}}, list.included, true);
+            openList(flat, {entry.module, TNodeNr{tNode.ref}}, list.included, entry.nr);
         else
             addComponent(flat, entry);
     }
@@ -276,6 +279,15 @@ bool findByInd(ModuleRec* module, TNodeNr first, uint32_t& position) {
 
 bool findTypeCompByInd(ModuleRec* module, TNodeNr first, uint32_t position) {
     return findByInd(module, first, position);
+}
+
+const std::vector<FlatEntry>& flatComponents(ModuleRec* module, TNodeNr first) {
+    Flattening made;
+    FlatIndex& index = flatIndexOf(module, first, made);
+    if (&index != &made.index) return index.entries;
+    FlatIndex& kept = findCacheOf(module).unsettledList;
+    kept = std::move(made.index);
+    return kept.entries;
 }
 
 bool findTypeCompByNr(ModuleRec* module, TNodeNr first, TNodeRef component, uint32_t& position) {

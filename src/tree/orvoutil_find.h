@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
@@ -41,9 +42,26 @@ namespace orvo {
 /// chain.
 [[nodiscard]] bool findValueCompByGov(ModuleRec* module, VNodeNr first, TNodeRef governor);
 
+/// An entry of a flattened list: a component and its place, or, when `repeated` is set, the first
+/// component of a list that was included before, whose components take the places from `place` on.
+struct FlatEntry {
+    uint32_t place = 0;
+    TNodeRef component;
+    bool repeated = false;
+    std::string_view name = {}; // empty for an extension marker
+    int32_t compStatus = 0;     // TCS_*
+    TNodeNr group = {};         // the extension addition group that it stands in
+};
+/// The flattened list. It stays what it is until the next call, and as long as the module when all
+/// of the list is solved.
+const std::vector<FlatEntry>& flatComponents(ModuleRec* module, TNodeNr first);
+
 /// For the current value, a setting of an object whose settings begin at `firstSetting`: reads the
 /// type that governs it, references followed. False when there is none. The value is preserved.
 [[nodiscard]] bool readGovTNodeForFieldVNode(ModuleRec* object, VNodeNr firstSetting);
+
+/// Reads the type record of the current value, a type or set setting. False when it has none.
+[[nodiscard]] bool readTypeOfSetting();
 
 /// To be called when the module's record counters were put back: forgets what the look-ups and
 /// walks noted about records that no longer exist.

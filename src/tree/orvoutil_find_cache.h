@@ -12,6 +12,7 @@
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
 #include "tree/orvoutil.h"
+#include "tree/orvoutil_find.h"
 
 namespace orvo {
 
@@ -29,13 +30,6 @@ struct ChainIndex {
     uint32_t last = 0;
 };
 
-/// A component of a flattened list and its place there; or, when `repeated` is set, the first
-/// component of a list that was flattened before, whose components take the places from `place` on.
-struct FlatEntry {
-    uint32_t place = 0;
-    TNodeRef component;
-    bool repeated = false;
-};
 struct FlatIndex {
     std::unordered_map<std::string_view, size_t> byName; // place in `entries`, the first of a name
     std::vector<FlatEntry> entries;                      // by place
@@ -57,6 +51,7 @@ struct FindCache {
     std::map<uint32_t, ChainIndex> typeChains;
     std::map<uint32_t, ChainIndex> valueChains;
     std::map<uint32_t, FlatIndex> flatLists;
+    FlatIndex unsettledList; // the one made last of records that may still change
     std::map<uint32_t, GovIndex> govChains;
 };
 

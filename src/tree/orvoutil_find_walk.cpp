@@ -36,10 +36,9 @@ bool readSolvedType(ModuleRec* module) {
     }
     const KeepRec<KIND_VNODE> keepValue;
     readRec(target, VNodeNr{magnitude(sNode.value)});
-    // A type setting holds the number of its type record in place of a reference.
-    if (vNode.valCode != TYP_OPEN || vNode.refMod != REF_FORMAL || vNode.ref == 0) return false;
-    readRec(target, TNodeNr{vNode.ref});
-    return true;
+    if (vNode.valCode != TYP_OPEN) return false;
+    if (vNode.refMod != REF_FORMAL && (vNode.vflags & VF_SET) == 0) return false;
+    return readTypeOfSetting();
 }
 
 template <RecKind K> bool isReference();
@@ -145,6 +144,16 @@ template <RecKind K> RecRef<K> walk() {
 ModuleRec* refModule(ModuleRec* module, int32_t refMod) {
     if (refMod == REF_OWN) return module;
     return refMod > REF_OWN ? getModPtr(module, static_cast<uint32_t>(refMod)) : nullptr;
+}
+
+bool readTypeOfSetting() {
+    ModuleRec* module = recState.currTPtr[KIND_VNODE];
+    // The type record stands in place of a reference; that of a set which another object gives may
+    // lie in another module.
+    ModuleRec* owner = vNode.refMod == REF_FORMAL ? module : refModule(module, vNode.refMod);
+    if (owner == nullptr || vNode.ref == 0) return false;
+    readRec(owner, TNodeNr{vNode.ref});
+    return true;
 }
 
 bool skipFieldList() {
