@@ -4,8 +4,11 @@
 // more by then, except where an entry says how it is told to be stale.
 
 #include <cstdint>
-#include <optional>
+#include <set>
+#include <string>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "check/orvonum_end.h"
 #include "tree/orvodef.h"
@@ -25,12 +28,39 @@ struct EndpointNote {
     Endpoint ends[2];
 };
 
+/// The operands of a union: single values by the hash of their value, and the others.
+struct UnionIndex {
+    std::unordered_map<uint64_t, std::vector<SubNr>> values;
+    std::vector<SubNr> others;
+};
+
+/// What an object set holds for a field of its class.
+struct TableEntry {
+    VNodeRef object;
+    VNodeRef setting; // of the field; none when the object has none
+};
+struct TableIndex {
+    std::vector<TableEntry> entries;                           // in order
+    std::unordered_map<uint64_t, std::vector<size_t>> byValue; // settings that are values, by hash
+    std::vector<size_t> others;                                // settings that are not
+    bool open =
+        false; // an operator in the set, or a field that is an object set, admits everything
+};
+
 struct CheckCache {
     std::unordered_map<uint32_t, uint32_t>
         segmentLengths; // first segment -> characters of the list
     std::unordered_map<uint32_t, int64_t> highestNamedBits; // first named bit -> largest number
     std::unordered_map<uint32_t, EndpointNote> endpoints;   // TNode
     std::unordered_map<uint32_t, TNodeRef> rangeParents; // TNode -> first on its chain with a range
+    // TNode -> first on its chain with a constraint, or the end of the chain
+    std::unordered_map<uint32_t, TNodeRef> nextConstrained;
+    // first item of an enumeration -> the values that its items stand for
+    std::unordered_map<uint32_t, std::set<std::pair<ModuleRec*, uint32_t>>> enumItems;
+    std::unordered_map<uint32_t, std::u32string>
+        alphabets;                                   // single value in FROM -> characters, sorted
+    std::unordered_map<uint32_t, UnionIndex> unions; // large unions of simple values
+    std::unordered_map<uint64_t, TableIndex> tables; // table constraint and column
 };
 
 /// The cache of a module, made on first use.

@@ -15,6 +15,7 @@ namespace orvo {
 struct Endpoint {
     VNode value = {};
     uint8_t flags = 0;
+    ModuleRec* module = nullptr; // whose strings a string value refers to
 };
 
 /// Sets an endpoint to minus or plus infinity of a kind: MIN or MAX, for REAL the special values.

@@ -68,8 +68,7 @@ bool singleValueEndpoint(const Request& request, VNodeRef value, Endpoint& end) 
     readRec(value);
     skipValues(true);
     if (vNode.valCode != request.kind) return false;
-    end.value = vNode;
-    end.flags = includedFlag(request.upper);
+    end = {vNode, includedFlag(request.upper), recState.currTPtr[KIND_VNODE]};
     return true;
 }
 
@@ -77,7 +76,7 @@ bool containedEndpoint(const Request& request, VNodeRef setting, Endpoint& end) 
     if (!setting) return false;
     const KeepRec<KIND_TNODE> keep;
     readRec(setting);
-    if (!readTypeOfSetting()) return false;
+    if (!readTypeSetting()) return false;
     return getEndpoint(end, request.upper) && end.value.valCode == request.kind;
 }
 
@@ -124,6 +123,7 @@ bool isNumber(uint8_t kind) {
 /// The first or the last character of a string kind, as a string of one.
 void setStringInfinity(Endpoint& end, bool plus, uint8_t kind, ModuleRec* module) {
     end = {};
+    end.module = module;
     end.value.valCode = kind;
     end.value.val.str.striLen = 1;
     uint32_t& stri = end.value.val.str.stri;
@@ -184,8 +184,7 @@ bool explicitRangeEndpoint(Endpoint& end, VNodeRef value, uint8_t flags, uint8_t
     readRec(value);
     skipValues(true);
     if (vNode.valCode != kind) return false;
-    end.value = vNode;
-    end.flags = flags;
+    end = {vNode, flags, recState.currTPtr[KIND_VNODE]};
     return isInsideParent(end.value, kind);
 }
 

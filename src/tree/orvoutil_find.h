@@ -61,7 +61,7 @@ const std::vector<FlatEntry>& flatComponents(ModuleRec* module, TNodeNr first);
 [[nodiscard]] bool readGovTNodeForFieldVNode(ModuleRec* object, VNodeNr firstSetting);
 
 /// Reads the type record of the current value, a type or set setting. False when it has none.
-[[nodiscard]] bool readTypeOfSetting();
+[[nodiscard]] bool readTypeSetting();
 
 /// To be called when the module's record counters were put back: forgets what the look-ups and
 /// walks noted about records that no longer exist.

@@ -38,7 +38,7 @@ bool readSolvedType(ModuleRec* module) {
     readRec(target, VNodeNr{magnitude(sNode.value)});
     if (vNode.valCode != TYP_OPEN) return false;
     if (vNode.refMod != REF_FORMAL && (vNode.vflags & VF_SET) == 0) return false;
-    return readTypeOfSetting();
+    return readTypeSetting();
 }
 
 template <RecKind K> bool isReference();
@@ -146,7 +146,7 @@ ModuleRec* refModule(ModuleRec* module, int32_t refMod) {
     return refMod > REF_OWN ? getModPtr(module, static_cast<uint32_t>(refMod)) : nullptr;
 }
 
-bool readTypeOfSetting() {
+bool readTypeSetting() {
     ModuleRec* module = recState.currTPtr[KIND_VNODE];
     // The type record stands in place of a reference; that of a set which another object gives may
     // lie in another module.

@@ -1,0 +1,412 @@
+// Values against constraints. An operator reports after its operands, so that a failure reads from
+// the inside out; operands that are only tried are checked without messages. The character or the
+// size that an inner constraint is about is a value without a record.
+
+#include <algorithm>
+#include <string>
+
+#include "check/check_cache.h"
+#include "check/orvonum_end.h"
+#include "check/orvostri.h"
+#include "check/p5val_int.h"
+#include "tree/orvoutil_cmp.h"
+#include "tree/orvoutil_find.h"
+#include "util/guard.h"
+
+namespace orvo {
+
+namespace {
+
+/// Unions of more operands are looked up.
+constexpr uint32_t longUnion = 16;
+
+/// Index of a constraint kind in the names of messages.
+int nameIndex(uint8_t subKind) {
+    return subKind >= SUB_RANGE ? subKind - SUB_RANGE + 5 : subKind - SUB_UNION;
+}
+bool failConstr(const ValueErrors& errors, const CheckedValue& value, uint8_t subKind) {
+    return failValue(errors, value, valueOutOfConstraint(nameIndex(subKind)));
+}
+
+SubRef currentSub() {
+    return currentRec<KIND_SUB>();
+}
+ValueErrors silent(const ValueErrors& errors) {
+    return {errors.module, false};
+}
+
+/// Calls fn(operand) with each operand of the current operator current, until it returns false.
+template <typename Fn> void forEachOperand(SubRef first, Fn&& fn) {
+    uint32_t left = first.module->nextRecNr[KIND_SUB];
+    for (SubNr nr = first.nr; nr && left != 0; --left) {
+        readRec(first.module, nr);
+        const SubNr next{subRec.next};
+        if (!fn(SubRef{first.module, nr})) return;
+        nr = next;
+    }
+}
+SubRef operandsOf(SubRef sub) {
+    return {sub.module, SubNr{subRec.left}};
+}
+
+// ---- operators
+
+/// Equality of such values is decided by all of the value, so equal values have equal hashes.
+bool isSimple(uint8_t kind) {
+    switch (kind) {
+    case TYP_BOOLEAN:
+    case TYP_INTEGER:
+    case TYP_ENUM:
+    case TYP_REAL:
+    case TYP_OBJID: return true;
+    default: return kind >= TYP_NUMSTR && kind <= TYP_UNISTR;
+    }
+}
+
+const UnionIndex& unionIndexOf(SubRef self) {
+    const auto [note, isNew] = checkCacheOf(self.module).unions.try_emplace(self.nr.nr);
+    if (!isNew) return note->second;
+    UnionIndex& index = note->second;
+    readRec(self);
+    forEachOperand(operandsOf(self), [&](SubRef operand) {
+        if (subRec.subKind != SUB_SINGLE_VALUE || subRec.left == 0) {
+            index.others.push_back(operand.nr);
+            return true;
+        }
+        const CheckedValue value = checkedValue({operand.module, VNodeNr{subRec.left}});
+        index.values[hashOfValue(value.module, value.rec)].push_back(operand.nr);
+        return true;
+    });
+    return index;
+}
+
+bool meetsOneOf(const ValueErrors& errors, const CheckedValue& value, ModuleRec* module,
+                const std::vector<SubNr>& operands) {
+    return std::ranges::any_of(operands, [&](SubNr operand) {
+        readRec(module, operand);
+        return checkAgainstSub(errors, value);
+    });
+}
+
+bool isLong(SubRef self) {
+    uint32_t count = 0;
+    forEachOperand(operandsOf(self), [&](SubRef) { return ++count <= longUnion; });
+    readRec(self);
+    return count > longUnion;
+}
+
+bool valUnion(const ValueErrors& errors, const CheckedValue& value) {
+    const SubRef self = currentSub();
+    const ValueErrors tried = silent(errors);
+    if (!p5ValState.inPermittedAlphabet && isSimple(value.rec.valCode) && isLong(self)) {
+        const UnionIndex& index = unionIndexOf(self);
+        const auto same = index.values.find(hashOfValue(value.module, value.rec));
+        if (same != index.values.end() && meetsOneOf(tried, value, self.module, same->second))
+            return true;
+        return meetsOneOf(tried, value, self.module, index.others);
+    }
+    bool met = false;
+    readRec(self);
+    forEachOperand(operandsOf(self), [&](SubRef) {
+        met = checkAgainstSub(tried, value);
+        return !met;
+    });
+    return met;
+}
+
+/// Every operand of an intersection or series; the first that is not met ends it.
+bool valAll(const ValueErrors& errors, const CheckedValue& value) {
+    bool met = true;
+    forEachOperand(operandsOf(currentSub()), [&](SubRef) {
+        met = checkAgainstSub(errors, value);
+        return met;
+    });
+    return met;
+}
+
+bool valExcept(const ValueErrors& errors, const CheckedValue& value) {
+    const SubRef first = operandsOf(currentSub());
+    if (!first) return false;
+    readRec(first);
+    const SubRef second{first.module, SubNr{subRec.next}};
+    if (!checkAgainstSub(errors, value)) return false;
+    if (!second) return true;
+    readRec(second);
+    return !checkAgainstSub(silent(errors), value);
+}
+
+bool valAllExcept(const ValueErrors& errors, const CheckedValue& value) {
+    bool met = false;
+    forEachOperand(operandsOf(currentSub()), [&](SubRef) {
+        met = checkAgainstSub(silent(errors), value);
+        return !met;
+    });
+    return !met;
+}
+
+// ---- elements
+
+bool isStringKind(uint8_t kind) {
+    return (kind >= TYP_NUMSTR && kind <= TYP_UTCTIME) || kind == TYP_OBJDESCR;
+}
+bool isNarrowKind(uint8_t kind) {
+    return isStringKind(kind) && kind != TYP_BMPSTR && kind != TYP_UNISTR;
+}
+/// Two kinds of character strings whose characters are the same.
+bool isSameWidth(uint8_t a, uint8_t b) {
+    return a == b || (isNarrowKind(a) && isNarrowKind(b));
+}
+
+/// The value lies on the inner side of an endpoint, or there is none on that side.
+bool isInside(const CheckedValue& value, Endpoint end, bool upper) {
+    const uint8_t kind = value.rec.valCode;
+    if (isStringKind(kind)) {
+        if (!isSameWidth(kind, end.value.valCode)) return false;
+        end.value.valCode = kind;
+    }
+    if (end.value.valCode != kind) return false;
+    if ((kind == TYP_INTEGER || kind == TYP_REAL) && testInfinity(end, upper, kind)) return true;
+    int order = compareValue(value.module, value.rec, end.module, end.value);
+    if (upper) order = -order;
+    const bool isMinOrMax = upper ? subRec.right == 0 : subRec.left == 0;
+    return order > 0 || (order == 0 && (end.flags != 0 || isMinOrMax));
+}
+
+bool valRange(const CheckedValue& value) {
+    for (const bool upper : {false, true}) {
+        Endpoint end;
+        if (!getRangeEndpoint(end, upper) || !isInside(value, end, upper)) return false;
+    }
+    return true;
+}
+
+bool valPermittedAlphabet(const ValueErrors& errors, const CheckedValue& value) {
+    const SubRef inner = operandsOf(currentSub());
+    if (!inner || !isStringKind(value.rec.valCode)) return false;
+    const Restore inAlphabet(p5ValState.inPermittedAlphabet, true);
+    for (const char32_t character : distinctChars(value.module, value.rec)) {
+        CheckedValue part = partOf(value, value.rec.valCode);
+        part.rec.val.str.striLen = 1;
+        part.rec.val.str.stri = scratchStri;
+        tempChar[0] = static_cast<char>(character);
+        tempChar16[0] = static_cast<char16_t>(character);
+        tempChar32[0] = character;
+        readRec(inner);
+        if (!checkAgainstSub(errors, part)) return false;
+    }
+    return true;
+}
+
+/// Elements of a list, else the length of the string.
+uint32_t sizeOf(const CheckedValue& value) {
+    if (!value.nr) return makeRestrCharStriSeg(value.module, value.rec, nullptr);
+    readRec(value.module, value.nr);
+    if (vNode.valCode != TYP_SEQOF && vNode.valCode != TYP_SETOF) return getAnyStringLength();
+    uint32_t count = 0;
+    for (VNodeNr nr{vNode.ref}; nr && count < value.module->nextRecNr[KIND_VNODE]; ++count) {
+        readRec(value.module, nr);
+        nr = {vNode.next};
+    }
+    return count;
+}
+
+bool valSizeConstr(const ValueErrors& errors, const CheckedValue& value) {
+    const SubRef inner = operandsOf(currentSub());
+    if (!inner) return false;
+    CheckedValue size = partOf(value, TYP_INTEGER);
+    size.rec.val.number = i64of(int64_t{sizeOf(value)});
+    readRec(inner);
+    ModuleRec* owner = refModule(inner.module, static_cast<int32_t>(subRec.typeMod));
+    if (owner == nullptr || subRec.typeNr == 0) return false;
+    readRec(owner, TNodeNr{subRec.typeNr});
+    return checkAgainstSub(errors, size);
+}
+
+/// Characters of a single value inside FROM; where the module allows it, four hexadecimal digits
+/// are one character.
+const std::u32string& alphabetOf(SubRef sub, const CheckedValue& operand) {
+    const auto [note, isNew] = checkCacheOf(sub.module).alphabets.try_emplace(sub.nr.nr);
+    if (!isNew) return note->second;
+    std::u32string& chars = note->second;
+    if (operand.rec.valCode == TYP_OCTSTR) {
+        const std::string bits = convBitString(TYP_BITSTR, operand.module, operand.rec);
+        if (bits.size() == 16) chars = static_cast<char32_t>(std::stoul(bits, nullptr, 2));
+    } else {
+        chars = distinctChars(operand.module, operand.rec);
+        std::ranges::sort(chars);
+    }
+    return chars;
+}
+
+bool isInAlphabet(SubRef sub, const CheckedValue& character, const CheckedValue& operand) {
+    const uint8_t kind = operand.rec.valCode;
+    if (kind != TYP_OCTSTR && !isSameWidth(character.rec.valCode, kind)) return false;
+    std::u32string one = distinctChars(character.module, character.rec);
+    return one.size() == 1 && std::ranges::binary_search(alphabetOf(sub, operand), one[0]);
+}
+
+bool equalBits(const CheckedValue& a, const CheckedValue& b) {
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    return equalStrings(tNode.typeCode, a.module, a.rec, b.module, b.rec);
+}
+
+bool valSingleValue(const CheckedValue& value) {
+    const SubRef sub = currentSub();
+    if (subRec.left == 0) return false;
+    CheckedValue operand = checkedValue({sub.module, VNodeNr{subRec.left}});
+    if (operand.id == value.id) return true;
+    if (p5ValState.inPermittedAlphabet) return isInAlphabet(sub, value, operand);
+    const uint8_t kind = value.rec.valCode;
+    const auto isBits = [](uint8_t code) { return code == TYP_BITSTR || code == TYP_OCTSTR; };
+    if (isBits(kind) && isBits(operand.rec.valCode)) return equalBits(value, operand);
+    if (isStringKind(kind) && isSameWidth(kind, operand.rec.valCode)) operand.rec.valCode = kind;
+    return kind == operand.rec.valCode &&
+           compareValue(value.module, value.rec, operand.module, operand.rec) == 0;
+}
+
+bool valContainedSubtype(const ValueErrors& errors, const CheckedValue& value) {
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    if (subRec.left == 0) return false;
+    readRec(recState.currTPtr[KIND_SUB], VNodeNr{subRec.left});
+    if (!readTypeSetting()) return false;
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const Restore own(p5ValState.outerWithComps, false);
+    return rememberedVerdict(value, type.module, type.nr.nr, errors.report,
+                             [&] { return checkAgainstType(errors, value, true); });
+}
+
+// ---- inner subtypes
+
+bool checkElements(const ValueErrors& errors, const CheckedValue& value, SubRef inner) {
+    bool met = true;
+    uint32_t left = value.module->nextRecNr[KIND_VNODE];
+    for (VNodeNr nr{value.rec.ref}; nr && left != 0; --left) {
+        const CheckedValue element = checkedValue({value.module, nr});
+        met &= rememberedVerdict(element, inner.module, minusWord(inner.nr.nr), errors.report, [&] {
+            readRec(inner);
+            return checkAgainstSub(errors, element);
+        });
+        readRec(value.module, nr);
+        nr = {vNode.next};
+    }
+    return met;
+}
+
+bool valWithComp(const ValueErrors& errors, const CheckedValue& value) {
+    const SubRef inner = operandsOf(currentSub());
+    skipTypes(true);
+    if ((tNode.typeCode != TYP_SEQOF && tNode.typeCode != TYP_SETOF) || tNode.ref == 0 || !inner)
+        return false;
+    readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
+    const Restore own(p5ValState.outerWithComps, false);
+    return checkElements(errors, value, inner);
+}
+
+bool hasComponent(const CheckedValue& value, std::string_view name) {
+    return findValueCompById(value.module, VNodeNr{value.rec.ref}, name);
+}
+
+/// PRESENT and ABSENT are kept. The names of the entries are collected.
+bool presencesAreKept(const CheckedValue& value, SubRef first, std::set<std::string_view>& named) {
+    bool met = true;
+    forEachOperand(first, [&](SubRef entry) {
+        if (subRec.name == 0) return true;
+        const std::string_view name = getStri(entry.module, int64_t{subRec.name});
+        named.insert(name);
+        const bool present = hasComponent(value, name);
+        if ((subRec.subFlags & SUBF_PRESENT) != 0) met &= present;
+        if ((subRec.subFlags & SUBF_ABSENT) != 0) met &= !present;
+        return true;
+    });
+    return met;
+}
+
+/// The current type becomes the structure whose components are restricted.
+void readRestrictedStructure() {
+    skipTypes(true);
+    switch (tNode.typeCode) {
+    case TYP_EMB_PDV:
+    case TYP_CHASTR:
+    case TYP_EXTERNAL_1990:
+    case TYP_EXTERNAL_1994:
+        if (run.iso8824MP == nullptr) return;
+        readRec(run.iso8824MP, TNodeNr{tNode.typeCode});
+        skipTypes(true);
+        return;
+    default: return;
+    }
+}
+
+bool valWithComps(const CheckedValue& value) {
+    const SubRef self = currentSub();
+    const bool isFull = (subRec.subFlags & SUBF_FULL) != 0;
+    std::set<std::string_view> named;
+    bool met = presencesAreKept(value, operandsOf(self), named);
+    // What a type nearer to the value restricts again is not asked for here.
+    if (!isFull || p5ValState.outerWithComps) return met;
+    readRestrictedStructure();
+    if (tNode.ref == 0) return met;
+    for (const FlatEntry& entry :
+         flatComponents(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref})) {
+        if (entry.repeated || entry.compStatus != TCS_OPTIONAL || named.contains(entry.name))
+            continue;
+        met &= !hasComponent(value, entry.name);
+    }
+    return met;
+}
+
+/// The constraint by its kind; what reports by itself does not come back here as a failure.
+bool meets(const ValueErrors& errors, const CheckedValue& value) {
+    switch (subRec.subKind) {
+    case SUB_UNION: return valUnion(errors, value);
+    case SUB_INTERSECTION:
+    case SUB_SERIAL: return valAll(errors, value);
+    case SUB_EXCEPT: return valExcept(errors, value);
+    case SUB_ALL_EXCEPT: return valAllExcept(errors, value);
+    case SUB_RANGE: return valRange(value);
+    case SUB_PERMITTED_ALPHABET: return valPermittedAlphabet(errors, value);
+    case SUB_SIZE: return valSizeConstr(errors, value);
+    case SUB_SINGLE_VALUE: return valSingleValue(value);
+    case SUB_CONTAINED_SUBTYPE: return valContainedSubtype(errors, value);
+    case SUB_WITH_COMPONENT: return valWithComp(errors, value);
+    case SUB_WITH_COMPONENTS: return valWithComps(value);
+    case SUB_TABLE: return valTableConstr(errors, value);
+    case SUB_USER_DEFINED:
+    case SUB_EXCEPTION: return true;
+    default: return false;
+    }
+}
+
+/// Kinds whose failure is reported where it is found, or not at all.
+bool reportsItself(uint8_t subKind) {
+    return subKind == SUB_CONTAINED_SUBTYPE || subKind > SUB_WITH_COMPONENTS;
+}
+
+} // namespace
+
+bool checkAgainstSub(const ValueErrors& errors, const CheckedValue& value) {
+    const ValueNesting nesting;
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    const KeepRec<KIND_SUB> keepSub;
+    const uint8_t kind = subRec.subKind;
+    if (meets(errors, value)) return true;
+    return !reportsItself(kind) && failConstr(errors, value, kind);
+}
+
+bool hasWithComps(SubRef sub) {
+    const KeepRec<KIND_SUB> keep;
+    readRec(sub);
+    if (subRec.subKind == SUB_WITH_COMPONENTS) return true;
+    if (subRec.subKind != SUB_SERIAL && subRec.subKind != SUB_INTERSECTION) return false;
+    bool found = false;
+    forEachOperand(operandsOf(sub), [&](SubRef operand) {
+        found = hasWithComps(operand);
+        return !found;
+    });
+    return found;
+}
+
+} // namespace orvo

@@ -1,0 +1,172 @@
+// Object identifier values (X.680 (07/2002) clause 31 and annexes A to C). The arcs of a valid
+// value are kept in its record, joined by commas, with their number as length: later values that
+// begin with this one take them over. An invalid value has the length invalidObjId.
+
+#include <algorithm>
+#include <string>
+
+#include "check/p5val_int.h"
+#include "tree/orvoutil_find.h"
+#include "util/guard.h"
+#include "util/text.h"
+
+namespace orvo {
+
+namespace {
+
+constexpr uint16_t invalidObjId = 65535;
+constexpr size_t maxArcs = 32;
+constexpr int64_t unknownArc = -1;
+
+/// Forms of a component: a number, a well-known name of a level (VST_ROOT_ARC and up).
+constexpr int32_t numberForm = 2;
+
+struct ObjIdArcs {
+    size_t count = 0; // arcs so far, valid or not
+    int64_t first[2] = {unknownArc, unknownArc};
+    std::string text;         // the accepted ones, each with a comma behind it
+    size_t entries = 0;       // components as written
+    bool prefixAlone = false; // the first one is a whole object identifier
+};
+
+void addArc(ObjIdArcs& arcs, int64_t number) {
+    if (arcs.count >= 1 && arcs.count <= 2) arcs.first[arcs.count - 1] = number;
+    if (arcs.count <= maxArcs) arcs.text += concat(std::to_string(number), ",");
+}
+
+bool isValidFirstObjIdComp(int32_t form, int64_t number) {
+    return (form == numberForm || form == VST_ROOT_ARC) && number <= 2;
+}
+bool isValidSecondObjIdComp(const ObjIdArcs& arcs, int32_t form, int64_t number) {
+    switch (arcs.first[0]) {
+    case 0: return (form == numberForm || form == VST_ROOT_ARC + 1) && number <= 39;
+    case 1: return (form == numberForm || form == VST_ROOT_ARC + 2) && number <= 39;
+    default: return form == numberForm;
+    }
+}
+bool isValidNthObjIdComp(int32_t form) {
+    return form == numberForm;
+}
+bool isValidThirdObjIdComp(const ObjIdArcs& arcs, int32_t form, int64_t number) {
+    if (arcs.first[0] != 0 || arcs.first[1] != 0) return isValidNthObjIdComp(form);
+    return (form == numberForm || form == VST_LETTER_ARC) && number >= 1 && number <= 26;
+}
+
+bool isValidObjIdComp(const ObjIdArcs& arcs, int32_t form, int64_t number) {
+    if (number < 0) return false;
+    switch (arcs.count) {
+    case 1: return isValidFirstObjIdComp(form, number);
+    case 2: return isValidSecondObjIdComp(arcs, form, number);
+    case 3: return isValidThirdObjIdComp(arcs, form, number);
+    default: return isValidNthObjIdComp(form);
+    }
+}
+
+/// "2nd component"; every number but 1, 2 and 3 counts as a "th".
+std::string placeOfComp(size_t count) {
+    const char* suffix = count == 1 ? "st" : count == 2 ? "nd" : count == 3 ? "rd" : "th";
+    return concat(std::to_string(count), suffix, " component");
+}
+
+/// What the checks of the object identifier that a component refers to stored in it.
+StriVal checkedPrefix(const ValueErrors& errors, const CheckedValue& component) {
+    const Restore nesting(p5ValState.objIdNesting, p5ValState.objIdNesting + 1);
+    const VNodeRef prefix{component.module, component.nr};
+    static_cast<void>(checkRecord(errors, prefix, true));
+    readRec(prefix);
+    if (vNode.val.str.stri == 0 && vNode.val.str.striLen == 0 &&
+        vNode.checkState != static_cast<uint16_t>(CHECK_RUNNING)) {
+        // No type that governs it asked for the check of its arcs.
+        static_cast<void>(checkObjIdVal(errors, checkedValue(prefix)));
+        readRec(prefix);
+    }
+    return vNode.val.str;
+}
+
+/// The first component is an object identifier: its arcs are taken over.
+bool addPrefix(const ValueErrors& errors, const CheckedValue& component, ObjIdArcs& arcs) {
+    arcs.prefixAlone = true;
+    const StriVal found = checkedPrefix(errors, component);
+    if (found.striLen == invalidObjId || found.stri == 0) {
+        arcs.count = 2;
+        return failValue(errors, component, Msg::InvalidObjIdPrefix);
+    }
+    const std::string_view text = getStri(component.module, int64_t{found.stri});
+    arcs.count = 0;
+    for (size_t from = 0; from < text.size(); ++from) {
+        const size_t end = std::min(text.find(',', from), text.size());
+        ++arcs.count;
+        addArc(arcs, std::stoll(std::string(text.substr(from, end - from))));
+        from = end;
+    }
+    return true;
+}
+
+/// Form of a component record: that of a reference is the form of the number it stands for.
+int32_t formOf(const CheckedValue& component) {
+    const int32_t status = component.rec.valStatus;
+    return status >= VST_ROOT_ARC && status <= VST_LETTER_ARC ? status : numberForm;
+}
+
+bool checkObjIdComp(const ValueErrors& errors, const CheckedValue& component, ObjIdArcs& arcs) {
+    ++arcs.count;
+    if (component.rec.valCode == TYP_OBJID && arcs.entries == 1)
+        return addPrefix(errors, component, arcs);
+    if (component.rec.valCode == TYP_INTEGER) {
+        const int64_t number = i64native(component.rec.val.number);
+        if (isValidObjIdComp(arcs, formOf(component), number)) {
+            addArc(arcs, number);
+            return true;
+        }
+    }
+    return failValue(errors, component, Msg::InvalidObjIdComponent, placeOfComp(arcs.count));
+}
+
+bool isLengthValid(const ValueErrors& errors, const CheckedValue& value, const ObjIdArcs& arcs) {
+    std::string text;
+    if (arcs.count < 2)
+        text = "Too few object identifier components.";
+    else if (arcs.count > maxArcs)
+        text = concat("Limitation: there can be only ", std::to_string(maxArcs),
+                      " object identifier components.");
+    else if (arcs.prefixAlone && arcs.entries == 1)
+        text = "An object identifier prefix without additional components.";
+    else
+        return true;
+    if (p5ValState.objIdNesting == 0) reportValue(errors, value, Msg::ObjIdOutOfRange, text);
+    return false;
+}
+
+/// Keeps the arcs, or that there are none.
+void storeArcs(const CheckedValue& value, const ObjIdArcs& arcs, bool ok) {
+    const std::string_view text = std::string_view(arcs.text).substr(0, arcs.text.size() - 1);
+    const uint32_t stri = ok ? putStri(value.module, text).nr : 0;
+    readRec(value.module, value.nr);
+    vNode.val.str = {};
+    vNode.val.str.striLen = ok ? static_cast<uint16_t>(arcs.count) : invalidObjId;
+    vNode.val.str.stri = stri;
+    writeRec(value.module, value.nr);
+}
+
+} // namespace
+
+bool checkObjIdVal(const ValueErrors& errors, const CheckedValue& value) {
+    const KeepRec<KIND_VNODE> keep;
+    if (value.rec.valCode != TYP_OBJID || !value.nr) return true;
+    const StriVal known = value.rec.val.str;
+    if (known.stri != 0 && known.striLen != invalidObjId) return true;
+    ObjIdArcs arcs;
+    bool ok = true;
+    uint32_t left = value.module->nextRecNr[KIND_VNODE];
+    for (VNodeNr nr{value.rec.ref}; nr && left != 0; --left) {
+        ++arcs.entries;
+        ok &= checkObjIdComp(errors, checkedValue({value.module, nr}), arcs);
+        readRec(value.module, nr);
+        nr = {vNode.next};
+    }
+    ok &= isLengthValid(errors, value, arcs);
+    storeArcs(value, arcs, ok);
+    return ok || failValue(errors, value, invalidValue(TYP_OBJID));
+}
+
+} // namespace orvo

@@ -1,0 +1,259 @@
+// Values with components: SEQUENCE, SET, CHOICE, objects, lists, and the types whose components the
+// built-in module defines.
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "check/p5val_int.h"
+#include "tree/orvoutil_find.h"
+#include "tree/types_compat.h"
+#include "util/text.h"
+
+namespace orvo {
+
+namespace {
+
+/// The component values of a value, by place and by name.
+struct Components {
+    ModuleRec* module = nullptr;
+    std::vector<VNodeNr> records;                            // in list order
+    std::vector<std::pair<std::string_view, size_t>> byName; // sorted, with the place in `records`
+    static constexpr size_t none = ~size_t{0};
+
+    /// The first component value of a name from a place on.
+    [[nodiscard]] size_t find(std::string_view name, size_t from) const {
+        const auto at = std::ranges::lower_bound(byName, std::pair(name, from));
+        return at != byName.end() && at->first == name ? at->second : none;
+    }
+};
+
+Components componentsOf(const CheckedValue& value) {
+    const KeepRec<KIND_VNODE> keep;
+    Components components;
+    components.module = value.module;
+    uint32_t left = value.module->nextRecNr[KIND_VNODE];
+    for (VNodeNr nr{value.rec.ref}; nr && left != 0; --left) {
+        readRec(value.module, nr);
+        if (vNode.name != 0)
+            components.byName.emplace_back(getStri(value.module, vNode.name),
+                                           components.records.size());
+        components.records.push_back(nr);
+        nr = {vNode.next};
+    }
+    std::ranges::sort(components.byName);
+    return components;
+}
+
+/// A structure, with what differs between values and objects.
+struct Structure {
+    uint8_t kind;
+    Msg invalid;
+    [[nodiscard]] bool isObject() const { return isClassCode(kind); }
+};
+Structure structureOf(uint8_t kind) {
+    switch (kind) {
+    case TYP_SEQ:
+    case TYP_SET:
+    case TYP_CHOICE: return {kind, invalidValue(kind)};
+    default: return {kind, Msg::InvalidObject};
+    }
+}
+
+/// Checks a setting of an object whose type another field names against that type.
+bool checkVariableSetting(const ValueErrors& errors, const Components& object, VNodeRef at) {
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    readRec(at);
+    return readGovTNodeForFieldVNode(object.module, object.records.front()) &&
+           checkAgainstType(errors, checkedValue(at), true);
+}
+
+bool isVariableSetting(VNodeRef at) {
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    readRec(at);
+    ModuleRec* governor = refModule(at.module, static_cast<int32_t>(vNode.govTypeMod));
+    if (governor == nullptr || vNode.govType == 0) return false;
+    readRec(governor, TNodeNr{vNode.govType});
+    return isVariabTypeFieldTNode();
+}
+
+std::string_view nameAt(VNodeRef at) {
+    readRec(at);
+    return vNode.name == 0 ? std::string_view() : getStri(at.module, vNode.name);
+}
+
+bool checkStruValComps(const ValueErrors& errors, const Structure& structure,
+                       const Components& components) {
+    bool ok = true;
+    for (size_t place = 0; place < components.records.size(); ++place) {
+        const VNodeRef at{components.module, components.records[place]};
+        const std::string_view name = nameAt(at);
+        if (!name.empty() && components.find(name, 0) < place) {
+            const Msg code =
+                structure.isObject() ? Msg::DuplicateFieldSetting : Msg::DuplicateComponentValue;
+            ok = failValue(errors, checkedValue(at), code);
+        }
+        const bool isVariable = structure.isObject() && isVariableSetting(at);
+        ok &= isVariable ? checkVariableSetting(errors, components, at)
+                         : checkRecord(errors, at, true);
+    }
+    return ok;
+}
+
+/// A component without value: false when nothing more is to be said about the structure.
+bool errStruValMandComp(const ValueErrors& errors, const CheckedValue& value,
+                        const Structure& structure, const Components& components,
+                        std::string_view name) {
+    if (structure.kind == TYP_SEQ && components.find(name, 0) != Components::none)
+        return failValue(errors, value, Msg::ComponentValuesOutOfOrder);
+    if (structure.isObject())
+        reportValue(errors, value, Msg::MandatoryFieldMissing, concat("field '", name, "'"));
+    else
+        reportValue(errors, value, Msg::MandatoryComponentValueMissing,
+                    concat("component '", name, "'"));
+    return true;
+}
+
+/// The components of an extension addition group may be left out together.
+bool isGroupAbsent(const std::vector<FlatEntry>& entries, TNodeNr group,
+                   const Components& components) {
+    return group && std::ranges::none_of(entries, [&](const FlatEntry& entry) {
+               return entry.group == group && components.find(entry.name, 0) != Components::none;
+           });
+}
+
+bool checkStruValMandOpt(const ValueErrors& errors, const CheckedValue& value,
+                         const Structure& structure, const Components& components) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const std::vector<FlatEntry>& entries = flatComponents(type.module, TNodeNr{tNode.ref});
+    readRec(type);
+    bool ok = true;
+    size_t next = 0; // where the value of the next component may stand
+    for (const FlatEntry& entry : entries) {
+        if (entry.repeated || entry.name.empty()) continue;
+        const size_t found = components.find(entry.name, next);
+        if (found != Components::none) {
+            if (structure.kind == TYP_SEQ) next = found + 1;
+            continue;
+        }
+        if (entry.compStatus != TCS_MANDATORY) continue;
+        if (isGroupAbsent(entries, entry.group, components)) continue;
+        ok = false;
+        if (!errStruValMandComp(errors, value, structure, components, entry.name)) break;
+    }
+    return ok;
+}
+
+bool isCompatible(const CheckedValue& value) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    ModuleRec* governor = refModule(value.module, static_cast<int32_t>(value.rec.govTypeMod));
+    return governor != nullptr && value.rec.govType != 0 &&
+           typeCompatible(type.module, type.nr, governor, TNodeNr{value.rec.govType});
+}
+
+bool checkParts(const ValueErrors& errors, const CheckedValue& value, const Structure& structure) {
+    const Components components = componentsOf(value);
+    bool ok = checkStruValComps(errors, structure, components);
+    if (structure.kind != TYP_CHOICE)
+        ok &= checkStruValMandOpt(errors, value, structure, components);
+    return ok;
+}
+
+bool checkStruVal(const ValueErrors& errors, const CheckedValue& value) {
+    const Structure structure = structureOf(tNode.typeCode);
+    const bool ok = isCompatible(value) && checkParts(errors, value, structure);
+    return ok || failValue(errors, value, structure.invalid);
+}
+
+bool checkSOfVal(const ValueErrors& errors, const CheckedValue& value) {
+    const uint8_t kind = tNode.typeCode;
+    bool ok = isCompatible(value);
+    if (ok) {
+        const Components elements = componentsOf(value);
+        for (const VNodeNr nr : elements.records)
+            ok &= checkRecord(errors, {elements.module, nr}, true);
+    }
+    return ok || failValue(errors, value, invalidValue(kind));
+}
+
+/// Makes the definition that the built-in module has for a kind the current type; false when there
+/// is none.
+bool readBuiltinType(uint8_t kind) {
+    if (run.iso8824MP == nullptr) return false;
+    readRec(run.iso8824MP, TNodeNr{kind});
+    skipTypes(true);
+    return tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_CLASS;
+}
+
+bool checkISO8824StruVal(const ValueErrors& errors, const CheckedValue& value) {
+    const KeepRec<KIND_TNODE> keep;
+    return !readBuiltinType(value.rec.valCode) || checkStruVal(errors, value);
+}
+
+/// The values of INSTANCE OF are those of the associated type, which no rule makes compatible.
+bool checkInstanceVal(const ValueErrors& errors, const CheckedValue& value) {
+    const KeepRec<KIND_TNODE> keep;
+    if (!readBuiltinType(TYP_INSTANCE_OF)) return true;
+    const Structure structure{TYP_SEQ, invalidValue(TYP_INSTANCE_OF)};
+    return checkParts(errors, value, structure) || failValue(errors, value, structure.invalid);
+}
+
+/// The component value of a name with its references followed; false when there is none.
+bool componentValue(const CheckedValue& value, std::string_view name, CheckedValue& component) {
+    const KeepRec<KIND_VNODE> keep;
+    if (!findValueCompById(value.module, VNodeNr{value.rec.ref}, name)) return false;
+    component = checkedValue(currentRec<KIND_VNODE>());
+    return true;
+}
+
+/// The notation of a CHARACTER STRING value is a value of a character string type.
+bool checkChaStrVal(const ValueErrors& errors, const CheckedValue& value) {
+    if (!checkISO8824StruVal(errors, value)) return false;
+    CheckedValue data;
+    CheckedValue notation;
+    if (!componentValue(value, "data_value", data) || !componentValue(data, "notation", notation))
+        return true;
+    if (notation.rec.valCode == TYP_OPEN && notation.rec.refMod == REF_UNRESOLVED &&
+        notation.rec.ref != 0)
+        notation = checkedValue({notation.module, VNodeNr{notation.rec.ref}});
+    const uint8_t kind = notation.rec.valCode;
+    if (kind >= TYP_NUMSTR && kind <= TYP_UTCTIME) return true;
+    return failValue(errors, value, invalidValue(TYP_CHASTR));
+}
+
+/// EXTERNAL of 1990 says by one of its references what it holds.
+bool checkExtVal(const ValueErrors& errors, const CheckedValue& value) {
+    const uint8_t kind = value.rec.valCode;
+    if (!checkISO8824StruVal(errors, value)) return false;
+    CheckedValue reference;
+    if (kind != TYP_EXTERNAL_1990 || componentValue(value, "direct_reference", reference) ||
+        componentValue(value, "indirect_reference", reference))
+        return true;
+    return failValue(errors, value, invalidValue(kind));
+}
+
+} // namespace
+
+bool checkValWithComps(const ValueErrors& errors, const CheckedValue& value) {
+    switch (tNode.typeCode) {
+    case TYP_SEQ:
+    case TYP_SET:
+    case TYP_CHOICE:
+    case TYP_CLASS: return checkStruVal(errors, value);
+    case TYP_SEQOF:
+    case TYP_SETOF: return checkSOfVal(errors, value);
+    case TYP_CHASTR: return checkChaStrVal(errors, value);
+    case TYP_EXTERNAL_1990:
+    case TYP_EXTERNAL_1994: return checkExtVal(errors, value);
+    case TYP_INSTANCE_OF: return checkInstanceVal(errors, value);
+    case TYP_EMB_PDV:
+    case TYP_TYPE_ID:
+    case TYP_ABSTR_STX: return checkISO8824StruVal(errors, value);
+    default: return true;
+    }
+}
+
+} // namespace orvo

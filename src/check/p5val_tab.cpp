@@ -1,0 +1,389 @@
+// Values against table constraints (X.682 (07/2002) clause 10). The objects of the set are
+// collected once per constraint, with the setting that each has for the constrained field; settings
+// that are values are found by the hash of the value, so that large tables cost a look-up.
+
+#include <algorithm>
+#include <cstdio>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "check/check_cache.h"
+#include "check/p5val_int.h"
+#include "tree/orvoutil_cmp.h"
+#include "tree/orvoutil_find.h"
+#include "util/guard.h"
+
+namespace orvo {
+
+namespace {
+
+enum NameIndex { tableName = 12, componentRelationName = 14 };
+
+/// Names of the fields that an object class field type goes through.
+using FieldPath = std::vector<std::string>;
+
+/// Said once a run.
+void sorry() {
+    if (p5ValState.sorrySaid || run.verboseEx <= 1) return;
+    p5ValState.sorrySaid = true;
+    std::fputs("\n** WARNING: Table constraint checks not fully implemented, sorry.\n\n", stderr);
+}
+
+/// The field named by an entry of a field name chain: the name that was written, or that of the
+/// record which solves it. False for a value.
+bool fieldName(ModuleRec* module, std::string& name) {
+    if (sNode.module == 0) {
+        name = getStri(module, sNode.value);
+        return true;
+    }
+    ModuleRec* owner = refModule(module, static_cast<int32_t>(sNode.module));
+    if (owner == nullptr || sNode.value <= 0) return false;
+    const KeepRec<KIND_TNODE> keep;
+    readRec(owner, TNodeNr{static_cast<uint32_t>(sNode.value)});
+    if (tNode.name == 0) return false;
+    name = getStri(owner, tNode.name);
+    return true;
+}
+
+/// The fields of the current type, an object class field type. False when it is none, or when a
+/// step names a value.
+bool fieldPath(FieldPath& path) {
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_SNODE> keepEntry;
+    skipTypes(false);
+    if (tNode.typeCode != TYP_FIELDLIST || tNode.syntax <= 0) return false;
+    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    uint32_t left = module->nextRecNr[KIND_SNODE];
+    for (int32_t nr = tNode.syntax; nr > 0 && left != 0; --left) {
+        readRec(module, SNodeNr{static_cast<uint32_t>(nr)});
+        nr = sNode.next;
+        if (!fieldName(module, path.emplace_back())) return false;
+    }
+    return true;
+}
+
+// ---- the objects of a set
+
+struct Collecting {
+    TableIndex& table;
+    const FieldPath& path;
+    std::set<std::pair<ModuleRec*, uint32_t>> walked; // sets that were walked
+};
+
+bool isObjectSetting() {
+    return (vNode.vflags & VF_SET) == 0 && vNode.valCode == TYP_CLASS;
+}
+
+/// The default that the class of an object has for a field.
+VNodeRef classDefault(ModuleRec* module, const VNode& object, std::string_view name) {
+    const KeepRec<KIND_TNODE> keep;
+    ModuleRec* governor = refModule(module, static_cast<int32_t>(object.govTypeMod));
+    if (governor == nullptr || object.govType == 0) return {};
+    readRec(governor, TNodeNr{object.govType});
+    skipTypes(true);
+    if (tNode.typeCode != TYP_CLASS || tNode.ref == 0) return {};
+    if (!findTypeCompById(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}, name)) return {};
+    return {recState.currTPtr[KIND_TNODE], VNodeNr{tNode.defaultVal}};
+}
+
+/// The setting at the end of a path through fields that hold objects; none when an object on the
+/// way has no such setting. `isSet`: a field on the way holds a set of objects.
+VNodeRef settingOf(VNodeRef object, const FieldPath& path, bool& isSet) {
+    isSet = false;
+    VNodeRef at = object;
+    for (size_t step = 0; step < path.size(); ++step) {
+        readRec(at);
+        skipValues(true);
+        if (step != 0 && (vNode.vflags & VF_SET) != 0) isSet = true;
+        if (isSet || !isObjectSetting()) return {};
+        ModuleRec* module = recState.currTPtr[KIND_VNODE];
+        const VNode holder = vNode;
+        if (findValueCompById(module, VNodeNr{holder.ref}, path[step]))
+            at = currentRec<KIND_VNODE>();
+        else
+            at = classDefault(module, holder, path[step]);
+        if (!at) return {};
+    }
+    return at;
+}
+
+void addObject(Collecting& collecting, VNodeRef object) {
+    TableIndex& table = collecting.table;
+    bool isSet = false;
+    const VNodeRef setting = settingOf(object, collecting.path, isSet);
+    table.open = table.open || isSet;
+    if (isSet) sorry();
+    if (!setting) return;
+    const size_t place = table.entries.size();
+    table.entries.push_back({object, setting});
+    const CheckedValue value = checkedValue(setting);
+    if (value.rec.valCode == TYP_OPEN)
+        table.others.push_back(place);
+    else
+        table.byValue[hashOfValue(value.module, value.rec)].push_back(place);
+}
+
+void collectFromType(Collecting& collecting, TNodeRef set);
+
+/// The element in the current constraint record of a set.
+void collectFromSub(Collecting& collecting, SubRef sub) {
+    readRec(sub);
+    switch (subRec.subKind) {
+    case SUB_UNION:
+    case SUB_SERIAL: {
+        uint32_t left = sub.module->nextRecNr[KIND_SUB];
+        for (SubNr nr{subRec.left}; nr && left != 0; --left) {
+            readRec(sub.module, nr);
+            const SubNr next{subRec.next};
+            collectFromSub(collecting, {sub.module, nr});
+            nr = next;
+        }
+        return;
+    }
+    case SUB_INTERSECTION:
+    case SUB_EXCEPT:
+    case SUB_ALL_EXCEPT: collecting.table.open = true; return;
+    case SUB_SINGLE_VALUE:
+        if (subRec.left != 0) addObject(collecting, {sub.module, VNodeNr{subRec.left}});
+        return;
+    case SUB_CONTAINED_SUBTYPE:
+        readRec(sub.module, VNodeNr{subRec.left});
+        if (readTypeSetting()) collectFromType(collecting, currentRec<KIND_TNODE>());
+        return;
+    default: return;
+    }
+}
+
+/// A set, or a reference to one. A set that was walked before brings no new objects.
+void collectFromType(Collecting& collecting, TNodeRef set) {
+    readRec(set);
+    while (tNode.constraint <= 0)
+        if (!followTypeRef(true)) return;
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    if (!collecting.walked.insert({type.module, type.nr.nr}).second) return;
+    collectFromSub(collecting, {type.module, SubNr{magnitude(tNode.constraint)}});
+}
+
+/// The objects of the set in a table constraint with their settings for the fields of `path`.
+/// `column` is the component whose type the path is; none for the constrained type itself.
+const TableIndex& objSetFieldsToList(SubRef sub, const FieldPath& path, TNodeNr column) {
+    const uint64_t key = (uint64_t{sub.nr.nr} << 32) | column.nr;
+    const auto [note, isNew] = checkCacheOf(sub.module).tables.try_emplace(key);
+    if (!isNew) return note->second;
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    const KeepRec<KIND_SUB> keepSub;
+    readRec(sub);
+    Collecting collecting{note->second, path, {}};
+    readRec(sub.module, VNodeNr{subRec.left});
+    if (readTypeSetting()) collectFromType(collecting, currentRec<KIND_TNODE>());
+    return note->second;
+}
+
+// ---- objects that agree with a value
+
+/// A value of an open type is written with its type: what counts is the value behind it.
+CheckedValue withoutType(const CheckedValue& value) {
+    const bool isWritten = (value.rec.valCode == TYP_OPEN || value.rec.valCode == TYP_ANY) &&
+                           value.rec.refMod == REF_UNRESOLVED && value.rec.ref != 0;
+    if (!isWritten) return value;
+    CheckedValue inner = checkedValue({value.module, VNodeNr{value.rec.ref}});
+    inner.isReference = true; // its type shall be compatible with the one of the table
+    return inner;
+}
+
+/// The setting, a type or a set of values, admits the value.
+bool typeAdmits(const ValueErrors& errors, const CheckedValue& value, const CheckedValue& setting) {
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    readRec(setting.module, setting.nr);
+    if (!readTypeSetting()) return false;
+    return checkAgainstType({errors.module, false}, withoutType(value), true);
+}
+
+bool compareValueAndTableObject(const ValueErrors& errors, const CheckedValue& value,
+                                VNodeRef setting) {
+    const CheckedValue field = checkedValue(setting);
+    if (field.rec.valCode == TYP_OPEN && field.rec.refMod != REF_UNRESOLVED)
+        return typeAdmits(errors, value, field);
+    const CheckedValue bare = withoutType(value);
+    const CheckedValue other = withoutType(field);
+    return compareValue(bare.module, bare.rec, other.module, other.rec) == 0;
+}
+
+/// Calls fn(entry) for the objects whose setting agrees with a value, until it returns false.
+template <typename Fn> void forEachAgreeing(const ValueErrors& errors, const TableIndex& table,
+                                            const CheckedValue& value, Fn&& fn) {
+    const CheckedValue bare = withoutType(value);
+    const auto same = table.byValue.find(hashOfValue(bare.module, bare.rec));
+    const auto tryAll = [&](const std::vector<size_t>& places) {
+        return std::ranges::all_of(places, [&](size_t place) {
+            const TableEntry& entry = table.entries[place];
+            return !compareValueAndTableObject(errors, value, entry.setting) || fn(entry);
+        });
+    };
+    if (same == table.byValue.end() || tryAll(same->second)) tryAll(table.others);
+}
+
+bool anyAgrees(const ValueErrors& errors, const TableIndex& table, const CheckedValue& value) {
+    bool found = false;
+    forEachAgreeing(errors, table, value, [&](const TableEntry&) {
+        found = true;
+        return false;
+    });
+    return found;
+}
+
+/// The object's own setting agrees with the value; a set of objects on the way agrees with all.
+bool objectAgrees(const ValueErrors& errors, VNodeRef object, const FieldPath& path,
+                  const CheckedValue& value) {
+    bool isSet = false;
+    const VNodeRef setting = settingOf(object, path, isSet);
+    if (isSet) sorry();
+    return isSet || (setting && compareValueAndTableObject(errors, value, setting));
+}
+
+// ---- component relations
+
+/// Where a reference of a component relation leads.
+enum class Reached { Value, Absent, Nowhere };
+
+/// The value that encloses the one under check on the stack.
+bool readEnclosing(const CheckedValue& value, bool innermost) {
+    readRec(value.module, value.nr);
+    return innermost ? innerEnclStru(p5ValState.struValueStack)
+                     : outerEnclStru(p5ValState.struValueStack);
+}
+
+/// The n-th element of the list in `vNode`, from 1.
+Reached valAtElement(uint64_t number) {
+    ModuleRec* module = recState.currTPtr[KIND_VNODE];
+    if (vNode.valCode != TYP_SEQOF && vNode.valCode != TYP_SETOF) return Reached::Nowhere;
+    uint64_t place = 0;
+    for (VNodeNr nr{vNode.ref}; nr && place < module->nextRecNr[KIND_VNODE];) {
+        readRec(module, nr);
+        if (++place == number) return Reached::Value;
+        nr = {vNode.next};
+    }
+    return Reached::Absent;
+}
+
+/// One step from the value in `vNode`, the current entry of the list, of a record of `module`.
+Reached valAtCompId(ModuleRec* module) {
+    if (sNode.token == TOK_NUMBER) {
+        if (sNode.module != 0) return Reached::Absent;
+        return valAtElement(std::stoull(std::string(getStri(module, sNode.value))));
+    }
+    std::string name;
+    if (!fieldName(module, name)) return Reached::Nowhere;
+    const uint8_t kind = vNode.valCode;
+    if (kind != TYP_SEQ && kind != TYP_SET && kind != TYP_CHOICE) return Reached::Nowhere;
+    ModuleRec* owner = recState.currTPtr[KIND_VNODE];
+    return findValueCompById(owner, VNodeNr{vNode.ref}, name) ? Reached::Value : Reached::Absent;
+}
+
+/// One "@" reference: `entry` is its first step, moved to the "@" behind it. The record reached,
+/// with a component's type for its governing type, is current.
+Reached valAt(ModuleRec* module, SNodeNr& entry) {
+    Reached reached = Reached::Value;
+    for (uint32_t left = module->nextRecNr[KIND_SNODE]; entry && left != 0; --left) {
+        readRec(module, entry);
+        if (sNode.token == TOK_AT) break;
+        entry = SNodeNr{sNode.next > 0 ? magnitude(sNode.next) : 0};
+        if (reached != Reached::Value) continue;
+        skipValues(true);
+        reached = valAtCompId(module);
+    }
+    return reached;
+}
+
+/// A value that a component relation refers to, and the fields that it is a value of.
+struct Related {
+    CheckedValue value;
+    FieldPath path;
+    TNodeNr column;
+};
+
+/// The values that the references of a component relation lead to; false when one leads nowhere.
+bool relatedValues(const CheckedValue& value, ModuleRec* module, SNodeNr entry,
+                   std::vector<Related>& related) {
+    const KeepRec<KIND_SNODE> keepEntry;
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    const auto moveOn = [&] { entry = SNodeNr{sNode.next > 0 ? magnitude(sNode.next) : 0}; };
+    while (entry) {
+        readRec(module, entry); // the "@"
+        moveOn();
+        if (!entry) break;
+        readRec(module, entry);
+        const bool innermost = sNode.token == TOK_DOT;
+        if (innermost) moveOn();
+        if (!readEnclosing(value, innermost)) return false;
+        const Reached reached = valAt(module, entry);
+        if (reached == Reached::Nowhere) return false;
+        const VNodeRef at = currentRec<KIND_VNODE>();
+        ModuleRec* owner = refModule(at.module, static_cast<int32_t>(vNode.govTypeMod));
+        if (reached == Reached::Absent || owner == nullptr || vNode.govType == 0) continue;
+        Related found{checkedValue(at), {}, TNodeNr{vNode.govType}};
+        readRec(owner, found.column);
+        if (fieldPath(found.path)) related.push_back(std::move(found));
+    }
+    return true;
+}
+
+/// The objects that agree with all related values; the first one narrows the table to few.
+std::vector<VNodeRef> compressOsfList(const ValueErrors& errors, SubRef sub,
+                                      const std::vector<Related>& related) {
+    std::vector<VNodeRef> objects;
+    const Related& first = related.front();
+    const TableIndex& table = objSetFieldsToList(sub, first.path, first.column);
+    forEachAgreeing(errors, table, first.value, [&](const TableEntry& entry) {
+        objects.push_back(entry.object);
+        return true;
+    });
+    if (table.open)
+        for (const TableEntry& entry : table.entries) objects.push_back(entry.object);
+    std::erase_if(objects, [&](VNodeRef object) {
+        return !std::ranges::all_of(related, [&](const Related& one) {
+            return objectAgrees(errors, object, one.path, one.value);
+        });
+    });
+    return objects;
+}
+
+/// An object agrees with the value and with all that the relation refers to.
+bool relationHolds(const ValueErrors& errors, const CheckedValue& value, SubRef sub, SNodeNr list,
+                   const FieldPath& path, const TableIndex& table) {
+    std::vector<Related> related;
+    if (!relatedValues(value, sub.module, list, related)) return false;
+    if (related.empty()) return anyAgrees(errors, table, value);
+    const std::vector<VNodeRef> objects = compressOsfList(errors, sub, related);
+    return std::ranges::any_of(
+        objects, [&](VNodeRef object) { return objectAgrees(errors, object, path, value); });
+}
+
+} // namespace
+
+bool valTableConstr(const ValueErrors& errors, const CheckedValue& value) {
+    const SubRef sub = currentRec<KIND_SUB>();
+    const int32_t relation = signedWord(subRec.right);
+    {
+        const KeepRec<KIND_TNODE> keep;
+        skipTypes(false);
+        if (tNode.typeCode == TYP_INSTANCE_OF) return true; // its table has no column to look into
+    }
+    FieldPath path;
+    if (subRec.left == 0 || !fieldPath(path))
+        return failValue(errors, value, valueOutOfConstraint(tableName));
+    const TableIndex& table = objSetFieldsToList(sub, path, {});
+    if (table.open) return true;
+    const SNodeNr list{relation > 0 ? magnitude(relation) : 0};
+    if (list && relationHolds(errors, value, sub, list, path, table)) return true;
+    const bool agrees = anyAgrees(errors, table, value);
+    if (agrees && !list) return true;
+    return failValue(errors, value,
+                     valueOutOfConstraint(agrees ? componentRelationName : tableName));
+}
+
+} // namespace orvo
