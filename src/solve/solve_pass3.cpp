@@ -166,6 +166,7 @@ void parseDefaultPassOne() {
     SnapShot trial(value);
     const int32_t text = takeText(value);
     if (!isVariabTypeTNode()) {
+        makePending(value.module, value.nr);
         setValSetNode(REF_OWN, field.nr, text);
         flushRecs(-1);
     } else if (readDefaultOfNamedField()) {
