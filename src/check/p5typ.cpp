@@ -80,24 +80,30 @@ bool checkByKind(ModuleRec* module, bool ignorable) {
     }
 }
 
-/// A reference to a set is a set too.
+/// References and fields that are followed to find out whether a class field type is a set.
+constexpr int maxFieldSteps = 1000;
+
+/// A reference to a set is a set too. What the node leads to next was checked before it, so it
+/// knows already; only a cycle leads to a record that is still being checked, and ends the walk.
 void checkAndMarkSetTNode(TNodeRef self) {
     if (isSetTNode()) return;
-    bool isSet = false;
-    uint32_t left = maxRecNr;
-    while (!isSet && left-- != 0) {
-        ModuleRec* const module = recState.currTPtr[KIND_TNODE];
-        if (isReferenceWithTarget()) {
-            ModuleRec* const target = refModule(module, tNode.refMod);
+    bool leads = isReferenceWithTarget();
+    if (leads) {
+        ModuleRec* const target = refModule(self.module, tNode.refMod);
+        if (target != nullptr) readRec(target, TNodeNr{tNode.ref});
+    } else if (tNode.typeCode == TYP_FIELDLIST && skipFieldList()) {
+        leads = true;
+        for (int steps = 0;
+             steps < maxFieldSteps && !isSetTNode() && tNode.checkState < CHECK_RUNNING; ++steps) {
+            if (tNode.typeCode == TYP_FIELDLIST ? !skipFieldList() : !isReferenceWithTarget())
+                break;
+            if (tNode.typeCode != TYP_SYNONYM) continue;
+            ModuleRec* const target = refModule(recState.currTPtr[KIND_TNODE], tNode.refMod);
             if (target == nullptr) break;
-            const TNodeRef next{target, TNodeNr{tNode.ref}};
-            if (next == self) break;
-            readRec(next);
-        } else if (tNode.typeCode != TYP_FIELDLIST || !skipFieldList()) {
-            break;
+            readRec(target, TNodeNr{tNode.ref});
         }
-        isSet = isSetTNode();
     }
+    const bool isSet = leads && isSetTNode();
     readRec(self);
     if (!isSet) return;
     tNode.nodeFlags |= NF_SET;

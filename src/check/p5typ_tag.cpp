@@ -2,7 +2,8 @@
 
 #include "check/p5typ_int.h"
 
-#include <cstdlib>
+#include <unordered_map>
+#include <vector>
 
 #include "diag/orvoerr.h"
 #include "tree/orvorec.h"
@@ -21,6 +22,12 @@ struct UsedTags {
     std::unordered_map<const ModuleRec*, std::unordered_map<uint64_t, bool>> byModule;
 };
 UsedTags usedTags;
+
+/// Tags of untagged references, which lead to them over any number of links.
+struct SeenTags {
+    std::unordered_map<uint64_t, SeenTag> byType;
+};
+SeenTags seenTags;
 
 /// Class of a finding that TAGUSAGE= or EXPLICIT= asks for: 1 warning, 2 error.
 ErrClass classOfSetting(uint8_t setting) {
@@ -120,23 +127,41 @@ int32_t tagNumberOf(ModuleRec* module, const TagRec& tag) {
     return number >= 0 && number <= maxTagNr ? static_cast<int32_t>(number) : badTagNr;
 }
 
-SeenTag getNextTag() {
-    const KeepRec<KIND_TNODE> keep;
-    uint32_t left = maxRecNr;
-    const TNodeRef start = currentRec<KIND_TNODE>();
-    while (tNode.tags == 0 && tNode.typeCode == TYP_SYNONYM && tNode.ref != 0 && left-- != 0) {
-        ModuleRec* const module = refModule(recState.currTPtr[KIND_TNODE], tNode.refMod);
-        if (module == nullptr) break;
-        const TNodeRef next{module, TNodeNr{tNode.ref}};
-        if (next == start) break;
-        readRec(next);
-    }
+namespace {
+
+/// The tag that the current record, which has none of its own to follow, shows.
+SeenTag ownTag() {
     if (tNode.tags == 0) return {TAG_UNIVERSAL, typeArr[tNode.typeCode].tag};
     ModuleRec* const module = recState.currTPtr[KIND_TNODE];
     const KeepRec<KIND_TAG> keepTag;
     readRec(module, TagNr{tNode.tags});
     const TagRec tag = tagRec;
     return {tag.tagClass, tagNumberOf(module, tag)};
+}
+
+} // namespace
+
+SeenTag getNextTag() {
+    const KeepRec<KIND_TNODE> keep;
+    std::vector<uint64_t> path; // untagged references passed; they all show the tag found
+    SeenTag tag;
+    for (;;) {
+        const TNodeRef type = currentRec<KIND_TNODE>();
+        const uint64_t key = uint64_t{type.module->handle} << 32 | type.nr.nr;
+        const auto known = seenTags.byType.find(key);
+        ModuleRec* const module = tNode.tags == 0 && tNode.typeCode == TYP_SYNONYM && tNode.ref != 0
+                                      ? refModule(type.module, tNode.refMod)
+                                      : nullptr;
+        if (known != seenTags.byType.end() || module == nullptr) {
+            tag = known != seenTags.byType.end() ? known->second : ownTag();
+            break;
+        }
+        path.push_back(key);
+        seenTags.byType[key] = {TAG_UNIVERSAL, typeArr[TYP_SYNONYM].tag}; // what a cycle comes to
+        readRec(module, TNodeNr{tNode.ref});
+    }
+    for (const uint64_t key : path) seenTags.byType[key] = tag;
+    return tag;
 }
 
 bool checkTag(ModuleRec* module) {
