@@ -3,6 +3,7 @@
 #include "solve/p5actpar_err.h"
 
 #include "solve/solve_par.h"
+#include "symtab/orvosym.h"
 
 namespace orvo {
 
@@ -24,6 +25,17 @@ void recordError2(Msg code, const Cause& cause, uint32_t line, std::string_view 
                     cause.hasText ? std::string_view(cause.text) : std::string_view());
     }
     recordError(module, ERR_SEMANTIC, code, line, detail);
+}
+
+void resolveUse(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line,
+                uint32_t useLine) {
+    const InstContext* instance = instContext();
+    if (instance == nullptr) {
+        chkIfSymbolDef(moduleRef, name, hasActuals, line);
+        return;
+    }
+    const ErrPlace blamed{actErrModPtr(), instance->line};
+    chkIfSymbolDef(moduleRef, name, hasActuals, useLine, &blamed);
 }
 
 } // namespace orvo

@@ -22,4 +22,10 @@ ModuleRec* actErrModPtr();
 /// actErrModPtr(). A detail whose data() is not null is listed behind the error.
 void recordError2(Msg code, const Cause& cause, uint32_t line, std::string_view detail = {});
 
+/// Resolves a name in what is being parsed (chkIfSymbolDef), errors as recordError2. `line` is that
+/// of the record it is for, `useLine` that of the name itself: inside an instance the former lies
+/// in the module of the instantiating reference.
+void resolveUse(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line,
+                uint32_t useLine);
+
 } // namespace orvo

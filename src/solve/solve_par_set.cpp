@@ -2,6 +2,7 @@
 // field of an object or an element of a constraint. The first step delimits the text, the second
 // one parses it.
 
+#include "solve/p5actpar_err.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_exp.h"
 #include "solve/solve_par.h"
@@ -51,8 +52,7 @@ bool parseDefinedOrParameterizedType(TNodeNr& type, Cause& cause) {
         ref = static_cast<uint32_t>(name);
         changeFormalTypeRefToActualRef(refMod, ref);
     } else {
-        const InstContext* instance = instContext();
-        chkIfSymbolDef(refMod, name, actuals, instance != nullptr ? instance->line : line);
+        resolveUse(refMod, name, actuals, line, line);
         ref = static_cast<uint32_t>(name);
     }
     type = addTypeArc(instContext(), line);

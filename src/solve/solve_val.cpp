@@ -106,12 +106,12 @@ bool parseValue() {
     Msg code = Msg::None;
     if (findActType()) skipTypes(true);
     readRec(self);
-    if (depth.tooDeep()) {
-        code = notationError(tNode.typeCode);
-    } else if (tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_SELECTION ||
-               tNode.typeCode == TYP_FIELDLIST) {
+    if (tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_SELECTION ||
+        tNode.typeCode == TYP_FIELDLIST) {
         code = Msg::InvalidGoverningTypeClass;
         if (vNode.name != 0) detail = getStri(self.module, vNode.name);
+    } else if (depth.tooDeep()) {
+        code = notationError(tNode.typeCode);
     } else {
         makePending(self.module, self.nr);
         code = definedValueFollows() ? parseDefinedValue(true, cause) : parseBuiltinValue(cause);
@@ -169,7 +169,11 @@ bool parseIntegerValue(I64& value) {
     }
     if (curCode() != TOK_MINUS || !advance() || curCode() != TOK_NUMBER) return false;
     value = curToken().value;
-    fixNegative(value, curToken().line);
+    const InstContext* instance = instContext();
+    if (value == I64{} && instance != nullptr)
+        recordError2(invalidValue(TYP_INTEGER), {}, instance->line);
+    else
+        fixNegative(value, curToken().line);
     return true;
 }
 
@@ -260,6 +264,7 @@ SNodeNr parseFieldChain(Cause& cause) {
 struct WrittenRef {
     int32_t refMod = REF_UNRESOLVED;
     int32_t name = 0;
+    uint32_t line = 0;
     int32_t actuals = 0; // minus the text of the actual parameters
     SNodeNr fields;
 };
@@ -271,6 +276,7 @@ bool parseWrittenRef(bool parsAndFields, WrittenRef& ref, Cause& cause) {
     }
     if (curCode() != TOK_VALUEID) return false;
     ref.name = curToken().stri();
+    ref.line = curToken().line;
     if (nextCode() == TOK_LBRACE) {
         if (!parsAndFields || !advance()) return false;
         ref.actuals = minus(nextRec<KIND_DNODE>(cMP).nr);
@@ -295,9 +301,10 @@ bool bindName(int32_t& refMod, int32_t& name) {
 }
 
 /// The record numbers that a reference as written leads to. What cannot be resolved becomes 0.
+/// `line` is that of the record it is for.
 WrittenRef resolveReference(WrittenRef ref, uint32_t line) {
     if (ref.refMod != REF_UNRESOLVED || ref.actuals != 0 || !bindName(ref.refMod, ref.name)) {
-        chkIfSymbolDef(ref.refMod, ref.name, ref.actuals, line);
+        resolveUse(ref.refMod, ref.name, ref.actuals, line, ref.line);
     } else if (ref.refMod == REF_FORMAL) {
         auto position = static_cast<uint32_t>(ref.name);
         changeFormalValueRefToActualRef(ref.refMod, position);

@@ -300,18 +300,20 @@ void setSymbolNode(SymTab& table, STabNr symbol, int32_t node) {
     table.byNode.try_emplace(node, symbol);
 }
 
-void chkIfSymbolDef(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line) {
+void chkIfSymbolDef(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line,
+                    const ErrPlace* blamed) {
+    const ErrPlace place = blamed != nullptr ? *blamed : ErrPlace{cMP, line};
     const STabNr nr = symbolOfUse(moduleRef, name, line);
     if (!nr) fatalError(Fatal::Internal, "Corrupted symbol table.");
     const STabRec& symbol = symAt(nr);
     const std::string_view text = nameText(name);
     name = static_cast<int32_t>(magnitude(symbol.node));
     if (cMP->importsState != 0 && moduleRef > REF_OWN && (symbol.flags & SYM_IMPORTED) == 0)
-        recordError(cMP, ERR_SEMANTIC, Msg::SymbolNotInImports, line, text);
+        recordError(place.module, ERR_SEMANTIC, Msg::SymbolNotInImports, place.line, text);
     const bool parameterized = (symbol.flags & SYM_PARAMETERIZED) != 0;
     if (parameterized != (hasActuals != 0)) {
-        recordError(cMP, ERR_SEMANTIC, parameterized ? Msg::BracesExpected : Msg::BracesNotAllowed,
-                    line, text);
+        const Msg code = parameterized ? Msg::BracesExpected : Msg::BracesNotAllowed;
+        recordError(place.module, ERR_SEMANTIC, code, place.line, text);
         name = 0;
     }
     if (name == 0) hasActuals = moduleRef = 0;

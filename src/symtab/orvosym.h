@@ -69,12 +69,18 @@ STabNr findSymbol(const SymTab& table, int32_t name);
 /// (moduleRef 1) or in the list of its reference `moduleRef`. Fatal 13 when there is none.
 STabNr findSymbTabRecByNr(ModuleRec* module, int32_t moduleRef, int32_t node);
 
+/// Where an error is listed.
+struct ErrPlace {
+    ModuleRec* module = nullptr;
+    uint32_t line = 0;
+};
 /// Resolves a use of `name` in the current module: `moduleRef` 0 looks everywhere, 1 in the own
 /// table, others in that reference's list. `name` becomes the number of the defining record, 0 when
 /// there is none or when braces and the actual parameter mark `hasActuals` disagree (reported);
 /// then `moduleRef` and `hasActuals` become 0 too. An undefined name gets a symbol, which the
-/// listing reports.
-void chkIfSymbolDef(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line);
+/// listing reports. `line` is that of the use; errors go to `blamed` where that is given.
+void chkIfSymbolDef(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line,
+                    const ErrPlace* blamed = nullptr);
 
 /// Records a use of a symbol.
 void addInst(STabNr symbol, uint32_t line);
