@@ -66,6 +66,8 @@ void parseSubRec() {
     if (!isDeferred(tNode.constraint)) return;
     SnapShot trial(type);
     ReplayCursor replay(type.module, deferredText(tNode.constraint));
+    // Only the nesting of one text counts, as with values.
+    const Restore<uint32_t> ownDepth(constraintState.depth, 0);
     const uint32_t line = lineHere();
     const SubNr root = addSubArc(REF_OWN, type.nr, line);
     makePending(type.module, type.nr);
@@ -94,8 +96,9 @@ bool parseConstraintSpec(SubNr nr, Cause& cause) {
     if (curCode() == TOK_CONTAINING) return parseContentsConstraint(nr, cause);
     readGovernor(nr);
     if (findActType()) skipTypes(false);
-    if (tNode.typeCode != TYP_FIELDLIST && tNode.typeCode != TYP_INSTANCE_OF)
-        return parseElemSetSpec(nr, cause);
+    // Information from an object that is still there leads nowhere: no table, but an error.
+    const bool isField = tNode.typeCode == TYP_FIELDLIST && tNode.refMod != REF_OBJECT;
+    if (!isField && tNode.typeCode != TYP_INSTANCE_OF) return parseElemSetSpec(nr, cause);
     if (isOpenTypeConstraint()) return parseOpenTypeConstraint(nr, cause);
     return parseTableConstr(nr, cause);
 }
@@ -106,8 +109,7 @@ bool parseConstraintSpec(SubNr nr, Cause& cause) {
 bool parseConstraint(SubNr nr, Cause& cause) {
     if (curCode() != TOK_LPAREN)
         return fail(cause, tokenExpected(TOK_LPAREN), "Invalid beginning of a constraint");
-    Depth depth(constraintState.depth, maxConstraintDepth);
-    if (depth.tooDeep() || !advance()) return false;
+    if (!advance()) return false;
     if (curCode() == TOK_EXCLAMATION) {
         return parseExceptionSpec(nr, true, cause) &&
                expectNext(TOK_RPAREN, cause, "Invalid exception specification");
@@ -214,8 +216,6 @@ bool parseUnion(SubNr nr, Cause& cause) {
 
 /// ALL EXCEPT Elements, or elements joined by operators of one kind.
 bool parseElemSetSpec(SubNr nr, Cause& cause) {
-    Depth depth(constraintState.depth, maxConstraintDepth);
-    if (depth.tooDeep()) return false;
     if (curCode() == TOK_ALL) return parseAllExcept(nr, cause);
     if (!parseElements(nr, cause)) return false;
     if (nextCode() == TOK_EXCEPT) return parseExcept(nr, cause);

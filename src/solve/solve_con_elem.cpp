@@ -203,9 +203,10 @@ bool checkFullVsPartialSpec(SubNr nr, Cause& cause) {
 uint32_t findConstrainedComp(uint8_t kind, TNodeRef structure, Cause& cause) {
     readRec(structure);
     const TNodeNr first{tNode.ref};
-    if (curCode() == TOK_VALUEID && findTypeCompId(kind, structure.module, first, curTokenText()))
+    const std::string identifier = identifierText();
+    if (curCode() == TOK_VALUEID && findTypeCompId(kind, structure.module, first, identifier))
         return magnitude(curToken().stri());
-    (void)fail(cause, Msg::InvalidComponentIdentifier, curTokenText());
+    (void)fail(cause, Msg::InvalidComponentIdentifier, identifier);
     return 0;
 }
 
@@ -233,9 +234,11 @@ bool parseNamedConstraint(SubNr nr, SubNr& last, uint8_t kind, TNodeRef structur
         subRec.left = nextRec<KIND_SUB>(cMP).nr;
         last = addSubArc(module, component.nr, lineHere());
     }
-    subRec.name = name;
     subRec.subKind = SUB_EXCEPTION;
     if (nextCode() == TOK_LPAREN && (!advance() || !parseConstraint(last, cause))) return false;
+    // An operator has taken the number over meanwhile: the name is the entry's, not an operand's.
+    makePending(cMP, last);
+    subRec.name = name;
     presenceConstraint(last);
     return true;
 }
@@ -320,9 +323,10 @@ bool containedSubtypeFollows() {
 } // namespace
 
 bool parseElements(SubNr nr, Cause& cause) {
-    if (curCode() == TOK_LPAREN) return parseElemSetSpecWithinParen(nr, cause);
-    Depth depth(constraintState.depth, maxConstraintDepth);
+    // All recursion over a text leads here.
+    const Depth depth(constraintState.depth, maxConstraintDepth);
     if (depth.tooDeep()) return false;
+    if (curCode() == TOK_LPAREN) return parseElemSetSpecWithinParen(nr, cause);
     readGovernor(nr);
     if (findActType()) skipTypes(true);
     const TNodeRef governor = currentRec<KIND_TNODE>();

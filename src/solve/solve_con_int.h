@@ -13,7 +13,8 @@
 
 namespace orvo {
 
-/// Nesting of element sets and inner constraints that is parsed.
+/// Nesting of elements that is parsed: every level stands in brackets of its own, of which the
+/// parser lets no more through.
 inline constexpr uint32_t maxConstraintDepth = 500;
 struct ConstraintState {
     uint32_t depth = 0;

@@ -111,8 +111,10 @@ bool parseUserDefConstr(SubNr nr, Cause& cause) {
 bool parseContentsConstraint(SubNr nr, Cause& cause) {
     makePending(cMP, nr);
     subRec.subKind = SUB_CONTENTS;
-    if (advance() && (curCode() == TOK_TYPEID || curCode() == TOK_MARKER)) return true;
-    return fail(cause, tokenExpected(TOK_TYPEID), "Invalid \"Contents constraint\"");
+    if (!advance() || (curCode() != TOK_TYPEID && curCode() != TOK_MARKER))
+        return fail(cause, tokenExpected(TOK_TYPEID), "Invalid \"Contents constraint\"");
+    uint32_t actuals = 0;
+    return nextCode() != TOK_LBRACE || (advance() && deferBraces(actuals));
 }
 
 namespace {

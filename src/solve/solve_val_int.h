@@ -3,13 +3,16 @@
 // What the units of value notation share among themselves.
 
 #include <cstdint>
+#include <string>
 
 #include "tree/orvodef.h"
 
 namespace orvo {
 
-/// Nesting of values that is parsed; the parser lets no deeper text through.
-inline constexpr uint32_t maxValueDepth = 500;
+/// Nesting of values that is parsed: the braces that the parser lets through, a selector of an
+/// alternative or of a type within each of them, and the value inside. Only chains of selectors
+/// without braces are longer.
+inline constexpr uint32_t maxValueDepth = 2 * 500 + 1;
 struct ValueState {
     uint32_t depth = 0;
 };
@@ -19,6 +22,8 @@ extern ValueState valueState;
 bool isCharString(uint8_t kind);
 /// The governing type of the current value record becomes the current type record.
 void governByCurrentType();
+/// The identifier at the cursor, or how messages call the token that stands in its place.
+std::string identifierText();
 /// A reference to a value begins here: `Module.`, or an identifier that selects no alternative.
 bool definedValueFollows();
 

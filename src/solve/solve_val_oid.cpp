@@ -30,7 +30,7 @@ bool parseIdentifierObjIdComp(const Token& token, Cause& cause) {
         setValNode(TYP_INTEGER);
         vNode.val.number = curToken().value;
     } else if (!definedValueFollows() || parseDefinedValue(false, cause) != Msg::None) {
-        if (cause.code == Msg::None) cause.set(Msg::DefinedValueSyntax);
+        cause.set(Msg::DefinedValueSyntax);
         return false;
     }
     if (advance() && curCode() == TOK_RPAREN) return true;
@@ -49,7 +49,7 @@ bool parseObjIdComp(uint32_t position, Cause& cause) {
     if (token.code == TOK_COMPONENTID) return parseIdentifierObjIdComp(token, cause);
     if (!definedValueFollows()) return false;
     if (parseDefinedValue(false, cause) == Msg::None) return true;
-    if (cause.code == Msg::None) cause.set(Msg::DefinedValueSyntax);
+    cause.set(Msg::DefinedValueSyntax);
     return false;
 }
 

@@ -91,7 +91,10 @@ bool parseStringElement(uint8_t kind, Cause& cause) {
         parseCString(kind);
         return true;
     }
-    return definedValueFollows() && parseDefinedValue(false, cause) == Msg::None;
+    if (!definedValueFollows()) return false;
+    if (parseDefinedValue(false, cause) == Msg::None) return true;
+    cause.set(Msg::DefinedValueSyntax);
+    return false;
 }
 
 bool parseStringList(uint8_t kind, Cause& cause) {

@@ -20,6 +20,10 @@ void governByCurrentType() {
     vNode.govType = type.nr.nr;
 }
 
+std::string identifierText() {
+    return curCode() == TOK_VALUEID ? curTokenText() : std::string(tokenName(curCode()));
+}
+
 ValueList::ValueList() : owner_(currentRec<KIND_VNODE>()) {
     makePending(owner_.module, owner_.nr);
     vNode.ref = 0;
@@ -43,9 +47,9 @@ namespace {
 /// The identifier at the cursor names a component of the list from `first`: its type becomes the
 /// current one. Else the cause is set.
 bool readNamedComponent(uint8_t kind, ModuleRec* module, TNodeNr first, Cause& cause) {
-    if (curCode() == TOK_VALUEID && findTypeCompId(kind, module, first, curTokenText()))
-        return true;
-    cause.set(Msg::InvalidComponentIdentifier, curTokenText());
+    const std::string identifier = identifierText();
+    if (curCode() == TOK_VALUEID && findTypeCompId(kind, module, first, identifier)) return true;
+    cause.set(Msg::InvalidComponentIdentifier, identifier);
     return false;
 }
 
