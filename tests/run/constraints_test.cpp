@@ -1,0 +1,359 @@
+#include <gtest/gtest.h>
+
+#include "support/run.h"
+#include "support/tree.h"
+
+namespace orvo::test {
+namespace {
+
+constexpr const char* definitions =
+    "I ::= INTEGER (0..100) L ::= SEQUENCE OF INTEGER n INTEGER ::= 4 "
+    "S ::= SEQUENCE { a INTEGER OPTIONAL, b BOOLEAN OPTIONAL } "
+    "Ch ::= CHOICE { a INTEGER, b NULL } P {INTEGER : x} ::= INTEGER (0..x) "
+    "OP ::= CLASS { &code INTEGER UNIQUE, &Arg OPTIONAL } o1 OP ::= { &code 1, &Arg I } "
+    "Ops OP ::= { o1 | { &code 2 }, ... } Pair ::= SEQUENCE { c OP.&code, a OP.&Arg } ";
+
+/// Module M: definitions on line 1, the assignments from line 2 on.
+RunResult compileLines(const std::string& assignments) {
+    return compile({{"m.asn", std::string("M DEFINITIONS ::= BEGIN ") + definitions + "\n" +
+                                  assignments + "\nEND\n"}});
+}
+
+struct ErrorCase {
+    const char* notation;
+    const char* messages; // all on one line of the source, separated by "; "
+};
+std::string errorsOnLine2(std::string messages) {
+    const std::string lead = "  ** ERROR on line   2 : ";
+    for (size_t at = messages.find("; "); at != std::string::npos; at = messages.find("; ", at))
+        messages.replace(at, 2, "\n" + lead);
+    return lead + messages + "\n";
+}
+
+// ---- valid constraints --------------------------------------------------------------------------
+
+constexpr struct {
+    const char* type;       // behind "T ::= ", or "T INTEGER ::= " and so on
+    const char* constraint; // as the tree has it
+} validCases[] = {
+    {"T ::= INTEGER (5)", "(5)"},
+    {"T ::= INTEGER (1..10)", "(1..10)"},
+    {"T ::= INTEGER (-3<..<n)", "(-3<..<n)"},
+    {"T ::= INTEGER (MIN..MAX)", "(MIN..MAX)"},
+    {"T ::= INTEGER (MIN<..n | 20 UNION 30..<MAX)", "(MIN..n | 20 | 30..MAX)"},
+    {"T ::= INTEGER (1..10, ...)", "(1..10, ...)"},
+    {"T ::= INTEGER (1 | 2, ..., 3 | 4)", "(1 | 2, ... | 3 | 4)"},
+    {"T ::= INTEGER (1..9 ^ 2..8 INTERSECTION 3..7)", "(1..9 ^ 2..8 ^ 3..7)"},
+    {"T ::= INTEGER (1..9 EXCEPT 5)", "(1..9 EXCEPT 5)"},
+    {"T ::= INTEGER (ALL EXCEPT (5 | 6))", "(ALL EXCEPT (5 | 6))"},
+    {"T ::= INTEGER ((1 | 2) ^ (2 | (3 EXCEPT 4)))", "((1 | 2) ^ (2 | (3 EXCEPT 4)))"},
+    {"T ::= INTEGER (1..9)(2..8)(3)", "(1..9)(2..8)(3)"},
+    {"T ::= INTEGER (I | INCLUDES M.I | INTEGER)", "(I | I | INTEGER)"},
+    {"T ::= INTEGER (P {3} | P {4} | 7)", "(P {3} | P {4} | 7)"},
+    {"T ::= I (INCLUDES I ! 5)", "(I !5)"},
+    {"T ::= BOOLEAN (TRUE)", "(TRUE)"},
+    {"T ::= REAL (0..{ mantissa 1, base 2, exponent 3 })", "(0..{mantissa 1, base 2, exponent 3})"},
+    {"T ::= S ({ a 1 } | { b TRUE })", "({a 1} | {b TRUE})"},
+    {"T ::= Ch (a : 5)", "(a : 5)"},
+    {"T ::= BIT STRING (SIZE (8, ...))", "(SIZE (8, ...))"},
+    {"T ::= OCTET STRING (SIZE (1..4 | 8))", "(SIZE (1..4 | 8))"},
+    {"T ::= SEQUENCE SIZE (1..5) OF NULL", "(SIZE (1..5))"},
+    {"T ::= SET (SIZE (n)) OF NULL", "(SIZE (n))"},
+    {"T ::= CHARACTER STRING (SIZE (1))", "(SIZE (1))"},
+    {"T ::= IA5String (FROM (\"a\"..\"z\" | \"-\"))", "(FROM (\"a\"..\"z\" | \"-\"))"},
+    {"T ::= BMPString (SIZE (1..4))(FROM (\"A\"..\"Z\"))", "(SIZE (1..4))(FROM (\"A\"..\"Z\"))"},
+    {"T ::= VisibleString (SIZE (1) ^ FROM (ALL EXCEPT \"a\"))",
+     "(SIZE (1) ^ FROM (ALL EXCEPT \"a\"))"},
+    {"T ::= L (WITH COMPONENT (1 | 2))", "(WITH COMPONENT (1 | 2))"},
+    {"T ::= S (WITH COMPONENTS { a (1 | 2) PRESENT, b ABSENT })",
+     "(WITH COMPONENTS {a (1 | 2) PRESENT, b ABSENT})"},
+    {"T ::= S (WITH COMPONENTS { ..., b (TRUE | FALSE) OPTIONAL })",
+     "(WITH COMPONENTS {..., b (TRUE | FALSE) OPTIONAL})"},
+    {"T ::= S (WITH COMPONENTS { })", "(WITH COMPONENTS {})"},
+    {"T ::= EMBEDDED PDV (WITH COMPONENTS { ..., identification (WITH COMPONENTS "
+     "{ fixed PRESENT }) })",
+     "(WITH COMPONENTS {..., identification (WITH COMPONENTS {fixed PRESENT})})"},
+    {"T ::= OCTET STRING (CONTAINING P {5})", "(CONTAINING)"},
+    {"T ::= INTEGER (CONSTRAINED BY { })(! I : 7)", "(CONSTRAINED BY {})( !I : 7)"},
+    {"T INTEGER ::= { 1 | 2, ... }", "(1 | 2, ...)"},
+    {"T OP ::= { Ops | { &code 3 } | o1, ..., { &code 4 } }",
+     "(Ops | {code 3} | o1, ... | {code 4})"},
+    {"T OP ::= { ... }", "(...)"},
+};
+
+TEST(Constraints, ValidNotationIsKept) {
+    for (const auto& row : validCases) {
+        SCOPED_TRACE(row.type);
+        const RunResult run = compileLines(row.type);
+        EXPECT_EQ(run.status, 0) << run.diagnostics("m");
+        if (run.status != 0) continue;
+        EXPECT_EQ(TreeFacts(run, "m").constraint("T"), row.constraint);
+    }
+}
+
+// ---- records ------------------------------------------------------------------------------------
+
+/// The constraint records of a module by number.
+struct Subs {
+    explicit Subs(const std::string& assignments)
+        : tree(compileLines(assignments), "m"), file(tree.tree()) {}
+    stx::SubRec rootOf(const char* path) const {
+        return at(stx::constraintOf(file, tree.type(path).nr));
+    }
+    stx::SubRec at(uint32_t nr) const { return file.subRec(nr); }
+    stx::VNode value(uint32_t nr) const { return file.vNode(nr); }
+    TreeFacts tree;
+    const stx::Tree& file;
+};
+
+TEST(Constraints, OperatorsHoldTheirOperandsInOrder) {
+    const Subs subs("T ::= INTEGER (1..<10\n | 20, ...)(5)");
+    const stx::SubRec series = subs.rootOf("T");
+    EXPECT_EQ(series.subKind, stx::SUB_SERIAL);
+    const stx::SubRec sum = subs.at(series.left), five = subs.at(sum.next);
+    EXPECT_EQ(sum.subKind, stx::SUB_UNION);
+    EXPECT_EQ(five.subKind, stx::SUB_SINGLE_VALUE);
+    EXPECT_EQ(five.next, 0U);
+    const stx::SubRec range = subs.at(sum.left), single = subs.at(range.next),
+                      marker = subs.at(single.next);
+    EXPECT_EQ(range.subKind, stx::SUB_RANGE);
+    EXPECT_EQ(range.subFlags, stx::SUBF_LOWER);
+    EXPECT_EQ(subs.value(range.left).number, 1);
+    EXPECT_EQ(subs.value(static_cast<uint32_t>(range.right)).number, 10);
+    EXPECT_EQ(single.subKind, stx::SUB_SINGLE_VALUE);
+    EXPECT_EQ(marker.subKind, stx::SUB_EXTENSION_MARKER);
+    EXPECT_EQ(marker.next, 0U);
+    for (const stx::SubRec& sub : {series, sum, range, single, marker, five}) {
+        EXPECT_EQ(sub.typeMod, 1U);
+        EXPECT_EQ(sub.typeNr, subs.tree.type("T").nr);
+    }
+    EXPECT_EQ(range.line, 2U);
+    EXPECT_EQ(single.line, 3U);
+}
+
+TEST(Constraints, SizesAreGovernedByAnIntegerOfTheirOwn) {
+    const Subs subs("T ::= OCTET STRING (SIZE (1..4))");
+    const stx::SubRec size = subs.rootOf("T"), inner = subs.at(size.left);
+    EXPECT_EQ(size.typeNr, subs.tree.type("T").nr);
+    EXPECT_EQ(inner.subKind, stx::SUB_RANGE);
+    EXPECT_NE(inner.typeNr, size.typeNr);
+    EXPECT_EQ(subs.file.tNode(inner.typeNr).typeCode, stx::TYP_INTEGER);
+}
+
+TEST(Constraints, EntriesOfInnerSubtypesBelongToTheirComponents) {
+    const Subs subs("T ::= S (WITH COMPONENTS { a (1 | 2) PRESENT, b })\n"
+                    "U ::= S (WITH COMPONENTS { ..., b OPTIONAL })");
+    const stx::SubRec full = subs.rootOf("T"), a = subs.at(full.left), b = subs.at(a.next);
+    EXPECT_EQ(full.subFlags, stx::SUBF_FULL);
+    EXPECT_EQ(subs.file.text(a.name), "a");
+    EXPECT_EQ(a.subKind, stx::SUB_UNION);
+    EXPECT_EQ(a.subFlags, stx::SUBF_PRESENT);
+    EXPECT_EQ(a.typeNr, subs.tree.type("S.a").nr);
+    EXPECT_EQ(subs.at(a.left).name, 0U);
+    EXPECT_EQ(subs.at(a.left).typeNr, a.typeNr);
+    EXPECT_EQ(subs.file.text(b.name), "b");
+    EXPECT_EQ(b.subKind, stx::SUB_EXCEPTION);
+    EXPECT_EQ(b.subFlags, 0);
+    EXPECT_EQ(subs.rootOf("U").subFlags, 0);
+    EXPECT_EQ(subs.at(subs.rootOf("U").left).subFlags, stx::SUBF_OPTIONAL);
+}
+
+TEST(Constraints, ExceptionValuesAreIntegersOrBringTheirType) {
+    const Subs subs("T ::= INTEGER (5 ! 3) U ::= INTEGER (! I : n)");
+    const auto governor = [&](const stx::SubRec& sub) {
+        return subs.file.tNode(subs.value(sub.third).govType).typeCode;
+    };
+    EXPECT_EQ(subs.rootOf("T").subKind, stx::SUB_SINGLE_VALUE);
+    EXPECT_EQ(subs.rootOf("T").subFlags, stx::SUBF_EXCEPTION);
+    EXPECT_EQ(governor(subs.rootOf("T")), stx::TYP_INTEGER);
+    EXPECT_EQ(subs.rootOf("U").subKind, stx::SUB_EXCEPTION);
+    EXPECT_EQ(subs.rootOf("U").left, 0U);
+    EXPECT_EQ(governor(subs.rootOf("U")), stx::TYP_OPEN);
+}
+
+TEST(Constraints, UserDefinedOnesKeepOneRecordForEachParameter) {
+    const Subs subs("T ::= NULL (CONSTRAINED BY { S, I : n, I : { 1 | n } })");
+    const stx::SubRec root = subs.rootOf("T");
+    EXPECT_EQ(root.subKind, stx::SUB_USER_DEFINED);
+    const stx::VNode type = subs.value(root.left), value = subs.value(type.next),
+                     set = subs.value(value.next);
+    EXPECT_EQ(type.valCode, stx::TYP_OPEN);
+    EXPECT_EQ(type.vflags & stx::VF_SET, 0);
+    EXPECT_EQ(value.valCode, stx::TYP_SYNONYM);
+    EXPECT_EQ(value.ref, subs.tree.value("n").nr);
+    EXPECT_EQ(set.valCode, stx::TYP_OPEN);
+    EXPECT_NE(set.vflags & stx::VF_SET, 0);
+    EXPECT_EQ(set.next, 0U);
+}
+
+/// "@a, @.b.1": entries of a component relation, as they were written or as they were resolved.
+std::string relationText(const stx::Tree& file, int32_t right) {
+    std::string text;
+    for (const uint32_t nr : stx::listFrom(file, stx::SNODE, right < 0 ? -right : right)) {
+        const stx::SNode entry = file.sNode(nr);
+        if (entry.token == 105) text += text.empty() ? "@" : ", @";
+        if (entry.token == 92) text += '.';
+        if (entry.token < stx::TOK_NUMBER) continue;
+        if (text.back() != '@' && text.back() != '.') text += '.';
+        text += entry.module != 0 ? file.text(file.tNode(static_cast<uint32_t>(entry.value)).name)
+                                  : file.text(entry.value);
+    }
+    return text;
+}
+
+TEST(Constraints, FieldTypesTakeObjectSetsOrTypes) {
+    const Subs subs("T ::= SEQUENCE { c OP.&code ({Ops}), d SEQUENCE { c OP.&code ({Ops}),\n"
+                    "  a OP.&Arg ({Ops}{@c, @.c}) }, e OP.&Arg (I) }");
+    const stx::SubRec c = subs.rootOf("T.c"), a = subs.rootOf("T.d.a"), e = subs.rootOf("T.e");
+    EXPECT_EQ(c.subKind, stx::SUB_TABLE);
+    EXPECT_EQ(c.right, 0);
+    const stx::VNode set = subs.value(c.left);
+    EXPECT_NE(set.vflags & stx::VF_SET, 0);
+    const stx::SubRec ops = subs.at(stx::constraintOf(subs.file, set.ref));
+    EXPECT_EQ(ops.subKind, stx::SUB_CONTAINED_SUBTYPE);
+    EXPECT_EQ(a.subKind, stx::SUB_TABLE);
+    EXPECT_EQ(relationText(subs.file, a.right), "@c, @.c");
+    EXPECT_EQ(e.subKind, stx::SUB_OPEN_TYPE);
+    EXPECT_EQ(subs.value(e.left).valCode, stx::TYP_OPEN);
+}
+
+TEST(Constraints, NestAsDeepAsTheirBrackets) {
+    const std::string deep = "T ::= INTEGER " + std::string(499, '(') + "5" + std::string(499, ')');
+    EXPECT_EQ(compileLines(deep).status, 0);
+}
+
+// ---- errors -------------------------------------------------------------------------------------
+
+/// The message of the whole constraint follows those of a row.
+const ErrorCase errorCases[] = {
+    {"INTEGER (1 2)", "')' expected: Missing end of constraint"},
+    {"INTEGER (1 | 2 ^ 3)", "')' expected: Missing end of constraint"},
+    {"INTEGER (1 ^ 2 | 3)", "')' expected: Missing end of constraint"},
+    {"INTEGER (1)(2 3)", "')' expected: Missing end of constraint"},
+    {"INTEGER (1 | ...)", "',' expected: In sets a comma is expected before an extension marker"},
+    {"INTEGER (1, 2)",
+     "'...' expected: In sets a comma is allowed only before an extension marker"},
+    {"INTEGER (... | 2)", "',' expected: In sets a comma is expected after an extension marker"},
+    {"INTEGER (ALL 5)", "'EXCEPT' expected"},
+    {"INTEGER ((1 2))", "')' expected: Invalid \"ElementSetSpec\""},
+    {"INTEGER ()", ""},
+    {"INTEGER (! 5 6)", "')' expected: Invalid exception specification"},
+    {"INTEGER (5 ! - n)", "'number' expected: Invalid exception specification"},
+    {"INTEGER (5 ! 6 7)", "')' expected: Missing end of constraint"},
+    {"INTEGER (- n)", "'number' expected: Invalid single value/invalid value range"},
+    {"INTEGER (o1.code)", "Field name expected: Invalid single value/invalid value range"},
+    {"INTEGER (1..)", ""},
+    {"INTEGER (1..- n)", "'number' expected"},
+    {"INTEGER (1 < 5)", "'..' expected"},
+    {"INTEGER (MIN)", "'..' expected"},
+    {"BOOLEAN (FALSE..TRUE)", "Value range not allowed: T"},
+    {"SEQUENCE OF BOOLEAN (FALSE..TRUE)", "Value range not allowed"},
+    {"TeletexString (\"a\"..\"b\")", "Value range not allowed: T"},
+    {"INTEGER (SIZE (1))", "Size constraint not allowed"},
+    {"OCTET STRING (FROM (\"a\"))", "Permitted alphabet not allowed"},
+    {"OCTET STRING (WITH COMPONENT (1))", "Inner subtyping not allowed"},
+    {"OCTET STRING (SIZE 5)", "'(' expected: Invalid size constraint"},
+    {"OCTET STRING (SIZE (1 2))", "')' expected: Invalid size constraint"},
+    {"IA5String (FROM \"a\")", "'(' expected: Invalid permitted alphabet constraint"},
+    {"IA5String (FROM (\"a\" \"b\"))", "')' expected: Invalid permitted alphabet constraint"},
+    {"INTEGER (INCLUDES 5)", ""},
+    {"L (WITH COMPONENT 5)", "'(' expected: Invalid beginning of a constraint"},
+    {"L (WITH COMPONENTS { a })", "'COMPONENT' expected: Invalid inner subtyping constraint"},
+    {"S (WITH COMPONENT (1))", "'COMPONENTS' expected: Invalid inner subtyping constraint"},
+    {"S (WITH COMPONENTS a)", "'{' expected"},
+    {"S (WITH COMPONENTS { ... })", "',' expected"},
+    {"S (WITH COMPONENTS { ..., })", "Invalid component identifier: }"},
+    {"S (WITH COMPONENTS { c })", "Invalid component identifier: c"},
+    {"S (WITH COMPONENTS { S })", "Invalid component identifier: typeid"},
+    {"S (WITH COMPONENTS { a (1)(2) })", "'}' expected"},
+    {"S (WITH COMPONENTS { a (SIZE (1)) })", "Size constraint not allowed"},
+    {"NULL (CONSTRAINED { })", "'BY' expected: Invalid \"UserDefinedConstraint\""},
+    {"NULL (CONSTRAINED BY 5)", "'{' expected: Invalid \"UserDefinedConstraint\""},
+    {"NULL (CONSTRAINED BY { 5 })",
+     "'typeid' expected: Invalid \"ActualParameter\" in \"UserDefinedConstraint\""},
+    {"NULL (CONSTRAINED BY { I I })",
+     "'}' expected: Invalid \"ActualParameter\" in \"UserDefinedConstraint\""},
+    {"NULL (CONSTRAINED BY { n : n })", ""},
+    {"NULL (CONSTRAINED BY { I : 5 })",
+     "'typeid' or 'valueid' expected: Invalid \"ActualParameter\" in \"UserDefinedConstraint\""},
+    {"OCTET STRING (CONTAINING 5)", "'typeid' expected: Invalid \"Contents constraint\""},
+    {"OCTET STRING (CONTAINING S ENCODED BY n)", "')' expected: Missing end of constraint"},
+    {"OP.&code (5)", "'{' expected: Invalid \"DefinedObjectSet\" in table constraint"},
+    {"OP.&code ({Ops} {c})", "'@' expected: Invalid component relation constraint"},
+    {"OP.&code ({Ops} {@c d})", "'}' expected: Invalid component relation constraint"},
+    {"OP.&code ({Ops} {@TRUE})", "Invalid component relation constraint(s)"},
+    {"OP.&code ({Ops} {@c.0})", "Invalid component relation constraint(s)"},
+    {"OP.&code ({Ops} {@.c.2147483647})", "Invalid component relation constraint(s)"},
+    {"OP.&Arg (5)", ""},
+    {"Undefined (5)", "Invalid governing type/class: T"},
+    {"SEQUENCE OF Undefined (5)", "Invalid governing type/class"},
+};
+
+TEST(Constraints, WrongNotationIsReportedInFrontOfTheWhole) {
+    for (const auto& row : errorCases) {
+        SCOPED_TRACE(row.notation);
+        const RunResult run = compileLines(std::string("T ::= ") + row.notation);
+        EXPECT_EQ(run.status, 1);
+        const std::string lead = *row.messages == 0 ? "" : std::string(row.messages) + "; ";
+        EXPECT_EQ(run.diagnostics("m"), errorsOnLine2(lead + "Invalid constraint"));
+    }
+}
+
+TEST(Constraints, SetsAndOldSizesHaveMessagesOfTheirOwn) {
+    const ErrorCase cases[] = {
+        {"T INTEGER ::= { 1 2 }", "'}' expected; Element set spec is invalid"},
+        {"T INTEGER ::= { }", "Element set spec is invalid"},
+        {"T ::= SEQUENCE SIZE (1 2) OF NULL",
+         "')' expected: Invalid size constraint; Invalid size constraint"},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.notation);
+        EXPECT_EQ(compileLines(row.notation).diagnostics("m"), errorsOnLine2(row.messages));
+    }
+}
+
+TEST(Constraints, ValuesInsideAreWrongOnTheirOwn) {
+    EXPECT_EQ(compileLines("T ::= INTEGER (1 |\n TRUE | 3)").diagnostics("m"),
+              "  ** ERROR on line   3 : INTEGER value syntax\n");
+    EXPECT_EQ(compileLines("T ::= S (WITH COMPONENTS { a (TRUE) })").diagnostics("m"),
+              errorsOnLine2("INTEGER value syntax"));
+}
+
+TEST(Constraints, ErrorsInInstancesBelongToTheReference) {
+    const RunResult run =
+        compile({{"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS T {}, U {}, V {} FROM N;\n"
+                           "A ::= T { 5 }\n"
+                           "B ::= SEQUENCE { b U { 6 },\n"
+                           "  c V { 7 } }\n"
+                           "END\n"},
+                 {"n.asn", "N DEFINITIONS ::= BEGIN\n"
+                           "T {INTEGER : x} ::= INTEGER (x |\n SIZE (1))\n"
+                           "U {INTEGER : x} ::= INTEGER (x |\n 5 6)\n"
+                           "V {INTEGER : x} ::= SEQUENCE OF INTEGER\n (x | TRUE)\n"
+                           "END\n"}});
+    EXPECT_EQ(run.diagnostics("m"),
+              "  ** ERROR on line   2 : Size constraint not allowed\n"
+              "  ** ERROR on line   2 : Invalid constraint\n"
+              "  ** ERROR on line   3 : ')' expected: Missing end of constraint\n"
+              "  ** ERROR on line   3 : Invalid constraint\n"
+              "  ** ERROR on line   4 : INTEGER value syntax\n");
+    EXPECT_EQ(run.diagnostics("n"), "");
+}
+
+TEST(Constraints, AFailedConstraintLeavesNoRecordsBehind) {
+    const auto compileWith = [](const char* type) {
+        return compile({{"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS P {} FROM N;\n" +
+                                      std::string(type) + "\nEND\n"},
+                        {"n.asn", "N DEFINITIONS ::= BEGIN\n"
+                                  "P {INTEGER : x} ::= INTEGER (0..x)\nEND\n"}});
+    };
+    const TreeFacts without(compileWith("T ::= INTEGER (0..5)"), "n");
+    const TreeFacts good(compileWith("T ::= INTEGER (P { 5 } | P { 6 })"), "n");
+    const TreeFacts failed(compileWith("T ::= INTEGER (P { 5 } | P { 6 } 7)"), "n");
+    EXPECT_EQ(good.tree().count(stx::SUB), without.tree().count(stx::SUB) + 2);
+    for (const stx::Kind kind : {stx::MNODE, stx::TNODE, stx::VNODE, stx::SUB, stx::STRI8})
+        EXPECT_EQ(failed.tree().count(kind), without.tree().count(kind)) << kind;
+}
+
+} // namespace
+} // namespace orvo::test

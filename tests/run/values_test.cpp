@@ -1,0 +1,348 @@
+#include <gtest/gtest.h>
+
+#include "support/run.h"
+#include "support/tree.h"
+
+namespace orvo::test {
+namespace {
+
+/// Module M: its types on line 1, the assignment on line 2.
+RunResult compileAssignment(const std::string& types, const std::string& assignment,
+                            std::vector<std::string> options = {}) {
+    return compile({{"m.asn", "M DEFINITIONS ::= BEGIN " + types + "\n" + assignment + "\nEND\n"}},
+                   std::move(options));
+}
+
+struct ErrorCase {
+    const char* notation;
+    const char* messages; // all on one line of the source, separated by "; "
+};
+std::string errorsOnLine2(std::string messages) {
+    const std::string lead = "  ** ERROR on line   2 : ";
+    for (size_t at = messages.find("; "); at != std::string::npos; at = messages.find("; ", at))
+        messages.replace(at, 2, "\n" + lead);
+    return lead + messages + "\n";
+}
+
+constexpr const char* structures =
+    "LI ::= SEQUENCE OF INTEGER S ::= SEQUENCE { a INTEGER, b BOOLEAN OPTIONAL } "
+    "U ::= SET { a INTEGER, b BOOLEAN OPTIONAL } Ch ::= CHOICE { a INTEGER, b NULL } "
+    "F ::= BIT STRING { a(0), c(2) } E ::= ENUMERATED { a, ..., c } "
+    "I ::= INTEGER { one(1), two(2) } Any ::= SEQUENCE { x TYPE-IDENTIFIER.&Type } "
+    "CL ::= CLASS { &id INTEGER, &next CL OPTIONAL } o1 CL ::= { &id 7 } "
+    "o2 CL ::= { &id 8, &next o1 } n INTEGER ::= 4 s IA5String ::= \"b\" "
+    "p {INTEGER : x} INTEGER ::= x id OBJECT IDENTIFIER ::= { 1 2 }";
+
+// ---- valid values -------------------------------------------------------------------------------
+
+constexpr struct {
+    const char* value; // type and value
+    const char* text;  // as the tree has it
+} validCases[] = {
+    {"BOOLEAN ::= TRUE", "TRUE"},
+    {"BOOLEAN ::= FALSE", "FALSE"},
+    {"INTEGER ::= -9223372036854775806", "-9223372036854775806"},
+    {"INTEGER ::= 9223372036854775806", "9223372036854775806"},
+    {"I ::= two", "two"},
+    {"I ::= n", "n"},
+    {"E ::= c", "c"}, // the item, not the marker before it
+    {"REAL ::= 0", "0"},
+    {"REAL ::= PLUS-INFINITY", "PLUS-INFINITY"},
+    {"REAL ::= MINUS-INFINITY", "MINUS-INFINITY"},
+    {"REAL ::= { mantissa -5, base 10, exponent -32768 }",
+     "{mantissa -5, base 10, exponent -32768}"},
+    {"BIT STRING ::= '101'B", "'101'B"},
+    {"BIT STRING ::= 'A5'H", "'A5'H"},
+    {"OCTET STRING ::= 'A5'H", "'A5'H"},
+    {"OCTET STRING ::= '0101'B", "'0101'B"},
+    {"F ::= { c, a }", "{c, a}"},
+    {"F ::= { }", "{}"},
+    {"NULL ::= NULL", "NULL"},
+    {"S ::= { a 1, b TRUE }", "{a 1, b TRUE}"},
+    {"SEQUENCE { a INTEGER OPTIONAL } ::= { }", "{}"},
+    {"U ::= { b TRUE, a n }", "{b TRUE, a n}"},
+    {"LI ::= { }", "{}"},
+    {"LI ::= { 1, n, -2 }", "{1, n, -2}"},
+    {"SET OF S ::= { { a 1 }, { a 2 } }", "{{a 1}, {a 2}}"},
+    {"Ch ::= a : 5", "a : 5"},
+    {"Ch ::= { a 5 }", "a : 5"},
+    {"SEQUENCE OF Ch ::= { b : NULL, { b NULL } }", "{b : NULL, b : NULL}"},
+    {"ANY ::= I : two", "I : two"},
+    {"Any ::= { x SEQUENCE OF BOOLEAN : { TRUE } }", "{x SEQUENCE OF : {TRUE}}"},
+    {"EMBEDDED PDV ::= { identification fixed : NULL, data-value encoded : '01'B }",
+     "{identification fixed : NULL, data_value encoded : '01'B}"},
+    {"CHARACTER STRING ::= { identification fixed : NULL, data-value encoded : '01'H }",
+     "{identification fixed : NULL, data_value encoded : '01'H}"},
+    {"EXTERNAL ::= { identification syntax : { 1 2 3 }, data-value encoded : '01'B }",
+     "{identification syntax : {1 2 3}, data_value encoded : '01'B}"},
+    {"INSTANCE OF TYPE-IDENTIFIER ::= { type-id { 1 2 3 }, value BOOLEAN : TRUE }",
+     "{type_id {1 2 3}, value BOOLEAN : TRUE}"},
+    {"OBJECT IDENTIFIER ::= { iso standard 8571 syntax(2) x(n) n }", "{1 0 8571 syntax(2) x(n) n}"},
+    {"OBJECT IDENTIFIER ::= { itu-t recommendation x 680 }", "{0 0 24 680}"},
+    {"OBJECT IDENTIFIER ::= { id 3 }", "{id 3}"},
+    {"VisibleString ::= \"say \"\"x\"\"\"", "\"say \\\"x\\\"\""},
+    {"IA5String ::= { \"a\", s }", "{\"a\", s}"},
+    {"IA5String ::= { 4, 1 }", "\"A\""},
+    {"IA5String ::= { 0, 0, 0, 66 }", "\"B\""},
+    {"GeneralString ::= { 0, 0, 0, 0 }", "\"\""}, // NUL, which also ends the text
+    {"BMPString ::= \"ab\"", "\"ab\""},
+    {"BMPString ::= { 0, 0, 32, 172 }", "\"\\u20ac\""},
+    {"UniversalString ::= { \"a\", \"b\" }", "{\"a\", \"b\"}"},
+    {"UniversalString ::= { 0, 1, 246, 0 }", "\"\\U0001f600\""},
+    {"GeneralizedTime ::= \"19991231235959Z\"", "\"19991231235959Z\""},
+    {"INTEGER ::= o2.&next.&id", "o2.&next.&id"},
+    {"INTEGER ::= p { 5 }", "p"},
+};
+
+TEST(Values, ValidNotationIsKept) {
+    for (const auto& row : validCases) {
+        SCOPED_TRACE(row.value);
+        const RunResult run = compileAssignment(structures, std::string("v ") + row.value);
+        EXPECT_EQ(run.status, 0) << run.diagnostics("m");
+        if (run.status != 0) continue;
+        EXPECT_EQ(TreeFacts(run, "m").valueText("v"), row.text);
+    }
+}
+
+TEST(Values, RealsOf1990NameNoParts) {
+    const char* const value = "v REAL ::= { 5, 2, -1 }";
+    const RunResult run = compileAssignment("", value, {"-STANDARD-VERSION=1990"});
+    EXPECT_EQ(TreeFacts(run, "m").valueText("v"), "{mantissa 5, base 2, exponent -1}");
+    EXPECT_EQ(compileAssignment("", value).diagnostics("m"),
+              errorsOnLine2("'valueid' expected; REAL value syntax"));
+}
+
+// ---- records ------------------------------------------------------------------------------------
+
+stx::VNode componentOf(const TreeFacts& tree, const char* value, size_t place) {
+    const auto list = stx::componentValues(tree.tree(), tree.value(value).nr);
+    return place < list.size() ? tree.tree().vNode(list[place]) : stx::VNode();
+}
+
+TEST(Values, BothFormsOfAChoiceGiveTheSameRecords) {
+    const TreeFacts tree(compileAssignment(structures, "v Ch ::= a : 5 w Ch ::= { a 5 }"), "m");
+    const stx::VNode v = componentOf(tree, "v", 0), w = componentOf(tree, "w", 0);
+    EXPECT_EQ(tree.value("v").node().valCode, stx::TYP_CHOICE);
+    EXPECT_EQ(tree.value("w").node().valCode, stx::TYP_CHOICE);
+    EXPECT_EQ(v.govType, tree.type("Ch.a").nr);
+    EXPECT_EQ(w.govType, v.govType);
+    EXPECT_EQ(w.name, v.name);
+    EXPECT_EQ(w.next, 0U);
+    EXPECT_EQ(w.number, v.number);
+}
+
+TEST(Values, LiteralsOfBitsKeepTheirOwnKindAndDigits) {
+    const TreeFacts tree(compileAssignment("", "v OCTET STRING ::= '01011'B w BIT STRING ::= "
+                                               "'A5F'H x BMPString ::= \"ab\""),
+                         "m");
+    EXPECT_EQ(tree.value("v").node().valCode, stx::TYP_BITSTR);
+    EXPECT_EQ(tree.value("v").node().striLen, 5);
+    EXPECT_EQ(tree.value("w").node().valCode, stx::TYP_OCTSTR);
+    EXPECT_EQ(tree.value("w").node().striLen, 3);
+    EXPECT_EQ(tree.value("x").node().striLen, 2);
+}
+
+TEST(Values, ArcsWrittenAsNamesKeepTheClassOfTheName) {
+    const TreeFacts tree(compileAssignment("",
+                                           "v OBJECT IDENTIFIER ::= { itu-t recommendation a 1 }\n"
+                                           "w OBJECT IDENTIFIER ::= { iso member-body 2 x(3) }"),
+                         "m");
+    const int32_t classes[2][4] = {{5, 6, 8, 100}, {5, 7, 100, 100}};
+    const int64_t arcs[2][4] = {{0, 0, 1, 1}, {1, 2, 2, 3}};
+    for (size_t place = 0; place < 4; ++place) {
+        SCOPED_TRACE(place);
+        EXPECT_EQ(componentOf(tree, "v", place).valStatus, classes[0][place]);
+        EXPECT_EQ(componentOf(tree, "v", place).number, arcs[0][place]);
+        EXPECT_EQ(componentOf(tree, "w", place).valStatus, classes[1][place]);
+        EXPECT_EQ(componentOf(tree, "w", place).number, arcs[1][place]);
+    }
+}
+
+TEST(Values, ComponentsOfAnotherModulesTypesReferToThatModule) {
+    const RunResult run = compile(
+        {{"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS S FROM N;\n"
+                   "v S ::= { b { set, clear },\n"
+                   "  e last }\nEND\n"},
+         {"n.asn", "N DEFINITIONS ::= BEGIN\n"
+                   "S ::= SEQUENCE { COMPONENTS OF P, ..., e E }\n"
+                   "P ::= SEQUENCE { b B }\n"
+                   "B ::= BIT STRING { clear(0), set(3) } E ::= ENUMERATED { first, ..., last }\n"
+                   "END\n"}});
+    ASSERT_EQ(run.diagnostics("m"), "");
+    const TreeFacts tree(run, "m"), types(run, "n");
+    EXPECT_EQ(tree.valueText("v"), "{b {N.set, N.clear}, e N.last}");
+    const stx::VNode b = componentOf(tree, "v", 0), e = componentOf(tree, "v", 1);
+    EXPECT_EQ(b.govTypeMod, 2U);
+    EXPECT_EQ(b.govType, types.type("P.b").nr);
+    EXPECT_EQ(b.line, 2U);
+    EXPECT_EQ(e.govType, types.type("S.e").nr);
+    EXPECT_EQ(e.line, 3U);
+}
+
+TEST(Values, AFieldOfAnObjectIsARecordInFrontOfTheReference) {
+    const TreeFacts tree(compileAssignment(structures, "v INTEGER ::= o2.&next.&id"), "m");
+    const stx::ValueRef v = tree.value("v");
+    EXPECT_EQ(v.node().valCode, stx::TYP_FIELDLIST);
+    const stx::VNode reference = tree.tree().vNode(v.node().ref);
+    EXPECT_EQ(reference.valCode, stx::TYP_SYNONYM);
+    EXPECT_EQ(reference.refMod, 1);
+    EXPECT_EQ(reference.ref, tree.value("o2").nr);
+    const auto chain = stx::listFrom(tree.tree(), stx::SNODE, v.node().deferred);
+    EXPECT_EQ(chain.size(), 2U);
+}
+
+TEST(Values, NestAsDeepAsTheirBraces) {
+    const auto nested = [](size_t levels) {
+        return std::string(levels, '{') + std::string(levels, '}');
+    };
+    EXPECT_EQ(
+        compileAssignment("T ::= SEQUENCE (SIZE (0..1)) OF T", "v T ::= " + nested(499)).status, 0);
+    std::string selectors;
+    for (int i = 0; i < 20000; ++i) selectors += "a : ";
+    const RunResult run =
+        compileAssignment("T ::= CHOICE { a T, b NULL }", "v T ::= " + selectors + "b : NULL");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.diagnostics("m").starts_with(errorsOnLine2("CHOICE value syntax")));
+}
+
+// ---- errors -------------------------------------------------------------------------------------
+
+const ErrorCase errorCases[] = {
+    {"BOOLEAN ::= 5", "BOOLEAN value syntax"},
+    {"INTEGER ::= \"a\"", "INTEGER value syntax"},
+    {"INTEGER ::= -0", "Invalid INTEGER value"},
+    {"LI ::= { 1, - TRUE }", "INTEGER value syntax; SEQUENCE OF value syntax"},
+    {"E ::= 1", "ENUMERATED value syntax"},
+    {"REAL ::= 5", "REAL value syntax"},
+    {"REAL ::= { mantissa 5, base 3, exponent 1 }", "Invalid REAL value"},
+    {"REAL ::= { mantissa 0, base 2, exponent 1 }", "Invalid REAL value"},
+    {"REAL ::= { mantissa 1, base 2, exponent 32768 }", "Invalid REAL value"},
+    {"REAL ::= { base 2, mantissa 5, exponent 1 }", "'valueid' expected; REAL value syntax"},
+    {"REAL ::= { mantissa TRUE, base 2, exponent 1 }", "REAL value syntax"},
+    {"REAL ::= { mantissa 5 base 2 exponent 1 }", "',' expected; REAL value syntax"},
+    {"REAL ::= { mantissa 5, base 2, exponent 1, a 1 }", "'}' expected; REAL value syntax"},
+    {"BIT STRING ::= TRUE", "BIT STRING value syntax"},
+    {"BIT STRING ::= { a }", "BIT STRING value syntax"},
+    {"F ::= { b }", "BIT STRING value syntax"},
+    {"F ::= { 0 }", "'valueid' expected; BIT STRING value syntax"},
+    {"F ::= { a c }", "'}' expected; BIT STRING value syntax"},
+    {"OCTET STRING ::= { }", "OCTET STRING value syntax"},
+    {"NULL ::= 0", "NULL value syntax"},
+    {"S ::= 5", "SEQUENCE value syntax"},
+    {"S ::= { c 1 }", "Invalid component identifier: c; SEQUENCE value syntax"},
+    {"S ::= { S 1 }", "Invalid component identifier: typeid; SEQUENCE value syntax"},
+    {"S ::= { a 1 b TRUE }", "'}' expected; SEQUENCE value syntax"},
+    {"U ::= { 5 1 }", "Invalid component identifier: number; SET value syntax"},
+    {"LI ::= { 1 2 }", "'}' expected; SEQUENCE OF value syntax"},
+    {"SET OF S ::= { { a TRUE } }",
+     "INTEGER value syntax; SEQUENCE value syntax; SET OF value syntax"},
+    {"Ch ::= c : 5", "Invalid component identifier: c; CHOICE value syntax"},
+    {"Ch ::= 5", "Invalid component identifier: number; CHOICE value syntax"},
+    {"Ch ::= { a : 5 }", "INTEGER value syntax; CHOICE value syntax"},
+    {"Ch ::= { a 5, b NULL }", "'}' expected; CHOICE value syntax"},
+    {"ANY ::= 5", "'typeid' expected; ANY value syntax"},
+    {"Any ::= { x 5 }", "'typeid' expected; OPEN value syntax; SEQUENCE value syntax"},
+    {"Any ::= { x INTEGER 5 }", "':' expected; OPEN value syntax; SEQUENCE value syntax"},
+    {"Any ::= { x INTEGER : TRUE }",
+     "INTEGER value syntax; OPEN value syntax; SEQUENCE value syntax"},
+    {"EMBEDDED PDV ::= { a 1 }", "Invalid component identifier: a; EMBEDDED PDV value syntax"},
+    {"CHARACTER STRING ::= \"a\"", "CHARACTER STRING value syntax"},
+    {"EXTERNAL ::= { a 1 }", "Invalid component identifier: a; EXTERNAL value syntax"},
+    {"INSTANCE OF TYPE-IDENTIFIER ::= 5", "InstanceOfType value syntax"},
+    {"OBJECT IDENTIFIER ::= { }", "OBJECT IDENTIFIER value syntax"},
+    {"OBJECT IDENTIFIER ::= { 1 TRUE }", "OBJECT IDENTIFIER value syntax"},
+    {"OBJECT IDENTIFIER ::= { 1 n : 5 }", "OBJECT IDENTIFIER value syntax"},
+    {"OBJECT IDENTIFIER ::= { 1 p { 1 } }", "Defined value syntax; OBJECT IDENTIFIER value syntax"},
+    {"OBJECT IDENTIFIER ::= { 1 a(o1.&id) }",
+     "Defined value syntax; OBJECT IDENTIFIER value syntax"},
+    {"OBJECT IDENTIFIER ::= { 1 a(2 3) }", "')' expected; OBJECT IDENTIFIER value syntax"},
+    {"IA5String ::= { }", "IA5String value syntax"},
+    {"IA5String ::= { \"a\" \"b\" }", "'}' expected; IA5String value syntax"},
+    {"IA5String ::= { \"a\", TRUE }", "IA5String value syntax"},
+    {"IA5String ::= { s, p { 1 } }", "Defined value syntax; IA5String value syntax"},
+    {"IA5String ::= { 8, 0 }", "Invalid Quadruple/Tuple; IA5String value syntax"},
+    {"IA5String ::= { 0, 16 }", "Invalid Quadruple/Tuple; IA5String value syntax"},
+    {"VisibleString ::= { 4, 1 }", "Invalid Quadruple/Tuple; VisibleString value syntax"},
+    {"VisibleString ::= { 0, 0, 1, 65 }", "Invalid Quadruple/Tuple; VisibleString value syntax"},
+    {"BMPString ::= { 0, 1, 0, 0 }", "Invalid Quadruple/Tuple; BMPString value syntax"},
+    {"BMPString ::= { 0, 0, 0, 256 }", "Invalid Quadruple/Tuple; BMPString value syntax"},
+    {"UniversalString ::= { 0, 0, 0, 0, 0 }",
+     "Invalid Quadruple/Tuple; UniversalString value syntax"},
+    {"UniversalString ::= { 0, 0, 0 0 }", "'}' expected; UniversalString value syntax"},
+    {"LI ::= { o1.id }", "Field name expected; Defined value syntax; SEQUENCE OF value syntax"},
+    {"Undefined ::= 5", "Invalid governing type/class: v"},
+    {"SEQUENCE { a Undefined } ::= { a 5 }",
+     "Invalid governing type/class: a; SEQUENCE value syntax"},
+    {"SEQUENCE OF Undefined ::= { 5 }", "Invalid governing type/class; SEQUENCE OF value syntax"},
+    {"CL ::= 5", "'{' expected; Object syntax"},
+    {"TYPE-IDENTIFIER ::= 5", "'{' expected; TYPE-IDENTIFIER object syntax"},
+    {"ABSTRACT-SYNTAX ::= 5", "'{' expected; ABSTRACT-SYNTAX object syntax"},
+};
+
+TEST(Values, WrongNotationIsReportedFromTheInsideOut) {
+    for (const auto& row : errorCases) {
+        SCOPED_TRACE(row.notation);
+        const RunResult run = compileAssignment(structures, std::string("v ") + row.notation);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.diagnostics("m"), errorsOnLine2(row.messages));
+    }
+}
+
+TEST(Values, EveryStringTypeIsNamed) {
+    for (const char* type :
+         {"NumericString", "PrintableString", "TeletexString", "VideotexString", "VisibleString",
+          "IA5String", "GraphicString", "GeneralString", "BMPString", "UniversalString",
+          "GeneralizedTime", "UTCTime", "ObjectDescriptor"}) {
+        const RunResult run = compileAssignment("", "v " + std::string(type) + " ::= 5");
+        EXPECT_EQ(run.diagnostics("m"), errorsOnLine2(std::string(type) + " value syntax"));
+    }
+}
+
+TEST(Values, NamesThatNothingDefinesAreUndefined) {
+    const RunResult run = compileAssignment(structures, "v E ::= b");
+    EXPECT_EQ(run.diagnostics("m"), errorsOnLine2("Invalid ENUMERATED value"));
+    EXPECT_NE(run.listing("m").find("*** ERROR - Undefined values:\n"), std::string::npos);
+}
+
+TEST(Values, ErrorsInInstancesBelongToTheReference) {
+    const char* const definitions = "N DEFINITIONS ::= BEGIN n INTEGER ::= 1\n"
+                                    "S ::= SEQUENCE { a INTEGER, b INTEGER OPTIONAL }\n"
+                                    "p {INTEGER : x} S ::= {\n"
+                                    "  a x, c 5 }\n"
+                                    "q {INTEGER : x} S ::= {\n"
+                                    "  a x, b n { 1 } }\n"
+                                    "r {INTEGER : x} S ::= {\n"
+                                    "  a x, b -0 }\n"
+                                    "END\n";
+    const RunResult run = compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n"
+                                             "IMPORTS S, p {}, q {}, r {} FROM N;\n"
+                                             "v S ::= p { 5 }\n"
+                                             "w S ::= q { 5 }\n"
+                                             "x S ::= r { 5 }\n"
+                                             "END\n"},
+                                   {"n.asn", definitions}});
+    EXPECT_EQ(run.diagnostics("m"), "  ** ERROR on line   3 : Invalid component identifier: c\n"
+                                    "  ** ERROR on line   3 : SEQUENCE value syntax\n"
+                                    "  ** ERROR on line   4 : Braces not allowed: n\n"
+                                    "  ** ERROR on line   5 : Invalid INTEGER value\n");
+    EXPECT_EQ(run.diagnostics("n"), "");
+}
+
+TEST(Values, AFailedValueLeavesNoRecordsBehind) {
+    const auto compileWith = [](const char* value) {
+        return compile({{"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS T, p {} FROM N;\n" +
+                                      std::string(value) + "\nEND\n"},
+                        {"n.asn", "N DEFINITIONS ::= BEGIN\n"
+                                  "T ::= SEQUENCE OF INTEGER (0..9)\n"
+                                  "p {INTEGER : x} INTEGER ::= x\nEND\n"}});
+    };
+    const TreeFacts without(compileWith("v T ::= { 1 }"), "n");
+    const TreeFacts good(compileWith("v T ::= { p { 5 }, p { 6 } }"), "n");
+    const TreeFacts failed(compileWith("v T ::= { p { 5 }, p { 6 }, TRUE }"), "n");
+    EXPECT_EQ(good.tree().count(stx::VNODE), without.tree().count(stx::VNODE) + 2);
+    for (const stx::Kind kind : {stx::MNODE, stx::TNODE, stx::VNODE, stx::SUB, stx::STRI8})
+        EXPECT_EQ(failed.tree().count(kind), without.tree().count(kind)) << kind;
+}
+
+} // namespace
+} // namespace orvo::test
