@@ -3,8 +3,9 @@
 set -e
 cd "$(dirname "$0")"
 . tools/need.sh
-need cmake cmake ninja ninja-build g++ g++ /usr/include/gtest/gtest.h libgtest-dev
+need cmake cmake ninja ninja-build g++ g++ /usr/include/gtest/gtest.h libgtest-dev \
+    /usr/include/benchmark/benchmark.h libbenchmark-dev
 
-cmake --preset debug
+cmake --preset debug -DORVO_BENCH=ON  # measured in release builds, but they must not rot
 cmake --build --preset debug --parallel "$(nproc)"
 ctest --preset debug
