@@ -20,7 +20,7 @@ namespace orvo {
 struct CheckedValue {
     ModuleRec* module = nullptr; // of `rec`
     VNodeNr nr;                  // its number; none for a temporary value
-    VNode rec;
+    VNode rec = {};
     uint32_t line = 0;        // of the record that findings stand at
     bool isReference = false; // that record refers to `rec`
     bool isVariable = false;  // it is a value whose type is given beside it

@@ -153,8 +153,14 @@ void storeArcs(const CheckedValue& value, const ObjIdArcs& arcs, bool ok) {
 bool checkObjIdVal(const ValueErrors& errors, const CheckedValue& value) {
     const KeepRec<KIND_VNODE> keep;
     if (value.rec.valCode != TYP_OBJID || !value.nr) return true;
-    const StriVal known = value.rec.val.str;
-    if (known.stri != 0 && known.striLen != invalidObjId) return true;
+    if (value.isReference) {
+        // Its components are reported where they stand.
+        static_cast<void>(checkRecord(errors, {value.module, value.nr}, true));
+        readRec(value.module, value.nr);
+    }
+    const StriVal known = value.isReference ? vNode.val.str : value.rec.val.str;
+    if (known.striLen == invalidObjId) return failValue(errors, value, invalidValue(TYP_OBJID));
+    if (known.stri != 0) return true;
     ObjIdArcs arcs;
     bool ok = true;
     uint32_t left = value.module->nextRecNr[KIND_VNODE];
