@@ -48,7 +48,7 @@ struct TableIndex {
 };
 
 struct CheckCache {
-    std::unordered_map<uint32_t, uint32_t>
+    std::unordered_map<uint32_t, uint64_t>
         segmentLengths; // first segment -> characters of the list
     std::unordered_map<uint32_t, int64_t> highestNamedBits; // first named bit -> largest number
     std::unordered_map<uint32_t, EndpointNote> endpoints;   // TNode

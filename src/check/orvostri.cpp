@@ -18,9 +18,10 @@ namespace orvo {
 
 namespace {
 
-uint32_t saturated(uint64_t length) {
-    constexpr uint32_t most = std::numeric_limits<uint32_t>::max();
-    return length > most ? most : static_cast<uint32_t>(length);
+/// Sum of two lengths, saturating.
+uint64_t sumOf(uint64_t a, uint64_t b) {
+    constexpr uint64_t most = std::numeric_limits<uint64_t>::max();
+    return a > most - b ? most : a + b;
 }
 
 bool isSegmentList(const VNode& value) {
@@ -41,7 +42,7 @@ struct OpenSegments {
     VNodeNr first;
     VNodeNr next;
     uint32_t left; // segments it may still have: a broken chain must not be endless
-    uint32_t length = 0;
+    uint64_t length = 0;
 };
 OpenSegments openSegments(ModuleRec* module, VNodeNr first) {
     return {module, first, first, module->nextRecNr[KIND_VNODE]};
@@ -58,7 +59,7 @@ bool readSegment(OpenSegments& list) {
 
 /// Characters of a list of segments. The length of a list that is still being counted reads as 0:
 /// one that contains itself adds nothing.
-uint32_t lengthOfSegments(ModuleRec* module, VNodeNr first) {
+uint64_t lengthOfSegments(ModuleRec* module, VNodeNr first) {
     const auto noteOf = [](ModuleRec* owner, VNodeNr list) {
         return checkCacheOf(owner).segmentLengths.try_emplace(list.nr, 0);
     };
@@ -67,7 +68,7 @@ uint32_t lengthOfSegments(ModuleRec* module, VNodeNr first) {
     std::vector<OpenSegments> open{openSegments(module, first)};
     for (;;) {
         OpenSegments& list = open.back();
-        uint32_t added = 0;
+        uint64_t added = 0;
         if (!readSegment(list)) {
             added = list.length;
             checkCacheOf(list.module).segmentLengths[list.first.nr] = added;
@@ -82,7 +83,7 @@ uint32_t lengthOfSegments(ModuleRec* module, VNodeNr first) {
             added = note->second;
             if (isNew) open.push_back(openSegments(inner, innerFirst));
         }
-        open.back().length = saturated(uint64_t{open.back().length} + added);
+        open.back().length = sumOf(open.back().length, added);
     }
 }
 
@@ -127,7 +128,7 @@ template <typename Fn> void forEachLeaf(ModuleRec* module, VNodeNr first, bool o
 
 } // namespace
 
-uint32_t makeRestrCharStriSeg(ModuleRec* module, const VNode& value, RestrCharStri* stri) {
+uint64_t makeRestrCharStriSeg(ModuleRec* module, const VNode& value, RestrCharStri* stri) {
     if (!isSegmentList(value)) {
         if (stri != nullptr) appendLeaf(module, value, stri->chars);
         return leafLength(value);
@@ -142,7 +143,7 @@ uint32_t makeRestrCharStriSeg(ModuleRec* module, const VNode& value, RestrCharSt
     return lengthOfSegments(module, first);
 }
 
-uint32_t makeRestrCharStri(ModuleRec* module, const VNode& value, RestrCharStri& stri) {
+uint64_t makeRestrCharStri(ModuleRec* module, const VNode& value, RestrCharStri& stri) {
     stri.kind = value.valCode;
     stri.chars.clear();
     return makeRestrCharStriSeg(module, value, &stri);
@@ -169,8 +170,8 @@ int compareStrings(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode
     if (a.valCode != b.valCode) return 1;
     RestrCharStri left;
     RestrCharStri right;
-    const uint32_t lengthA = makeRestrCharStri(modA, a, left);
-    const uint32_t lengthB = makeRestrCharStri(modB, b, right);
+    const uint64_t lengthA = makeRestrCharStri(modA, a, left);
+    const uint64_t lengthB = makeRestrCharStri(modB, b, right);
     const int order = left.chars.compare(right.chars);
     if (order != 0) return order;
     return lengthA < lengthB ? -1 : lengthA > lengthB ? 1 : 0;

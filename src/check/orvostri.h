@@ -20,10 +20,10 @@ struct RestrCharStri {
 inline constexpr uint32_t maxCharStri = 200000;
 
 /// The characters of a value with all its segments. Returns the length of the whole value, which
-/// saturates at 4294967295. Preserving.
-uint32_t makeRestrCharStri(ModuleRec* module, const VNode& value, RestrCharStri& stri);
+/// saturates. Preserving.
+uint64_t makeRestrCharStri(ModuleRec* module, const VNode& value, RestrCharStri& stri);
 /// The length of a value in characters, and, when asked for, its characters appended to `stri`.
-uint32_t makeRestrCharStriSeg(ModuleRec* module, const VNode& value, RestrCharStri* stri);
+uint64_t makeRestrCharStriSeg(ModuleRec* module, const VNode& value, RestrCharStri* stri);
 /// The different characters of a value in the order in which they occur first. Preserving.
 std::u32string distinctChars(ModuleRec* module, const VNode& value);
 
@@ -36,7 +36,7 @@ std::u32string distinctChars(ModuleRec* module, const VNode& value);
 /// The length of the current value under the current type: bits for BIT STRING (trailing zero bits
 /// beyond the highest named bit not counted), octets for OCTET STRING, else characters. References
 /// of both are followed. Preserving.
-[[nodiscard]] uint32_t getAnyStringLength();
+[[nodiscard]] uint64_t getAnyStringLength();
 
 /// The bits of a BIT STRING or OCTET STRING value as "0" and "1"; `kind` is that of the type, which
 /// for OCTET STRING fills the last octet. Binary digits and bit numbers beyond 32000 do not count.

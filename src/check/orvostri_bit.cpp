@@ -98,7 +98,7 @@ uint32_t bitLength(ModuleRec* module, const VNode& value, int64_t highest) {
                                 : significantBits(digits, highest);
 }
 
-uint32_t octetLength(ModuleRec* module, const VNode& value) {
+uint64_t octetLength(ModuleRec* module, const VNode& value) {
     const uint32_t digits = value.val.str.striLen;
     if (isHexadecimal(value)) return (digits + 1) / 2;
     if (isBinary(value)) return (digits + 7) / 8;
@@ -121,7 +121,7 @@ int64_t highestNamedBit() {
     return note->second;
 }
 
-uint32_t getAnyStringLength() {
+uint64_t getAnyStringLength() {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     skipTypes(true);

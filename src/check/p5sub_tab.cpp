@@ -99,8 +99,11 @@ bool solveReference(ModuleRec* errors, ModuleRec* module, TNodeRef under, SNodeN
         if (!ok) continue;
         const TNodeRef component = currentRec<KIND_TNODE>();
         readRec(module, nr);
-        if (const uint32_t number = findImplImport(module, component.module)) {
-            sNode.module = number; // of a module without a number the step keeps its name
+        // A number is still needed where values are checked; a step into a module without a
+        // reference keeps its name.
+        const bool isNumber = step.token == TOK_NUMBER;
+        if (const uint32_t number = isNumber ? 0 : findImplImport(module, component.module)) {
+            sNode.module = number;
             sNode.value = static_cast<int32_t>(component.nr.nr);
             writeRec(module, nr);
         }

@@ -293,6 +293,22 @@ bool checkGoverned(const ValueErrors& errors, VNodeRef at, bool constrain) {
 
 } // namespace
 
+namespace {
+
+/// The current value, at `at`, is a reference with actual parameters: its instance, which no
+/// assignment leads to, and the use of the parameters.
+bool checkInstance(const ValueErrors& errors, VNodeRef at) {
+    readRec(at);
+    if (vNode.valCode != TYP_SYNONYM || vNode.deferred <= 0) return true;
+    const VNodeRef instance{refModule(at.module, vNode.refMod), VNodeNr{vNode.ref}};
+    const bool ok = instance.module == nullptr || !instance || checkRecord(errors, instance, true);
+    readRec(at);
+    checkVNodeActuals(errors.module);
+    return ok;
+}
+
+} // namespace
+
 bool checkRecord(const ValueErrors& errors, VNodeRef at, bool constrain) {
     const ValueNesting nesting;
     const KeepRec<KIND_TNODE> keepType;
@@ -309,9 +325,8 @@ bool checkRecord(const ValueErrors& errors, VNodeRef at, bool constrain) {
     vNode.checkState = CHECK_RUNNING;
     writeRec(at);
     readRec(type);
-    const bool ok = checkGoverned(errors, at, constrain);
-    readRec(at);
-    if (vNode.valCode == TYP_SYNONYM && vNode.deferred > 0) checkVNodeActuals(errors.module);
+    bool ok = checkGoverned(errors, at, constrain);
+    ok &= checkInstance(errors, at);
     readRec(at);
     vNode.checkState = CHECK_DONE;
     writeRec(at);

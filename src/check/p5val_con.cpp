@@ -3,6 +3,7 @@
 // size that an inner constraint is about is a value without a record.
 
 #include <algorithm>
+#include <limits>
 #include <string>
 
 #include "check/check_cache.h"
@@ -198,7 +199,7 @@ bool valPermittedAlphabet(const ValueErrors& errors, const CheckedValue& value) 
 }
 
 /// Elements of a list, else the length of the string.
-uint32_t sizeOf(const CheckedValue& value) {
+uint64_t sizeOf(const CheckedValue& value) {
     if (!value.nr) return makeRestrCharStriSeg(value.module, value.rec, nullptr);
     readRec(value.module, value.nr);
     if (vNode.valCode != TYP_SEQOF && vNode.valCode != TYP_SETOF) return getAnyStringLength();
@@ -214,7 +215,8 @@ bool valSizeConstr(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef inner = operandsOf(currentSub());
     if (!inner) return false;
     CheckedValue size = partOf(value, TYP_INTEGER);
-    size.rec.val.number = i64of(int64_t{sizeOf(value)});
+    constexpr uint64_t most = std::numeric_limits<int64_t>::max();
+    size.rec.val.number = i64of(static_cast<int64_t>(std::min(sizeOf(value), most)));
     readRec(inner);
     ModuleRec* owner = refModule(inner.module, static_cast<int32_t>(subRec.typeMod));
     if (owner == nullptr || subRec.typeNr == 0) return false;

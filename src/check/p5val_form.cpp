@@ -43,7 +43,7 @@ bool checkBitStriVal(const ValueErrors& errors, const CheckedValue& value) {
     if (tNode.namedVals == 0) return true;
     const KeepRec<KIND_VNODE> keep;
     readRec(value.module, value.nr);
-    if (int64_t{getAnyStringLength()} <= highestNamedBit() + 1) return true;
+    if (static_cast<int64_t>(getAnyStringLength()) <= highestNamedBit() + 1) return true;
     return failValue(errors, value, invalidValue(TYP_BITSTR));
 }
 

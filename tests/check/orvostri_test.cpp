@@ -24,7 +24,7 @@ class Strings : public StoreTest {
         const VNode left = rec(x), right = rec(y);
         return compareStrings(&a, left, &a, right);
     }
-    uint32_t length(TNodeNr type, VNodeNr value) {
+    uint64_t length(TNodeNr type, VNodeNr value) {
         readRec(&a, type);
         readRec(&a, value);
         return getAnyStringLength();
@@ -124,10 +124,10 @@ TEST_F(Strings, SegmentsThatDoubleSixtyTimesEnd) {
     for (int level = 0; level < 60; ++level)
         value = newStru(TYP_IA5STR, chain({newValueRef(value), newValueRef(value)}));
     RestrCharStri stri;
-    EXPECT_EQ(makeRestrCharStri(&a, rec(value), stri), 4294967295U);
+    EXPECT_EQ(makeRestrCharStri(&a, rec(value), stri), uint64_t{1} << 60);
     EXPECT_EQ(stri.chars.size(), maxCharStri);
     EXPECT_EQ(distinctChars(&a, rec(value)), U"x");
-    EXPECT_EQ(length(newType(TYP_IA5STR), value), 4294967295U);
+    EXPECT_EQ(length(newType(TYP_IA5STR), value), uint64_t{1} << 60);
     value = newStru(TYP_IA5STR, {});
     for (int level = 0; level < 60; ++level)
         value = newStru(TYP_IA5STR, chain({newValueRef(value), newValueRef(value)}));

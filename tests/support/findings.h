@@ -1,0 +1,46 @@
+#pragma once
+
+// Modules written line by line, each with the errors that are to be listed behind it.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/run.h"
+
+namespace orvo::test {
+
+struct Line {
+    std::string source;
+    std::vector<std::string> errors = {};
+};
+
+inline std::string listed(size_t line, const std::string& text) {
+    std::string number = std::to_string(line);
+    if (number.size() < 3) number.insert(0, 3 - number.size(), ' ');
+    return "  ** ERROR on line " + number + " : " + text + "\n";
+}
+
+/// Compiles the lines as module M in m.asn, the first of them on line 2, beside other modules.
+inline RunResult compileLines(const std::vector<Line>& lines,
+                              const std::vector<std::string>& options = {},
+                              std::vector<SourceFile> others = {}) {
+    std::string text = "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n";
+    for (const Line& line : lines) text += line.source + "\n";
+    others.insert(others.begin(), {"m.asn", text + "END\n"});
+    return compile(others, options);
+}
+
+inline void expectFindings(const std::vector<Line>& lines,
+                           const std::vector<std::string>& options = {},
+                           const std::vector<SourceFile>& others = {}) {
+    std::string expected;
+    for (size_t i = 0; i < lines.size(); ++i)
+        for (const std::string& error : lines[i].errors) expected += listed(i + 2, error);
+    const RunResult result = compileLines(lines, options, others);
+    EXPECT_EQ(result.diagnostics("m"), expected);
+    EXPECT_EQ(result.status, expected.empty() ? 0 : 1) << result.err;
+}
+
+} // namespace orvo::test
