@@ -90,8 +90,8 @@ bool Tree::layOut(std::string& error) {
         error = "cut: mNode 1 takes 112 bytes, the file has " + std::to_string(bytes_.size());
         return false;
     }
-    for (int kind = 0; kind < kindCount; ++kind)
-        counts_[kind] = u32At(&bytes_[36 + 4 * static_cast<size_t>(kind)]);
+    for (size_t kind = 0; kind < counts_.size(); ++kind)
+        counts_[kind] = u32At(&bytes_[36 + 4 * kind]);
     if (counts_[MNODE] == 0) {
         error = "mNode 1, field recCount: the count of mNode records is 0";
         return false;
@@ -119,7 +119,7 @@ bool Tree::layOut(std::string& error) {
 bool Tree::layOutStrings(Kind kind, uint64_t& at, std::string& error) {
     const uint32_t unit = recordSize[kind];
     start_[kind] = at;
-    std::vector<uint64_t>& index = stringAt_[kind - STRI8];
+    std::vector<uint64_t>& index = stringAt_[static_cast<size_t>(kind) - STRI8];
     if (counts_[kind] > (bytes_.size() - at) / (2 + unit)) { // before any memory is taken for them
         error = "cut: " + std::to_string(counts_[kind]) + ' ' + kindNames[kind] +
                 " records do not fit into the " + std::to_string(bytes_.size() - at) +
@@ -153,7 +153,7 @@ std::span<const uint8_t> Tree::bytes(Kind kind, uint32_t nr) const {
     if (nr == 0 || nr > counts_[kind]) return {};
     if (kind < STRI8)
         return {&bytes_[start_[kind] + uint64_t{nr - 1} * recordSize[kind]], recordSize[kind]};
-    const uint64_t at = stringAt_[kind - STRI8][nr - 1];
+    const uint64_t at = stringAt_[static_cast<size_t>(kind) - STRI8][nr - 1];
     return {&bytes_[at + 2], size_t{u16At(&bytes_[at])} * recordSize[kind]};
 }
 

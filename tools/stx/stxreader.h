@@ -7,6 +7,7 @@
 // Everything that a Tree hands out comes from a validated file: links lead to records that exist,
 // lists end, strings are terminated. Numbers of records and strings run from 1; 0 means none.
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -202,9 +203,9 @@ class Tree {
 
     std::string path_;
     std::vector<uint8_t> bytes_;
-    uint32_t counts_[kindCount] = {};
-    uint64_t start_[kindCount] = {};    // first record of the kind
-    std::vector<uint64_t> stringAt_[3]; // length word of every string, and the end
+    std::array<uint32_t, kindCount> counts_ = {};
+    std::array<uint64_t, kindCount> start_ = {};    // first record of the kind
+    std::array<std::vector<uint64_t>, 3> stringAt_; // length word of every string, and the end
 };
 
 /// Names of codes: the name, or "" for a code that the table does not know.

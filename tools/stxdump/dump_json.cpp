@@ -96,7 +96,7 @@ std::u32string joined(std::u16string_view text) {
             out += code;
             continue;
         }
-        out += 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
+        out += static_cast<char32_t>(0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00));
         ++at;
     }
     return out;
