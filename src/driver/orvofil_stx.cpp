@@ -62,7 +62,8 @@ std::span<const uint8_t> valueUnits(uint8_t valCode) {
     case TYP_BOOLEAN: return booleUnits;
     case TYP_REAL: return realUnits;
     case TYP_BITSTR:
-    case TYP_OCTSTR: return striUnits;
+    case TYP_OCTSTR:
+    case TYP_OBJID: return striUnits; // the arcs, as a string
     default: break;
     }
     const bool isText = valCode >= TYP_NUMSTR && valCode <= TYP_UTCTIME;

@@ -61,8 +61,8 @@ constexpr std::string_view usageLines[] = {
 
 constexpr std::string_view wordLists[] = {"-INFO=", "-BEO="};
 constexpr std::string_view blankTakers[] = {"+", "-INFO=", "-BEO=", "-S", "-L", "-C", "-H"};
-constexpr std::string_view phaseOneOptions[] = {"-VERBOSE=", "-A=", "-L=", "-STRICTSTANDARD",
-                                                "-V="};
+constexpr std::string_view phaseOneValues[] = {"-VERBOSE=", "-A=", "-L=", "-V="};
+constexpr std::string_view strictStandard = "-STRICTSTANDARD";
 
 /// `text` (its name in upper case) begins with one of the names.
 template <size_t N>
@@ -168,7 +168,7 @@ bool parseSelectedCmdLineOpts(std::string_view text) {
         if (!directoryOptionOK(value, directory)) return false;
         addDirToSearchPath(run.asnSearchPath, directory);
     }
-    if (name == "-STRICTSTANDARD") run.strict_standard = true;
+    if (name == strictStandard) run.strict_standard = true;
     if (name == "-VERSION") printVersion();
     return true;
 }
@@ -213,7 +213,8 @@ void parseCmdLineOptions(int argc, char** argv, uint32_t& kinds, OptRange& range
 void parseOneCmdLineOption(std::string_view text, int index, int argc, char** argv, uint32_t& kinds,
                            OptRange& range) {
     const std::string upper = upperName(text);
-    if (beginsWithOneOf(upper, phaseOneOptions)) return;
+    // What only begins like an option without value is another one, and must be reported.
+    if (beginsWithOneOf(upper, phaseOneValues) || upper == strictStandard) return;
     bool good = text.size() <= maxOptionLength;
     std::string option(text.substr(0, maxOptionLength));
     if (argv != nullptr) {

@@ -24,14 +24,17 @@ TEST(Options, CommandLineOverridesTheCommentsBeforeTheHeader) {
 }
 
 TEST(Options, RejectedOnesAreReportedOnceAtTheHeader) {
-    const RunResult result =
-        compile({module("M", "m.asn", "--$XY=1 $LOG--\n")}, {"-N=u16", "-INT=u16", "-INT=u8 x"});
+    const RunResult result = compile({module("M", "m.asn", "--$XY=1 $LOG--\n")},
+                                     {"-N=u16", "-INT=u16", "-INT=u8 x", "-strictstandards"});
     EXPECT_EQ(result.diagnostics("m"), "  ** WARNING  line   2 : $Option(s) ignored: $XY=1\n"
                                        "  ** WARNING  line   2 : $Option(s) ignored: -N=u16\n"
-                                       "  ** WARNING  line   2 : $Option(s) ignored: -INT=u8\n");
+                                       "  ** WARNING  line   2 : $Option(s) ignored: -INT=u8\n"
+                                       "  ** WARNING  line   2 : $Option(s) ignored: "
+                                       "-STRICTSTANDARDS\n");
     EXPECT_EQ(result.err, "\nWARNING : Option ignored: $XY=1\n"
                           "\nWARNING : Option ignored: -N=u16\n"
-                          "\nWARNING : Option ignored: -INT=u8\n\n");
+                          "\nWARNING : Option ignored: -INT=u8\n"
+                          "\nWARNING : Option ignored: -STRICTSTANDARDS\n\n");
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(result.has("m.stx"));
 }
