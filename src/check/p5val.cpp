@@ -275,11 +275,16 @@ ModuleRec* moduleForErrors(ModuleRec* caller) {
     return vNode.formals != 0 ? caller : own;
 }
 
-/// Component relations do not reach beyond the current value.
+/// Component relations do not reach beyond the current value: its governing type, the current one,
+/// is a type assignment or refers to one.
 bool beginsStack() {
     if (vNode.valStatus == VST_HEADER) return true;
-    const bool isStru = vNode.valCode >= TYP_SEQ && vNode.valCode <= TYP_CHOICE;
-    return isStru && magnitude(tNode.compStatus) == TCS_HEADER;
+    if (vNode.valCode < TYP_SEQ || vNode.valCode > TYP_CHOICE) return false;
+    const KeepRec<KIND_TNODE> keep;
+    uint32_t left = maxRecNr;
+    while (magnitude(tNode.compStatus) != TCS_HEADER)
+        if (left-- == 0 || !followTypeRef(false)) return false;
+    return true;
 }
 
 bool checkGoverned(const ValueErrors& errors, VNodeRef at, bool constrain) {
