@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <ranges>
 #include <unordered_set>
 #include <vector>
 
@@ -94,7 +95,7 @@ bool checkDuplicateFieldSettings(const ClassCheck& check, const Elements& elemen
         if (!isField(entry.token)) return;
         if (seen.insert(int64_t{entry.token} << 32 | static_cast<uint32_t>(entry.value)).second)
             return;
-        report(check, Msg::DuplicateFieldSetting, entry.line, nameOf(check, entry.value));
+        report(check, Msg::DuplicateFieldSetting, entry.line);
         ok = false;
     });
     return ok;
@@ -113,7 +114,7 @@ bool checkFieldId(const ClassCheck& check, const SNode& entry, StxToken& token) 
     token = {entry.token, entry.value, entry.line, false, TYP_NONE};
     if (!isField(entry.token) || findFieldById(check, nameOf(check, entry.value), token))
         return true;
-    report(check, Msg::FieldNameExpected, entry.line, nameOf(check, entry.value));
+    report(check, Msg::FieldNameExpected, entry.line);
     return false;
 }
 
@@ -126,41 +127,53 @@ bool mayBeginLikeType(const StxToken& token) {
            code == TYP_ABSTR_STX;
 }
 
-/// True when the two can be told apart.
-bool checkToken(const StxToken& a, const StxToken& b) {
-    if (a.token != b.token)
-        return !(isField(a.token) && isField(b.token) && mayBeginLikeType(a) &&
-                 mayBeginLikeType(b));
-    if (a.token == TOK_TYPEID) return a.value != b.value;
-    if (a.token == TOK_TYPEFIELDID) return a.isSet != b.isSet;
-    return false;
+/// Tokens met so far, as far as it matters for another token.
+struct TokenSets {
+    std::unordered_set<int32_t> words;  // literal words by name
+    std::unordered_set<int32_t> others; // codes of value fields and of literals with a code
+    bool types = false;                 // a type field
+    bool sets = false;                  // a set field
+    bool likeType[2] = {};              // a type or set field (0), a value field (1), which may
+                                        // begin like a type
+};
+
+void addToken(TokenSets& known, const StxToken& token) {
+    if (isField(token.token) && mayBeginLikeType(token))
+        known.likeType[token.token == TOK_VALUEFIELDID] = true;
+    if (token.token == TOK_TYPEID)
+        known.words.insert(token.value);
+    else if (token.token != TOK_TYPEFIELDID)
+        known.others.insert(token.token);
+    else
+        (token.isSet ? known.sets : known.types) = true;
 }
 
-bool hasConflict(const std::vector<TokenList>& lists, size_t list, size_t at) {
-    const StxToken& token = lists[list][at];
-    const auto conflicts = [&](const StxToken& other) { return !checkToken(token, other); };
-    if (std::any_of(lists[list].begin() + static_cast<std::ptrdiff_t>(at) + 1, lists[list].end(),
-                    conflicts))
-        return true;
-    for (size_t later = list + 1; later < lists.size(); ++later)
-        if (std::any_of(lists[later].begin(), lists[later].end(), conflicts)) return true;
-    return false;
+/// True when a token can be told from all those.
+bool checkToken(const StxToken& token, const TokenSets& known) {
+    if (isField(token.token) && mayBeginLikeType(token) &&
+        known.likeType[token.token != TOK_VALUEFIELDID])
+        return false;
+    if (token.token == TOK_TYPEID) return !known.words.contains(token.value);
+    if (token.token == TOK_TYPEFIELDID) return !(token.isSet ? known.sets : known.types);
+    return !known.others.contains(token.token);
 }
 
 /// Every token differs from those behind it; the lists are given from the last one of the text on.
 bool checkLL1(const ClassCheck& check, const std::vector<TokenList>& lists) {
-    bool ok = true;
-    for (size_t list = 0; list < lists.size(); ++list) {
-        for (size_t at = 0; at < lists[list].size(); ++at) {
-            if (!hasConflict(lists, list, at)) continue;
-            const StxToken& token = lists[list][at];
-            const bool named = isField(token.token) || token.token == TOK_TYPEID;
-            report(check, Msg::SyntaxIsNotLL1, token.line,
-                   named ? nameOf(check, token.value) : std::string_view());
-            ok = false;
+    std::vector<const StxToken*> conflicts;
+    TokenSets behind;
+    for (const TokenList& list : std::views::reverse(lists)) {
+        for (const StxToken& token : std::views::reverse(list)) {
+            if (!checkToken(token, behind)) conflicts.push_back(&token);
+            addToken(behind, token);
         }
     }
-    return ok;
+    for (const StxToken* token : std::views::reverse(conflicts)) {
+        const bool named = isField(token->token) || token->token == TOK_TYPEID;
+        report(check, Msg::SyntaxIsNotLL1, token->line,
+               named ? nameOf(check, token->value) : std::string_view());
+    }
+    return conflicts.empty();
 }
 
 bool checkOptionalGroups(const ClassCheck& check, const Elements& elements, size_t& at,
@@ -175,8 +188,9 @@ bool stxDefFIRSTOfGroup(const ClassCheck& check, const Element& group, TokenList
     if (literal && beginsWithField) {
         report(check, Msg::LiteralExpected, group.entry.line);
         ok = false;
+    } else {
+        literal = !group.group.empty() && !beginsWithField && !isGroup(group.group.front());
     }
-    literal = !group.group.empty() && !beginsWithField && !isGroup(group.group.front());
     bool hasContent = false;
     for (size_t at = 0; at < group.group.size();) {
         const Element& element = group.group[at];
