@@ -128,7 +128,8 @@ void expandTypeTagList(TNode& copy) {
     flushTagRec();
 }
 
-/// Copies named numbers, named bits or items into a scope of their own.
+/// Copies named numbers, named bits or items into a scope of their own. A name that the definition
+/// has twice was reported there.
 void expandNamedNumbers(TNodeNr type, TNode& copy) {
     const STabNr scope = updateSymbTab(0, 0, copy.line);
     SymTab names;
@@ -143,7 +144,7 @@ void expandNamedNumbers(TNodeNr type, TNode& copy) {
         item.next = value != 0 ? nextRec<KIND_VNODE>(cMP).nr : 0;
         actualiseValue(item);
         storeCopy(nr, item);
-        if (item.valCode != TYP_EXTENSION_MARKER)
+        if (item.valCode != TYP_EXTENSION_MARKER && !names.byName.contains(item.name))
             handleSymbol(names, item.name, SYM_VALUE_NODE, item.line);
     }
     symAt(scope).formals = names.first.nr;
@@ -270,6 +271,84 @@ VNodeNr expandValue() {
     actualiseValue(copy);
     storeCopy(nr, copy);
     return nr;
+}
+
+// ---- governors of parameterized values ----------------------------------------------------------
+
+namespace {
+
+/// A name in the text is one of the formal parameters of its definition.
+bool textMentionsFormal(DNodeNr text) {
+    const ReplayCursor replay(cMP, text);
+    if (inp.formals == 0) return false;
+    do {
+        int32_t refMod = REF_UNRESOLVED;
+        int32_t name = curCode() == TOK_TYPEID || curCode() == TOK_VALUEID ? curToken().stri() : 0;
+        if (name != 0 && handleDefined(STabNr{inp.formals}, refMod, name)) return true;
+        if (curCode() == TOK_MARKER && dependsOnFormals(TNodeNr{magnitude(curToken().stri())}))
+            return true;
+    } while (advance());
+    return false;
+}
+
+bool valueDependsOnFormals(VNodeNr value) {
+    readRec(cMP, value);
+    const VNode node = vNode;
+    if (node.refMod == REF_DEFERRED) return textMentionsFormal(deferredText(node));
+    if (node.valCode == TYP_OPEN) return dependsOnFormals(TNodeNr{node.ref});
+    if (node.valCode != TYP_SYNONYM) return false;
+    return node.refMod == REF_FORMAL ||
+           (isDeferred(node.deferred) && textMentionsFormal(deferredText(node.deferred)));
+}
+
+/// Components, and named numbers: one of the list mentions a formal parameter.
+bool compDependsOnFormals(TNodeNr component) {
+    while (component) {
+        if (dependsOnFormals(component)) return true;
+        readRec(cMP, component);
+        component = TNodeNr{tNode.next};
+    }
+    return false;
+}
+bool namedDependsOnFormals(VNodeNr item) {
+    while (item) {
+        if (valueDependsOnFormals(item)) return true;
+        readRec(cMP, item);
+        item = VNodeNr{vNode.next};
+    }
+    return false;
+}
+bool tagDependsOnFormals(TagNr tag) {
+    while (tag) {
+        readRec(cMP, tag);
+        const TagRec rec = tagRec;
+        if (rec.tagNr < 0 && valueDependsOnFormals(VNodeNr{magnitude(rec.tagNr)})) return true;
+        tag = TagNr{rec.next};
+    }
+    return false;
+}
+
+/// What the kind of a type refers to.
+bool partsDependOnFormals(const TNode& node) {
+    if (node.typeCode == TYP_SYNONYM)
+        return node.refMod == REF_FORMAL ||
+               (isDeferred(node.syntax) && textMentionsFormal(deferredText(node.syntax)));
+    if (node.refMod == REF_OBJECT) return valueDependsOnFormals(VNodeNr{node.ref});
+    const bool hasParts = isStructured(node.typeCode) || node.typeCode == TYP_FIELDLIST;
+    return hasParts && (node.nodeFlags & NF_VARIABLE) == 0 &&
+           compDependsOnFormals(TNodeNr{node.ref});
+}
+
+} // namespace
+
+bool dependsOnFormals(TNodeNr type) {
+    readRec(cMP, type);
+    const TNode node = tNode;
+    return partsDependOnFormals(node) ||
+           (isDeferred(node.constraint) && textMentionsFormal(deferredText(node.constraint))) ||
+           tagDependsOnFormals(TagNr{node.tags}) ||
+           namedDependsOnFormals(VNodeNr{node.namedVals}) ||
+           (node.defaultVal != 0 && valueDependsOnFormals(VNodeNr{node.defaultVal}));
 }
 
 } // namespace orvo

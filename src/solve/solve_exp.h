@@ -13,5 +13,8 @@ namespace orvo {
 TNodeNr expandType(TNodeNr parent);
 /// The same for the current value record.
 VNodeNr expandValue();
+/// A type record of the current module, part of a parameterized definition that is not solved,
+/// mentions a formal parameter.
+[[nodiscard]] bool dependsOnFormals(TNodeNr type);
 
 } // namespace orvo

@@ -33,10 +33,6 @@ uint64_t instanceKey(const ModuleRec* module, uint32_t instance) {
     return uint64_t{module->handle} << 32 | instance;
 }
 
-ModuleRec* moduleOfHandle(uint32_t handle) {
-    return run.modules[handle - 1].get();
-}
-
 } // namespace
 
 ANode aplAt(uint32_t handle) {
@@ -51,10 +47,7 @@ uint32_t aplOfInstance(ModuleRec* module, uint32_t instance) {
 }
 
 ModuleRec* outermostInstantiator(uint32_t handle) {
-    ModuleRec* module = nullptr;
-    for (; handle != 0; handle = aplAt(handle).below)
-        module = moduleOfHandle(aplAt(handle).instModule);
-    return module;
+    return handle == 0 ? nullptr : parState.entries[handle - 1].outermost;
 }
 
 void setAplStack(uint32_t handle) {
@@ -63,7 +56,8 @@ void setAplStack(uint32_t handle) {
         instState.top = nullptr;
         return;
     }
-    parState.context = {aplAt(handle).line, aplAt(handle).instance};
+    const ANode top = aplAt(handle);
+    parState.context = {top.line, top.instance};
     instState.top = &parState.context;
 }
 
@@ -109,7 +103,7 @@ bool parseActParList(ModuleRec* defModule, STabNr formals, VNodeNr& first, Cause
     VNodeNr nr = first;
     for (STabNr formal = formals; formal;) {
         if (!advance() || !parseActual(defModule, symAt(formal), nr, cause)) return false;
-        if (!advance()) return false;
+        (void)advance();
         formal = STabNr{symAt(formal).next};
         if (!formal) break;
         if (curCode() != TOK_COMMA) return false;
@@ -156,6 +150,7 @@ Msg pushApl(const Reference& reference, Cause& cause) {
         if (!parseActParList(defModule, STabNr{symAt(symbol).formals}, firstActual, cause))
             return Msg::InvalidActualParameterList;
     }
+    touchModule(defModule);
     const ANodeNr nr{defModule->nextRecNr[KIND_ANODE]++};
     flushRecs(KIND_ANODE);
     aNode = {cMP->handle,          handleImplImports(defModule, cMP),
@@ -164,7 +159,8 @@ Msg pushApl(const Reference& reference, Cause& cause) {
              reference.definition, nr.nr,
              parState.aplStack};
     writeRec(defModule, nr);
-    parState.entries.push_back({defModule, nr});
+    ModuleRec* const outer = outermostInstantiator(parState.aplStack);
+    parState.entries.push_back({defModule, nr, outer != nullptr ? outer : cMP});
     const auto handle = static_cast<uint32_t>(parState.entries.size());
     parState.byInstance[instanceKey(defModule, nr.nr)] = handle;
     setAplStack(handle);
@@ -218,19 +214,21 @@ void parseTNodeActuals() {
 
 namespace {
 
-/// Copies the value assignment `definition` of the current module and parses the copy's text.
+/// Copies the value assignment `definition` of the current module and parses the copy's text. A
+/// governor that mentions formal parameters is copied too.
 void expandAndParseParameterizedValue(VNodeNr definition) {
     readRec(cMP, definition);
-    const VNodeNr copy = expandValue();
     TNodeNr governor{vNode.govType};
-    readRec(cMP, governor);
-    if (tNode.typeCode == TYP_SYNONYM && tNode.refMod == REF_FORMAL) {
+    const VNodeNr copy = expandValue();
+    if (dependsOnFormals(governor)) {
+        readRec(cMP, governor);
         governor = expandType(TNodeNr{});
         makePending(cMP, copy);
         vNode.govType = governor.nr;
         writeRec(cMP, copy);
         parseTNode();
     }
+    readRec(cMP, governor);
     readRec(cMP, copy);
     parseVNode();
 }

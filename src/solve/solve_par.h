@@ -23,6 +23,7 @@ void parseVNodeActuals();
 struct AplEntry {
     ModuleRec* module = nullptr;
     ANodeNr nr;
+    ModuleRec* outermost = nullptr; // module of the outermost reference
 };
 /// The stack of active instantiations. Handles (from 1; 0 = none) address all entries of the run.
 struct ParState {

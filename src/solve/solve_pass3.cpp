@@ -11,6 +11,7 @@
 #include "solve/p5actpar_err.h"
 #include "solve/solve_con.h"
 #include "solve/solve_cur.h"
+#include "solve/solve_exp.h"
 #include "solve/solve_par.h"
 #include "solve/solve_ref_int.h"
 #include "solve/solve_val.h"
@@ -61,6 +62,7 @@ void parseValueAssignment() {
     ModuleRec* const module = refModule(value.module, signedWord(vNode.govTypeMod));
     if (module == nullptr || vNode.govType == 0) return;
     const TNodeRef governor{module, TNodeNr{vNode.govType}};
+    if (parameterized && dependsOnFormals(governor.nr)) return; // each instance has its own
     readRec(governor);
     parseTNode();
     readRec(governor);
