@@ -1,20 +1,23 @@
 // Search of an instance for the actual parameters it was made with.
 //
 // A parameter is used when the record that stands for it is reached from the instance: the type
-// record of a type, the value record of a value, the constraint record of a set. Every record is
-// entered once in a search, so that recursion and shared definitions cost nothing.
+// record of a type, the value record of a value, the constraint record of a set. One walk over the
+// instance notes all it reaches. Every record is entered once, and the walk does not go on from
+// records outside instances: the records of a parameter list are known to the copies alone, so the
+// cost is the size of the instance, whatever it refers to.
 
 #include "solve/p5actpar.h"
 
+#include <algorithm>
 #include <string>
 #include <unordered_set>
 #include <vector>
 
 #include "diag/orvoerr.h"
 #include "solve/p5actpar_err.h"
+#include "solve/solve_stx.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
-#include "util/guard.h"
 #include "util/text.h"
 
 namespace orvo {
@@ -28,225 +31,266 @@ struct ActPar {
     ActParList list = ActParList::Value;
     uint32_t position = 0;
     int32_t name = 0;
-    ModuleRec* module = nullptr;
     uint32_t record = 0;
 };
 
-/// A search for one parameter; the visited records are keyed by module and number.
+/// What a walk has reached, keyed by module and number, and what it has still to look at.
 struct Search {
-    ActPar wanted;
-    std::unordered_set<uint64_t> types, values;
-    uint32_t depth = 0;
+    std::unordered_set<uint64_t> types, values, sets;
+    std::vector<TNodeRef> typNodeStack;
+    std::vector<VNodeRef> valNodeStack;
+    std::vector<SubRef> setNodeStack;
 };
-/// Definitions nested deeper than this are not searched; the parameter then counts as used.
-constexpr uint32_t maxSearchDepth = 2000;
 
 uint64_t keyOf(const ModuleRec* module, uint32_t nr) {
     return uint64_t{module->handle} << 32 | nr;
 }
 
-bool actParInTypNode(Search& search, TNodeRef type);
-bool actParInValNode(Search& search, VNodeRef value);
-bool actParInSub(Search& search, ModuleRec* module, uint32_t sub);
+// ---- what is to be looked at --------------------------------------------------------------------
 
-bool actParIsThisTNode(const Search& search, TNodeRef type, const TNode& node) {
-    const ActPar& wanted = search.wanted;
-    if (wanted.module != type.module) return false;
-    if (wanted.list == ActParList::Type) return wanted.record == type.nr.nr;
-    return wanted.list == ActParList::Set && node.constraint > 0 &&
-           wanted.record == static_cast<uint32_t>(node.constraint);
+void enterType(Search& search, ModuleRec* module, uint32_t nr) {
+    if (module == nullptr || nr == 0 || !search.types.insert(keyOf(module, nr)).second) return;
+    search.typNodeStack.push_back({module, TNodeNr{nr}});
 }
-bool actParIsThisVNode(const Search& search, VNodeRef value) {
-    const ActPar& wanted = search.wanted;
-    return wanted.list == ActParList::Value && wanted.module == value.module &&
-           wanted.record == value.nr.nr;
+
+void enterValue(Search& search, ModuleRec* module, uint32_t nr) {
+    if (module == nullptr || nr == 0 || !search.values.insert(keyOf(module, nr)).second) return;
+    search.valNodeStack.push_back({module, VNodeNr{nr}});
+}
+
+void enterSub(Search& search, ModuleRec* module, uint32_t nr) {
+    if (nr != 0) search.setNodeStack.push_back({module, SubNr{nr}});
 }
 
 /// Components, alternatives, the element, or what a reference leads to.
-bool actParInTypCompList(Search& search, ModuleRec* module, uint32_t first) {
-    uint32_t left = module == nullptr ? 0 : nextRec<KIND_TNODE>(module).nr;
+void actParInTypCompList(Search& search, ModuleRec* module, uint32_t first) {
+    if (module == nullptr) return;
+    uint32_t left = nextRec<KIND_TNODE>(module).nr;
     for (uint32_t nr = first; nr != 0 && left-- != 0;) {
-        const TNodeRef component{module, TNodeNr{nr}};
-        readRec(component);
-        const bool last = magnitude(tNode.compStatus) == TCS_HEADER;
-        nr = tNode.next;
-        if (actParInTypNode(search, component)) return true;
-        if (last) return false;
+        readRec(module, TNodeNr{nr});
+        enterType(search, module, nr);
+        nr = magnitude(tNode.compStatus) == TCS_HEADER ? 0 : tNode.next;
     }
-    return false;
 }
 
-bool actParInValCompList(Search& search, ModuleRec* module, uint32_t first) {
-    uint32_t left = module == nullptr ? 0 : nextRec<KIND_VNODE>(module).nr;
+void actParInValCompList(Search& search, ModuleRec* module, uint32_t first) {
+    if (module == nullptr) return;
+    uint32_t left = nextRec<KIND_VNODE>(module).nr;
     for (uint32_t nr = first; nr != 0 && left-- != 0;) {
-        const VNodeRef component{module, VNodeNr{nr}};
-        readRec(component);
+        readRec(module, VNodeNr{nr});
+        enterValue(search, module, nr);
         const bool last = vNode.valStatus == VST_HEADER || vNode.valStatus == VST_ACTUAL;
-        nr = vNode.next;
-        if (actParInValNode(search, component)) return true;
-        if (last) return false;
+        nr = last ? 0 : vNode.next;
     }
-    return false;
 }
 
-/// What a chain of field names leads to: the type it ends in, or the object it starts from.
-bool actParInFieldListTNode(Search& search, TNodeRef type, const TNode& node) {
-    if (node.refMod == REF_OBJECT) {
-        if (actParInValNode(search, {type.module, VNodeNr{node.ref}})) return true;
-    } else if (actParInTypCompList(search, type.module, node.ref)) {
-        return true;
-    }
+// ---- type records -------------------------------------------------------------------------------
+
+/// Information from an object or a field of a class: what the chain of field names starts from, and
+/// what it ends in.
+void actParInFieldListTNode(Search& search, TNodeRef type, const TNode& node) {
+    if (node.refMod == REF_OBJECT)
+        enterValue(search, type.module, node.ref);
+    else
+        actParInTypCompList(search, type.module, node.ref);
     readRec(type);
-    skipFieldList();
-    return actParInTypNode(search, currentRec<KIND_TNODE>());
-}
-
-bool actParInTypDefVal(Search& search, ModuleRec* module, const TNode& node) {
-    return node.defaultVal != 0 && actParInValNode(search, {module, VNodeNr{node.defaultVal}});
+    if (!skipFieldList()) return;
+    const TNodeRef end = currentRec<KIND_TNODE>();
+    enterType(search, end.module, end.nr.nr);
 }
 
 /// The defined values that give tag numbers.
-bool actParInTags(Search& search, ModuleRec* module, uint32_t tag) {
+void actParInTags(Search& search, ModuleRec* module, uint32_t tag) {
     while (tag != 0) {
         readRec(module, TagNr{tag});
         tag = tagRec.next;
-        if (tagRec.tagNr < 0 && actParInValNode(search, {module, VNodeNr{magnitude(tagRec.tagNr)}}))
-            return true;
+        if (tagRec.tagNr < 0) enterValue(search, module, magnitude(tagRec.tagNr));
     }
-    return false;
 }
 
-bool isListOfTypes(uint8_t kind) {
-    return kind == TYP_SYNONYM || isStructured(kind);
+/// The DEFAULT: a value, or the type of a set.
+void actParInTypDefVal(Search& search, ModuleRec* module, const TNode& node) {
+    enterValue(search, module, node.defaultVal);
 }
 
-bool actParInTypNode(Search& search, TNodeRef type) {
-    if (!type.nr || type.module == nullptr ||
-        !search.types.insert(keyOf(type.module, type.nr.nr)).second)
-        return false;
-    const Depth depth(search.depth, maxSearchDepth);
-    if (depth.tooDeep()) return true;
+void actParInTypConstr(Search& search, ModuleRec* module, const TNode& node) {
+    if (node.constraint > 0) enterSub(search, module, static_cast<uint32_t>(node.constraint));
+}
+
+void actParInTypNode(Search& search, TNodeRef type) {
     readRec(type);
     const TNode node = tNode;
-    if (actParIsThisTNode(search, type, node)) return true;
-    if (node.typeCode == TYP_FIELDLIST && node.syntax != 0) {
-        if (actParInFieldListTNode(search, type, node)) return true;
-    } else if (isListOfTypes(node.typeCode)) {
-        ModuleRec* const module = node.typeCode == TYP_SYNONYM
-                                      ? getModPtr(type.module, static_cast<uint32_t>(node.refMod))
-                                      : type.module;
-        if (actParInTypCompList(search, module, node.ref)) return true;
-    }
-    return actParInTags(search, type.module, node.tags) ||
-           actParInValCompList(search, type.module, node.namedVals) ||
-           actParInTypDefVal(search, type.module, node) ||
-           (node.constraint > 0 &&
-            actParInSub(search, type.module, static_cast<uint32_t>(node.constraint)));
+    if (node.constraint > 0)
+        search.sets.insert(keyOf(type.module, static_cast<uint32_t>(node.constraint)));
+    if (node.actParRec == 0) return;
+    if (node.typeCode == TYP_FIELDLIST && node.syntax != 0)
+        actParInFieldListTNode(search, type, node);
+    else if (node.typeCode == TYP_SYNONYM)
+        actParInTypCompList(search, refModule(type.module, node.refMod), node.ref);
+    else if (isStructured(node.typeCode))
+        actParInTypCompList(search, type.module, node.ref);
+    actParInTags(search, type.module, node.tags);
+    actParInValCompList(search, type.module, node.namedVals);
+    actParInTypDefVal(search, type.module, node);
+    actParInTypConstr(search, type.module, node);
 }
 
-bool actParInValNode(Search& search, VNodeRef value) {
-    if (!value.nr || value.module == nullptr ||
-        !search.values.insert(keyOf(value.module, value.nr.nr)).second)
-        return false;
-    const Depth depth(search.depth, maxSearchDepth);
-    if (depth.tooDeep()) return true;
-    if (actParIsThisVNode(search, value)) return true;
+// ---- value records ------------------------------------------------------------------------------
+
+/// A type or set setting. One that was found to be a set of objects refers to that set, no longer
+/// to the information from an object which gave it.
+void actParInSetting(Search& search, VNodeRef setting, const VNode& node) {
+    if (node.refMod == REF_FORMAL)
+        enterType(search, setting.module, node.ref);
+    else
+        enterType(search, setting.module, givenByFieldList(setting).nr);
+}
+
+/// Information from an object: the object, and the value at the end of the chain.
+void actParInFieldListVNode(Search& search, VNodeRef value, const VNode& node) {
+    enterValue(search, value.module, node.ref);
+    readRec(value);
+    skipValues(true);
+    const VNodeRef end = currentRec<KIND_VNODE>();
+    enterValue(search, end.module, end.nr.nr);
+}
+
+void actParInValNode(Search& search, VNodeRef value) {
     readRec(value);
     const VNode node = vNode;
-    if (node.refMod == REF_FORMAL)
-        return actParInTypNode(search, {value.module, TNodeNr{node.ref}});
-    if (node.refMod == REF_DEFERRED) return false;
-    const bool isReference = node.valCode == TYP_SYNONYM && node.refMod > 0;
-    ModuleRec* const module =
-        isReference ? getModPtr(value.module, static_cast<uint32_t>(node.refMod)) : value.module;
-    return actParInValCompList(search, module, node.ref);
+    if (node.actParRec == 0 || node.refMod == REF_DEFERRED) return;
+    if (node.valCode == TYP_OPEN && node.refMod != REF_UNRESOLVED)
+        actParInSetting(search, value, node);
+    else if (node.valCode == TYP_FIELDLIST && node.deferred != 0)
+        actParInFieldListVNode(search, value, node);
+    else if (node.valCode == TYP_SYNONYM && node.refMod != REF_UNRESOLVED)
+        actParInValCompList(search, refModule(value.module, node.refMod), node.ref);
+    else
+        actParInValCompList(search, value.module, node.ref);
 }
 
-/// A list of operands, each one in the constraint's module.
-bool subUnion_Intersection_etc_etc(Search& search, ModuleRec* module, uint32_t sub) {
+// ---- constraint records -------------------------------------------------------------------------
+
+/// A list of operands.
+void subUnion_Intersection_etc_etc(Search& search, ModuleRec* module, uint32_t first) {
     uint32_t left = nextRec<KIND_SUB>(module).nr;
-    while (sub != 0 && left-- != 0) {
-        readRec(module, SubNr{sub});
-        const uint32_t next = subRec.next;
-        if (actParInSub(search, module, sub)) return true;
-        sub = next;
+    for (uint32_t nr = first; nr != 0 && left-- != 0; nr = subRec.next) {
+        readRec(module, SubNr{nr});
+        enterSub(search, module, nr);
     }
-    return false;
 }
 
-bool subValues(Search& search, ModuleRec* module, uint32_t a, uint32_t b) {
-    return actParInValNode(search, {module, VNodeNr{a}}) ||
-           actParInValNode(search, {module, VNodeNr{b}});
-}
-
-bool actParInSub(Search& search, ModuleRec* module, uint32_t nr) {
-    const Depth depth(search.depth, maxSearchDepth);
-    if (depth.tooDeep()) return true;
-    readRec(module, SubNr{nr});
+void actParInSub(Search& search, SubRef nr) {
+    readRec(nr);
     const SubRec sub = subRec;
-    if ((sub.subFlags & SUBF_EXCEPTION) != 0 && subValues(search, module, sub.third, 0))
-        return true;
+    if ((sub.subFlags & SUBF_EXCEPTION) != 0) enterValue(search, nr.module, sub.third);
     switch (sub.subKind) {
     case SUB_UNION:
     case SUB_INTERSECTION:
     case SUB_SERIAL:
     case SUB_EXCEPT:
     case SUB_ALL_EXCEPT:
-    case SUB_WITH_COMPONENTS: return subUnion_Intersection_etc_etc(search, module, sub.left);
+    case SUB_WITH_COMPONENTS: subUnion_Intersection_etc_etc(search, nr.module, sub.left); break;
     case SUB_PERMITTED_ALPHABET:
     case SUB_SIZE:
-    case SUB_WITH_COMPONENT: return sub.left != 0 && actParInSub(search, module, sub.left);
-    case SUB_RANGE: return subValues(search, module, sub.left, sub.right);
+    case SUB_WITH_COMPONENT: enterSub(search, nr.module, sub.left); break;
+    case SUB_RANGE:
+        enterValue(search, nr.module, sub.left);
+        enterValue(search, nr.module, sub.right);
+        break;
     case SUB_SINGLE_VALUE:
     case SUB_CONTAINED_SUBTYPE:
     case SUB_TABLE:
-    case SUB_OPEN_TYPE: return subValues(search, module, sub.left, 0);
-    case SUB_USER_DEFINED: return actParInValCompList(search, module, sub.left);
-    default: return false;
+    case SUB_OPEN_TYPE: enterValue(search, nr.module, sub.left); break;
+    case SUB_USER_DEFINED: actParInValCompList(search, nr.module, sub.left); break;
+    default: break;
     }
 }
 
-/// The actual parameters from record `first` of a module on: the types, the values and the sets.
-std::vector<ActPar> actualParams(ModuleRec* module, uint32_t first) {
-    std::vector<ActPar> lists[3];
-    uint32_t position = 0;
+// ---- the search ---------------------------------------------------------------------------------
+
+template <typename Ref> Ref pop(std::vector<Ref>& stack) {
+    const Ref top = stack.back();
+    stack.pop_back();
+    return top;
+}
+
+/// Looks at all that is reached from what was entered.
+void searchInstance(Search& search) {
+    for (;;) {
+        if (!search.typNodeStack.empty())
+            actParInTypNode(search, pop(search.typNodeStack));
+        else if (!search.valNodeStack.empty())
+            actParInValNode(search, pop(search.valNodeStack));
+        else if (!search.setNodeStack.empty())
+            actParInSub(search, pop(search.setNodeStack));
+        else
+            return;
+    }
+}
+
+bool actParIsThisTNode(const Search& search, const ModuleRec* module, const ActPar& par) {
+    const auto& reached = par.list == ActParList::Set ? search.sets : search.types;
+    return reached.contains(keyOf(module, par.record));
+}
+bool actParIsThisVNode(const Search& search, const ModuleRec* module, const ActPar& par) {
+    return search.values.contains(keyOf(module, par.record));
+}
+
+/// A set whose notation was wrong has no record, and is not reported again.
+bool isUsed(const Search& search, const ModuleRec* module, const ActPar& par) {
+    if (par.record == 0) return true;
+    return par.list == ActParList::Value ? actParIsThisVNode(search, module, par)
+                                         : actParIsThisTNode(search, module, par);
+}
+
+/// The actual parameter in the current value record.
+ActPar actParOf(ModuleRec* module, uint32_t nr, uint32_t position) {
+    ActPar par{ActParList::Value, position, vNode.name, nr};
+    if (vNode.refMod != REF_FORMAL) return par;
+    par.list = (vNode.vflags & VF_SET) != 0 ? ActParList::Set : ActParList::Type;
+    par.record = vNode.ref;
+    if (par.list == ActParList::Type) return par;
+    readRec(module, TNodeNr{vNode.ref});
+    par.record = tNode.constraint > 0 ? static_cast<uint32_t>(tNode.constraint) : 0;
+    return par;
+}
+
+/// The actual parameters from record `first` of a module on: the types, then the values, then the
+/// sets.
+std::vector<ActPar> initActParList(ModuleRec* module, uint32_t first) {
+    std::vector<ActPar> list;
     uint32_t left = nextRec<KIND_VNODE>(module).nr;
     for (uint32_t nr = first; nr != 0 && left-- != 0; nr = vNode.next) {
         readRec(module, VNodeNr{nr});
-        ActPar entry{ActParList::Value, ++position, vNode.name, module, nr};
-        if (vNode.refMod != REF_FORMAL) {
-            lists[1].push_back(entry);
-        } else if ((vNode.vflags & VF_SET) == 0) {
-            entry.list = ActParList::Type;
-            entry.record = vNode.ref;
-            lists[0].push_back(entry);
-        } else {
-            readRec(module, TNodeNr{vNode.ref});
-            entry.list = ActParList::Set;
-            entry.record = tNode.constraint > 0 ? static_cast<uint32_t>(tNode.constraint) : 0;
-            lists[2].push_back(entry);
-        }
+        list.push_back(actParOf(module, nr, static_cast<uint32_t>(list.size()) + 1));
     }
-    std::vector<ActPar> all = std::move(lists[0]);
-    all.insert(all.end(), lists[1].begin(), lists[1].end());
-    all.insert(all.end(), lists[2].begin(), lists[2].end());
-    return all;
+    std::ranges::stable_sort(list, {}, &ActPar::list);
+    return list;
 }
 
-std::string getActParId(const ActPar& par) {
+std::string getActParId(ModuleRec* module, const ActPar& par) {
     std::string text = concat("(", std::to_string(par.position), ")");
-    if (par.name != 0) text.append(" ").append(getStri(par.module, par.name));
+    if (par.name != 0) text.append(" ").append(getStri(module, par.name));
     return text;
 }
 
-/// Reports what of the parameters from `first` on `used` does not find.
-template <typename Used> bool reportUnused(ModuleRec* errors, ModuleRec* module, uint32_t first,
-                                           uint32_t line, Used&& used) {
+/// A reference with actual parameters, the first of which is the record `actuals` of `module`.
+struct Instantiation {
+    ModuleRec* module = nullptr;
+    uint32_t instance = 0; // that the reference itself belongs to
+    uint32_t actuals = 0;
+    uint32_t line = 0;
+};
+
+/// Reports what the search has not reached, against `errors` for references outside instances.
+bool reportUnused(const Search& search, const Instantiation& by, ModuleRec* errors) {
     bool ok = true;
-    for (const ActPar& par : actualParams(module, first)) {
-        Search search{par, {}, {}, 0};
-        if (par.record == 0 || used(search)) continue;
-        recordError(errors, ERR_SEMANTIC, Msg::UnusedActualParameters, line, getActParId(par));
+    if (by.instance != 0) errors = actErrModPtr(by.module, by.instance);
+    for (const ActPar& par : initActParList(by.module, by.actuals)) {
+        if (isUsed(search, by.module, par)) continue;
+        recordError(errors, ERR_SEMANTIC, Msg::UnusedActualParameters, by.line,
+                    getActParId(by.module, par));
         ok = false;
     }
     return ok;
@@ -261,11 +305,11 @@ bool checkTNodeActuals(ModuleRec* module) {
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
     ModuleRec* const own = recState.currTPtr[KIND_TNODE];
-    const TNode node = tNode;
-    const TNodeRef instance{getModPtr(own, static_cast<uint32_t>(node.refMod)), TNodeNr{node.ref}};
-    return reportUnused(actErrModPtr(module, node.actParRec), own,
-                        static_cast<uint32_t>(node.syntax), node.line,
-                        [&](Search& search) { return actParInTypNode(search, instance); });
+    const Instantiation by{own, tNode.actParRec, static_cast<uint32_t>(tNode.syntax), tNode.line};
+    Search search;
+    enterType(search, refModule(own, tNode.refMod), tNode.ref);
+    searchInstance(search);
+    return reportUnused(search, by, module);
 }
 
 bool checkVNodeActuals(ModuleRec* module) {
@@ -275,11 +319,15 @@ bool checkVNodeActuals(ModuleRec* module) {
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
     ModuleRec* const own = recState.currTPtr[KIND_VNODE];
-    const VNode node = vNode;
-    const VNodeRef instance{getModPtr(own, static_cast<uint32_t>(node.refMod)), VNodeNr{node.ref}};
-    (void)reportUnused(actErrModPtr(module, node.actParRec), own,
-                       static_cast<uint32_t>(node.deferred), node.line,
-                       [&](Search& search) { return actParInValNode(search, instance); });
+    const Instantiation by{own, vNode.actParRec, static_cast<uint32_t>(vNode.deferred), vNode.line};
+    Search search;
+    const VNodeRef instance{refModule(own, vNode.refMod), VNodeNr{vNode.ref}};
+    enterValue(search, instance.module, instance.nr.nr);
+    readRec(instance);
+    // A governor that depends on the parameters was copied with the value.
+    enterType(search, refModule(instance.module, signedWord(vNode.govTypeMod)), vNode.govType);
+    searchInstance(search);
+    (void)reportUnused(search, by, module);
     return true;
 }
 

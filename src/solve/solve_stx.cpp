@@ -7,6 +7,8 @@
 
 #include "solve/solve_stx.h"
 
+#include <unordered_map>
+
 #include "diag/orvoerr_fatal.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_par.h"
@@ -285,6 +287,16 @@ bool parseDefaultStx(Cause& cause) {
 
 namespace {
 
+/// The types that gave object sets, by module and number of the setting.
+struct StxState {
+    std::unordered_map<uint64_t, TNodeNr> fieldLists;
+};
+StxState stxState;
+
+uint64_t keyOf(VNodeRef setting) {
+    return uint64_t{setting.module->handle} << 32 | setting.nr.nr;
+}
+
 /// Number by which the current module refers to `module`; 0 when it does not.
 uint32_t getModNrOfSet(ModuleRec* module) {
     if (module == cMP) return REF_OWN;
@@ -320,8 +332,14 @@ void setFieldListObjSet() {
     const TNodeRef set = currentRec<KIND_TNODE>();
     const uint32_t module = getModNrOfSet(set.module);
     if (module == 0) return;
+    stxState.fieldLists[keyOf(currentRec<KIND_VNODE>())] = TNodeNr{vNode.ref};
     vNode.refMod = static_cast<int32_t>(module);
     vNode.ref = set.nr.nr;
+}
+
+TNodeNr givenByFieldList(VNodeRef setting) {
+    const auto found = stxState.fieldLists.find(keyOf(setting));
+    return found == stxState.fieldLists.end() ? TNodeNr{} : found->second;
 }
 
 } // namespace orvo

@@ -22,6 +22,9 @@ namespace orvo {
 /// current one and ref its type record. Without a reference to that module the setting stays as it
 /// is.
 void setFieldListObjSet();
+/// The information from an object in whose place setFieldListObjSet put the set, a type record of
+/// the setting's module; 0 for other settings.
+TNodeNr givenByFieldList(VNodeRef setting);
 
 // ---- solve_stx_chk
 /// Checks the WITH SYNTAX list of the current class (pass 5): duplicate fields, then field names
