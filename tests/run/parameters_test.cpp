@@ -1,0 +1,330 @@
+// Parameterized definitions: instances of types, values and sets, what they are made of, and whom
+// their errors are charged to.
+
+#include <gtest/gtest.h>
+
+#include "support/run.h"
+#include "support/tree.h"
+
+namespace orvo::test {
+namespace {
+
+/// Module M, whose body begins on line 2.
+SourceFile moduleM(const std::string& body) {
+    return {"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n" + body + "\nEND\n"};
+}
+std::string diagnosticsOf(const std::string& body) {
+    return compile({moduleM(body)}).diagnostics("m");
+}
+
+struct Case {
+    const char* body;
+    const char* diagnostics;
+};
+void expectDiagnostics(const Case& row, const std::string& before = "") {
+    SCOPED_TRACE(row.body);
+    EXPECT_EQ(diagnosticsOf(before + row.body), row.diagnostics);
+}
+
+// ---- actual parameter lists ---------------------------------------------------------------------
+
+constexpr const char* badList = "  ** ERROR on line   5 : Invalid actual parameter list\n";
+constexpr const char* badListEnd =
+    "  ** ERROR on line   5 : '}' expected: Missing end of actual parameter list\n"
+    "  ** ERROR on line   5 : Invalid actual parameter list\n";
+constexpr const char* badSet = "  ** ERROR on line   5 : '{' expected\n"
+                               "  ** ERROR on line   5 : Invalid actual parameter list\n";
+
+const std::string parameterized = "T{X} ::= SEQUENCE { a X }\n"
+                                  "P{INTEGER : n, X} ::= SEQUENCE { a INTEGER (0..n), b X }\n"
+                                  "S{INTEGER : Set} ::= INTEGER (Set) v INTEGER ::= 3\n";
+constexpr Case listCases[] = {
+    // from line 5 on
+    {"A ::= P{5, NULL}", ""},
+    {"A ::= P{v, SEQUENCE OF NULL}", ""},
+    {"Z ::= NULL A ::= P{M.v, SET OF M.Z} B ::= T{T{M.A}}", ""},
+    {"A ::= P{5}", badList},
+    {"A ::= P{5, }", badList},
+    {"A ::= P{5 NULL}", badList},
+    {"A ::= P{, NULL}", badList},
+    {"A ::= P{NULL, 5}", badList},
+    {"A ::= P{5, 5}", badList},
+    {"A ::= P{5, v}", badList},
+    {"A ::= P{v, NULL, 7}", badListEnd},
+    {"A ::= T{NULL NULL}", badListEnd},
+    {"A ::= T{NULL,}", badListEnd},
+    {"A ::= P{-, NULL}", "  ** ERROR on line   5 : 'number' expected\n"
+                         "  ** ERROR on line   5 : Invalid actual parameter list\n"},
+    {"A ::= S{{1 | 2}}", ""},
+    {"A ::= S{{S{{1 | v}}}}", ""},
+    {"A ::= S{5}", badSet},
+    {"A ::= S{v}", badSet},
+    {"A ::= S{INTEGER}", badSet},
+    // A nested list is examined on its own; the reference around it is valid.
+    {"A ::= T{SEQUENCE OF T{5}}", badList},
+    {"A ::= T{T{5}}", badList},
+    {"A ::= T{P{5}}", badList},
+    // What an actual parameter says is examined where it stands.
+    {"A ::= P{TRUE, NULL}", "  ** ERROR on line   5 : INTEGER value syntax\n"},
+    {"A ::= S{{TRUE}}", "  ** ERROR on line   5 : INTEGER value syntax\n"},
+    {"A ::= S{{1, 2}}", "  ** ERROR on line   5 : '...' expected: In sets a comma is allowed only "
+                        "before an extension marker\n"
+                        "  ** ERROR on line   5 : Element set spec is invalid\n"},
+    {"A ::= T", "  ** ERROR on line   5 : Braces expected: T\n"},
+    {"A ::= T{T}", "  ** ERROR on line   5 : Braces expected: T\n"},
+    {"A ::= NULL B ::= A{5}", "  ** ERROR on line   5 : Braces not allowed: A\n"},
+};
+
+TEST(Parameters, ActualListsAgreeWithTheFormalOnes) {
+    for (const Case& row : listCases) expectDiagnostics(row, parameterized);
+}
+
+// ---- recursion ----------------------------------------------------------------------------------
+
+constexpr Case recursionCases[] = {
+    {"R{X} ::= SEQUENCE { a X, b R{X} OPTIONAL }\nA ::= R{NULL}",
+     "  ** ERROR on line   3 : Invalid recursion in definition of type\n"},
+    {"R{X} ::= SEQUENCE { a Q{X} }\nQ{X} ::= SEQUENCE { b R{X} OPTIONAL }\nA ::= R{NULL}\n"
+     "B ::= Q{NULL}",
+     "  ** ERROR on line   4 : Invalid recursion in definition of type\n"
+     "  ** ERROR on line   5 : Invalid recursion in definition of type\n"},
+    {"r{INTEGER : n} INTEGER ::= r{n}\na INTEGER ::= r{3}",
+     "  ** ERROR on line   3 : Invalid recursion in definition of value\n"},
+    // An actual parameter is no part of the instance.
+    {"R{X} ::= SEQUENCE { a X }\nA ::= R{R{R{NULL}}}", ""},
+    {"R{X} ::= SEQUENCE { a X OPTIONAL }\nA ::= R{A}", ""},
+    {"R{X} ::= X\nA ::= R{SEQUENCE { a A OPTIONAL }}", ""},
+    {"R{X} ::= SEQUENCE { a A OPTIONAL, x X }\nA ::= R{NULL}", ""},
+    {"r{INTEGER : n} INTEGER ::= n\na INTEGER ::= r{r{3}}", ""},
+    // A chain of references that leads through an instance.
+    {"R{X} ::= X\nA ::=\nR{A}", // the reference, the instance, the actual parameter
+     "  ** ERROR on line   3 : Invalid recursion in definition of type\n"
+     "  ** ERROR on line   3 : Invalid recursion in definition of type\n"
+     "  ** ERROR on line   4 : Invalid recursion in definition of type\n"},
+    {"N{INTEGER : n} ::= INTEGER (0..n)\nc N{c} ::=\nc",
+     "  ** ERROR on line   3 : Invalid recursion in definition of value: c\n"},
+};
+
+TEST(Parameters, AnInstanceDoesNotContainItself) {
+    for (const Case& row : recursionCases) expectDiagnostics(row);
+}
+
+/// "P0{X} ::= SEQUENCE { a P1{X} }" and so on, then an instance of the first.
+std::string nestedInstances(int count) {
+    std::string body;
+    for (int i = 1; i < count; ++i)
+        body +=
+            "P" + std::to_string(i) + "{X} ::= SEQUENCE { a P" + std::to_string(i + 1) + "{X} }\n";
+    return body + "P" + std::to_string(count) + "{X} ::= SEQUENCE { x X }\nA ::= P1{NULL}";
+}
+
+TEST(Parameters, InstancesNestToALimit) {
+    EXPECT_EQ(diagnosticsOf(nestedInstances(200)), "");
+    const RunResult run = compile({moduleM(nestedInstances(201))});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find("Too many instances of parameterized definitions.\n"), run.err.npos);
+    // References that are no part of each other nest as they like.
+    std::string chain = "P{X} ::= SEQUENCE { x X OPTIONAL }\n";
+    for (int i = 0; i < 3000; ++i)
+        chain += "T" + std::to_string(i) + " ::= P{T" + std::to_string(i + 1) + "}\n";
+    EXPECT_EQ(diagnosticsOf(chain + "T3000 ::= NULL"), "");
+}
+
+// ---- unused actual parameters -------------------------------------------------------------------
+
+#define UNUSED(text) "  ** ERROR on line   3 : Unused actual parameters: " text "\n"
+const std::string forUnused =
+    "OP ::= CLASS { &id INTEGER, &Arg OPTIONAL, &Set OP OPTIONAL } o OP ::= { &id 1, &Set { o } } ";
+constexpr Case unusedCases[] = {
+    {"P{X, Y} ::= SEQUENCE { a X }\nA ::= P{NULL, BOOLEAN}", UNUSED("(2) Y")},
+    {"P{INTEGER : n, Y, INTEGER : S, X} ::= NULL\nA ::= P{5, NULL, {1}, NULL}",
+     UNUSED("(2) Y") UNUSED("(4) X") UNUSED("(1) n") UNUSED("(3) S")},
+    {"p{INTEGER : n, INTEGER : m} INTEGER ::= m\na INTEGER ::= p{1, 2}", UNUSED("(1) n")},
+    {"P{X} ::= SEQUENCE { a Q{X} } Q{Y} ::= NULL\nA ::= P{NULL}", UNUSED("(1) Y") UNUSED("(1) X")},
+    {"P{X} ::= SEQUENCE OF CHOICE { a SET OF X }\nA ::= P{NULL}", ""},
+    {"P{X} ::= SEQUENCE { a NULL, ..., [[ b X OPTIONAL ]] }\nA ::= P{NULL}", ""},
+    {"P{X} ::= SEQUENCE { a a < X }\nA ::= P{CHOICE { a NULL }}", ""},
+    {"P{X} ::= SEQUENCE { COMPONENTS OF X }\nA ::= P{SEQUENCE { a NULL }}", ""},
+    {"P{INTEGER : n} ::= [n] NULL\nA ::= P{5}", ""},
+    {"P{INTEGER : n} ::= INTEGER { a(n) }\nA ::= P{5}", ""},
+    {"P{INTEGER : n} ::= SEQUENCE { a INTEGER DEFAULT n }\nA ::= P{5}", ""},
+    {"P{INTEGER : n} ::= INTEGER (1 | 2..5 | ((n | 3) EXCEPT 3))\nA ::= P{5}", ""},
+    {"P{INTEGER : n} ::= OCTET STRING (SIZE (0..n))\nA ::= P{5}", ""},
+    {"P{IA5String : s} ::= IA5String (FROM (s))\nA ::= P{\"ab\"}", ""},
+    {"P{INTEGER : n} ::= SEQUENCE (WITH COMPONENT (n)) OF INTEGER\nA ::= P{5}", ""},
+    {"P{INTEGER : n} ::= S (WITH COMPONENTS { a (n) }) S ::= SEQUENCE { a INTEGER }\nA ::= P{5}",
+     ""},
+    {"P{INTEGER : S} ::= INTEGER (0 | S)\nA ::= P{{1}}", ""},
+    {"P{INTEGER : S} ::= SEQUENCE { a Q{{S | 3}} } Q{INTEGER : S2} ::= INTEGER (S2)\nA ::= P{{1}}",
+     ""},
+    {"P{X} ::= OCTET STRING (CONSTRAINED BY {X})\nA ::= P{NULL}", ""},
+    {"P{OP : Set} ::= OP.&id ({Set})\nA ::= P{{o}}", ""},
+    {"P{OP : op} ::= OP.&id ({op.&Set})\nA ::= P{o}", ""},
+    {"P{OP : op} ::= INTEGER (op.&id)\nA ::= P{o}", ""},
+    {"P{OP : op} ::= op.&Arg\nq OP ::= { &id 5, &Arg NULL } A ::= P{q}", ""},
+    {"P{CL} ::= CL.&id\nA ::= P{OP}", ""},
+    {"p{INTEGER : n} INTEGER (0..n) ::= 3\na INTEGER ::= p{5}", ""},
+    {"p{X} OP ::= { &id 3, &Arg X }\nA ::= SEQUENCE { a OP.&id ({S}) } S OP ::= { p{NULL} }", ""},
+};
+
+TEST(Parameters, AreUsedInTheInstance) {
+    for (const Case& row : unusedCases) {
+        const std::string body = row.body;
+        expectDiagnostics({body.c_str(), row.diagnostics}, forUnused);
+    }
+}
+
+// ---- what an instance is made of ----------------------------------------------------------------
+
+TEST(Parameters, EachReferenceHasACopyOfItsOwn) {
+    const TreeFacts tree(
+        compile({moduleM("P{INTEGER : n, X, INTEGER : S} ::= SEQUENCE {\n"
+                         "  a INTEGER (0..n) DEFAULT n, b X OPTIONAL, c INTEGER (S),\n"
+                         "  d ENUMERATED { e(0), f(n) } DEFAULT f, ..., [[ g SET OF X ]] }\n"
+                         "A ::= P{5, NULL, {1..4}}\n"
+                         "B ::= P{6, BOOLEAN, {2 | 9}}")}),
+        "m");
+    EXPECT_EQ(tree.types(), "P A B");
+    for (const std::string type : {"A", "B"}) {
+        SCOPED_TRACE(type);
+        const bool isA = type == "A";
+        EXPECT_EQ(tree.kind(type), isA ? "P {5, NULL, {1..4}}" : "P {6, BOOLEAN, {2 | 9}}");
+        EXPECT_EQ(tree.components(type), "a b c d ... [[ g ]]");
+        EXPECT_EQ(tree.bounds(type + ".a"), isA ? "0..5" : "0..6");
+        EXPECT_EQ(tree.presence(type + ".a"), "DEFAULT n");
+        EXPECT_EQ(tree.actualKind(type + ".b"), isA ? "NULL" : "BOOLEAN");
+        EXPECT_EQ(tree.bounds(type + ".c"), isA ? "1..4" : "2..9");
+        EXPECT_EQ(tree.named(type + ".d"), "e(0) f(n)");
+        EXPECT_EQ(tree.presence(type + ".d"), "DEFAULT f");
+        EXPECT_EQ(tree.actualKind(type + ".g.*"), isA ? "NULL" : "BOOLEAN");
+        EXPECT_EQ(tree.node(type).actParRec, 0U);
+        // Records of an instance have its number, and the line of the reference.
+        for (const char* part : {".a", ".g", ".g.*"}) {
+            EXPECT_EQ(tree.node(type + part).actParRec, isA ? 1U : 2U) << part;
+            EXPECT_EQ(tree.node(type + part).line, isA ? 5U : 6U) << part;
+        }
+    }
+    EXPECT_NE(tree.type("A.a").nr, tree.type("B.a").nr);
+}
+
+TEST(Parameters, ActualParametersAreRecordsInARow) {
+    const TreeFacts tree(compile({moduleM("P{INTEGER : n, X, INTEGER : S} ::= SEQUENCE {\n"
+                                          "  a INTEGER (S) DEFAULT n, b X }\n"
+                                          "A ::= P{5, NULL, {5}}")}),
+                         "m");
+    const auto first = static_cast<uint32_t>(tree.node("A").syntax);
+    const stx::VNode n = tree.tree().vNode(first);
+    const stx::VNode x = tree.tree().vNode(first + 1);
+    const stx::VNode s = tree.tree().vNode(first + 2);
+    EXPECT_EQ(n.next, first + 1);
+    EXPECT_EQ(x.next, first + 2);
+    EXPECT_EQ(s.next, 0U);
+    for (const stx::VNode& actual : {n, x, s}) {
+        EXPECT_EQ(actual.valStatus, 4);
+        EXPECT_EQ(actual.line, 4U);
+    }
+    EXPECT_EQ(tree.tree().text(n.name), "n"); // negated, as names of values are
+    EXPECT_LT(n.name, 0);
+    EXPECT_EQ(n.number, 5);
+    EXPECT_EQ(tree.tree().text(x.name), "X");
+    EXPECT_EQ(x.valCode, stx::TYP_OPEN);
+    EXPECT_EQ(x.refMod, -1);
+    EXPECT_EQ(tree.tree().tNode(x.ref).typeCode, stx::TYP_NULL);
+    EXPECT_EQ(tree.tree().text(s.name), "S");
+    EXPECT_EQ(s.valCode, stx::TYP_OPEN);
+    EXPECT_EQ(s.vflags & 2, 2);
+    const stx::TNode set = tree.tree().tNode(s.ref);
+    EXPECT_EQ(set.nodeFlags & 8U, 8U);
+    EXPECT_GT(set.constraint, 0);
+    EXPECT_EQ(set.ref, s.govType); // the copy of the governor
+}
+
+TEST(Parameters, InstancesOfValuesHaveTheirOwnGovernor) {
+    const TreeFacts tree(
+        compile({moduleM("L ::= SEQUENCE OF INTEGER p{INTEGER : n} L ::= { n, 1, n }\n"
+                         "r{X, X : x} X ::= x\n"
+                         "I{INTEGER : m} ::= INTEGER (0..m) s{INTEGER : n} I{n} ::= 4\n"
+                         "a L ::= p{8} b L ::= p{9}\n"
+                         "c INTEGER ::= r{INTEGER, 5} d BOOLEAN ::= r{BOOLEAN, FALSE}\n"
+                         "e INTEGER ::= s{9} f INTEGER ::= s{7}")}),
+        "m");
+    const auto governor = [&](const char* name) {
+        const stx::VNode instance = tree.tree().vNode(tree.value(name).node().ref);
+        return stx::TypeRef{&tree.tree(), instance.govType};
+    };
+    EXPECT_NE(tree.value("a").node().ref, tree.value("b").node().ref);
+    // Copied where it depends on the parameters only.
+    EXPECT_EQ(governor("a").nr, governor("b").nr);
+    std::string error;
+    const auto governing = [&](const char* name) {
+        return skipTypes(tree.trees(), governor(name), true, error);
+    };
+    EXPECT_EQ(governing("c").node().typeCode, stx::TYP_INTEGER);
+    EXPECT_EQ(governing("d").node().typeCode, stx::TYP_BOOLEAN);
+    EXPECT_NE(governing("e").nr, governing("f").nr);
+}
+
+// ---- across modules -----------------------------------------------------------------------------
+
+const SourceFile moduleN = {"n.asn", "N DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                                     "IMPORTS Q{} FROM N2;\n"
+                                     "P{X, INTEGER : n, INTEGER : S} ::= SEQUENCE {\n"
+                                     "  a X OPTIONAL,\n"
+                                     "  b Q{SEQUENCE OF X, n, {S | 99}} }\n"
+                                     "k INTEGER ::= 1\n"
+                                     "END\n"};
+SourceFile moduleN2(const std::string& component) {
+    return {"n2.asn", "N2 DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                      "Q{Y, INTEGER : k, INTEGER : S} ::= SEQUENCE {\n"
+                      "  a Y,\n  b INTEGER (0..k),\n  c INTEGER (S)" +
+                          component +
+                          " }\nU{Z, INTEGER : m} ::= SEQUENCE OF Z u{Z} INTEGER ::= 1\nEND\n"};
+}
+
+TEST(Parameters, InstancesLieWhereTheirDefinitionDoes) {
+    const RunResult run =
+        compile({moduleM("IMPORTS P{}, k FROM N;\nA ::= P{INTEGER (0..k), 5, {1 | 2}}"), moduleN,
+                 moduleN2("")});
+    const TreeFacts tree(run, "m");
+    EXPECT_EQ(tree.kind("A"), "N.P {INTEGER, 5, {1 | 2}}");
+    EXPECT_EQ(tree.kind("A.b"), "N2.Q {SEQUENCE OF, M.n, {N.S | 99}}");
+    EXPECT_EQ(tree.actualKind("A.b.a.*"), "INTEGER");
+    EXPECT_EQ(tree.bounds("A.b.b"), "0..5");
+    EXPECT_EQ(tree.bounds("A.b.c"), "1..99");
+    EXPECT_EQ(tree.type("A.a").tree->moduleName(), "N");
+    EXPECT_EQ(tree.type("A.b.b").tree->moduleName(), "N2");
+    EXPECT_EQ(tree.node("A.b.b").line, 3U);
+    EXPECT_EQ(tree.tree().count(stx::TNODE), 3U); // A, the type and the set given to P
+}
+
+constexpr struct {
+    const char* component; // of Q
+    const char* messages;  // at the reference
+} instanceErrors[] = {
+    {",\n d INTEGER (SIZE (5))",
+     "Size constraint not allowed\n  ** ERROR on line   6 : Invalid constraint"},
+    {",\n d BOOLEAN (k)", "Invalid BOOLEAN value"},
+    {",\n d BOOLEAN DEFAULT 7", "BOOLEAN value syntax"},
+    {",\n d U{Y}", "Invalid actual parameter list"},
+    {",\n d U{Y, k}", "Unused actual parameters: (2) m"},
+    {",\n d Q{Y, k, {S}}", "Invalid recursion in definition of type"},
+    {",\n d x < Y", "Invalid selection type: x"},
+    {",\n COMPONENTS OF Y", "Invalid type in COMPONENTS OF"},
+    {",\n d INTEGER (u)", "Braces expected: u"},
+};
+
+TEST(Parameters, ErrorsInInstancesAreChargedToTheOutermostReference) {
+    const SourceFile m = moduleM("IMPORTS P{} FROM N;\n\n\n\nA ::= P{NULL, 5, {\n1}}");
+    for (const auto& row : instanceErrors) {
+        SCOPED_TRACE(row.component);
+        const SourceFile n2 = moduleN2(row.component);
+        const RunResult run = compile({m, moduleN, n2});
+        const std::string found = run.diagnostics("m");
+        EXPECT_TRUE(found.starts_with(std::string("  ** ERROR on line   6 : ") + row.messages))
+            << found;
+        EXPECT_EQ(run.diagnostics("n") + run.diagnostics("n2"), "");
+    }
+}
+
+} // namespace
+} // namespace orvo::test
