@@ -37,14 +37,13 @@ struct UnionIndex {
 /// What an object set holds for a field of its class.
 struct TableEntry {
     VNodeRef object;
-    VNodeRef setting; // of the field; none when the object has none
+    VNodeRef setting; // of the field; none when a field on the way holds a set of objects
 };
 struct TableIndex {
     std::vector<TableEntry> entries;                           // in order
     std::unordered_map<uint64_t, std::vector<size_t>> byValue; // settings that are values, by hash
-    std::vector<size_t> others;                                // settings that are not
-    bool open =
-        false; // an operator in the set, or a field that is an object set, admits everything
+    std::vector<size_t> others;                                // the other entries
+    bool met = false; // an operator in the set admits everything
 };
 
 struct CheckCache {

@@ -78,7 +78,7 @@ bool ownEndpoint(Endpoint& end, bool upper, uint8_t kind) {
     if (tNode.constraint <= 0) return false;
     const SubRef sub{recState.currTPtr[KIND_TNODE], SubNr{magnitude(tNode.constraint)}};
     return isSizeKind(kind) ? sizeEndpoint(end, upper, sub)
-                            : isNumberKind(kind) && numberEndpoint(end, upper, sub, kind);
+                            : isNumberKind(kind) && getNumberEndpoint(end, upper, sub, kind);
 }
 
 /// The endpoint of the current type, which is no reference.

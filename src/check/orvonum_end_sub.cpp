@@ -231,7 +231,7 @@ bool rangeEndpoint(Endpoint& end, bool upper) {
 
 } // namespace
 
-bool numberEndpoint(Endpoint& end, bool upper, SubRef sub, uint8_t kind) {
+bool getNumberEndpoint(Endpoint& end, bool upper, SubRef sub, uint8_t kind) {
     return subEndpoint({upper, kind, false, false}, sub, end);
 }
 

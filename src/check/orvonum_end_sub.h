@@ -8,7 +8,7 @@ namespace orvo {
 
 /// The endpoint that a constraint gives to values of a kind, INTEGER or REAL; false when it gives
 /// none.
-bool numberEndpoint(Endpoint& end, bool upper, SubRef sub, uint8_t kind);
+bool getNumberEndpoint(Endpoint& end, bool upper, SubRef sub, uint8_t kind);
 /// The endpoint that the SIZE constraints in a constraint give to sizes.
 bool sizeEndpoint(Endpoint& end, bool upper, SubRef sub);
 /// Makes `end` the inner one of the two endpoints.

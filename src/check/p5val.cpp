@@ -275,23 +275,21 @@ ModuleRec* moduleForErrors(ModuleRec* caller) {
     return vNode.formals != 0 ? caller : own;
 }
 
-/// Component relations do not reach beyond the current value: its governing type, the current one,
-/// is a type assignment or refers to one.
-bool beginsStack() {
+/// Component relations do not reach beyond an assignment: the value is one, or a structured value
+/// whose type is a type assignment.
+bool beginsStack(const CheckedValue& value) {
     if (vNode.valStatus == VST_HEADER) return true;
-    if (vNode.valCode < TYP_SEQ || vNode.valCode > TYP_CHOICE) return false;
+    if (value.rec.valCode < TYP_SEQ || value.rec.valCode > TYP_CHOICE) return false;
     const KeepRec<KIND_TNODE> keep;
-    uint32_t left = maxRecNr;
-    while (magnitude(tNode.compStatus) != TCS_HEADER)
-        if (left-- == 0 || !followTypeRef(false)) return false;
-    return true;
+    skipTypes(true);
+    return magnitude(tNode.compStatus) == TCS_HEADER;
 }
 
 bool checkGoverned(const ValueErrors& errors, VNodeRef at, bool constrain) {
     readRec(at);
     const ValueErrors own{moduleForErrors(errors.module), errors.report};
     const CheckedValue value = checkedValue(at);
-    if (!beginsStack()) return checkAgainstType(own, value, constrain);
+    if (!beginsStack(value)) return checkAgainstType(own, value, constrain);
     const Restore stack(p5ValState.struValueStack, NodeList{NODES_VALUE});
     return checkAgainstType(own, value, constrain);
 }

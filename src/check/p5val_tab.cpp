@@ -112,13 +112,11 @@ void addObject(Collecting& collecting, VNodeRef object) {
     TableIndex& table = collecting.table;
     bool isSet = false;
     const VNodeRef setting = settingOf(object, collecting.path, isSet);
-    table.open = table.open || isSet;
-    if (isSet) sorry();
-    if (!setting) return;
+    if (!setting && !isSet) return;
     const size_t place = table.entries.size();
     table.entries.push_back({object, setting});
-    const CheckedValue value = checkedValue(setting);
-    if (value.rec.valCode == TYP_OPEN)
+    const CheckedValue value = setting ? checkedValue(setting) : CheckedValue{};
+    if (!setting || value.rec.valCode == TYP_OPEN)
         table.others.push_back(place);
     else
         table.byValue[hashOfValue(value.module, value.rec)].push_back(place);
@@ -143,7 +141,7 @@ void collectFromSub(Collecting& collecting, SubRef sub) {
     }
     case SUB_INTERSECTION:
     case SUB_EXCEPT:
-    case SUB_ALL_EXCEPT: collecting.table.open = true; return;
+    case SUB_ALL_EXCEPT: collecting.table.met = true; return;
     case SUB_SINGLE_VALUE:
         if (subRec.left != 0) addObject(collecting, {sub.module, VNodeNr{subRec.left}});
         return;
@@ -202,8 +200,13 @@ bool typeAdmits(const ValueErrors& errors, const CheckedValue& value, const Chec
     return checkAgainstType({errors.module, false}, withoutType(value), true);
 }
 
+/// An object whose field holds a set of objects is accepted unseen.
 bool compareValueAndTableObject(const ValueErrors& errors, const CheckedValue& value,
                                 VNodeRef setting) {
+    if (!setting) {
+        sorry();
+        return true;
+    }
     const CheckedValue field = checkedValue(setting);
     if (field.rec.valCode == TYP_OPEN && field.rec.refMod != REF_UNRESOLVED)
         return typeAdmits(errors, value, field);
@@ -240,8 +243,7 @@ bool objectAgrees(const ValueErrors& errors, VNodeRef object, const FieldPath& p
                   const CheckedValue& value) {
     bool isSet = false;
     const VNodeRef setting = settingOf(object, path, isSet);
-    if (isSet) sorry();
-    return isSet || (setting && compareValueAndTableObject(errors, value, setting));
+    return (setting || isSet) && compareValueAndTableObject(errors, value, setting);
 }
 
 // ---- component relations
@@ -342,8 +344,6 @@ std::vector<VNodeRef> compressOsfList(const ValueErrors& errors, SubRef sub,
         objects.push_back(entry.object);
         return true;
     });
-    if (table.open)
-        for (const TableEntry& entry : table.entries) objects.push_back(entry.object);
     std::erase_if(objects, [&](VNodeRef object) {
         return !std::ranges::all_of(related, [&](const Related& one) {
             return objectAgrees(errors, object, one.path, one.value);
@@ -377,7 +377,7 @@ bool valTableConstr(const ValueErrors& errors, const CheckedValue& value) {
     if (subRec.left == 0 || !fieldPath(path))
         return failValue(errors, value, valueOutOfConstraint(tableName));
     const TableIndex& table = objSetFieldsToList(sub, path, {});
-    if (table.open) return true;
+    if (table.met) return true;
     const SNodeNr list{relation > 0 ? magnitude(relation) : 0};
     if (list && relationHolds(errors, value, sub, list, path, table)) return true;
     const bool agrees = anyAgrees(errors, table, value);

@@ -77,6 +77,12 @@ TEST(CheckObjects, RelationsStartAtTheOutermostOrInnermostValue) {
         {"b1 Far ::= { id 1, in { id 2, val INTEGER : 1 } }"},
         {"b2 Far ::= { id 1, in { id 2, val BOOLEAN : TRUE } }",
          {relation, invalidSeq, invalidSeq}},
+        // The outermost value is that of the type assignment in which the reference is written.
+        {"Own ::= SEQUENCE { id C.&id ({Set}), in Part }"},
+        {"Part ::= SEQUENCE { id C.&id ({Set}), val C.&T ({Set}{@id}) }"},
+        {"e1 Own ::= { id 1, in { id 2, val BOOLEAN : TRUE } }"},
+        {"e2 Own ::= { id 2, in { id 1, val BOOLEAN : TRUE } }",
+         {relation, invalidSeq, invalidSeq}},
         {"Deep ::= SEQUENCE { ids SEQUENCE OF C.&id ({Set}), val C.&T ({Set}{@ids.2}) }"},
         {"c1 Deep ::= { ids { 1, 2 }, val BOOLEAN : TRUE }"},
         {"c2 Deep ::= { ids { 2, 1 }, val BOOLEAN : TRUE }", {relation, invalidSeq}},
