@@ -70,11 +70,14 @@ bool checkClassifyingComp(ModuleRec* module, uint32_t line) {
     return !isError;
 }
 
-/// Stores the classifier in the identifier's record.
+/// Stores the classifier in the identifier's record; one in a module without a reference keeps the
+/// name, since the module nodes of the tree are made by now.
 void resolveClassifier(ModuleRec* module, SNodeNr identifier, TNodeRef classifier) {
+    const uint32_t number = findImplImport(module, classifier.module);
+    if (number == 0) return;
     const KeepRec<KIND_SNODE> keep;
     readRec(module, identifier);
-    sNode.module = handleImplImports(module, classifier.module);
+    sNode.module = number;
     sNode.value = static_cast<int32_t>(classifier.nr.nr);
     writeRec(module, identifier);
 }
