@@ -27,14 +27,13 @@ bool readSettingType(ModuleRec* module, VNodeNr setting) {
 
 bool subRange() {
     const KeepRec<KIND_TNODE> keep;
-    ModuleRec* const module = recState.currTPtr[KIND_SUB];
     Endpoint lower;
     Endpoint upper;
     if (!getRangeEndpoint(lower, false) || !getRangeEndpoint(upper, true)) return false;
     skipTypes(true);
     if (lower.value.valCode != tNode.typeCode || upper.value.valCode != tNode.typeCode)
         return false;
-    const int order = compareValue(module, lower.value, module, upper.value);
+    const int order = compareValue(lower.module, lower.value, upper.module, upper.value);
     if (order != 0) return order < 0;
     return (lower.flags & SUBF_LOWER) != 0 && (upper.flags & SUBF_UPPER) != 0;
 }

@@ -146,6 +146,20 @@ TEST(CheckValues, EveryConstraintIsMetOrNot) {
     });
 }
 
+TEST(CheckValues, BoundsOfAnotherModuleAreComparedByTheirText) {
+    // The string numbers of the two modules differ.
+    const SourceFile other = {"n.asn", "N DEFINITIONS ::= BEGIN EXPORTS lo, hi;\n"
+                                       "x IA5String ::= \"zzz\"\n"
+                                       "lo IA5String ::= \"b\"\n"
+                                       "hi IA5String ::= \"d\"\n"
+                                       "END\n"};
+    expectFindings({{"IMPORTS lo, hi FROM N;"},
+                    {"a IA5String (FROM (lo..hi)) ::= \"bc\""},
+                    {"b IA5String (FROM (lo..hi)) ::= \"ad\"",
+                     {range, "Value out of permitted alphabet constraint(s)"}}},
+                   {}, {other});
+}
+
 TEST(CheckValues, InnerSubtypesRestrictPresence) {
     const std::string out = "Value out of WITH COMPONENTS constraint(s)";
     expectFindings({
