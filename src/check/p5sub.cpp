@@ -116,6 +116,13 @@ bool subAllExcept(ModuleRec* module, ParentType parent) {
     return ok;
 }
 
+void markExtensible() {
+    if (isSetTNode()) return;
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    tNode.checkFlags |= CF_EXTENSIBLE;
+    writeRec(type);
+}
+
 /// What was noted of a type while a part of its constraint was taken off holds no more.
 void forgetEndpoints(TNodeRef type) {
     checkCacheOf(type.module).endpoints.erase(type.nr.nr);
@@ -169,6 +176,11 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
         readRec(temporary.ref());
         readRec(member);
         ok = chkSubRec(module, ParentType::Referenced);
+        readRec(temporary.ref());
+        if ((tNode.checkFlags & CF_EXTENSIBLE) != 0) {
+            readRec(type);
+            markExtensible();
+        }
         before = member;
         member = next;
     }
@@ -197,13 +209,6 @@ bool checkByKind(ModuleRec* module, ParentType parent) {
     case SUB_OPEN_TYPE: return subOpenTypeConstr(module);
     default: return true;
     }
-}
-
-void markExtensible() {
-    if (isSetTNode()) return;
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    tNode.checkFlags |= CF_EXTENSIBLE;
-    writeRec(type);
 }
 
 bool isKnownKind(uint8_t kind) {

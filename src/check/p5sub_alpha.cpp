@@ -11,7 +11,7 @@ namespace orvo {
 namespace {
 
 bool isCharacterValue(uint8_t valCode) {
-    return valCode >= TYP_NUMSTR && valCode <= TYP_UNISTR;
+    return (valCode >= TYP_NUMSTR && valCode <= TYP_UNISTR) || valCode == TYP_OBJDESCR;
 }
 
 /// The value at an end of a range is one character.

@@ -100,8 +100,8 @@ bool subWithComp(ModuleRec* module) {
     bool ok = false;
     if ((tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF) && tNode.ref != 0) {
         readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
+        // Values must be of the element type, with what its references add on the way.
         ok = checkTNode(module, tNode.typeCode == TYP_SYNONYM, false);
-        skipTypes(true);
         readRec(self.module, SubNr{subRec.left});
         ok &= chkSubRec(module, ParentType::Itself);
     }
@@ -177,8 +177,9 @@ bool subWithComps(ModuleRec* module) {
     const SubRef self = currentRec<KIND_SUB>();
     skipTypes(true);
     const uint8_t code = tNode.typeCode;
-    if (code == TYP_EMB_PDV || code == TYP_CHASTR || code == TYP_EXTERNAL_1990 ||
-        code == TYP_EXTERNAL_1994) {
+    const bool isAssociated = code == TYP_EMB_PDV || code == TYP_CHASTR ||
+                              code == TYP_EXTERNAL_1990 || code == TYP_EXTERNAL_1994;
+    if (isAssociated && run.iso8824MP != nullptr) {
         readRec(run.iso8824MP, TNodeNr{code});
         skipTypes(true);
     }

@@ -184,9 +184,12 @@ bool valRange(const CheckedValue& value) {
 bool valPermittedAlphabet(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef inner = operandsOf(currentSub());
     if (!inner || !isStringKind(value.rec.valCode)) return false;
+    const bool isCharacter = p5ValState.inPermittedAlphabet;
     const Restore inAlphabet(p5ValState.inPermittedAlphabet, true);
     for (const char32_t character : distinctChars(value.module, value.rec)) {
         CheckedValue part = partOf(value, value.rec.valCode);
+        // An alphabet inside an alphabet is about the same character again.
+        if (isCharacter) part.id = value.id;
         part.rec.val.str.striLen = 1;
         part.rec.val.str.stri = scratchStri;
         tempChar[0] = static_cast<char>(character);
