@@ -44,54 +44,7 @@ TEST(Reals, AreOrderedByValue) {
     }
 }
 
-TEST(Reals, SpecialCodesDoNotWrap) {
-    EXPECT_EQ(getSpecialRealVal(special(REAL_PLUS_INFINITY)), -2);
-    EXPECT_TRUE(isSpecialRealVal(special(REAL_ZERO)));
-    EXPECT_EQ(getSpecialRealVal(real(int64_t{1} << 33, -1, 0)), noSpecialReal);
-    EXPECT_EQ(retRealVal(real(int64_t{1} << 33, -1, 0)), 0.0);
-}
-
 using RealValues = StoreTest;
-
-TEST_F(RealValues, ComeFromThreeIntegersAndFromZero) {
-    RealVal value;
-    readRec(&a, newStru(TYP_SEQ, chain({newNumber(-3), newNumber(40000), newNumber(-40000)})));
-    ASSERT_TRUE(getRealVal(value));
-    EXPECT_EQ(i64native(value.mantissa), -3);
-    EXPECT_EQ(value.base, 32767);
-    EXPECT_EQ(value.exponent, -32767);
-    readRec(&a, newNumber(0));
-    ASSERT_TRUE(getRealVal(value));
-    EXPECT_TRUE(isSpecialRealVal(value));
-    const VNodeNr ref = newValueRef(newNumber(2));
-    const VNodeNr shapes[] = {
-        newStru(TYP_SEQ, chain({newNumber(1), newNumber(2)})),
-        newStru(TYP_SEQ, chain({newNumber(1), newNumber(-2), newNumber(3)})),
-        newStru(TYP_SEQ, chain({newNumber(1), newNumber(2), newNumber(3), newNumber(4)})),
-        newStru(TYP_SEQ, chain({newNumber(1), ref, newString(TYP_IA5STR, "")})),
-        newValue(TYP_BOOLEAN, [] {})};
-    for (const VNodeNr shape : shapes) {
-        SCOPED_TRACE(shape.nr);
-        readRec(&a, shape);
-        EXPECT_FALSE(getRealVal(value));
-        EXPECT_EQ(currentRec<KIND_VNODE>().nr, shape);
-    }
-}
-
-TEST_F(RealValues, AMinusSignBeforeZeroIsReported) {
-    I64 number = i64of(7);
-    fixNegative(number, 3);
-    EXPECT_EQ(i64native(number), -7);
-    number = i64of(std::numeric_limits<int64_t>::min());
-    fixNegative(number, 3);
-    EXPECT_EQ(i64native(number), std::numeric_limits<int64_t>::min());
-    EXPECT_TRUE(a.errors.empty());
-    RealVal zero = real(0, 2, 1);
-    fixNegative(zero, 4);
-    ASSERT_EQ(a.errors.size(), 1U);
-    EXPECT_EQ(a.errors[0].code, invalidValue(TYP_INTEGER));
-    EXPECT_EQ(a.errors[0].line, 4);
-}
 
 } // namespace
 } // namespace orvo

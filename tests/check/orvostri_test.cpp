@@ -31,24 +31,6 @@ class Strings : public StoreTest {
     }
 };
 
-TEST_F(Strings, LiteralsBecomeBits) {
-    EXPECT_EQ(bits(TYP_BITSTR, hex("A")), "1010");
-    EXPECT_EQ(bits(TYP_BITSTR, hex("F0")), "11110000");
-    EXPECT_EQ(bits(TYP_OCTSTR, hex("A")), "10100000");
-    EXPECT_EQ(bits(TYP_OCTSTR, bin("101")), "10100000");
-    EXPECT_EQ(bits(TYP_BITSTR, bin("101")), "101");
-    EXPECT_EQ(bits(TYP_OCTSTR, bin("")), "");
-}
-
-TEST_F(Strings, TrailingZerosCountInOctetStringsOnly) {
-    EXPECT_TRUE(equal(TYP_BITSTR, bin("1010"), bin("101")));
-    EXPECT_TRUE(equal(TYP_BITSTR, bin("0"), bin("")));
-    EXPECT_TRUE(equal(TYP_BITSTR, bin("1010"), hex("A")));
-    EXPECT_FALSE(equal(TYP_BITSTR, bin("0101"), bin("101")));
-    EXPECT_TRUE(equal(TYP_OCTSTR, bin("1010"), bin("101")));
-    EXPECT_FALSE(equal(TYP_OCTSTR, hex("A5"), hex("A500")));
-}
-
 TEST_F(Strings, NamedBitsAreSetAtTheirNumbers) {
     const VNodeNr bitA = newNumber(0), bitC = newNumber(2), far = newNumber(40000);
     const VNode list = rec(newStru(TYP_BITSTR, chain({newValueRef(bitC), newValueRef(bitA)})));
@@ -90,33 +72,6 @@ TEST_F(Strings, LengthsCountInTheUnitOfTheType) {
         SCOPED_TRACE(row.what);
         EXPECT_EQ(length(row.type, row.value), row.length);
     }
-}
-
-TEST_F(Strings, SegmentsAreJoinedInOrder) {
-    const VNodeNr inner =
-        newStru(TYP_IA5STR, chain({newString(TYP_IA5STR, "cd"), newString(TYP_IA5STR, "")}));
-    const VNodeNr whole = newStru(
-        TYP_IA5STR, chain({newString(TYP_IA5STR, "ab"), newValueRef(inner), newValueRef(inner)}));
-    RestrCharStri stri;
-    EXPECT_EQ(makeRestrCharStri(&a, rec(whole), stri), 6U);
-    EXPECT_EQ(stri.chars, U"abcdcd");
-    EXPECT_EQ(distinctChars(&a, rec(whole)), U"abcd");
-    EXPECT_EQ(order(whole, newString(TYP_IA5STR, "abcdcd")), 0);
-    EXPECT_LT(order(whole, newString(TYP_IA5STR, "abd")), 0);
-    EXPECT_EQ(order(whole, newString(TYP_VISSTR, "abcdcd")), 1);
-}
-
-TEST_F(Strings, WideCharactersAreOrderedByTheirNumbers) {
-    const auto wide = [&](char16_t c) {
-        return newValue(TYP_BMPSTR, [&] {
-            vNode.val.str.striLen = 1;
-            vNode.val.str.stri = putStri16(&a, std::u16string_view(&c, 1)).nr;
-        });
-    };
-    EXPECT_LT(order(wide(0x00FF), wide(0xFF00)), 0);
-    EXPECT_GT(order(newString(TYP_GENSTR, "\xFF"), newString(TYP_GENSTR, "a")), 0);
-    // A NUL character ends the text of the cache, but not the string.
-    EXPECT_LT(order(wide(0), wide(1)), 0);
 }
 
 TEST_F(Strings, SegmentsThatDoubleSixtyTimesEnd) {

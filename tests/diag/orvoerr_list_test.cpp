@@ -56,16 +56,6 @@ TEST_F(Listing, PutsEveryDiagnosticBehindItsLine) {
     EXPECT_EQ(listFile("one\ntwo\nthree"), expected);
 }
 
-TEST_F(Listing, WithoutLineNumbersShowsOnlyDiagnostics) {
-    add(ERR_SEMANTIC, 1);
-    EXPECT_EQ(list(false, "one\ntwo\n"), "  ** ERROR on line   1 : Incompatible types\n");
-}
-
-TEST_F(Listing, OfAnEmptySourceIsEmpty) {
-    EXPECT_EQ(list(true, ""), "");
-    EXPECT_EQ(listFile(""), "");
-}
-
 TEST_F(Listing, KeepsLongLinesAndForeignBytes) {
     const std::string line = std::string(40000, 'x') + std::string("\0\xff\r", 3);
     EXPECT_EQ(listFile(line + "\n\n"), "    1:  " + line + "\n    2:  \n");
@@ -82,17 +72,6 @@ TEST_F(Listing, HidesWarningsAtVerbosityOne) {
               "    1:  a\n  ** WARNING  line   1 : $Option(s) ignored\n" + error);
 }
 
-TEST_F(Listing, EndsWithTheCounters) {
-    EXPECT_EQ(written([](std::FILE* out) { sayBye(out, 1, 2, 3, 4); }), "\nSyntax errors     : 1\n"
-                                                                        "Semantic errors   : 2\n"
-                                                                        "Undefined symbols : 3\n"
-                                                                        "Warnings          : 4\n");
-    run.verboseEx = 1;
-    EXPECT_EQ(written([](std::FILE* out) { sayBye(out, 0, 0, 0, 4); }), "\nSyntax errors     : 0\n"
-                                                                        "Semantic errors   : 0\n"
-                                                                        "Undefined symbols : 0\n");
-}
-
 TEST(Banner, BreaksTheNoticeAfterEachFullStop) {
     EXPECT_EQ(written([](std::FILE* out) { sayHello(out, 213, 0); }),
               "\nCompiler for Abstract Syntax Notation One Version 2.13 February 2002\n"
@@ -102,14 +81,6 @@ TEST(Banner, BreaksTheNoticeAfterEachFullStop) {
               }),
               "Processed by ORVO 2.13 on 07.09.2026 at 7:05.03\n");
     EXPECT_EQ(printVersionStri("v", 205, 1, "!"), "v2.05.1!");
-}
-
-TEST(Banner, BreaksLongInformationIntoPieces) {
-    EXPECT_EQ(written([](std::FILE* out) { printInfo(out, "abcdefg", 3); }),
-              "INFO = abc\n       def\n       g\n");
-    EXPECT_EQ(printRcsId("My-File.c"), "static char my_file_c_rcsid [] = \"$Id$\" ;\n");
-    EXPECT_EQ(rcsRevision2betVersion("$Revision: 2.13 $"), 213);
-    EXPECT_EQ(rcsRevision2betVersion("1.100"), 100);
 }
 
 } // namespace

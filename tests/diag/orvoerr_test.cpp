@@ -111,13 +111,6 @@ TEST(PrintError, TagMessagesNameTheTagAndDropTheDetail) {
                                  "Non-distinct tag: [PRIVATE 2097151]\n");
 }
 
-TEST(PrintError, SyntaxErrorTakesTwoLinesAndSkipsEmptyPieces) {
-    ModuleRec module;
-    recordSyntaxError(&module, 7, {"END", "is not allowed after:", "", "A", "::=", "", "INTEGER"});
-    EXPECT_EQ(shown(module),
-              " *** ERROR on line   7 : END is not allowed after:\nA ::= INTEGER \n");
-}
-
 TEST(PrintError, ExpectedTokensAreSpelledAsInTheTokenTable) {
     ErrRec record = semantic(static_cast<int>(tokenExpected(TOK_ASSIGN)));
     record.errClass = ERR_SYNTAX;

@@ -84,58 +84,6 @@ TEST_F(Naming, IdentifierOverridesModuleAndCommentOverridesIdentifier) {
     EXPECT_EQ(nameOf(FIX_COMPONENT), "all_other");
 }
 
-TEST_F(Naming, LatestTextOfAnIdentifierCountsAndItsRecordStaysOne) {
-    global("VSPREF=A:x");
-    global("VSPREF=B:y");
-    global("VSSUFF=A:s");
-    global("VSPREF=A:z");
-    const FixList& list = a.options.naming[FIX_VALUE_SET];
-    ASSERT_EQ(list.records.size(), 2U);
-    EXPECT_EQ(list.head.fixNext->fixIdent, "A:");
-    EXPECT_EQ(list.head.fixNext->fixPref, "z");
-    EXPECT_EQ(list.head.fixNext->fixSuff, "s");
-    EXPECT_EQ(list.head.fixNext->fixNext->fixIdent, "B:");
-    EXPECT_EQ(list.head.fixNext->fixNext->fixNext, nullptr);
-}
-
-TEST_F(Naming, NamesAreCutToTheirSignificantCharacters) {
-    a.options.nameLen = 8;
-    component("abcdefghij");
-    EXPECT_EQ(nameOf(FIX_COMPONENT), "abcdefgh");
-    global("CPREF=prefix_");
-    EXPECT_EQ(nameOf(FIX_COMPONENT), "prefix_abcdefgh");
-    global("CNAME=abcdefghij:ABCDEFGHIJ");
-    EXPECT_EQ(nameOf(FIX_COMPONENT), "prefix_ABCDEFGH");
-}
-
-TEST_F(Naming, ValuesInTheirSecondRoleAreNamedAsValues) {
-    global("VPREF=v_");
-    addValArc(nullptr, 1);
-    vNode.name = minus(putStri(&a, "one").nr);
-    EXPECT_EQ(nameOf(FIX_VALUE), "v_one");
-    EXPECT_EQ(nameOf(FIX_VALUE2), "v_one");
-    EXPECT_EQ(nameOf(FIX_OBJECT), "one");
-    OptRange range;
-    addTedRec(range, TED_BEO, "$BEO=VPREF=no");
-    addTedRec(range, TED_OPTION, "$VSUFF=_c");
-    vNode.tedFirst = 1;
-    vNode.tedLast = 2;
-    vNode.vflags = VF_TED3;
-    EXPECT_EQ(nameOf(FIX_VALUE), "v_one_c");
-}
-
-TEST_F(Naming, RecordsDifferByTheNameTheyCompose) {
-    FixRec one, other;
-    one.fixPref = other.fixName = "x";
-    one.fixName = "y";
-    one.fixIdentLen = 1;
-    other.fixSuff = "y";
-    other.fixIdentLen = 1;
-    EXPECT_FALSE(compareFixRec(one, other));
-    other.fixConv = "U";
-    EXPECT_TRUE(compareFixRec(one, other));
-}
-
 TEST_F(Naming, OptionTextsAreValidByTheirKind) {
     constexpr struct {
         const char* text;
@@ -150,29 +98,6 @@ TEST_F(Naming, OptionTextsAreValidByTheirKind) {
         size_t suboption = 0;
         EXPECT_EQ(parseNamingOption(row.text, suboption), row.valid) << row.text;
     }
-}
-
-TEST(Names, HyphenAndUnderscoreAreEqual) {
-    EXPECT_EQ(compareNames("My-Type", "My_Type"), 7U);
-    EXPECT_EQ(compareNames("My-Type", "My-Typ"), 6U);
-    EXPECT_EQ(compareNames("a-b", "a.b"), 1U);
-}
-
-TEST_F(Naming, ReferencedModulesAreTakenBackFromListAndIndices) {
-    ModRefList& list = a.modRefs;
-    ModRef* first = createPicRec(list, "B", &b, 2);
-    createPicRec(list, "B", nullptr, 3);
-    createPicRec(list, "C", &a, 4);
-    EXPECT_EQ(findPicRec(list, "B"), first);
-    dropPicRecs(list, 1);
-    EXPECT_EQ(list.modRefLast, first);
-    EXPECT_EQ(first->next, nullptr);
-    EXPECT_EQ(findPicRec(list, "B"), first);
-    EXPECT_EQ(findPicRec(list, "C"), nullptr);
-    EXPECT_EQ(list.byNumber.size(), 1U);
-    EXPECT_EQ(list.byModule.size(), 1U);
-    dropPicRecs(list, 0);
-    EXPECT_EQ(createPicRec(list, "D"), list.modRefFirst);
 }
 
 } // namespace

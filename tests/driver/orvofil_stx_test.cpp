@@ -95,15 +95,6 @@ TEST_F(TreeFile, IsTheRecordsByKindInLittleEndianOrder) {
     EXPECT_EQ(write(), bytes(expected));
 }
 
-TEST_F(TreeFile, LeavesOutRecordsBeyondTheCounts) {
-    newRec<KIND_TAG>();
-    const std::string before = write();
-    newRec<KIND_TAG>();
-    flushRecs(-1);
-    writeTree(&a);
-    EXPECT_EQ(std::filesystem::file_size(dir.path() / "abc.stx"), before.size());
-}
-
 class TreeFileDeathTest : public TreeFile {};
 
 TEST_F(TreeFileDeathTest, FailuresEndTheRun) {

@@ -35,55 +35,6 @@ TEST(FileNames, NameIsCutForANewExtension) {
     EXPECT_EQ(setFileName(name, ".asn", false), name + ".asn");
 }
 
-/// A module list as the command line makes it: first.asn, then the other files.
-class ModuleList : public testing::Test {
-  protected:
-    ModuleList() { resetStore(); }
-    ~ModuleList() override { resetStore(); }
-    ModuleRec* addFile(const char* sourceName) {
-        ModuleRec* module = newModuleRec();
-        appendModuleRec(module);
-        setSourceFileName(module, sourceName);
-        return module;
-    }
-};
-
-TEST_F(ModuleList, OnePrefixIsOneRecord) {
-    ModuleRec* first = addFile("first.asn");
-    ModuleRec* alpha = findOrCreateModRec("modul", "modul", "ModuleAlpha");
-    EXPECT_EQ(findOrCreateModRec("modul", "other", "ModuleBeta"), alpha);
-    EXPECT_EQ(alpha->moduleName, "ModuleAlpha");
-    EXPECT_EQ(alpha->generationPrefix, "modul");
-    EXPECT_EQ(first->next, alpha);
-    EXPECT_EQ(run.eOfModRList, alpha);
-}
-
-TEST_F(ModuleList, AFileOfTheCommandLineIsClaimedByItsPrefix) {
-    addFile("first.asn");
-    ModuleRec* second = addFile("modul.asn");
-    ModuleRec* third = addFile("modul.asn");
-    EXPECT_EQ(findOrCreateModRec("modul", "gen", "ModuleAlpha"), second);
-    EXPECT_EQ(second->filePrefix, "modul");
-    EXPECT_EQ(second->generationPrefix, "gen");
-    EXPECT_EQ(second->moduleName, "");
-    EXPECT_EQ(findOrCreateModRec("modul", "gen", "ModuleAlpha"), second);
-    EXPECT_EQ(third->filePrefix, "");
-}
-
-TEST_F(ModuleList, TheFirstRecordIsClaimedByItsNameOnceItHasOne) {
-    ModuleRec* first = addFile("x.asn");
-    first->moduleName = "First";
-    EXPECT_NE(findOrCreateModRec("x", "x", "Other"), first);
-    EXPECT_EQ(findOrCreateModRec("f", "g", "First"), first);
-    EXPECT_EQ(first->filePrefix, "f");
-}
-
-TEST_F(ModuleList, ReferenceOneIsTheModuleItself) {
-    ModuleRec* module = addFile("x.asn");
-    EXPECT_EQ(getModPtr(module, 1), module);
-    EXPECT_EQ(getModPtr(module, 2), nullptr);
-}
-
 TEST(SearchPath, TheFirstDirectoryThatHasTheFileCounts) {
     const test::TempDir dir;
     dir.write({"a/other.asn", ""});

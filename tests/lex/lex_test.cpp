@@ -191,24 +191,6 @@ TEST_F(LexTest, CommentsEndAtTwoHyphensOrTheLineEnd) {
     for (const auto& [source, tokens] : cases) EXPECT_EQ(show(lex(source)), tokens) << source;
 }
 
-TEST_F(LexTest, AfterASyntaxErrorNothingIsInterned) {
-    module.parseState = PARSE_ERROR;
-    EXPECT_EQ(show(lex("a --$X=1-- \"b\" &C")), "valueid: cstring: typefieldid:");
-    EXPECT_EQ(module.nextRecNr[KIND_STRI8], 1U);
-    EXPECT_EQ(module.nextRecNr[KIND_TED], 1U);
-}
-
-TEST_F(LexTest, SourceThatCannotBeReadIsFatal) {
-    const File directory(std::fopen("/", "r"));
-    ASSERT_NE(directory, nullptr);
-    module.srcFile = directory.get();
-    module.options.sourceFileName = "m.asn";
-    TokenList list;
-    EXPECT_EXIT(NextToken(list), testing::ExitedWithCode(2),
-                "FATAL ERROR : Can not read from file\n *m.asn");
-    module.srcFile = nullptr;
-}
-
 // ---- option comments --------------------------------------------------------------------------
 
 struct OptionCase {
@@ -277,14 +259,6 @@ TEST_F(OptionCommentTest, DirectivesSetTheBitOfTheirName) {
         {"--$ENTRY X=5--", "flags 16"}, {"--$--", "flags 1"}};
     for (const auto& [source, options] : cases)
         EXPECT_EQ(optionsOf(source, false), options) << source;
-}
-
-TEST_F(OptionCommentTest, CommandsBelongToTheTokenBehindTheComment) {
-    const auto tokens = lex("M --$PTR--DEFINITIONS--$A=1--\n--$B=2\n::=");
-    ASSERT_EQ(tokens.size(), 4U);
-    EXPECT_EQ(showOptions(tokens[0]), "flags 0");
-    EXPECT_EQ(showOptions(tokens[1]), "flags 128");
-    EXPECT_EQ(showOptions(tokens[2]), "3$A=1; 3$B=2; flags 8");
 }
 
 TEST_F(OptionCommentTest, TooLongTextIsCutAndRejected) {

@@ -70,8 +70,8 @@ test::SourceFile exampleModule(const std::vector<std::string>& rows) {
         else
             components += concat(components.empty() ? "" : ",\n", text);
     }
-    return {"m.asn", concat("M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nmy-number INTEGER ::= 1\n", assignments,
-                            "T ::= CHOICE {\n", components, " }\nEND\n")};
+    return {"m.asn", concat("M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nmy-number INTEGER ::= 1\n",
+                            assignments, "T ::= CHOICE {\n", components, " }\nEND\n")};
 }
 
 TEST_F(OptionDocument, ListsEveryLocalOptionWithExamplesThatAreAccepted) {

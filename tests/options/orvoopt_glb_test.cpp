@@ -36,41 +36,7 @@ const OptionCase optionCases[] = {
     {"-PREFIX=M:a.b", rejected}, {"-PREFIX=M:a:b.c", rejected}, {"-PREFIX=My_Mod:mm", rejected},
     {"-BEGIN-SCOPE=other -INT=x", accepted}, {"-begin-scope=other -end-scope -INT=x", rejected},
     {"-END-SCOPE", accepted}, {"-BEGIN-SCOPE=x", accepted},
-    {"-TCONV=hl", [](const Block& b) { return b.naming[FIX_TYPE].head.fixConv == "hl"; }},
-    {"-TCONV=", accepted}, {"-TCONV=LU", rejected}, {"-TCONV=H", rejected}, {"-TCONV=x", rejected},
-    {"-TPREF=Abc:x_", [](const Block& b) { return b.naming[FIX_TYPE].head.fixPref.empty() && findGlbFixRecByName(b.naming[FIX_TYPE], "Abc")->fixPref == "x_"; }},
     {"-TPREF=x -TPREF=", [](const Block& b) { return b.naming[FIX_TYPE].head.fixPref.empty(); }},
-    {"-TPREF=abc:x_", rejected}, {"-TPREF=a.b", rejected}, {"-TPREF=:x", rejected},
-    {"-TNAME=n", [](const Block& b) { return b.naming[FIX_TYPE].head.fixName == "n"; }}, {"-TNAME=n;", rejected},
-    {"-TSUFF=_s", [](const Block& b) { return b.naming[FIX_TYPE].head.fixSuff == "_s"; }}, {"-TSUFF=A:b:c", rejected},
-    {"-VCONV=U", [](const Block& b) { return b.naming[FIX_VALUE].head.fixConv == "U"; }}, {"-VCONV=V", rejected},
-    {"-VPREF=v:p", [](const Block& b) { return findGlbFixRecByName(b.naming[FIX_VALUE], "v")->fixPref == "p"; }}, {"-VPREF=V:p", rejected},
-    {"-VNAME=v", [](const Block& b) { return b.naming[FIX_VALUE].head.fixName == "v"; }}, {"-VNAME=v!", rejected},
-    {"-VSUFF=v", [](const Block& b) { return b.naming[FIX_VALUE].head.fixSuff == "v"; }}, {"-VSUFF=v!", rejected},
-    {"-OCONV=HU", [](const Block& b) { return b.naming[FIX_OBJECT].head.fixConv == "HU"; }}, {"-OCONV=UH", rejected},
-    {"-OPREF=o", [](const Block& b) { return b.naming[FIX_OBJECT].head.fixPref == "o"; }}, {"-OPREF=O:o", rejected},
-    {"-ONAME=o", [](const Block& b) { return b.naming[FIX_OBJECT].head.fixName == "o"; }}, {"-ONAME=o+", rejected},
-    {"-OSUFF=o", [](const Block& b) { return b.naming[FIX_OBJECT].head.fixSuff == "o"; }}, {"-OSUFF=o+", rejected},
-    {"-CCONV=HL", [](const Block& b) { return b.naming[FIX_COMPONENT].head.fixConv == "HL"; }}, {"-CCONV=C", rejected},
-    {"-CPREF=c", [](const Block& b) { return b.naming[FIX_COMPONENT].head.fixPref == "c"; }}, {"-CPREF=C:c", rejected},
-    {"-CNAME=a-b:c", [](const Block& b) { return findGlbFixRecByName(b.naming[FIX_COMPONENT], "a_b")->fixName == "c"; }}, {"-CNAME=a_b:c", rejected},
-    {"-CSUFF=c", [](const Block& b) { return b.naming[FIX_COMPONENT].head.fixSuff == "c"; }}, {"-CSUFF=c/", rejected},
-    {"-FCONV=L", [](const Block& b) { return b.naming[FIX_FIELD].head.fixConv == "L"; }}, {"-FCONV=F", rejected},
-    {"-FPREF=Id:f", [](const Block& b) { return findGlbFixRecByName(b.naming[FIX_FIELD], "Id")->fixPref == "f"; }}, {"-FPREF=&id:f", rejected},
-    {"-FNAME=id:f", [](const Block& b) { return findGlbFixRecByName(b.naming[FIX_FIELD], "id")->fixName == "f"; }}, {"-FNAME=f&", rejected},
-    {"-FSUFF=f", [](const Block& b) { return b.naming[FIX_FIELD].head.fixSuff == "f"; }}, {"-FSUFF=f&", rejected},
-    {"-CLCONV=L", [](const Block& b) { return b.naming[FIX_CLASS].head.fixConv == "L"; }}, {"-CLCONV=C", rejected},
-    {"-CLPREF=C:c", [](const Block& b) { return findGlbFixRecByName(b.naming[FIX_CLASS], "C")->fixPref == "c"; }}, {"-CLPREF=c:c", rejected},
-    {"-CLNAME=c", [](const Block& b) { return b.naming[FIX_CLASS].head.fixName == "c"; }}, {"-CLNAME=c#", rejected},
-    {"-CLSUFF=c", [](const Block& b) { return b.naming[FIX_CLASS].head.fixSuff == "c"; }}, {"-CLSUFF=c#", rejected},
-    {"-VSCONV=L", [](const Block& b) { return b.naming[FIX_VALUE_SET].head.fixConv == "L" && b.naming[FIX_VALUE].head.fixSuff.empty(); }}, {"-VSCONV=S", rejected},
-    {"-VSPREF=V:v", [](const Block& b) { return findGlbFixRecByName(b.naming[FIX_VALUE_SET], "V")->fixPref == "v"; }}, {"-VSPREF=v:v", rejected},
-    {"-VSNAME=v", [](const Block& b) { return b.naming[FIX_VALUE_SET].head.fixName == "v"; }}, {"-VSNAME=v#", rejected},
-    {"-VSSUFF=v", [](const Block& b) { return b.naming[FIX_VALUE_SET].head.fixSuff == "v"; }}, {"-VSSUFF=v#", rejected},
-    {"-OSCONV=L", [](const Block& b) { return b.naming[FIX_OBJECT_SET].head.fixConv == "L"; }}, {"-OSCONV=S", rejected},
-    {"-OSPREF=O:o", [](const Block& b) { return findGlbFixRecByName(b.naming[FIX_OBJECT_SET], "O")->fixPref == "o"; }}, {"-OSPREF=o:o", rejected},
-    {"-OSNAME=o", [](const Block& b) { return b.naming[FIX_OBJECT_SET].head.fixName == "o"; }}, {"-OSNAME=o#", rejected},
-    {"-OSSUFF=o", [](const Block& b) { return b.naming[FIX_OBJECT_SET].head.fixSuff == "o"; }}, {"-OSSUFF=o#", rejected},
     {"-ENTRY=X-PDU:PDU", [](const Block& b) { return findFixRecByEntryTypeName(b.entry, "X_PDU")->fixConv == "PDU" && findFixRecByEntryTypeName(b.entry, "Y") == nullptr; }},
     {"-ENTRY=X:012:x_name", [](const Block& b) { return findFixRecByEntryTypeName(b.entry, "X")->fixName == "x_name"; }},
     {"-ENTRY=sdu", [](const Block& b) { return findFixRecByEntryTypeName(b.entry, "Y")->fixConv == "sdu"; }},
@@ -195,9 +161,41 @@ TEST_F(GlobalOptions, AcceptExactlyTheValuesOfTheirKind) {
         if (option != nullptr) (valid ? withAccepted : withRejected).insert(option->name);
     }
     for (const GlbOption& option : glbOptions()) {
+        const std::string_view end =
+            std::string_view(option.name).substr(std::max(option.name.size(), size_t{5}) - 5);
+        if (end == "CONV=" || end == "PREF=" || end == "NAME=" || end == "SUFF=") continue;
         SCOPED_TRACE(option.name);
         EXPECT_TRUE(withAccepted.contains(option.name) || neverAccepted.contains(option.name));
         EXPECT_TRUE(withRejected.contains(option.name) || neverRejected.contains(option.name));
+    }
+}
+
+TEST_F(GlobalOptions, NamingOptionsSetTheTextsOfTheirOwnKind) {
+    constexpr struct {
+        const char* lead;
+        FixKind kind;
+        const char *ident, *stored, *wrongIdent;
+    } kinds[] = {{"T", FIX_TYPE, "Abc", "Abc", "abc"}, {"V", FIX_VALUE, "v", "v", "V"},
+                 {"O", FIX_OBJECT, "o", "o", "O"},     {"C", FIX_COMPONENT, "a-b", "a_b", "a_b"},
+                 {"F", FIX_FIELD, "Id", "Id", "&id"},  {"CL", FIX_CLASS, "C", "C", "c"},
+                 {"VS", FIX_VALUE_SET, "V", "V", "v"}, {"OS", FIX_OBJECT_SET, "O", "O", "o"}};
+    for (const auto& [lead, kind, ident, stored, wrongIdent] : kinds) {
+        SCOPED_TRACE(lead);
+        const std::string option = std::string("-") + lead;
+        EXPECT_TRUE(evaluate(a, {{option + "CONV=hU"},
+                                 {option + "PREF=" + ident + ":p_"},
+                                 {option + "NAME=n"},
+                                 {option + "SUFF=_s"}}));
+        const FixList& list = a.options.naming[kind];
+        EXPECT_EQ(list.head.fixConv + list.head.fixPref + list.head.fixName + list.head.fixSuff,
+                  "hUn_s");
+        ASSERT_NE(findGlbFixRecByName(list, stored), nullptr);
+        EXPECT_EQ(findGlbFixRecByName(list, stored)->fixPref, "p_");
+        for (const std::string& wrong :
+             {std::string("CONV=LU"), std::string("CONV=H"),
+              std::string("PREF=") + wrongIdent + ":p", std::string("PREF=:p"),
+              std::string("NAME=n;"), std::string("SUFF=A:b:c")})
+            EXPECT_FALSE(evaluate(a, {{option + wrong}})) << wrong;
     }
 }
 
@@ -216,112 +214,6 @@ TEST_F(GlobalOptions, RejectedValuesLeaveTheSettingsAlone) {
     }
 }
 
-TEST_F(GlobalOptions, DefaultsOfTheTableAreThoseOfAFreshModule) {
-    const OptionBlock fresh;
-    for (const GlbOption& option : glbOptions()) {
-        if (option.dflt.empty()) continue;
-        SCOPED_TRACE(option.name);
-        OptionBlock block;
-        EXPECT_TRUE(option.check({block, nullptr, {}}, option, option.dflt));
-        if (option.name == "DEFINITION-CATEGORY=") continue; // changes its followers too
-        uint32_t words[2][6];
-        packModWords(fresh, words[0]);
-        packModWords(block, words[1]);
-        EXPECT_TRUE(std::ranges::equal(words[0], words[1]));
-        const auto others = [](const OptionBlock& of) {
-            return std::vector<int64_t>{
-                of.prefixLen,  of.encf,         of.decf,       of.askf,      of.prif,
-                of.compTag,    of.explicitTags, of.nameLen,    of.recursion, of.tagUsage,
-                of.segListLim, of.dynListLim,   of.dynArrLim,  of.segStrLim, of.dynStrLim,
-                of.split,      of.codeGen[0],   of.codeGen[2], of.testGen[1]};
-        };
-        EXPECT_EQ(others(block), others(fresh));
-    }
-    initMetaRec(a.options);
-    EXPECT_EQ(a.options.memory, 0);
-    EXPECT_EQ(a.options.zeroHome, 0);
-}
-
-TEST_F(GlobalOptions, LastValidOccurrenceWinsAndCommandLineComesAfterComments) {
-    EXPECT_FALSE(evaluate(a, {{"$NAMELEN=20"}, {"-NAMELEN=40"}, {"-NAMELEN=400"}}));
-    EXPECT_EQ(a.options.nameLen, 40);
-}
-
-TEST_F(GlobalOptions, RejectionIsReportedOnceWithItsText) {
-    EXPECT_FALSE(evaluate(
-        a,
-        {{"$PREFIX=low"}, {"-PREFIXLEN=99"}, {"-CUT", TED_REJECTED}, {"$T1", TED_CODE}, {"-INT=8"}},
-        7));
-    EXPECT_EQ(printed(), "\nWARNING : Option ignored: -PREFIXLEN=99\n"
-                         "\nWARNING : Option ignored: $PREFIX=low\n"
-                         "\nWARNING : Option ignored: -CUT\n"
-                         "\nWARNING : Option ignored: $T1\n\n");
-    ASSERT_EQ(a.errors.size(), 4U);
-    EXPECT_EQ(a.nbWarnings, 4);
-    EXPECT_EQ(a.errors[0].code, Msg::OptionsIgnored);
-    EXPECT_EQ(a.errors[0].errClass, ERR_WARNING);
-    EXPECT_EQ(a.errors[0].line, 7);
-    EXPECT_EQ(a.errors[0].detail, "-PREFIXLEN=99");
-    EXPECT_EQ(rejectedKinds, 1U << TED_OPTION | 1U << TED_CODE | 1U << TED_REJECTED);
-    for (uint32_t nr = 1; nr <= 5; ++nr) {
-        readRec(&a, TedNr{nr});
-        EXPECT_EQ(tedRec.tedKind, nr == 5 ? TED_OPTION : TED_REJECTED) << nr;
-    }
-}
-
-TEST_F(GlobalOptions, LongTextsAreShownUpToFiftyCharactersAndSilentlyAtVerbosityOne) {
-    const std::string text = "-X=" + std::string(60, 'y');
-    evaluate(a, {{text}});
-    EXPECT_EQ(printed(), "\nWARNING : Option ignored: " + text.substr(0, 50) + "\n\n");
-    EXPECT_EQ(a.errors.at(0).detail, text);
-    run.verboseEx = 1;
-    evaluate(a, {{text}});
-    EXPECT_EQ(printed(), "\n");
-    EXPECT_EQ(a.errors.size(), 1U);
-}
-
-TEST_F(GlobalOptions, NamesAreStoredInUpperCaseAndValuesAsWritten) {
-    EXPECT_TRUE(evaluate(a, {{"-info=Some text"}, {"$//Some text"}}));
-    readRec(&a, TedNr{1});
-    EXPECT_EQ(getStri(&a, tedRec.text), "-INFO=Some text");
-    readRec(&a, TedNr{2});
-    EXPECT_EQ(getStri(&a, tedRec.text), "$//Some text");
-}
-
-TEST_F(GlobalOptions, ScopesLimitOptionsToTheModulesThatTheyName) {
-    const std::vector<Option> options = {{"-BEGIN-SCOPE=x:y"},
-                                         {"-INT=8"},
-                                         {"-N=bad"},
-                                         {"-PREFIXLEN=6"},
-                                         {"-CUT", TED_REJECTED},
-                                         {"-END-SCOPE"},
-                                         {"-N=16"},
-                                         {"-BEGIN-SCOPE=xx:z"},
-                                         {"-REAL=32"}};
-    b.moduleName = "Xx_Module"; // no file prefix yet: xx-mo
-    struct {
-        const char* filePrefix;
-        bool inFirst, inSecond;
-    } rows[] = {{"x", true, false},
-                {"y", true, false},
-                {"xx", false, true},
-                {"z", false, true},
-                {"", false, false}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.filePrefix);
-        b.filePrefix = row.filePrefix;
-        EXPECT_EQ(evaluate(b, options), !row.inFirst);
-        EXPECT_EQ(b.errors.size(), row.inFirst ? 2U : 0U);
-        EXPECT_EQ(b.options.intSize, row.inFirst ? 6 : 0);
-        EXPECT_EQ(b.options.listSize, 7);
-        EXPECT_EQ(b.options.prefixLen, 6);
-        EXPECT_EQ(b.options.realSize, row.inSecond ? 10 : 11);
-    }
-    b.filePrefix.clear();
-    EXPECT_TRUE(moduleIsInScopeList(&b, "a:xx-mo:b"));
-    EXPECT_FALSE(moduleIsInScopeList(&b, "a:xx-mod:b"));
-}
-
 TEST_F(GlobalOptions, PrefixIsCutToTheLengthGivenAnywhere) {
     EXPECT_TRUE(evaluate(a, {{"-PREFIX=My-Mod:mm"}, {"-PREFIXLEN=1"}}));
     const ModuleRec* mapped = findPicRec(a.options.prefixTable, "My_Mod")->module;
@@ -337,36 +229,6 @@ TEST_F(GlobalOptions, PrefixIsCutToTheLengthGivenAnywhere) {
               std::string::npos);
     EXPECT_EQ(a.options.prefixTable.refs.size(), 1U);
     EXPECT_EQ(findPicRec(a.options.prefixTable, "M")->module->filePrefix, "ff");
-}
-
-TEST_F(GlobalOptions, DifferentPrefixLengthsOfModulesAreReported) {
-    evaluate(a, {{"-PREFIXLEN=5"}});
-    evaluate(b, {});
-    EXPECT_EQ(printed(), "");
-    EXPECT_TRUE(evaluate(b, {{"-PREFIXLEN=6"}}));
-    EXPECT_EQ(printed(), "\nWARNING : Inconsistent PREFIXLEN option values for different modules."
-                         "\n          Check option files and ASN.1 module definition files and"
-                         "\n          delete all the PREFIXLEN options. Give only the highest"
-                         "\n          option value once for ORVO on the command line or in one"
-                         "\n          option file.\n");
-    EXPECT_EQ(b.nbWarnings, 1);
-}
-
-TEST_F(GlobalOptions, CategoryWithPrefixBelongsToTheFilesWhoseNameBeginsSo) {
-    initMetaRec(a.options);
-    const OptUse use{a.options, &a, {}};
-    const GlbOption& row = *findGlbOption("DEFINITION-CATEGORY=");
-    a.options.sourceFileName = "main.x.asn";
-    EXPECT_TRUE(row.check(use, row, "main.x:TANVO-SERVICE"));
-    EXPECT_EQ(a.options.definitionCategory, 0);
-    EXPECT_TRUE(row.check(use, row, "ma:TANVO-SERVICE"));
-    EXPECT_EQ(a.options.definitionCategory, 1);
-}
-
-TEST_F(GlobalOptions, BackEndOptionsNeedAValueAndAreNotLookedInto) {
-    EXPECT_TRUE(evaluate(a, {{"-BEO=INT=x", TED_BEO}, {"$BEO=//x", TED_BEO}}));
-    EXPECT_FALSE(evaluate(a, {{"-BEO=", TED_BEO}}));
-    EXPECT_FALSE(evaluate(a, {{"$BEO", TED_BEO}}));
 }
 
 TEST(ModuleWords, HoldTheOptionsInTheirPlaces) {

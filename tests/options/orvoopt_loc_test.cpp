@@ -32,8 +32,6 @@ class LocalOptions : public OptionTest {
             kinds |= bit(option.kind);
         }
         patchOpts(nr, kinds, range);
-        EXPECT_EQ(range.first, -1);
-        EXPECT_EQ(range.last, 0);
         return kinds;
     }
 };
@@ -111,22 +109,6 @@ TEST_F(LocalOptions, LimitsOfTheModuleDecideAboutSizeLimitAndDefinitelen) {
     }
 }
 
-TEST_F(LocalOptions, RangeIsStoredAndRejectedRecordsLoseTheirKind) {
-    const TNodeNr plain = node(TYP_INTEGER);
-    EXPECT_EQ(patch(plain, {}), 0U);
-    EXPECT_EQ(tNode.tedFirst, 0U);
-    EXPECT_EQ(tNode.tedLast, 0U);
-    EXPECT_EQ(
-        patch(node(TYP_INTEGER),
-              {{"$INT=8"}, {"$BEO=any", TED_BEO}, {"$T1=x", TED_CODE}, {"$CUT=1", TED_REJECTED}}),
-        bit(TED_REJECTED));
-    EXPECT_EQ(tNode.tedFirst, 1U);
-    EXPECT_EQ(tNode.tedLast, 4U);
-    EXPECT_EQ(tNode.optFlags, bit(TED_OPTION) | bit(TED_BEO) | bit(TED_CODE));
-    EXPECT_EQ(patch(node(TYP_INTEGER), {{"$BEO", TED_BEO}}), bit(TED_BEO));
-    EXPECT_EQ(patch(node(TYP_INTEGER, TCS_MULTIPLE, ""), {{"$TNAME=x"}}), bit(TED_OPTION));
-}
-
 TEST_F(LocalOptions, DirectivesAreTakenByTheNodesTheyAreMeantFor) {
     const struct {
         uint8_t code;
@@ -180,30 +162,6 @@ TEST_F(LocalOptions, EntriesComeFromGlobalOptionsCommentsAndDirectives) {
     patch(node(TYP_NULL, TCS_HEADER, "Y"), {});
     EXPECT_EQ(tNode.entryKinds, 2);
     EXPECT_EQ(a.options.entryCount, 1U);
-}
-
-TEST_F(LocalOptions, ValuesTakeNamingAndBackEndOptionsOnly) {
-    const VNodeNr value = addValHeadArc(-1, 0, {}, 1);
-    OptRange range;
-    addTedRec(range, TED_OPTION, "$VNAME=x");
-    addTedRec(range, TED_BEO, "$BEO=x");
-    uint32_t kinds = bit(TED_OPTION) | bit(TED_BEO) | bit(TED_SKIP);
-    patchValOpts(value, kinds, range);
-    EXPECT_EQ(kinds, bit(TED_SKIP));
-    EXPECT_EQ(vNode.vflags, VF_TED2 | VF_TED3);
-    EXPECT_EQ(vNode.tedFirst, 1U);
-    EXPECT_EQ(vNode.tedLast, 2U);
-    EXPECT_EQ(range.first, -1);
-    for (const char* text : {"$VNAME=x.y", "$ONAME=x", "$VSNAME=x", "$INT=8", "$ENTRY=PDU"}) {
-        range = {};
-        const TedNr nr = addTedRec(range, TED_OPTION, text);
-        kinds = 0;
-        patchValOpts(addValArc(nullptr, 1), kinds, range);
-        EXPECT_EQ(kinds, bit(TED_OPTION)) << text;
-        EXPECT_EQ(vNode.vflags, 0) << text;
-        readRec(&a, nr);
-        EXPECT_EQ(tedRec.tedKind, TED_REJECTED) << text;
-    }
 }
 
 TEST(AnyOption, NamesATypeAndAValue) {

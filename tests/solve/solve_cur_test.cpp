@@ -88,19 +88,6 @@ TEST_F(DeferValue, EndsOnTheLastTokenOfTheValue) {
     }
 }
 
-TEST_F(DeferValue, CursorStaysPastTheEnd) {
-    inp = rangeOf({ID, NR});
-    tokenAt(TokNr{inp.last}).line = 9;
-    EXPECT_EQ(codeAhead(1), NR);
-    EXPECT_EQ(codeAhead(2), TOK_EOF);
-    EXPECT_TRUE(advance());
-    EXPECT_TRUE(atLastToken());
-    EXPECT_FALSE(advance());
-    EXPECT_FALSE(advance());
-    EXPECT_EQ(curCode(), TOK_EOF);
-    EXPECT_EQ(curToken().line, 9U);
-}
-
 // ---- trials
 
 class SnapShots : public StoreTest {
@@ -135,31 +122,6 @@ TEST_F(SnapShots, TakeBackEveryModuleThatWasTouched) {
     EXPECT_EQ(nextRec<KIND_STRI16>(&b).nr, 1U);
 }
 
-TEST_F(SnapShots, CutTheChainOfDefaults) {
-    const VNodeNr first = addValDefArc(TNodeNr{1}, 1);
-    {
-        SnapShot trial(VNodeRef{&a, first});
-        addValDefArc(TNodeNr{2}, 2);
-    }
-    EXPECT_EQ(a.lastDefVal, first);
-    readRec(&a, first);
-    EXPECT_EQ(vNode.next, 0U);
-}
-
-TEST_F(SnapShots, AKeptTrialGoesWithTheTrialAroundIt) {
-    const VNodeNr owner = addValArc(nullptr, 1);
-    {
-        SnapShot outer(VNodeRef{&a, owner});
-        newValues(&a, 1);
-        SnapShot inner(VNodeRef{&a, VNodeNr{values(a) - 1}}); // its owner is new
-        newValues(&b, 5);
-        inner.keep();
-        EXPECT_EQ(values(b), 6U);
-    }
-    EXPECT_EQ(values(a), 2U);
-    EXPECT_EQ(values(b), 1U);
-}
-
 // A record that was there before the failing trial must not refer to numbers that are free again.
 TEST_F(SnapShots, WhatWasMadeForAnOlderRecordStays) {
     const VNodeRef older{&b, VNodeNr{1}};
@@ -184,23 +146,6 @@ TEST_F(SnapShots, WhatWasMadeForAnOlderRecordStays) {
     newValues(&b, 3);
     next.restore();
     EXPECT_EQ(values(b), 4U);
-}
-
-TEST_F(SnapShots, APinEndsWhereItsOwnerIsNew) {
-    newValues(&a, 1);
-    {
-        SnapShot outer(VNodeRef{&a, VNodeNr{1}});
-        newValues(&b, 1);
-        {
-            SnapShot middle(VNodeRef{&a, VNodeNr{1}});
-            SnapShot inner(VNodeRef{&b, VNodeNr{1}}); // older than middle, not than outer
-            newValues(&a, 4);
-            inner.keep();
-        }
-        EXPECT_EQ(values(a), 6U);
-    }
-    EXPECT_EQ(values(a), 2U);
-    EXPECT_EQ(values(b), 1U);
 }
 
 } // namespace

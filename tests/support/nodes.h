@@ -3,9 +3,7 @@
 // Records for tests that need no source: made in the current module and written at once.
 
 #include <initializer_list>
-#include <memory>
 #include <string_view>
-#include <vector>
 
 #include "tree/orvorec.h"
 #include "tree/types.h"
@@ -29,12 +27,10 @@ template <typename Fn> TNodeNr newType(uint8_t code, Fn&& change) {
 inline TNodeNr newType(uint8_t code) {
     return newType(code, [] {});
 }
-/// A reference to a type of the same module, or of the module of a reference number.
-inline TNodeNr newTypeRef(TNodeNr target, int32_t refMod = REF_OWN, int32_t constraint = 0) {
+inline TNodeNr newTypeRef(TNodeNr target) {
     return newType(TYP_SYNONYM, [&] {
-        tNode.refMod = refMod;
+        tNode.refMod = REF_OWN;
         tNode.ref = target.nr;
-        tNode.constraint = constraint;
     });
 }
 
@@ -46,12 +42,12 @@ template <typename Fn> VNodeNr newValue(uint8_t code, Fn&& change) {
     writeCurrent<KIND_VNODE>();
     return nr;
 }
-inline VNodeNr newNumber(int64_t number, uint8_t code = TYP_INTEGER) {
-    return newValue(code, [&] { vNode.val.number = i64of(number); });
+inline VNodeNr newNumber(int64_t number) {
+    return newValue(TYP_INTEGER, [&] { vNode.val.number = i64of(number); });
 }
-inline VNodeNr newValueRef(VNodeNr target, int32_t refMod = REF_OWN) {
+inline VNodeNr newValueRef(VNodeNr target) {
     return newValue(TYP_SYNONYM, [&] {
-        vNode.refMod = refMod;
+        vNode.refMod = REF_OWN;
         vNode.ref = target.nr;
     });
 }
@@ -77,16 +73,6 @@ inline VNodeNr chain(std::initializer_list<VNodeNr> values) {
     }
     return next;
 }
-inline TNodeNr chain(std::initializer_list<TNodeNr> types) {
-    TNodeNr next;
-    for (const TNodeNr* at = types.end(); at != types.begin();) {
-        readRec(cMP, *--at);
-        tNode.next = next.nr;
-        writeCurrent<KIND_TNODE>();
-        next = *at;
-    }
-    return next;
-}
 /// Names a value as a component and gives it its governing type.
 inline VNodeNr component(VNodeNr value, std::string_view name, TNodeNr type) {
     readRec(cMP, value);
@@ -95,34 +81,6 @@ inline VNodeNr component(VNodeNr value, std::string_view name, TNodeNr type) {
     vNode.govType = type.nr;
     writeCurrent<KIND_VNODE>();
     return value;
-}
-
-template <typename Fn> SubNr newSub(uint8_t kind, Fn&& change) {
-    const SubNr nr = addSubArc(REF_OWN, TNodeNr{1}, 1);
-    subRec.subKind = kind;
-    change();
-    writeCurrent<KIND_SUB>();
-    return nr;
-}
-/// An operator or a SIZE over operands, which are chained.
-inline SubNr newSub(uint8_t kind, std::initializer_list<SubNr> operands) {
-    SubNr next;
-    for (const SubNr* at = operands.end(); at != operands.begin();) {
-        readRec(cMP, *--at);
-        subRec.next = next.nr;
-        writeCurrent<KIND_SUB>();
-        next = *at;
-    }
-    return newSub(kind, [&] { subRec.left = next.nr; });
-}
-
-/// Makes `target` module 2 of `module`.
-inline void addModRef(ModuleRec& module, ModuleRec& target) {
-    ModRef& ref = *module.modRefs.refs.emplace_back(std::make_unique<ModRef>());
-    ref.number = 2;
-    ref.module = &target;
-    module.modRefs.modRefFirst = module.modRefs.modRefLast = &ref;
-    module.modRefs.byNumber[2] = module.modRefs.byModule[&target] = &ref;
 }
 
 } // namespace orvo

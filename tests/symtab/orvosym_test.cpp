@@ -35,43 +35,6 @@ class SymbolTables : public StoreTest {
     }
 };
 
-TEST_F(SymbolTables, ALaterListReplacesSymbolsOfItsNames) {
-    SymTab table, list;
-    for (const char* name : {"x", "y", "z"}) handleSymbol(table, value(name), 0, 1);
-    for (const char* name : {"y", "w"}) handleSymbol(list, value(name), SYM_PARAMETERIZED, 2);
-    catSymTab(table, list, SYM_IMPORTED);
-    EXPECT_EQ(namesOf(table.first), "x z y w ");
-    EXPECT_EQ(symAt(findSymbol(table, value("y"))).flags, SYM_PARAMETERIZED | SYM_IMPORTED);
-    EXPECT_FALSE(list.first);
-    EXPECT_FALSE(findSymbol(list, value("y")));
-}
-
-TEST_F(SymbolTables, ANameIsLookedUpInTheModuleBeforeItsImports) {
-    const int32_t own = type("Own"), both = type("Both"), twice = type("Twice");
-    define(own);
-    define(both);
-    SymTab fromM, fromN;
-    for (const int32_t name : {both, twice}) handleSymbol(fromM, name, 0, 1);
-    handleSymbol(fromN, twice, 0, 2);
-    a.nextRecNr[KIND_MNODE] = 2;
-    handleImports(fromM, type("Mmmmm"), false, 1);
-    handleImports(fromN, type("Nnnnn"), false, 2);
-    const struct {
-        int32_t moduleRef, name, foundRef;
-        uint32_t line; // of the symbol found, 0 = none
-    } cases[] = {
-        {0, own, 1, 1},   {0, both, 1, 1},  {2, both, 2, 1},         {0, twice, 2, 1},
-        {2, twice, 2, 2}, {3, twice, 3, 1}, {0, type("None"), 0, 0},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(std::to_string(row.moduleRef) + " " + std::to_string(row.name));
-        int32_t moduleRef = row.moduleRef;
-        const STabNr found = findSymbTabRec(moduleRef, row.name);
-        EXPECT_EQ(moduleRef, row.foundRef);
-        EXPECT_EQ(found ? symAt(found).line : 0, row.line);
-    }
-}
-
 // The list is long enough to be indexed, and grows after it was.
 TEST_F(SymbolTables, FormalParametersAreFoundByNameAndPlace) {
     SymTab formals;
@@ -127,19 +90,6 @@ TEST_F(SymbolTables, ItemsBehindTheExtensionMarkerHaveTheNumberOfTheirRecord) {
     EXPECT_EQ(matchingNr(a.modRefs, static_cast<uint32_t>(moduleRef))->module, &b);
     name = value("blue");
     EXPECT_FALSE(handleNamed(enumeration, moduleRef, name));
-}
-
-TEST_F(SymbolTables, ReferencesOnDemandAreMadeOnce) {
-    a.nextRecNr[KIND_MNODE] = 2;
-    EXPECT_EQ(handleImplImports(&a, &a), 1U);
-    EXPECT_EQ(handleImplImports(&a, &b), 2U);
-    EXPECT_EQ(handleImplImports(&a, &b), 2U);
-    EXPECT_EQ(a.modRefs.modRefFirst->name, "B");
-    EXPECT_EQ(a.modRefs.modRefFirst->state, 0);
-    dropModRefsFrom(&a, 2);
-    a.nextRecNr[KIND_MNODE] = 2;
-    EXPECT_EQ(a.modRefs.modRefFirst, nullptr);
-    EXPECT_EQ(handleImplImports(&a, &b), 2U);
 }
 
 } // namespace

@@ -1,22 +1,22 @@
 #include "driver/orvofil.h"
 #include "parser/iso8824.h"
 #include "stx/stxreader.h"
-#include "support/pass1.h"
+#include "support/store.h"
 
 namespace orvo {
 namespace {
 
-class BuiltInTree : public Pass1Test {
-  protected:
-    BuiltInTree() {
-        parseISO8824();
-        flushRecs(-1);
-    }
-};
+using BuiltInTree = StoreTest;
 
 /// The reader keeps a copy of the built-in module's types; a change of the module's text shows
 /// here.
 TEST_F(BuiltInTree, HasTheNumbersNamesAndTypesOfTheCompiler) {
+    run.verbose = VERBOSE_NONE;
+    ModuleRec* const module = newModuleRec();
+    changeCMP(module);
+    initAnyPassVars();
+    parseISO8824();
+    flushRecs(-1);
     stx::Tree tree;
     std::string error;
     ASSERT_TRUE(tree.parse("ISO8824", stx::builtinTree(), error)) << error;
@@ -24,7 +24,8 @@ TEST_F(BuiltInTree, HasTheNumbersNamesAndTypesOfTheCompiler) {
     EXPECT_EQ(tree.mNode(1).firstTypeAss, module->firstTypeHead.nr);
     for (uint32_t nr = 1; nr <= tree.count(stx::TNODE); ++nr) {
         SCOPED_TRACE(nr);
-        const TNode built = typeAt(TNodeNr{nr});
+        readRec(module, TNodeNr{nr});
+        const TNode built = tNode;
         const stx::TNode read = tree.tNode(nr);
         EXPECT_EQ(tree.text(read.name), built.name == 0 ? "" : getStri(module, built.name));
         EXPECT_EQ(read.name < 0, built.name < 0);

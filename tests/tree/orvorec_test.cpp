@@ -19,52 +19,6 @@ TNodeNr newType(uint32_t line) {
     return nr;
 }
 
-TEST_F(Store, RecordsStayWhereTheyAreWhileAKindGrows) {
-    std::vector<void*> places;
-    for (uint32_t nr = 1; nr <= 3000; ++nr) places.push_back(findWPos(&a, KIND_TNODE, nr));
-    for (uint32_t nr = 1; nr <= 3000; ++nr) {
-        tNode = {};
-        tNode.line = nr;
-        writeRec(&a, TNodeNr{nr});
-    }
-    for (uint32_t nr = 1; nr <= 3000; ++nr) {
-        EXPECT_EQ(findRPos(&a, KIND_TNODE, nr), places[nr - 1]);
-        readRec(&a, TNodeNr{nr});
-        EXPECT_EQ(tNode.line, nr);
-    }
-}
-
-TEST_F(Store, APendingRecordLivesInTheBufferAlone) {
-    const TNodeNr first = newType(1);
-    EXPECT_FALSE(recExists(&a, KIND_TNODE, first.nr));
-    readRec(&a, first); // nothing to copy: this is what the buffer holds
-    EXPECT_EQ(tNode.line, 1U);
-    const TNodeNr second = newType(2);
-    EXPECT_EQ(second.nr, first.nr + 1);
-    EXPECT_TRUE(recExists(&a, KIND_TNODE, first.nr));
-    readRec(&a, first);
-    EXPECT_TRUE(recExists(&a, KIND_TNODE, second.nr));
-    EXPECT_EQ(recState.writePend[KIND_TNODE].nr, 0U);
-    EXPECT_EQ(tNode.line, 1U);
-}
-
-TEST_F(Store, AChangedBufferIsLostUnlessItIsWritten) {
-    const TNodeNr first = newType(1);
-    newType(2);
-    readRec(&a, first);
-    tNode.line = 77;
-    readRec(&a, first); // the same record: the buffer stays as it is
-    EXPECT_EQ(tNode.line, 77U);
-    readRec(&a, TNodeNr{2});
-    readRec(&a, first);
-    EXPECT_EQ(tNode.line, 1U);
-    makePending(&a, first);
-    tNode.line = 78;
-    readRec(&a, TNodeNr{2});
-    readRec(&a, first);
-    EXPECT_EQ(tNode.line, 78U);
-}
-
 TEST_F(Store, PendingRecordsAreWrittenWhereTheyBelong) {
     const TNodeNr inA = newType(1);
     changeCMP(&b);
@@ -78,22 +32,6 @@ TEST_F(Store, PendingRecordsAreWrittenWhereTheyBelong) {
     readRec(&b, inB); // the same number in another module
     EXPECT_EQ(tNode.line, 2U);
     EXPECT_EQ(recState.currTPtr[KIND_TNODE], &b);
-}
-
-TEST_F(Store, GuardsPutBackRecordAndModule) {
-    const TNodeNr inA = newType(1);
-    {
-        const KeepRec<KIND_TNODE> keep;
-        const CurrentModule other(&b);
-        newType(2);
-        EXPECT_EQ(cMP, &b);
-    }
-    EXPECT_EQ(cMP, &a);
-    EXPECT_EQ(currentRec<KIND_TNODE>(), (TNodeRef{&a, inA}));
-    EXPECT_EQ(tNode.line, 1U);
-    initAnyPassVars();
-    const KeepRec<KIND_TNODE> nothing; // no record: nothing to read back
-    EXPECT_FALSE(currentRec<KIND_TNODE>());
 }
 
 TEST_F(Store, WalksRestoreTheCurrentRecordAndEndOnACycle) {
@@ -139,29 +77,6 @@ TEST_F(StoreDeathTest, WhatCanNotBeARecordCanNotBeWritten) {
 
 // ---- strings ------------------------------------------------------------------------------------
 
-TEST_F(Store, NumbersStringsPerModuleAndSharesTheirCopies) {
-    EXPECT_EQ(putStri(&a, "one").nr, 1U);
-    EXPECT_EQ(putStri(&a, "two").nr, 2U);
-    EXPECT_EQ(putStri(&a, "one").nr, 1U);
-    EXPECT_EQ(putStri(&b, "two").nr, 1U);
-    EXPECT_EQ(getStri(&a, 2).data(), getStri(&b, 1).data());
-    EXPECT_EQ(getStri(&a, -2), "two");
-    EXPECT_EQ(a.nextRecNr[KIND_STRI8], 3U);
-    EXPECT_EQ(recState.currTPtr[KIND_STRI8], &b);
-    EXPECT_EQ(findStri(&a, "two").nr, 2U);
-    EXPECT_FALSE(findStri(&b, "one"));
-    EXPECT_EQ(b.nextRecNr[KIND_STRI8], 2U);
-}
-
-TEST_F(Store, WidthsHaveNumbersOfTheirOwn) {
-    putStri(&a, "x");
-    EXPECT_EQ(putStri16(&a, u"\x0100z").nr, 1U);
-    EXPECT_EQ(putStri16(&a, u"\x0200z").nr, 2U);
-    EXPECT_EQ(putStri32(&a, U"\x00010000").nr, 1U);
-    EXPECT_EQ(getStri16(&a, -1), u"\x0100z");
-    EXPECT_EQ(getStri32(&a, 1), U"\x00010000");
-}
-
 TEST_F(Store, TextsEndAtTheirFirstNulAndMayBeLongOrEmpty) {
     const std::string text("ab\0cd", 5), longText(100000, 'l');
     EXPECT_EQ(getStri(&a, putStri(&a, text)), "ab");
@@ -170,15 +85,6 @@ TEST_F(Store, TextsEndAtTheirFirstNulAndMayBeLongOrEmpty) {
     EXPECT_EQ(getStri(&a, putStri(&a, "")), "");
     EXPECT_EQ(getStri(&a, 2).data()[1], '\0');
     EXPECT_EQ(a.nextRecNr[KIND_STRI8], 5U);
-}
-
-TEST_F(Store, TheScratchNumberIsTheScratchCharacter) {
-    tempChar[0] = 'q';
-    tempChar16[0] = u'\x3042';
-    tempChar32[0] = 0;
-    EXPECT_EQ(getStri(&a, scratchStri), "q");
-    EXPECT_EQ(getStri16(&a, -int64_t{scratchStri}), u"\x3042");
-    EXPECT_EQ(getStri32(&a, scratchStri), std::u32string(1, U'\0'));
 }
 
 TEST_F(Store, StringsTakenBackGiveTheirNumbersAway) {

@@ -10,57 +10,6 @@ namespace {
 
 using Construction = StoreTest;
 
-TEST_F(Construction, HeadsFormAChainInOrderOfEntry) {
-    const TNodeNr first = addTypeHeadArc(3, 0, 10);
-    EXPECT_EQ(a.firstTypeHead, first);
-    EXPECT_EQ(a.lastTypeHead, first);
-    const TNodeNr component = addTypeArc(nullptr, 11);
-    const TNodeNr second = addTypeHeadArc(4, HEAD_EXPORTED | HEAD_PARAMETERIZED, 12);
-    EXPECT_EQ(a.firstTypeHead, first);
-    EXPECT_EQ(a.lastTypeHead, second);
-    EXPECT_EQ(tNode.compStatus, TCS_HEADER);
-    EXPECT_EQ(tNode.nodeFlags, NF_ASSIGNMENT);
-    EXPECT_EQ(tNode.formals, second.nr + 1);
-    readRec(&a, first);
-    EXPECT_EQ(tNode.next, second.nr);
-    EXPECT_EQ(tNode.name, 3);
-    EXPECT_EQ(tNode.formals, 0U);
-    EXPECT_EQ(tNode.typeCode, TYP_NONE);
-    readRec(&a, component);
-    EXPECT_EQ(tNode.line, 11U);
-    EXPECT_EQ(tNode.lenForm, 255);
-    EXPECT_EQ(tNode.skipOpt, 255);
-}
-
-TEST_F(Construction, ValuesHaveChainsOfTheirOwn) {
-    const VNodeNr head = addValHeadArc(-3, HEAD_EXPORTED, TNodeNr{7}, 10);
-    const VNodeNr def1 = addValDefArc(TNodeNr{8}, 11);
-    const VNodeNr def2 = addValDefArc(TNodeNr{9}, 12);
-    const VNodeNr head2 = addValHeadArc(-4, HEAD_PARAMETERIZED, TNodeNr{7}, 13);
-    EXPECT_EQ(vNode.formals, 1U);
-    readRec(&a, head);
-    EXPECT_EQ(vNode.vflags, VF_ASSIGNMENT);
-    EXPECT_EQ(vNode.next, head2.nr);
-    EXPECT_EQ(vNode.valStatus, VST_HEADER);
-    readRec(&a, def1);
-    EXPECT_EQ(vNode.next, def2.nr);
-    EXPECT_EQ(vNode.valStatus, VST_DEFAULT);
-    EXPECT_EQ(vNode.govType, 8U);
-    EXPECT_EQ(vNode.govTypeMod, 1U);
-}
-
-TEST_F(Construction, StructuresBeginWithTheRecordThatComesNext) {
-    const TNodeNr type = addTypeArc(nullptr, 1);
-    setTypeNode(TYP_SEQ);
-    EXPECT_EQ(tNode.ref, type.nr + 1);
-    const VNodeNr value = addValArc(nullptr, 1);
-    EXPECT_EQ(vNode.valStatus, VST_PLAIN);
-    setValNode(TYP_CHOICE);
-    EXPECT_EQ(vNode.ref, value.nr + 1);
-    setValNode(TYP_NULL);
-    EXPECT_EQ(vNode.valCode, TYP_NULL);
-}
-
 TEST_F(Construction, OptionsSetTheDefaultsOfATypeByItsCode) {
     a.options.intSize = 2;
     a.options.realSize = 12;
@@ -100,23 +49,6 @@ TEST_F(Construction, OptionsSetTheDefaultsOfATypeByItsCode) {
     EXPECT_EQ(tNode.optFlags, 0U);
 }
 
-TEST_F(Construction, TagsChainInOrder) {
-    const TagNr outer = addTagRec({TAG_CONTEXT, TAGMODE_EXPLICIT, 1, 99});
-    const TagNr inner = addTagRec({TAG_PRIVATE, TAGMODE_IMPLICIT, 2, 99});
-    flushTagRec();
-    const TagNr other = addTagRec({TAG_UNIVERSAL, TAGMODE_OPEN, 3, 0});
-    flushTagRec();
-    readRec(&a, outer);
-    EXPECT_EQ(tagRec.next, inner.nr);
-    EXPECT_EQ(tagRec.tagMode, TAGMODE_EXPLICIT);
-    flushTagRec(); // nothing pending: the record in the buffer is left alone
-    EXPECT_EQ(tagRec.next, inner.nr);
-    readRec(&a, inner);
-    EXPECT_EQ(tagRec.next, 0U);
-    readRec(&a, other);
-    EXPECT_EQ(tagRec.tagNr, 3);
-}
-
 TEST_F(Construction, AnOperatorTakesOverTheNumberOfItsOperand) {
     for (uint32_t nr = 1; nr <= 8; ++nr) {
         addSubArc(1, TNodeNr{nr * 10}, nr);
@@ -136,24 +68,6 @@ TEST_F(Construction, AnOperatorTakesOverTheNumberOfItsOperand) {
     EXPECT_EQ(addAndSwap(SubNr{9}, SUB_EXCEPT).nr, 10U); // an operand not pending any more
     readRec(&a, SubNr{8});
     EXPECT_EQ(subRec.line, 8U);
-}
-
-TEST_F(Construction, RecordsOfAnInstanceBearItsMarks) {
-    const InstContext instance{70, 4};
-    addTypeArc(&instance, 1);
-    EXPECT_EQ(tNode.line, 70U);
-    EXPECT_EQ(tNode.actParRec, 4U);
-    addValArc(&instance, 1);
-    EXPECT_EQ(vNode.line, 70U);
-    EXPECT_EQ(vNode.actParRec, 4U);
-    instState.top = &instance;
-    addSubArc(1, TNodeNr{1}, 2);
-    EXPECT_EQ(subRec.line, 70U);
-    addSyntaxArc(3);
-    EXPECT_EQ(sNode.line, 70U);
-    instState = {};
-    addSyntaxArc(3);
-    EXPECT_EQ(sNode.line, 3U);
 }
 
 } // namespace

@@ -79,42 +79,6 @@ TEST(Aa, KeepsOrReplacesTheValueOfAKnownKey) {
     EXPECT_EQ(aaGetNumEntries(keeping.get()), 1U);
 }
 
-TEST(Aa, IgnoresCaseOfKeysOfAnyLength) {
-    const AaTable aa = table(copied | AA_CASEINSIG);
-    const std::string lower(1000, 'z'), upper(1000, 'Z');
-    EXPECT_EQ(aaPut(aa.get(), lower.c_str(), 7), 0);
-    EXPECT_EQ(aaPut(aa.get(), upper.c_str(), 8), 1);
-    EXPECT_EQ(aaGet(aa.get(), lower.c_str()), 8U);
-    EXPECT_EQ(aaGet(aa.get(), (lower + "z").c_str()), 0U);
-}
-
-TEST(Aa, RefusesContradictingFlags) {
-    constexpr struct {
-        uint32_t flags;
-        size_t keyLength;
-        bool made;
-        const char* message;
-    } cases[] = {
-        {copied | AA_CASEINSIG, 4, true, "fixed length of keys used, flag AA_CASEINSIG ignored"},
-        {copied | AA_CHARWIDTH16, 4, false,
-         "16 or 32 bit characters may only be used with arbitrary length keys"},
-        {copied | AA_CHARWIDTH32 | AA_CASEINSIG, 0, false,
-         "case-insignificant comparison for 16 or 32 bit char strings not implemented"},
-        {copied | AA_CHARWIDTH16 | AA_CHARWIDTH32, 0, false,
-         "cannot specify both AA_CHARWIDTH16 and AA_CHARWIDTH32"},
-        {AA_VAL_REF, 0, false, "No AA_KEY specifier"},
-        {AA_KEY_REF, 0, false, "No AA_VAL specifier"},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.message);
-        testing::internal::CaptureStderr();
-        const AaTable aa = table(row.flags, row.keyLength);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(),
-                  std::string("aaCreateContext: ") + row.message + "\n");
-        EXPECT_EQ(aa != nullptr, row.made);
-    }
-}
-
 TEST(Aa, AScanSeesEveryEntryAndHoldsBackResizing) {
     const AaTable aa = table(copied);
     putNumbers(aa.get(), 1, 50);
@@ -147,17 +111,6 @@ TEST(Aa, AScanGoesOnBehindAnEntryThatLeaves) {
     aaScanEnd(aa.get());
     EXPECT_EQ(seen, 10U);
     EXPECT_EQ(aaGetNumEntries(aa.get()), 10U);
-}
-
-TEST(Aa, DumpShowsEntriesWithTheirHash) {
-    const AaTable aa = table(AA_KEY_COPY | AA_VAL_COPY);
-    aaPut(aa.get(), "\1", aaPointer("text"));
-    testing::internal::CaptureStdout();
-    aaDumpTable(aa.get());
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "Dumping table, ListSize = 64\n"
-              " 46: \1, entry->Hash=e2e, calc=e2e, value=text\n"
-              "1 objects\n");
 }
 
 } // namespace
