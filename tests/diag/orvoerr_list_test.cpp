@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "diag/orvoerr.h"
-#include "diag/orvoerr_hello.h"
 #include "util/guard.h"
 
 namespace orvo {
@@ -70,17 +69,6 @@ TEST_F(Listing, HidesWarningsAtVerbosityOne) {
     run.verboseEx = 2;
     EXPECT_EQ(list(true, "a\n"),
               "    1:  a\n  ** WARNING  line   1 : $Option(s) ignored\n" + error);
-}
-
-TEST(Banner, BreaksTheNoticeAfterEachFullStop) {
-    EXPECT_EQ(written([](std::FILE* out) { sayHello(out, 213, 0); }),
-              "\nCompiler for Abstract Syntax Notation One Version 2.13 February 2002\n"
-              "(c) The orvo authors.\nAll rights reserved.\n\n");
-    EXPECT_EQ(written([](std::FILE* out) {
-                  printNotice(out, {213, 213, 20260907, 70503});
-              }),
-              "Processed by ORVO 2.13 on 07.09.2026 at 7:05.03\n");
-    EXPECT_EQ(printVersionStri("v", 205, 1, "!"), "v2.05.1!");
 }
 
 } // namespace

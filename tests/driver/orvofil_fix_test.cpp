@@ -84,21 +84,5 @@ TEST_F(Naming, IdentifierOverridesModuleAndCommentOverridesIdentifier) {
     EXPECT_EQ(nameOf(FIX_COMPONENT), "all_other");
 }
 
-TEST_F(Naming, OptionTextsAreValidByTheirKind) {
-    constexpr struct {
-        const char* text;
-        bool valid;
-    } rows[] = {{"TPREF=Abc:x_", true}, {"TPREF=abc:x_", false}, {"VPREF=abc:x", true},
-                {"VPREF=Abc:x", false}, {"FPREF=Abc:x", true},   {"FPREF=abc:x", true},
-                {"OSNAME=A:", true},    {"OSNAME=:a", false},    {"CCONV=", true},
-                {"CCONV=LL", false},    {"CCONV=x:H", false},    {"XPREF=a", false},
-                {"CPREFIX=a", false},   {"CPREF", false},        {"VSUFF=a", true},
-                {"CNAME=a:b:c", false}};
-    for (const auto& row : rows) {
-        size_t suboption = 0;
-        EXPECT_EQ(parseNamingOption(row.text, suboption), row.valid) << row.text;
-    }
-}
-
 } // namespace
 } // namespace orvo

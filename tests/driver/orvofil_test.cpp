@@ -29,12 +29,6 @@ TEST(FileNames, ExtensionCountsFromTheLastPointOfTheLastPart) {
     }
 }
 
-TEST(FileNames, NameIsCutForANewExtension) {
-    const std::string name(2000, 'n');
-    EXPECT_EQ(setFileName(name, ".lst", true), std::string(1020, 'n') + ".lst");
-    EXPECT_EQ(setFileName(name, ".asn", false), name + ".asn");
-}
-
 TEST(SearchPath, TheFirstDirectoryThatHasTheFileCounts) {
     const test::TempDir dir;
     dir.write({"a/other.asn", ""});
@@ -55,24 +49,6 @@ TEST(SearchPath, TheFirstDirectoryThatHasTheFileCounts) {
     file = fopenTextFileInSearchPathForRd(path, root + "c/x.asn", found);
     EXPECT_EQ(found, "");
     closeFile(file, "");
-}
-
-using FilesDeathTest = testing::Test;
-
-TEST(FilesDeathTest, PathsBeyondTheLimitAndMissingFilesEndTheRun) {
-    const std::string longName(1020, 'n');
-    std::string found;
-    EXPECT_EXIT(fopenTextFile("12345", longName, "w"), testing::ExitedWithCode(2),
-                "Can not open file for writing\n\n");
-    EXPECT_EXIT(fopenTextFile("12345", longName, "r"), testing::ExitedWithCode(2),
-                "Can not open file for reading\n\n");
-    EXPECT_EXIT(fopenTextFileInSearchPathForRd({"12345"}, longName, found),
-                testing::ExitedWithCode(2), "Can not open file for reading\n\n");
-    EXPECT_EXIT(fopenTextFileInSearchPathForRd({"/nowhere/"}, "gone.asn", found),
-                testing::ExitedWithCode(2),
-                "Can not open file for reading\n              gone.asn\n\n");
-    EXPECT_EXIT(fopenTextFile("/", "", "w"), testing::ExitedWithCode(2),
-                "Can not open file for writing\n              /\n\n");
 }
 
 } // namespace

@@ -72,15 +72,5 @@ TEST(I64, DivisionTruncatesTowardZero) {
     EXPECT_EQ(i64modul(i64of(-8589934592), 4294967295), -2);
 }
 
-TEST(I64, ShiftsOfWholeWidthLeaveNothingOrTheSign) {
-    EXPECT_EQ(i64shiftl(i64of(1), 63), i64min());
-    EXPECT_EQ(i64shiftl(i64of(1), 64), i64of(0));
-    EXPECT_EQ(i64shiftr(i64of(-256), 4), i64of(-16));
-    EXPECT_EQ(i64shiftr(i64min(), 64), i64of(-1));
-    EXPECT_EQ(i64shiftr(i64max(), 1000), i64of(0));
-    EXPECT_EQ(i64ushiftr(i64of(-1), 32), i64of(4294967295));
-    EXPECT_EQ(i64ushiftr(i64of(-1), 64), i64of(0));
-}
-
 } // namespace
 } // namespace orvo

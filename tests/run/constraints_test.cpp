@@ -131,15 +131,6 @@ TEST(Constraints, OperatorsHoldTheirOperandsInOrder) {
     EXPECT_EQ(single.line, 3U);
 }
 
-TEST(Constraints, SizesAreGovernedByAnIntegerOfTheirOwn) {
-    const Subs subs("T ::= OCTET STRING (SIZE (1..4))");
-    const stx::SubRec size = subs.rootOf("T"), inner = subs.at(size.left);
-    EXPECT_EQ(size.typeNr, subs.tree.type("T").nr);
-    EXPECT_EQ(inner.subKind, stx::SUB_RANGE);
-    EXPECT_NE(inner.typeNr, size.typeNr);
-    EXPECT_EQ(subs.file.tNode(inner.typeNr).typeCode, stx::TYP_INTEGER);
-}
-
 TEST(Constraints, EntriesOfInnerSubtypesBelongToTheirComponents) {
     const Subs subs("T ::= S (WITH COMPONENTS { a (1 | 2) PRESENT, b })\n"
                     "U ::= S (WITH COMPONENTS { ..., b OPTIONAL })");
@@ -156,34 +147,6 @@ TEST(Constraints, EntriesOfInnerSubtypesBelongToTheirComponents) {
     EXPECT_EQ(b.subFlags, 0);
     EXPECT_EQ(subs.rootOf("U").subFlags, 0);
     EXPECT_EQ(subs.at(subs.rootOf("U").left).subFlags, stx::SUBF_OPTIONAL);
-}
-
-TEST(Constraints, ExceptionValuesAreIntegersOrBringTheirType) {
-    const Subs subs("T ::= INTEGER (5 ! 3) U ::= INTEGER (! I : n)");
-    const auto governor = [&](const stx::SubRec& sub) {
-        return subs.file.tNode(subs.value(sub.third).govType).typeCode;
-    };
-    EXPECT_EQ(subs.rootOf("T").subKind, stx::SUB_SINGLE_VALUE);
-    EXPECT_EQ(subs.rootOf("T").subFlags, stx::SUBF_EXCEPTION);
-    EXPECT_EQ(governor(subs.rootOf("T")), stx::TYP_INTEGER);
-    EXPECT_EQ(subs.rootOf("U").subKind, stx::SUB_EXCEPTION);
-    EXPECT_EQ(subs.rootOf("U").left, 0U);
-    EXPECT_EQ(governor(subs.rootOf("U")), stx::TYP_OPEN);
-}
-
-TEST(Constraints, UserDefinedOnesKeepOneRecordForEachParameter) {
-    const Subs subs("T ::= NULL (CONSTRAINED BY { S, I : n, I : { 1 | n } })");
-    const stx::SubRec root = subs.rootOf("T");
-    EXPECT_EQ(root.subKind, stx::SUB_USER_DEFINED);
-    const stx::VNode type = subs.value(root.left), value = subs.value(type.next),
-                     set = subs.value(value.next);
-    EXPECT_EQ(type.valCode, stx::TYP_OPEN);
-    EXPECT_EQ(type.vflags & stx::VF_SET, 0);
-    EXPECT_EQ(value.valCode, stx::TYP_SYNONYM);
-    EXPECT_EQ(value.ref, subs.tree.value("n").nr);
-    EXPECT_EQ(set.valCode, stx::TYP_OPEN);
-    EXPECT_NE(set.vflags & stx::VF_SET, 0);
-    EXPECT_EQ(set.next, 0U);
 }
 
 /// "@a, @.b.1": entries of a component relation, as they were written or as they were resolved.

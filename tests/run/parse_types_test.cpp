@@ -55,5 +55,52 @@ END
     EXPECT_EQ(tree.presence("More.@1"), "COMPONENTS OF");
 }
 
+TEST(ParsedTypes, ImpliedExtensibilityAddsAMarkerToListsWithoutOne) {
+    const TreeFacts tree(
+        compile({{"m.asn", "M DEFINITIONS EXTENSIBILITY IMPLIED ::= BEGIN\n"
+                           "A ::= SEQUENCE { } B ::= SET { a NULL }\n"
+                           "C ::= SEQUENCE { ..., a NULL }\n"
+                           "D ::= CHOICE { a CHOICE { b NULL } }\n"
+                           "E ::= ENUMERATED { a, b(5) } F ::= ENUMERATED { a, ..., b }\n"
+                           "END\n"}}),
+        "m");
+    const char* const lists[][2] = {
+        {"A", "..."}, {"B", "a ..."}, {"C", "... a"}, {"D", "a ..."}, {"D.a", "b ..."}};
+    for (const auto& [path, entries] : lists) EXPECT_EQ(tree.components(path), entries) << path;
+    EXPECT_EQ(tree.named("E"), "a(0) b(5) ...");
+    EXPECT_EQ(tree.named("F"), "a(0) ... b(1)");
+}
+
+TEST(ParsedTypes, FieldsOfAClassAreItsComponents) {
+    const TreeFacts tree(
+        compile(
+            {{"m.asn",
+              "M DEFINITIONS ::= BEGIN\n"
+              "C ::= CLASS { &Type DEFAULT NULL, &id INTEGER (0..9) DEFAULT 5, &obj D OPTIONAL,\n"
+              "  &Set INTEGER DEFAULT { 1 | 2 }, &val &Type OPTIONAL, &Val &Type OPTIONAL }\n"
+              "D ::= CLASS { &id INTEGER UNIQUE } END\n"}}),
+        "m");
+    EXPECT_EQ(tree.components("C"), "Type id obj Set val Val");
+    EXPECT_EQ(tree.kind("C.obj"), "D");
+    EXPECT_EQ(tree.kind("C.val"), "&Type");
+    EXPECT_EQ(tree.presence("C.id"), "DEFAULT 5");
+    EXPECT_EQ(tree.presence("C.Val"), "OPTIONAL");
+    EXPECT_EQ(tree.node("D.id").checkFlags & stx::CF_UNIQUE, stx::CF_UNIQUE);
+}
+
+TEST(ParsedTypes, ImportsTellAssignedIdentifiersFromSymbols) {
+    const std::string other =
+        " DEFINITIONS ::= BEGIN A ::= NULL b OBJECT IDENTIFIER ::= { 1 2 } C ::= NULL END\n";
+    for (const char* clause : {"A FROM N1x b, C FROM N2x", "A FROM N1x b C FROM N2x",
+                               "A FROM N1x b FROM N2x", "A FROM N1x { iso 5 } C FROM N2x"}) {
+        const auto run = compile(
+            {{"m.asn", std::string("M DEFINITIONS ::= BEGIN IMPORTS ") + clause + "; END\n"},
+             {"n1x.asn", "N1x" + other},
+             {"n2x.asn", "N2x" + other}});
+        EXPECT_EQ(run.diagnostics("m"), "") << clause;
+        EXPECT_EQ(TreeFacts(run, "m").tree().count(stx::MNODE), 3U) << clause;
+    }
+}
+
 } // namespace
 } // namespace orvo::test

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "support/run.h"
 
 namespace orvo::test {
@@ -108,6 +110,64 @@ TEST(SyntaxErrors, DeferredNotation) {
          " *** ERROR on line   3 : : is expected after:\n"
          "valueid ANY ::= INTEGER \n"}};
     for (const SyntaxCase& row : cases) expectDiagnostics(row);
+}
+
+// The first lines of the errors of a body, which stands on line 2: "2: message".
+// clang-format off
+constexpr struct {
+    const char* body;
+    const char* messages;
+} bodyCases[] = {
+    {"A = NULL", "2: Lexical error before: NULL\n3: ::= is expected after:\n"},
+    {"v INTEGER 5", "2: number is not allowed after:\n"},
+    {"A {} ::= NULL", "2: } is not allowed after:\n"},
+    {"A {x} ::= NULL", "2: Defined type syntax\n2: : is expected after:\n"},
+    {"A {X ::= NULL", "2: : is expected after:\n"},
+    {"EXPORTS ALL; ", "2: ALL is not allowed after:\n"},
+    {"EXPORTS A B;", "2: typeid is not allowed after:\n2: ; is not allowed after:\n"},
+    {"IMPORTS A FROM;", "2: typeid is expected after:\n"},
+    {"IMPORTS A FROM N, B;", "2: , is not allowed after:\n"},
+    {"T ::= INTEGER | NULL", "2: | is not allowed after:\n"},
+    {"T ::= SEQUENCE { a INTEGER BOOLEAN }", "2: BOOLEAN is not allowed after:\n"},
+    {"T ::= [5 NULL C ::= SEQUENCE { a INTEGER (0..5) DEFAULT 3 }", "2: ] is expected after:\n"},
+    {"T ::= SEQUENCE SIZE OF NULL", "2: ( is expected after:\n"},
+    {"T ::= BIT NULL", "2: STRING is expected after:\n"},
+    {"T ::= T2 {", "4: } is expected after:\n"},
+    {"T ::= CL.&id.x", "2: valueid is not allowed after:\n3: END is not allowed after:\n"},
+    {"T ::= SEQUENCE { a NULL, }", "2: } is not allowed after:\n"},
+    {"T ::= SEQUENCE { a NULL, B }", "2: typeid is not allowed after:\n2: } is not allowed after:\n"},
+    {"T ::= SEQUENCE { a NULL, ..., [[ ... ]] }", "2: valueid is expected after:\n2: } is expected after:\n"},
+    {"T ::= SEQUENCE { COMPONENTS B }", "2: OF is expected after:\n"},
+    {"T ::= CHOICE { ... }", "2: valueid is expected after:\n"},
+    {"T ::= CHOICE { a NULL OPTIONAL }", "2: } is expected after:\n"},
+    {"T ::= INTEGER { 5 }", "2: END is expected after:\n"},
+    {"T ::= INTEGER { a, b }", "2: ( is expected after:\n2: ( is expected after:\n"},
+    {"T ::= BIT STRING { a(0), b() }", "2: ) is not allowed after:\n"},
+    {"T ::= ENUMERATED { ..., a }", "2: valueid is expected after:\n"},
+    {"T ::= ENUMERATED { a(- ) }", "2: number is expected after:\n"},
+    {"C ::= CLASS { }", "2: } is not allowed after:\n"},
+    {"C ::= CLASS { &Type UNIQUE }", "2: UNIQUE is not allowed after:\n"},
+    {"C ::= CLASS { &id INTEGER } WITH { &id }", "2: SYNTAX is expected after:\n"},
+    {"C ::= CLASS { &T } WITH SYNTAX { [ ] }", "2: ] is not allowed after:\n"},
+    {"C ::= CLASS { &T } WITH SYNTAX { &T | }", "2: } is expected after:\n"},
+    {"C ::= CLASS { &T } WITH SYNTAX { &T Alias }", "2: Lower case letters not allowed: lias\n"},
+    {"My-class ::= CLASS { &id INTEGER }", "2: Lower case letters not allowed: y_class\n"},
+};
+// clang-format on
+
+TEST(SyntaxErrors, StandWhereTheNotationBreaks) {
+    for (const auto& [body, messages] : bodyCases) {
+        SCOPED_TRACE(body);
+        const auto run =
+            compile({{"m.asn", std::string("M DEFINITIONS ::= BEGIN\n") + body + "\nEND\n"}});
+        std::istringstream lines(run.diagnostics("m"));
+        std::string found;
+        for (std::string line; std::getline(lines, line);)
+            if (const size_t at = line.find(" ERROR on line   "); at != std::string::npos)
+                found += line.substr(at + 17, 1) + line.substr(line.find(": "), std::string::npos) +
+                         "\n";
+        EXPECT_EQ(found, messages);
+    }
 }
 
 TEST(SyntaxErrors, ListingShowsBothLinesOfAnError) {

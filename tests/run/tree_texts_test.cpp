@@ -68,40 +68,5 @@ TEST(TreeTexts, StepsThroughComponentsOfAThirdModuleKeepTheirNames) {
     EXPECT_EQ(tree.kind("T.w"), "ANY DEFINED BY i");
 }
 
-TEST(TreeTexts, ValuesReadAsWritten) {
-    const RunResult run =
-        compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n"
-                           "B ::= BIT STRING { x(0), y(3) }\n"
-                           "Ch ::= CHOICE { i INTEGER, s SEQUENCE OF INTEGER }\n"
-                           "An ::= SEQUENCE { t INTEGER, w ANY DEFINED BY t OPTIONAL }\n"
-                           "oid OBJECT IDENTIFIER ::= { iso standard(0) 8571 arc(9) }\n"
-                           "oid2 OBJECT IDENTIFIER ::= { oid 7 }\n"
-                           "b B ::= { x, y }\n"
-                           "bits BIT STRING ::= '0101'B\n"
-                           "ch Ch ::= s : { 1, -2 }\n"
-                           "an An ::= { t 1, w BOOLEAN : TRUE }\n"
-                           "r REAL ::= { mantissa 5, base 10, exponent -2 }\n"
-                           "inf REAL ::= MINUS-INFINITY\n"
-                           "bmp BMPString ::= \"ab\"\n"
-                           "ia5 IA5String ::= \"a\"\"b\"\n"
-                           "END\n"}});
-    ASSERT_EQ(run.status, 0) << run.diagnostics("m");
-    const TreeFacts tree(run, "m");
-    constexpr struct {
-        const char* name;
-        const char* text;
-    } values[] = {{"oid", "{1 standard(0) 8571 arc(9)}"},
-                  {"oid2", "{oid 7}"},
-                  {"b", "{x, y}"},
-                  {"bits", "'0101'B"},
-                  {"ch", "s : {1, -2}"},
-                  {"an", "{t 1, w BOOLEAN : TRUE}"},
-                  {"r", "{mantissa 5, base 10, exponent -2}"},
-                  {"inf", "MINUS-INFINITY"},
-                  {"bmp", "\"ab\""},
-                  {"ia5", "\"a\\\"b\""}};
-    for (const auto& row : values) EXPECT_EQ(tree.valueText(row.name), row.text) << row.name;
-}
-
 } // namespace
 } // namespace orvo::test

@@ -119,29 +119,6 @@ stx::VNode componentOf(const TreeFacts& tree, const char* value, size_t place) {
     return place < list.size() ? tree.tree().vNode(list[place]) : stx::VNode();
 }
 
-TEST(Values, BothFormsOfAChoiceGiveTheSameRecords) {
-    const TreeFacts tree(compileAssignment(structures, "v Ch ::= a : 5 w Ch ::= { a 5 }"), "m");
-    const stx::VNode v = componentOf(tree, "v", 0), w = componentOf(tree, "w", 0);
-    EXPECT_EQ(tree.value("v").node().valCode, stx::TYP_CHOICE);
-    EXPECT_EQ(tree.value("w").node().valCode, stx::TYP_CHOICE);
-    EXPECT_EQ(v.govType, tree.type("Ch.a").nr);
-    EXPECT_EQ(w.govType, v.govType);
-    EXPECT_EQ(w.name, v.name);
-    EXPECT_EQ(w.next, 0U);
-    EXPECT_EQ(w.number, v.number);
-}
-
-TEST(Values, LiteralsOfBitsKeepTheirOwnKindAndDigits) {
-    const TreeFacts tree(compileAssignment("", "v OCTET STRING ::= '01011'B w BIT STRING ::= "
-                                               "'A5F'H x BMPString ::= \"ab\""),
-                         "m");
-    EXPECT_EQ(tree.value("v").node().valCode, stx::TYP_BITSTR);
-    EXPECT_EQ(tree.value("v").node().striLen, 5);
-    EXPECT_EQ(tree.value("w").node().valCode, stx::TYP_OCTSTR);
-    EXPECT_EQ(tree.value("w").node().striLen, 3);
-    EXPECT_EQ(tree.value("x").node().striLen, 2);
-}
-
 TEST(Values, ArcsWrittenAsNamesKeepTheClassOfTheName) {
     const TreeFacts tree(compileAssignment("",
                                            "v OBJECT IDENTIFIER ::= { itu-t recommendation a 1 }\n"
@@ -177,18 +154,6 @@ TEST(Values, ComponentsOfAnotherModulesTypesReferToThatModule) {
     EXPECT_EQ(b.line, 2U);
     EXPECT_EQ(e.govType, types.type("S.e").nr);
     EXPECT_EQ(e.line, 3U);
-}
-
-TEST(Values, AFieldOfAnObjectIsARecordInFrontOfTheReference) {
-    const TreeFacts tree(compileAssignment(structures, "v INTEGER ::= o2.&next.&id"), "m");
-    const stx::ValueRef v = tree.value("v");
-    EXPECT_EQ(v.node().valCode, stx::TYP_FIELDLIST);
-    const stx::VNode reference = tree.tree().vNode(v.node().ref);
-    EXPECT_EQ(reference.valCode, stx::TYP_SYNONYM);
-    EXPECT_EQ(reference.refMod, 1);
-    EXPECT_EQ(reference.ref, tree.value("o2").nr);
-    const auto chain = stx::listFrom(tree.tree(), stx::SNODE, v.node().deferred);
-    EXPECT_EQ(chain.size(), 2U);
 }
 
 TEST(Values, NestAsDeepAsTheirBraces) {

@@ -63,34 +63,5 @@ TEST_F(SymbolTables, FormalParametersAreFoundByNameAndPlace) {
     EXPECT_EQ(a.nbSemErrors, 1);
 }
 
-TEST_F(SymbolTables, ItemsBehindTheExtensionMarkerHaveTheNumberOfTheirRecord) {
-    changeCMP(&b);
-    const TNodeRef enumeration{&b, addTypeArc(nullptr, 1)};
-    setTypeNode(TYP_ENUM);
-    tNode.namedVals = nextRec<KIND_VNODE>(&b).nr;
-    const STabNr list = updateSymbTab(0, 0, 1);
-    EXPECT_EQ(list, updateSymbTab(0, 0, 7)); // the next value record is still the same
-    EXPECT_EQ(symAt(list).line, 7U);
-    SymTab items;
-    for (const char* name : {"red", "...", "green"}) {
-        addValArc(nullptr, 1);
-        setValNode(name[0] == '.' ? TYP_EXTENSION_MARKER : TYP_ENUM);
-        if (name[0] != '.') handleSymbol(items, value(name), SYM_VALUE_NODE, 1);
-        vNode.next = name[0] == 'g' ? 0 : nextRec<KIND_VNODE>(&b).nr;
-    }
-    symAt(list).formals = items.first.nr;
-    flushRecs(-1);
-    readRec(enumeration);
-    EXPECT_EQ(findEnumExtMarkIdx(), 1);
-    changeCMP(&a);
-    type("other"); // the string numbers of the modules differ
-    int32_t moduleRef = 0, name = value("green");
-    EXPECT_TRUE(handleNamed(enumeration, moduleRef, name));
-    EXPECT_EQ(name, 3);
-    EXPECT_EQ(matchingNr(a.modRefs, static_cast<uint32_t>(moduleRef))->module, &b);
-    name = value("blue");
-    EXPECT_FALSE(handleNamed(enumeration, moduleRef, name));
-}
-
 } // namespace
 } // namespace orvo

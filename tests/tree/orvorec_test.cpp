@@ -19,21 +19,6 @@ TNodeNr newType(uint32_t line) {
     return nr;
 }
 
-TEST_F(Store, PendingRecordsAreWrittenWhereTheyBelong) {
-    const TNodeNr inA = newType(1);
-    changeCMP(&b);
-    EXPECT_TRUE(recExists(&a, KIND_TNODE, inA.nr));
-    const TNodeNr inB = newType(2);
-    EXPECT_EQ(inB.nr, 1U);
-    EXPECT_EQ(recState.currTPtr[KIND_TNODE], &b);
-    changeCMP(&a);
-    readRec(&a, inA);
-    EXPECT_EQ(tNode.line, 1U);
-    readRec(&b, inB); // the same number in another module
-    EXPECT_EQ(tNode.line, 2U);
-    EXPECT_EQ(recState.currTPtr[KIND_TNODE], &b);
-}
-
 TEST_F(Store, WalksRestoreTheCurrentRecordAndEndOnACycle) {
     for (uint32_t nr = 1; nr <= 3; ++nr) {
         newType(nr);

@@ -2,18 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-#include <string>
-
 #include "support/store.h"
-#include "tree/orvoutil_mem.h"
-#include "tree/orvoutil_wstr.h"
 
 namespace orvo {
 namespace {
 
 using Lists = StoreTest;
-using ListsDeathTest = StoreTest;
 
 TEST_F(Lists, UniqueNodesArePushedOnce) {
     NodeList list{.kind = NODES_VALUE};
@@ -37,16 +31,6 @@ TEST_F(Lists, UniqueNodesArePushedOnce) {
     EXPECT_TRUE(containsNode(list, {&a, first.nr}));
     deleteNodes(list);
     EXPECT_FALSE(containsNode(list, {&a, first.nr}));
-}
-
-TEST(Names, ComparisonIgnoresCaseUpToTheGivenLength) {
-    EXPECT_EQ(strCaseComp("aBc", "AbC"), 0);
-    EXPECT_LT(strCaseComp("ab", "ABC"), 0);
-    EXPECT_GT(strCaseComp("B", "a"), 0);
-    EXPECT_EQ(strnCaseComp("PREFIX=x", "prefix=", 7), 0);
-    EXPECT_NE(strnCaseComp("pre", "prefix=", 7), 0);
-    EXPECT_EQ(strnCaseComp("pre", "PRE", 7), 0);
-    EXPECT_EQ(strnCaseComp("a", "b", 0), 0);
 }
 
 } // namespace
