@@ -92,31 +92,6 @@ TEST(PrintError, EveryFamilyHasItsText) {
     }
 }
 
-TEST(PrintError, TagMessagesNameTheTagAndDropTheDetail) {
-    ModuleRec module;
-    recordTagError(&module, ERR_SEMANTIC, Msg::TagNumberInUse, 1, TAG_APPLICATION, 5);
-    recordTagError(&module, ERR_SEMANTIC, Msg::TagNumberInUse, 1, TAG_PRIVATE, 6);
-    recordTagError(&module, ERR_SEMANTIC, Msg::NonDistinctTag, 1, TAG_UNIVERSAL, 2);
-    recordTagError(&module, ERR_SEMANTIC, Msg::NonDistinctTag, 1, TAG_APPLICATION, 3);
-    recordTagError(&module, ERR_SEMANTIC, Msg::NonDistinctTag, 1, TAG_CONTEXT, 4);
-    recordTagError(&module, ERR_SEMANTIC, Msg::NonDistinctTag, 1, TAG_PRIVATE, 2097151);
-    module.errors.front().hasDetail = true;
-    module.errors.front().detail = "unseen";
-    const std::string lead = "  ** ERROR on line   1 : ";
-    EXPECT_EQ(shown(module), lead + "APPLICATION number already in use: 5\n" + //
-                                 lead + "PRIVATE number already in use: 6\n" + lead +
-                                 "Non-distinct tag: [UNIVERSAL 2]\n" + lead +
-                                 "Non-distinct tag: [APPLICATION 3]\n" + lead +
-                                 "Non-distinct tag: [4]\n" + lead +
-                                 "Non-distinct tag: [PRIVATE 2097151]\n");
-}
-
-TEST(PrintError, ExpectedTokensAreSpelledAsInTheTokenTable) {
-    ErrRec record = semantic(static_cast<int>(tokenExpected(TOK_ASSIGN)));
-    record.errClass = ERR_SYNTAX;
-    EXPECT_EQ(shown(record), " *** ERROR on line   1 : '::=' expected\n");
-}
-
 TEST(FatalErrorDeathTest, UnknownNumberEndsTheProcessToo) {
     EXPECT_EXIT(fatalError(static_cast<Fatal>(42), "x"), testing::ExitedWithCode(2),
                 "\nFATAL ERROR : Unexpected error code\n              x\n\n");

@@ -97,22 +97,5 @@ TEST_F(ParserTest, NamedListsAreToldFromValues) {
     }
 }
 
-TEST_F(ParserTest, InsertedTokenLeavesWhatIsBehindItUnchanged) {
-    startAt("a --$PTR-- b c");
-    parserState.NbErrors = 0; // options are recorded
-    ReadIn();
-    EXPECT_EQ(parserState.Inp.optFlags, OPTF_PTR);
-    parserState.Inp.code = TOK_COMPONENTID;
-    insertToken(TOK_MARKER, -7);
-    EXPECT_EQ(parserState.Inp.stri(), -7);
-    EXPECT_EQ(parserState.Inp.optFlags, 0U);
-    EXPECT_EQ(lookAhead(1).code, TOK_COMPONENTID);
-    ReadIn();
-    EXPECT_EQ(parserState.Inp.code, TOK_COMPONENTID);
-    EXPECT_EQ(parserState.Inp.optFlags, OPTF_PTR);
-    EXPECT_EQ(lookAhead(1).code, TOK_VALUEID);
-    EXPECT_EQ(lookAhead(20).code, TOK_EOF);
-}
-
 } // namespace
 } // namespace orvo

@@ -135,24 +135,6 @@ TEST(CheckObjects, BuiltinTypesHaveTheirComponents) {
                    {"-STANDARD-VERSION=1990"});
 }
 
-TEST(CheckObjects, ErrorsInInstancesBelongToTheOutermostReference) {
-    const SourceFile other = {"n.asn", "N DEFINITIONS AUTOMATIC TAGS ::= BEGIN EXPORTS P{}, v{};\n"
-                                       "P { INTEGER : max } ::= SEQUENCE OF In { max }\n"
-                                       "In { INTEGER : max } ::= SEQUENCE {\n"
-                                       "  a INTEGER (0..max) DEFAULT 9 }\n"
-                                       "v { INTEGER : n } INTEGER (0..5) ::= n\n"
-                                       "END\n"};
-    const std::vector<Line> lines = {
-        {"IMPORTS P{}, v{} FROM N;"},
-        {"Q ::= P { 10 }"},
-        {"R ::= P { 5 }", {range, "Invalid default value"}},
-        {"w INTEGER ::= v { 5 }"},
-        {"x INTEGER ::= v { 6 }", {range}},
-    };
-    expectFindings(lines, {}, {other});
-    EXPECT_EQ(compileLines(lines, {}, {other}).diagnostics("n"), "");
-}
-
 TEST(CheckObjects, WhatDoublesSixtyTimesEnds) {
     std::vector<Line> lines = {{"T0 ::= INTEGER (0..5)"},      {"U0 ::= INTEGER (0..5)"},
                                {"L0 ::= SEQUENCE OF INTEGER"}, {"l0 L0 ::= { 1, 1 }"},

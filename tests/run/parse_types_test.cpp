@@ -93,10 +93,10 @@ TEST(ParsedTypes, ImportsTellAssignedIdentifiersFromSymbols) {
         " DEFINITIONS ::= BEGIN A ::= NULL b OBJECT IDENTIFIER ::= { 1 2 } C ::= NULL END\n";
     for (const char* clause : {"A FROM N1x b, C FROM N2x", "A FROM N1x b C FROM N2x",
                                "A FROM N1x b FROM N2x", "A FROM N1x { iso 5 } C FROM N2x"}) {
-        const auto run = compile(
-            {{"m.asn", std::string("M DEFINITIONS ::= BEGIN IMPORTS ") + clause + "; END\n"},
-             {"n1x.asn", "N1x" + other},
-             {"n2x.asn", "N2x" + other}});
+        const auto run = compile({{"m.asn", std::string("M DEFINITIONS ::= BEGIN IMPORTS ") +
+                                                clause + "; b OBJECT IDENTIFIER ::= { 1 3 } END\n"},
+                                  {"n1x.asn", "N1x" + other},
+                                  {"n2x.asn", "N2x" + other}});
         EXPECT_EQ(run.diagnostics("m"), "") << clause;
         EXPECT_EQ(TreeFacts(run, "m").tree().count(stx::MNODE), 3U) << clause;
     }

@@ -160,17 +160,6 @@ TEST(References, AreSolvedOnDemandAcrossModules) {
     }
 }
 
-TEST(References, ErrorsInInstancesBelongToTheOutermostReference) {
-    const SourceFile defining = {"n.asn", "N DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
-                                          "P{X} ::= SEQUENCE { a a < X,\n b Q{X} }\n"
-                                          "Q{X} ::= SEQUENCE {\n COMPONENTS OF X }\n"
-                                          "END\n"};
-    const RunResult run = compile({moduleM("IMPORTS P{} FROM N;\n\nT ::= P{NULL}"), defining});
-    EXPECT_EQ(run.diagnostics("n"), "");
-    EXPECT_EQ(run.diagnostics("m"), "  ** ERROR on line   4 : Invalid selection type: a\n"
-                                    "  ** ERROR on line   4 : Invalid type in COMPONENTS OF\n");
-}
-
 /// `count` assignments "A0 ... ::= A1", "A1 ... ::= A2", ... and an end.
 std::string chain(int count, const std::string& link, const std::string& end) {
     std::string body;

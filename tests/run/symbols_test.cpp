@@ -148,6 +148,20 @@ TEST(Symbols, AreCheckedWhereTheyAreEntered) {
     }
 }
 
+TEST(Symbols, FormalParametersAreFoundInLongLists) {
+    std::string formals, actuals, fields, values;
+    for (int i = 1; i <= 40; ++i) {
+        const std::string number = std::to_string(i), end = i < 40 ? ", " : "";
+        formals += "F" + number + end;
+        actuals += (i == 20 ? "BOOLEAN" : "NULL") + end;
+        fields += "f" + number + " F" + number + end;
+        values += "f" + number + (i == 20 ? " TRUE" : " NULL") + end;
+    }
+    const std::string body = "P {" + formals + "} ::= SEQUENCE { " + fields + " }\nT ::= P {" +
+                             actuals + "}\nv T ::= { " + values + " }";
+    EXPECT_EQ(compile({moduleM(body)}).diagnostics("m"), "");
+}
+
 TEST(Symbols, NamelenSetsTheSignificantCharacters) {
     const SourceFile module = moduleM("Abcdefghi ::= NULL\nAbcdefghj ::= NULL");
     EXPECT_EQ(compile({module}, {"-NAMELEN=9"}).diagnostics("m"), "");

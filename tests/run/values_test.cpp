@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "support/run.h"
+#include "support/findings.h"
 #include "support/tree.h"
 
 namespace orvo::test {
@@ -11,17 +11,6 @@ RunResult compileAssignment(const std::string& types, const std::string& assignm
                             std::vector<std::string> options = {}) {
     return compile({{"m.asn", "M DEFINITIONS ::= BEGIN " + types + "\n" + assignment + "\nEND\n"}},
                    std::move(options));
-}
-
-struct ErrorCase {
-    const char* notation;
-    const char* messages; // all on one line of the source, separated by "; "
-};
-std::string errorsOnLine2(std::string messages) {
-    const std::string lead = "  ** ERROR on line   2 : ";
-    for (size_t at = messages.find("; "); at != std::string::npos; at = messages.find("; ", at))
-        messages.replace(at, 2, "\n" + lead);
-    return lead + messages + "\n";
 }
 
 constexpr const char* structures =
@@ -267,46 +256,6 @@ TEST(Values, NamesThatNothingDefinesAreUndefined) {
     const RunResult run = compileAssignment(structures, "v E ::= b");
     EXPECT_EQ(run.diagnostics("m"), errorsOnLine2("Invalid ENUMERATED value"));
     EXPECT_NE(run.listing("m").find("*** ERROR - Undefined values:\n"), std::string::npos);
-}
-
-TEST(Values, ErrorsInInstancesBelongToTheReference) {
-    const char* const definitions = "N DEFINITIONS ::= BEGIN n INTEGER ::= 1\n"
-                                    "S ::= SEQUENCE { a INTEGER, b INTEGER OPTIONAL }\n"
-                                    "p {INTEGER : x} S ::= {\n"
-                                    "  a x, c 5 }\n"
-                                    "q {INTEGER : x} S ::= {\n"
-                                    "  a x, b n { 1 } }\n"
-                                    "r {INTEGER : x} S ::= {\n"
-                                    "  a x, b -0 }\n"
-                                    "END\n";
-    const RunResult run = compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n"
-                                             "IMPORTS S, p {}, q {}, r {} FROM N;\n"
-                                             "v S ::= p { 5 }\n"
-                                             "w S ::= q { 5 }\n"
-                                             "x S ::= r { 5 }\n"
-                                             "END\n"},
-                                   {"n.asn", definitions}});
-    EXPECT_EQ(run.diagnostics("m"), "  ** ERROR on line   3 : Invalid component identifier: c\n"
-                                    "  ** ERROR on line   3 : SEQUENCE value syntax\n"
-                                    "  ** ERROR on line   4 : Braces not allowed: n\n"
-                                    "  ** ERROR on line   5 : Invalid INTEGER value\n");
-    EXPECT_EQ(run.diagnostics("n"), "");
-}
-
-TEST(Values, AFailedValueLeavesNoRecordsBehind) {
-    const auto compileWith = [](const char* value) {
-        return compile({{"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS T, p {} FROM N;\n" +
-                                      std::string(value) + "\nEND\n"},
-                        {"n.asn", "N DEFINITIONS ::= BEGIN\n"
-                                  "T ::= SEQUENCE OF INTEGER (0..9)\n"
-                                  "p {INTEGER : x} INTEGER ::= x\nEND\n"}});
-    };
-    const TreeFacts without(compileWith("v T ::= { 1 }"), "n");
-    const TreeFacts good(compileWith("v T ::= { p { 5 }, p { 6 } }"), "n");
-    const TreeFacts failed(compileWith("v T ::= { p { 5 }, p { 6 }, TRUE }"), "n");
-    EXPECT_EQ(good.tree().count(stx::VNODE), without.tree().count(stx::VNODE) + 2);
-    for (const stx::Kind kind : {stx::MNODE, stx::TNODE, stx::VNODE, stx::SUB, stx::STRI8})
-        EXPECT_EQ(failed.tree().count(kind), without.tree().count(kind)) << kind;
 }
 
 } // namespace

@@ -59,16 +59,5 @@ TEST(Zov, ASummaryThatCannotBeOpenedIsReportedOnce) {
     EXPECT_TRUE(run.out.ends_with("ORVO>>> aborting compilation\n"));
 }
 
-TEST(Zov, UnfitValuesAreIgnored) {
-    for (const std::string option :
-         {"-ZOV-PREFIX=a.b", "-ZOV-PREFIX=123456789012345678901234567890123", "-ZOV-OTHER=1"}) {
-        SCOPED_TRACE(option);
-        const RunResult run = compile({faulty}, {option});
-        EXPECT_EQ(run.status, 1);
-        EXPECT_NE(run.err.find("WARNING : Option ignored: " + option), std::string::npos)
-            << run.err;
-    }
-}
-
 } // namespace
 } // namespace orvo::test

@@ -43,4 +43,16 @@ inline void expectFindings(const std::vector<Line>& lines,
     EXPECT_EQ(result.status, expected.empty() ? 0 : 1) << result.err;
 }
 
+struct ErrorCase {
+    const char* notation;
+    const char* messages; // all on one line of the source, separated by "; "
+};
+/// The messages as they are listed for line 2.
+inline std::string errorsOnLine2(std::string messages) {
+    const std::string lead = "  ** ERROR on line   2 : ";
+    for (size_t at = messages.find("; "); at != std::string::npos; at = messages.find("; ", at))
+        messages.replace(at, 2, "\n" + lead);
+    return lead + messages + "\n";
+}
+
 } // namespace orvo::test

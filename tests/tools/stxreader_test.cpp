@@ -146,26 +146,6 @@ TEST(StxReader, DamagedRecordsAreDiagnosed) {
     EXPECT_EQ(errorOf(bytes), "x: string32 1, characters: the string is not terminated");
 }
 
-TEST(StxReader, ListsFollowGroupsTagsAndConstraints) {
-    const stx::Tree tree = treeOf(sample());
-    stx::Trees trees;
-    using Numbers = std::vector<uint32_t>;
-    EXPECT_EQ(stx::typeAssignments(tree), (Numbers{1, 6, 7}));
-    EXPECT_EQ(stx::components(tree, 1), (Numbers{2, 3, 5}));
-    EXPECT_EQ(stx::components(tree, 1, true), (Numbers{2, 3, 4}));
-    EXPECT_EQ(stx::findComponent(tree, 1, "b"), 5U);
-    EXPECT_EQ(stx::namedValues(tree, 5), (Numbers{3}));
-    EXPECT_EQ(stx::operands(tree, stx::constraintOf(tree, 2)), (Numbers{2}));
-    EXPECT_EQ(stx::options(tree, stx::TNODE, 1), (Numbers{1}));
-    EXPECT_EQ(stx::constraintText(trees, tree, 1), "(SIZE (1..<n !5))");
-    EXPECT_EQ(stx::tagListText(trees, {&tree, 1}), "[1] IMPLICIT [APPLICATION 5] EXPLICIT");
-    std::string error;
-    EXPECT_EQ(stx::skipTypes(trees, {&tree, 2}, false, error).nr, 6U);
-    const stx::FinalTags tags = stx::finalTags(trees, {&tree, 1}, -1, error);
-    EXPECT_EQ(tags.tags, (std::vector<stx::Tag>{{stx::TAG_CONTEXT, 1}, {stx::TAG_UNIVERSAL, 16}}));
-    EXPECT_EQ(error, "");
-}
-
 /// Everything that walks, on every record; returns so that nothing is optimised away.
 size_t walkAll(const stx::Tree& tree) {
     stx::Trees trees;

@@ -62,16 +62,6 @@ TEST_F(StoreDeathTest, WhatCanNotBeARecordCanNotBeWritten) {
 
 // ---- strings ------------------------------------------------------------------------------------
 
-TEST_F(Store, TextsEndAtTheirFirstNulAndMayBeLongOrEmpty) {
-    const std::string text("ab\0cd", 5), longText(100000, 'l');
-    EXPECT_EQ(getStri(&a, putStri(&a, text)), "ab");
-    EXPECT_EQ(getStri(&a, putStri(&a, std::string_view(text).substr(0, 1))), "a");
-    EXPECT_EQ(getStri(&a, putStri(&a, longText)), longText);
-    EXPECT_EQ(getStri(&a, putStri(&a, "")), "");
-    EXPECT_EQ(getStri(&a, 2).data()[1], '\0');
-    EXPECT_EQ(a.nextRecNr[KIND_STRI8], 5U);
-}
-
 TEST_F(Store, StringsTakenBackGiveTheirNumbersAway) {
     putStri(&a, "kept");
     putStri16(&a, u"kept");

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "support/nodes.h"
 #include "support/store.h"
 
@@ -22,52 +20,8 @@ class Comparisons : public StoreTest {
     VNodeNr comp(std::string_view name, int64_t number) {
         return component(newNumber(number), name, integer);
     }
-    /// A SEQUENCE OF or SET OF INTEGER.
-    VNodeNr list(uint8_t code, const std::vector<int64_t>& numbers) {
-        VNodeNr next;
-        for (size_t i = numbers.size(); i-- != 0;) {
-            const VNodeNr nr = component(newNumber(numbers[i]), "", integer);
-            vNode.next = next.nr;
-            writeCurrent<KIND_VNODE>();
-            next = nr;
-        }
-        return newStru(code, next);
-    }
     TNodeNr integer;
 };
-
-TEST_F(Comparisons, ElementsOfASetOfAreMatched) {
-    constexpr uint8_t so = TYP_SETOF, qo = TYP_SEQOF;
-    const struct {
-        uint8_t code;
-        std::vector<int64_t> x, y;
-        int order;
-    } cases[] = {{so, {1, 1, 2}, {1, 2, 2}, -1},
-                 {so, {1, 2}, {2, 1}, 0},
-                 {qo, {1, 2}, {2, 1}, -1},
-                 {qo, {1, 2}, {1, 2}, 0},
-                 {so, {1, 2}, {1, 2, 2}, -1},
-                 {qo, {1}, {1, 2}, -1},
-                 {so, {}, {}, 0},
-                 {so, {}, {1}, -1}};
-    for (const auto& row : cases) {
-        SCOPED_TRACE(testing::PrintToString(row.x) + testing::PrintToString(row.y));
-        EXPECT_EQ(compare(list(row.code, row.x), list(row.code, row.y)), row.order);
-    }
-    std::vector<int64_t> up, down;
-    for (int64_t i = 0; i < 5000; ++i) up.push_back(i), down.push_back(4999 - i);
-    EXPECT_EQ(compare(list(so, up), list(so, down)), 0);
-}
-
-TEST_F(Comparisons, AMatchMayBeOneWhoseListRunsOut) {
-    const TNodeNr seq = newType(TYP_SEQ);
-    const auto element = [&](std::initializer_list<VNodeNr> values) {
-        return component(newStru(TYP_SEQ, chain(values)), "", seq);
-    };
-    const VNodeNr x = newStru(TYP_SETOF, chain({element({comp("a", 1), comp("b", 2)})}));
-    EXPECT_EQ(compare(x, newStru(TYP_SETOF, chain({element({comp("a", 1)})}))), 0);
-    EXPECT_EQ(compare(x, newStru(TYP_SETOF, chain({element({comp("a", 2)})}))), -1);
-}
 
 TEST_F(Comparisons, TwoAnyValuesAreReportedAndDiffer) {
     const VNodeNr any = newValue(TYP_ANY, [] { vNode.line = 7; });

@@ -43,36 +43,5 @@ TEST_F(Find, LongListsFindTheFirstOfANameAndGrow) {
     EXPECT_FALSE(findValueCompById(&a, first, "late"));
 }
 
-TEST_F(Find, ObjectClassFieldTypesStandOnlyWhereTypesCan) {
-    constexpr struct {
-        const char* what;
-        int32_t compStatus;
-        bool nameNegative;
-        uint32_t flags;
-        bool yes;
-    } cases[] = {{"component", TCS_MANDATORY, true, 0, true},
-                 {"optional component", -TCS_OPTIONAL, true, 0, true},
-                 {"variable-type field", TCS_MANDATORY, true, NF_VARIABLE, false},
-                 {"value set field", TCS_OPTIONAL, false, NF_SET, true},
-                 {"type field", TCS_MANDATORY, false, 0, false},
-                 {"alternative", TCS_CHOICE, false, 0, true},
-                 {"element", TCS_MULTIPLE, false, 0, true},
-                 {"type assignment", TCS_HEADER, false, 0, true},
-                 {"value's type", TCS_HEADER, true, 0, false},
-                 {"formal parameter", TCS_FORMAL, true, 0, false}};
-    const TNodeNr theClass = newType(TYP_CLASS);
-    const int32_t name = static_cast<int32_t>(putStri(&a, "n").nr);
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.what);
-        readRec(&a, newType(TYP_FIELDLIST, [&] {
-            tNode.name = row.nameNegative ? -name : name;
-            tNode.compStatus = row.compStatus;
-            tNode.nodeFlags = row.flags;
-            tNode.ref = theClass.nr;
-        }));
-        EXPECT_EQ(isObjClassFieldTypeTNode(), row.yes);
-    }
-}
-
 } // namespace
 } // namespace orvo

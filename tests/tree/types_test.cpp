@@ -49,26 +49,5 @@ TEST_F(Construction, OptionsSetTheDefaultsOfATypeByItsCode) {
     EXPECT_EQ(tNode.optFlags, 0U);
 }
 
-TEST_F(Construction, AnOperatorTakesOverTheNumberOfItsOperand) {
-    for (uint32_t nr = 1; nr <= 8; ++nr) {
-        addSubArc(1, TNodeNr{nr * 10}, nr);
-        subRec.subKind = SUB_SINGLE_VALUE;
-    }
-    EXPECT_EQ(addAndSwap(SubNr{5}, SUB_UNION).nr, 9U);
-    EXPECT_EQ(subRec.subKind, SUB_SINGLE_VALUE);
-    EXPECT_EQ(currentRec<KIND_SUB>().nr.nr, 9U);
-    readRec(&a, SubNr{5});
-    EXPECT_EQ(subRec.subKind, SUB_UNION);
-    EXPECT_EQ(subRec.left, 9U);
-    EXPECT_EQ(subRec.typeNr, 50U);
-    EXPECT_EQ(subRec.typeMod, 1U);
-    EXPECT_EQ(subRec.line, 5U);
-    readRec(&a, SubNr{9});
-    EXPECT_EQ(subRec.typeNr, 50U);
-    EXPECT_EQ(addAndSwap(SubNr{9}, SUB_EXCEPT).nr, 10U); // an operand not pending any more
-    readRec(&a, SubNr{8});
-    EXPECT_EQ(subRec.line, 8U);
-}
-
 } // namespace
 } // namespace orvo

@@ -48,20 +48,6 @@ TEST(Aa, OnlyAWideHashLiftsTheLimitOfTheBuckets) {
     EXPECT_EQ(wide->listSize, 131072U);
 }
 
-// The last entries of the CRC table are 0x0ED1 and 0x1EF0.
-TEST(Aa, HashesByteByByteFromTheLowEnd) {
-    const AaTable fixed = table(copied, 1), str8 = table(copied);
-    const AaTable str16 = table(copied | AA_CHARWIDTH16), str32 = table(copied | AA_CHARWIDTH32);
-    const AaTable two = table(copied, 2), four = table(copied, 4);
-    EXPECT_EQ(aaCalcHash(fixed.get(), "\0"), 0x1E0FU);
-    EXPECT_EQ(aaCalcHash(fixed.get(), "\1"), 0x0E2EU);
-    EXPECT_EQ(aaCalcHash(str8.get(), "\1"), 0x0E2EU);
-    EXPECT_EQ(aaCalcHash(str8.get(), ""), 0xFFFFU);
-    EXPECT_EQ(aaCalcHash(str16.get(), u"\x0201"), aaCalcHash(two.get(), "\1\2"));
-    EXPECT_EQ(aaCalcHash(str32.get(), U"\x00040201"), aaCalcHash(four.get(), "\1\2\4\0"));
-    EXPECT_NE(aaCalcHash(str16.get(), u"ab"), aaCalcHash(str8.get(), "ab"));
-}
-
 TEST(Aa, KeepsOrReplacesTheValueOfAKnownKey) {
     const AaTable replacing = table(AA_KEY_COPY | AA_VAL_COPY);
     std::string key = "key", value = "one";
