@@ -125,7 +125,7 @@ TEST(Constraints, FieldTypesTakeObjectSetsOrTypes) {
                     "  a OP.&Arg ({Ops}{@c, @.c}) }, e OP.&Arg (I) }");
     EXPECT_EQ(subs.rootOf("T.c").subKind, stx::SUB_TABLE);
     EXPECT_EQ(subs.rootOf("T.d.a").subKind, stx::SUB_TABLE);
-    EXPECT_EQ(subs.tree.constraint("T.d.a"), "({Ops} {@c, @.c})");
+    EXPECT_EQ(subs.tree.constraint("T.d.a"), "({Ops} {@c,@.c})");
     EXPECT_EQ(subs.rootOf("T.e").subKind, stx::SUB_OPEN_TYPE);
 }
 

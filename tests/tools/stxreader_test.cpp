@@ -75,13 +75,6 @@ TreeBytes sample() {
     return file;
 }
 
-stx::Tree treeOf(TreeBytes file) {
-    stx::Tree tree;
-    std::string error;
-    EXPECT_TRUE(tree.parse("m.stx", file.bytes(), error)) << error;
-    return tree;
-}
-
 TEST(StxReader, LayoutsAndNamesAreThoseOfTheCompiler) {
     for (const stx::Kind kind : recordKinds) {
         const std::span<const orvo::Field> written =
