@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
+#include "check/orvonum_end.h"
 #include "support/nodes.h"
 #include "support/store.h"
 
@@ -44,7 +43,14 @@ TEST(Reals, AreOrderedByValue) {
     }
 }
 
-using RealValues = StoreTest;
+using EndpointsDeathTest = StoreTest;
+
+TEST_F(EndpointsDeathTest, ItemsWithoutNumbersHaveNone) {
+    const VNodeNr items = chain({newNumber(1), newValue(TYP_ENUM, [] {})});
+    readRec(&a, newType(TYP_ENUM, [&] { tNode.namedVals = items.nr; }));
+    EXPECT_EXIT(setTNodeEndpoints(), testing::ExitedWithCode(2),
+                "Cannot obtain endpoint for a type.");
+}
 
 } // namespace
 } // namespace orvo

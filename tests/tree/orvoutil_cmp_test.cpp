@@ -15,7 +15,8 @@ class Comparisons : public StoreTest {
         readRec(&a, x);
         const VNode left = vNode;
         readRec(&a, y);
-        return compareValue(&a, left, &a, vNode);
+        const VNode right = vNode;
+        return compareValue(&a, left, &a, right);
     }
     VNodeNr comp(std::string_view name, int64_t number) {
         return component(newNumber(number), name, integer);
