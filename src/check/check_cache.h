@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "check/orvonum_end.h"
+#include "check/p5typ_notes.h"
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
 
@@ -60,6 +61,7 @@ struct CheckCache {
         alphabets;                                   // single value in FROM -> characters, sorted
     std::unordered_map<uint32_t, UnionIndex> unions; // large unions of simple values
     std::unordered_map<uint64_t, TableIndex> tables; // table constraint and column
+    TypeNotes types;
 };
 
 /// The cache of a module, made on first use.

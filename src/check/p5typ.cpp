@@ -13,10 +13,12 @@
 #include "check/p5typ_int.h"
 #include "check/p5val.h"
 #include "diag/orvoerr.h"
+#include "diag/orvoerr_fatal.h"
 #include "solve/p5actpar.h"
 #include "solve/solve_stx.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
+#include "util/stack.h"
 
 namespace orvo {
 
@@ -32,6 +34,9 @@ std::string_view tNodeName() {
 }
 
 namespace {
+
+/// Links of one chain of references; more is a cycle.
+constexpr size_t maxLinks = 1000000;
 
 /// Starts an empty stack of enclosing structures for a type assignment, and puts the old one back.
 class OwnStruTypeStack {
@@ -80,38 +85,25 @@ bool checkByKind(ModuleRec* module, bool ignorable) {
     }
 }
 
-/// References and fields that are followed to find out whether a class field type is a set.
-constexpr int maxFieldSteps = 1000;
-
-/// A reference to a set is a set too. What the node leads to next was checked before it, so it
-/// knows already; only a cycle leads to a record that is still being checked, and ends the walk.
+/// A reference to a set is a set too. The first type on the way whose checks are done tells it for
+/// those behind it.
 void checkAndMarkSetTNode(TNodeRef self) {
     if (isSetTNode()) return;
-    bool leads = isReferenceWithTarget();
-    if (leads) {
-        ModuleRec* const target = refModule(self.module, tNode.refMod);
-        if (target != nullptr) readRec(target, TNodeNr{tNode.ref});
-    } else if (tNode.typeCode == TYP_FIELDLIST && skipFieldList()) {
-        leads = true;
-        for (int steps = 0;
-             steps < maxFieldSteps && !isSetTNode() && tNode.checkState < CHECK_RUNNING; ++steps) {
-            if (tNode.typeCode == TYP_FIELDLIST ? !skipFieldList() : !isReferenceWithTarget())
-                break;
-            if (tNode.typeCode != TYP_SYNONYM) continue;
-            ModuleRec* const target = refModule(recState.currTPtr[KIND_TNODE], tNode.refMod);
-            if (target == nullptr) break;
-            readRec(target, TNodeNr{tNode.ref});
-        }
+    bool isSet = false;
+    for (size_t left = maxLinks; !isSet && left != 0; --left) {
+        if (tNode.typeCode != TYP_SYNONYM && tNode.typeCode != TYP_FIELDLIST) break;
+        if (!followTypeRef(true)) break;
+        isSet = isSetTNode();
+        if (tNode.checkState == CHECK_DONE) break;
     }
-    const bool isSet = leads && isSetTNode();
     readRec(self);
     if (!isSet) return;
     tNode.nodeFlags |= NF_SET;
     writeRec(self);
 }
 
-/// The type that governs a default: references are followed where the notation of the field or
-/// component leads elsewhere.
+/// The default value carries the type that governs it, which for a component or field is that
+/// itself.
 bool checkDefaultValue(ModuleRec* module) {
     const KeepRec<KIND_VNODE> keepValue;
     readRec(recState.currTPtr[KIND_TNODE], VNodeNr{tNode.defaultVal});
@@ -121,10 +113,8 @@ bool checkDefaultValue(ModuleRec* module) {
 bool checkDefaultType(ModuleRec* module) {
     const KeepRec<KIND_TNODE> keep;
     const KeepRec<KIND_VNODE> keepValue;
-    ModuleRec* const own = recState.currTPtr[KIND_TNODE];
-    readRec(own, VNodeNr{tNode.defaultVal});
-    if (vNode.ref == 0) return true;
-    readRec(own, TNodeNr{vNode.ref});
+    readRec(recState.currTPtr[KIND_TNODE], VNodeNr{tNode.defaultVal});
+    if (!readTypeSetting()) return true;
     if (tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_FIELDLIST) return true;
     return checkTNode(module, false, false);
 }
@@ -136,7 +126,14 @@ bool checkDef(ModuleRec* module) {
     return ok;
 }
 
-bool checkParts(ModuleRec* module, bool isReference, SeenTag inner) {
+/// The tag of what a tag written on the current type is applied to.
+SeenTag innerTag() {
+    const KeepRec<KIND_TNODE> keep;
+    if (followTypeRef(true)) return getNextTag();
+    return {TAG_UNIVERSAL, typeArr[tNode.typeCode].tag};
+}
+
+bool checkParts(ModuleRec* module, bool isReference) {
     const TNodeRef self = currentRec<KIND_TNODE>();
     bool ok = true;
     if (tNode.constraint > 0) ok &= checkSubRec(module, isReference);
@@ -145,8 +142,10 @@ bool checkParts(ModuleRec* module, bool isReference, SeenTag inner) {
     readRec(self);
     if (tNode.defaultVal != 0) ok &= checkDef(module);
     readRec(self);
-    p5State.nextTag = inner;
-    if (tNode.tags != 0) ok &= checkTag(module);
+    if (tNode.tags != 0) {
+        p5State.nextTag = innerTag();
+        ok &= checkTag(module);
+    }
     if (tNode.typeCode == TYP_CLASS && tNode.syntaxList != 0) ok &= checkUsrDefSyntax();
     readRec(self);
     if (tNode.typeCode == TYP_ANY)
@@ -160,6 +159,7 @@ bool checkParts(ModuleRec* module, bool isReference, SeenTag inner) {
 } // namespace
 
 bool checkTNode(ModuleRec* module, bool isReference, bool ignorable) {
+    if (stackIsLow()) fatalError(Fatal::NoSpace, "Types are nested too deeply.");
     const TNodeRef self = currentRec<KIND_TNODE>();
     if (tNode.checkState >= CHECK_RUNNING) {
         p5State.nextTag = getNextTag();
@@ -170,11 +170,8 @@ bool checkTNode(ModuleRec* module, bool isReference, bool ignorable) {
     const OwnStruTypeStack ownStack(magnitude(tNode.compStatus) == TCS_HEADER);
     bool ok = checkByKind(module, ignorable);
     readRec(self);
-    SeenTag inner = p5State.nextTag;
-    if (!isReferenceWithTarget() && !isObjClassFieldTypeTNode())
-        inner = {TAG_UNIVERSAL, typeArr[tNode.typeCode].tag};
     checkAndMarkSetTNode(self);
-    ok &= checkParts(module, isReference, inner);
+    ok &= checkParts(module, isReference);
     if (ok) {
         setTypeVF();
         setTNodeEndpoints();

@@ -6,19 +6,13 @@
 #include <cstdint>
 #include <string_view>
 
+#include "check/p5typ_notes.h"
 #include "diag/orvomsg.h"
 #include "tree/orvodef.h"
 #include "tree/orvoutil.h"
 
 namespace orvo {
 
-/// A tag as comparisons see it: the number of a defined value is resolved, a negative number is one
-/// of the pseudo tags of the type table.
-struct SeenTag {
-    int32_t tagClass = TAG_UNIVERSAL;
-    int32_t tagNr = 0;
-    friend bool operator==(const SeenTag&, const SeenTag&) = default;
-};
 /// The pseudo tags that leave the tag of a type open: untagged CHOICE, ANY, open type, field
 /// reference.
 constexpr bool isIndeterminate(int32_t tagNr) {
@@ -30,6 +24,7 @@ constexpr bool isIndeterminate(int32_t tagNr) {
 struct P5State {
     SeenTag nextTag; // of the type just checked, what a tag in front of it is applied to
     NodeList struTypeStack{NODES_TYPE}; // structured types that enclose the node under check
+    uint32_t typeCycles = 0;            // strongly connected components of types that were found
 };
 extern P5State p5State;
 
@@ -41,7 +36,8 @@ extern P5State p5State;
 
 // ---- p5typ_tag
 /// The tag of the current type record as seen from outside: the first one on the way through
-/// untagged references, else the universal tag of the kind reached. Preserving.
+/// references, selection types and fields of classes and objects, else the universal tag of the
+/// kind reached. Preserving.
 SeenTag getNextTag();
 /// Checks the tags of the current type record against p5State.nextTag and decides the mode of the
 /// innermost one. Preserving.

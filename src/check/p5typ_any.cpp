@@ -22,37 +22,16 @@ bool isIdentifying(uint8_t kind) {
     return kind == TYP_INTEGER || kind == TYP_OBJID;
 }
 
-/// Looks for the component `name` of the structure in `tNode`, which becomes current; `passed`: the
-/// component `any` stands before it or is itself the one.
-bool findClassifyingComp(std::string_view name, TNodeRef any, bool& passed) {
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
-    TNodeRef found;
-    passed = false;
-    uint32_t left = nextRec<KIND_TNODE>(module).nr;
-    for (uint32_t nr = tNode.ref; nr != 0 && left-- != 0; nr = tNode.next) {
-        readRec(module, TNodeNr{nr});
-        const bool isAny = currentRec<KIND_TNODE>() == any;
-        passed |= isAny;
-        if (tNode.name != 0 && getStri(module, tNode.name) == name) {
-            found = currentRec<KIND_TNODE>();
-            break;
-        }
-    }
-    if (!found) {
-        passed = false;
-        readRec(any);
-        skipTypes(false);
-        return false;
-    }
-    return true;
-}
-
 /// The current CHOICE has only alternatives that identify.
 bool hasIdentifyingAlternatives() {
     ModuleRec* const module = recState.currTPtr[KIND_TNODE];
     bool ok = true;
     forEachTNodeByMod(module, TNodeNr{tNode.ref}, [&] {
         if (tNode.typeCode == TYP_EXTENSION_MARKER) return;
+        if (tNode.typeCode == TYP_EXTADDGRP) {
+            ok &= hasIdentifyingAlternatives();
+            return;
+        }
         skipTypes(true);
         ok &= isIdentifying(tNode.typeCode);
     });
@@ -70,8 +49,8 @@ bool checkClassifyingComp(ModuleRec* module, uint32_t line) {
     return !isError;
 }
 
-/// Stores the classifier in the identifier's record; one in a module without a reference keeps the
-/// name, since the module nodes of the tree are made by now.
+/// Stores the classifier in the identifier's record. One in a module without a number there (a
+/// structure included through a third module) stays a name: the module nodes are made by now.
 void resolveClassifier(ModuleRec* module, SNodeNr identifier, TNodeRef classifier) {
     const uint32_t number = findImplImport(module, classifier.module);
     if (number == 0) return;
@@ -82,42 +61,62 @@ void resolveClassifier(ModuleRec* module, SNodeNr identifier, TNodeRef classifie
     writeRec(module, identifier);
 }
 
-/// The name that DEFINED BY gives; for a classifier that was found already, that component's.
+/// The name that DEFINED BY gives.
 std::string_view classifierName(ModuleRec* module, SNodeNr identifier) {
     const KeepRec<KIND_SNODE> keep;
     readRec(module, identifier);
-    if (sNode.module == 0) return getStri(module, sNode.value);
-    const KeepRec<KIND_TNODE> keepType;
-    ModuleRec* const owner = getModPtr(module, sNode.module);
-    readRec(owner, TNodeNr{static_cast<uint32_t>(sNode.value)});
-    return getStri(owner, tNode.name);
+    return getStri(module, sNode.value);
+}
+
+/// Looks for the component that classifies the current ANY in the structure that encloses it;
+/// COMPONENTS OF and extension addition groups are searched in place. `before`: it stands before
+/// the ANY. The component becomes current.
+bool findClassifyingComp(std::string_view name, bool& before) {
+    const TNodeRef any = currentRec<KIND_TNODE>();
+    if (!innerEnclStru(p5State.struTypeStack)) return false;
+    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    const TNodeNr first{tNode.ref};
+    uint32_t anyPosition = 0;
+    before = !findTypeCompByNr(module, first, any, anyPosition);
+    uint32_t position = 0;
+    if (!findTypeCompById(module, first, name, &position)) return false;
+    before = before || position < anyPosition;
+    return true;
 }
 
 /// DEFINED BY in a component of the structure that encloses it.
 bool checkDefinedBy(ModuleRec* module) {
+    if (p5State.struTypeStack.nodes.empty()) return false;
     const KeepRec<KIND_TNODE> keep;
     const TNodeRef any = currentRec<KIND_TNODE>();
     const uint32_t line = tNode.line;
     const SNodeNr identifier{static_cast<uint32_t>(tNode.syntax)};
-    const std::string_view name = classifierName(any.module, identifier);
-    if (!innerEnclStru(p5State.struTypeStack)) return false;
-    bool passed = false;
-    if (!findClassifyingComp(name, any, passed)) {
-        recordError(module, ERR_SEMANTIC, Msg::ClassifierForAnyNotFound, line, name);
+    bool before = false;
+    if (!findClassifyingComp(classifierName(any.module, identifier), before)) {
+        recordError(module, ERR_SEMANTIC, Msg::ClassifierForAnyNotFound, line);
         return false;
     }
-    bool ok = !passed;
-    if (passed) recordError(module, ERR_SEMANTIC, Msg::ClassifierAndAnyInReverseOrder, line, name);
+    if (!before) recordError(module, ERR_SEMANTIC, Msg::ClassifierAndAnyInReverseOrder, line);
     resolveClassifier(any.module, identifier, currentRec<KIND_TNODE>());
-    ok &= checkClassifyingComp(module, line);
-    return ok;
+    return checkClassifyingComp(module, line) && before;
+}
+
+/// The current record stands in the SEQUENCE or SET that encloses it; a class field, or the
+/// governor of a value, does not.
+bool isInStructure() {
+    const KeepRec<KIND_TNODE> keep;
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    if (!isComponent() || !innerEnclStru(p5State.struTypeStack)) return false;
+    uint32_t position = 0;
+    return (tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_SET) &&
+           findTypeCompByNr(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}, self, position);
 }
 
 } // namespace
 
 bool checkAnyType(ModuleRec* module) {
     if (tNode.syntax <= 0) {
-        if (isComponent())
+        if (isInStructure())
             recordTNodeError(module, ERR_WARNING, Msg::AnyWithoutDefinedByIsDeprecated);
         return true;
     }
@@ -163,13 +162,6 @@ bool isEntryType(ModuleRec* module, std::string_view name) {
     return findTypeById(module, name) && (tNode.optFlags & OPTF_ENTRY) != 0;
 }
 
-std::string storedName(std::string_view name) {
-    std::string stored(name);
-    for (char& c : stored)
-        if (c == '-') c = '_';
-    return stored;
-}
-
 /// What is wrong with the value of an ANY= option; empty when nothing is.
 std::string_view anyOptionFault(ModuleRec* module, std::string_view value) {
     std::string_view typeName;
@@ -177,10 +169,10 @@ std::string_view anyOptionFault(ModuleRec* module, std::string_view value) {
     if (!parseAnyOption(value, typeName, valueName)) return "Invalid ANY option value syntax.";
     uint8_t kind = TYP_NONE;
     bool inChoice = false;
-    if (!readClassifyingValue(module, storedName(valueName), kind, inChoice))
+    if (!readClassifyingValue(module, convertHyphens(std::string(valueName)), kind, inChoice))
         return "ANY option: Invalid classifying value.";
     if (!classifierAdmits(kind, inChoice)) return "ANY option: Invalid entry type.";
-    if (!isEntryType(module, storedName(typeName)))
+    if (!isEntryType(module, convertHyphens(std::string(typeName))))
         return "ANY option: The entry type does not reside in the same module.";
     return {};
 }

@@ -1,14 +1,13 @@
 // Field specifications of classes, INSTANCE OF, and types that fields of classes give (X.681
 // (07/2002) clauses 9 and 14, annexes A and C).
 
-#include <unordered_set>
-#include <vector>
-
+#include "check/check_cache.h"
 #include "check/p5typ_int.h"
 #include "diag/orvoerr.h"
+#include "diag/orvoerr_fatal.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
-#include "util/guard.h"
+#include "util/stack.h"
 
 namespace orvo {
 
@@ -26,7 +25,7 @@ bool validUnique(ModuleRec* module) {
     if ((tNode.checkFlags & CF_UNIQUE) == 0) return true;
     const bool fixedTypeValue = isValFieldTNode() && !isVariabTypeFieldTNode();
     if (fixedTypeValue && tNode.defaultVal == 0 && !isClassCode(actualKind())) return true;
-    recordTNodeError(module, ERR_SEMANTIC, Msg::InvalidUniqueField, tNodeName());
+    recordTNodeError(module, ERR_SEMANTIC, Msg::InvalidUniqueField);
     return false;
 }
 
@@ -42,62 +41,55 @@ bool validFieldOptionalitySpec(ModuleRec* module) {
             governorOptional = magnitude(tNode.compStatus) == TCS_OPTIONAL && tNode.defaultVal == 0;
     }
     if (!governorOptional || optional) return true;
-    recordTNodeError(module, ERR_SEMANTIC, Msg::InvalidOptionalitySpecification, tNodeName());
+    recordTNodeError(module, ERR_SEMANTIC, Msg::InvalidOptionalitySpecification);
     return false;
 }
 
-uint64_t keyOf(const TNodeRef& type) {
-    return uint64_t{type.module->handle} << 32 | type.nr.nr;
-}
+bool linkLeadsToCycle();
 
-/// A walk through the classes that mandatory fields name.
-struct LinkWalk {
-    TNodeRef defined;                   // the class being defined
-    std::unordered_set<uint64_t> path;  // classes that were entered and not left
-    std::unordered_set<uint64_t> clean; // classes that lead to none of these
-    uint32_t depth = 0;
-};
-
-/// No chain of mandatory fields leads from the current field back to a class on the path.
-bool checkLinkField(LinkWalk& walk) {
-    if (magnitude(tNode.compStatus) == TCS_OPTIONAL) return true;
-    skipTypes(true);
-    if (tNode.typeCode != TYP_CLASS) return true;
+/// Mandatory fields lead from the current class to a class from which they lead back to it.
+bool leadsToCycle() {
+    if (stackIsLow()) fatalError(Fatal::NoSpace, "Classes refer to one another too deeply.");
     const TNodeRef classNode = currentRec<KIND_TNODE>();
-    if (classNode == walk.defined) return false;
-    if (walk.clean.contains(keyOf(classNode))) return true;
-    const Depth depth(walk.depth, 1000);
-    if (depth.tooDeep() || !walk.path.insert(keyOf(classNode)).second) return false;
+    auto& links = checkCacheOf(classNode.module).types.links;
+    const auto [note, isNew] = links.try_emplace(classNode.nr.nr, LinkNote::Entered);
+    if (!isNew) return note->second != LinkNote::Ends;
+    bool cyclic = false;
     uint32_t left = nextRec<KIND_TNODE>(classNode.module).nr;
-    for (uint32_t field = tNode.ref; field != 0 && left-- != 0;) {
+    for (uint32_t field = tNode.ref; field != 0 && !cyclic && left-- != 0;) {
         readRec(classNode.module, TNodeNr{field});
         field = tNode.next;
-        if (!checkLinkField(walk)) return false;
+        cyclic = linkLeadsToCycle();
     }
-    walk.path.erase(keyOf(classNode));
-    walk.clean.insert(keyOf(classNode));
-    return true;
+    links[classNode.nr.nr] = cyclic ? LinkNote::Cyclic : LinkNote::Ends;
+    return cyclic;
 }
 
-/// An object of the class would need another one without end.
-bool validLinkField(ModuleRec* module, TNodeRef classNode) {
-    bool ok = true;
+/// The current field names such a class.
+bool linkLeadsToCycle() {
+    if (magnitude(tNode.compStatus) == TCS_OPTIONAL) return false;
+    skipTypes(true);
+    return tNode.typeCode == TYP_CLASS && leadsToCycle();
+}
+
+/// An object of the class would need another one, and that another, without end. The class that is
+/// being defined has this field: a chain back to it is one of the cycles.
+bool validLinkField(ModuleRec* module) {
+    bool cyclic = false;
     {
         const KeepRec<KIND_TNODE> keep;
-        LinkWalk walk;
-        walk.defined = classNode;
-        ok = checkLinkField(walk);
+        cyclic = linkLeadsToCycle();
     }
-    if (!ok) recordTNodeError(module, ERR_SEMANTIC, Msg::InvalidLinkField, tNodeName());
-    return ok;
+    if (cyclic) recordTNodeError(module, ERR_SEMANTIC, Msg::InvalidLinkField);
+    return !cyclic;
 }
 
 } // namespace
 
-bool checkFieldSpec(ModuleRec* module, TNodeRef classNode) {
+bool checkFieldSpec(ModuleRec* module) {
     bool ok = validUnique(module);
     ok &= validFieldOptionalitySpec(module);
-    ok &= validLinkField(module, classNode);
+    ok &= validLinkField(module);
     return ok;
 }
 
@@ -118,7 +110,6 @@ bool checkObjClassFieldType(ModuleRec* module) {
     uint8_t kind = TYP_NONE;
     {
         const KeepRec<KIND_TNODE> keep;
-        if (skipFieldList()) p5State.nextTag = getNextTag();
         skipTypes(true);
         kind = tNode.typeCode;
     }

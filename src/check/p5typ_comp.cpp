@@ -3,19 +3,20 @@
 //
 // COMPONENTS OF brings in the components of the type it names up to that type's first extension
 // marker; extension addition groups stand in place. What such a type brings in is summed up once
-// per type, so that types that include one another level by level cost one walk each. A list longer
-// than fieldSize can count is cut.
+// per type, and so are the tags of an untagged CHOICE, so that types that name one another level by
+// level cost one walk each. A list longer than fieldSize can count is cut.
 
 #include <algorithm>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
+#include "check/check_cache.h"
 #include "check/p5typ_int.h"
 #include "diag/orvoerr.h"
+#include "diag/orvoerr_fatal.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
-#include "util/guard.h"
+#include "util/stack.h"
 
 namespace orvo {
 
@@ -23,22 +24,9 @@ namespace {
 
 constexpr size_t maxEntries = 32767; // the largest fieldSize
 
-uint64_t keyOf(const TNodeRef& type) {
-    return uint64_t{type.module->handle} << 32 | type.nr.nr;
+void needStack() {
+    if (stackIsLow()) fatalError(Fatal::NoSpace, "Types are nested too deeply.");
 }
-
-/// What the components of a type that COMPONENTS OF names come to.
-struct Included {
-    bool optional = false;
-    bool mandatory = false;
-    size_t entries = 0; // at most maxEntries + 1
-};
-struct CompState {
-    std::unordered_map<uint64_t, Included> included;
-    std::unordered_map<uint64_t, std::vector<SeenTag>> choiceTags; // of untagged CHOICEs
-    uint32_t depth = 0;
-};
-CompState compState;
 
 /// Calls fn for each component from `first` on, those of extension addition groups in place of the
 /// group; a result of false ends the walk. The component is the current type record.
@@ -64,14 +52,16 @@ bool isCompOf() {
     return magnitude(tNode.compStatus) == TCS_COMPOF;
 }
 
-/// Sums up what the current structure brings in through COMPONENTS OF.
-Included includedBy() {
+/// Sums up what the current structure brings in through COMPONENTS OF. One that includes itself
+/// brings nothing in at the second meeting.
+IncludedComps includedBy() {
+    needStack();
     const TNodeRef type = currentRec<KIND_TNODE>();
-    const auto [known, isNew] = compState.included.try_emplace(keyOf(type));
+    auto& included = checkCacheOf(type.module).types.included;
+    const auto [known, isNew] = included.try_emplace(type.nr.nr);
     if (!isNew) return known->second;
-    const Depth depth(compState.depth, 500);
-    Included sum;
-    if (depth.tooDeep()) return sum;
+    const KeepRec<KIND_TNODE> keep;
+    IncludedComps sum;
     forEachComponent(type.module, tNode.ref, [&] {
         if (tNode.typeCode == TYP_EXTENSION_MARKER) return false;
         if (!isCompOf()) {
@@ -79,15 +69,14 @@ Included includedBy() {
             sum.mandatory |= tNode.compStatus == TCS_MANDATORY;
             sum.entries = std::min(sum.entries + 1, maxEntries + 1);
         } else if (readIncludedType()) {
-            const Included nested = includedBy();
+            const IncludedComps nested = includedBy();
             sum.optional |= nested.optional;
             sum.mandatory |= nested.mandatory;
             sum.entries = std::min(sum.entries + nested.entries, maxEntries + 1);
         }
         return true;
     });
-    compState.included[keyOf(type)] = sum;
-    return sum;
+    return included[type.nr.nr] = sum;
 }
 
 /// What is counted over the entries of a structure.
@@ -106,7 +95,7 @@ void checkOptCompsAndExtMarks(StruCounts& counts) {
     if (isCompOf()) {
         const KeepRec<KIND_TNODE> keep;
         if (!readIncludedType()) return;
-        const Included sum = includedBy();
+        const IncludedComps sum = includedBy();
         counts.optional |= sum.optional;
         counts.mandatory |= sum.mandatory;
         return;
@@ -118,10 +107,9 @@ void checkOptCompsAndExtMarks(StruCounts& counts) {
 /// A class is no type of a component; a field of a class is no open class field type of a value.
 bool checkValidComponentType(ModuleRec* module, bool inClass) {
     if (inClass) {
-        if (!isValFieldTNode() && !isValSetFieldTNode()) return true;
-        if (isVariabTypeFieldTNode() || tNode.typeCode != TYP_FIELDLIST ||
-            !isOpenObjClassFieldTypeTNode())
-            return true;
+        const bool isFixedType =
+            (isValFieldTNode() || isValSetFieldTNode()) && !isVariabTypeFieldTNode();
+        if (!isFixedType || !isOpenObjClassFieldTypeTNode()) return true;
         recordTNodeError(module, ERR_SEMANTIC, Msg::InvalidClassFieldType, tNodeName());
         return false;
     }
@@ -140,8 +128,9 @@ bool checkValidComponentType(ModuleRec* module, bool inClass) {
 
 /// Builds the flat list of a structure.
 struct EntryList {
-    ModuleRec* errors = nullptr; // null: nothing is reported
+    ModuleRec* errors = nullptr;
     TNodeRef structure;
+    uint8_t kind = TYP_NONE;
     uint32_t line = 0; // of the structure
     bool automatic = false;
     int32_t nextAutomatic = 0;
@@ -150,63 +139,6 @@ struct EntryList {
     std::vector<CompEntry> entries;
 };
 
-const std::vector<SeenTag>& tagsOfChoice();
-
-/// The tag of the current component, or of the alternatives of an untagged CHOICE, into the entry.
-void setEntryTag(EntryList& list, CompEntry& entry) {
-    if (list.automatic) {
-        entry.tag = {TAG_CONTEXT, list.nextAutomatic++};
-        return;
-    }
-    entry.tag = getNextTag();
-    const int32_t tag = entry.tag.tagNr;
-    entry.isOpen = tag == typeArr[TYP_ANY].tag || tag == typeArr[TYP_OPEN].tag ||
-                   (tag == typeArr[TYP_FIELDLIST].tag && isOpenObjClassFieldTypeTNode());
-    if (tag != typeArr[TYP_CHOICE].tag) return;
-    const KeepRec<KIND_TNODE> keep;
-    skipTypes(true);
-    if (tNode.typeCode != TYP_CHOICE) return;
-    const TNodeRef choice = currentRec<KIND_TNODE>();
-    if (choice == list.structure) {
-        list.ok = false;
-        if (list.errors != nullptr)
-            recordError(list.errors, ERR_SEMANTIC, Msg::IndeterminateTag, list.line, entry.name);
-        return;
-    }
-    if (containsNode(p5State.struTypeStack, {choice.module, choice.nr.nr})) return;
-    entry.alternatives = tagsOfChoice();
-}
-
-/// Appends the components from `first` on; `bringer` is the COMPONENTS OF entry that brings them
-/// in.
-void addEntries(EntryList& list, ModuleRec* module, uint32_t first, TNodeRef bringer, bool inList) {
-    forEachComponent(module, first, [&] {
-        if (list.tooLong) return false;
-        if (tNode.typeCode == TYP_EXTENSION_MARKER) return !bringer;
-        if (isCompOf() && !inList) {
-            const TNodeRef entry = bringer ? bringer : currentRec<KIND_TNODE>();
-            if (!readIncludedType() || includedBy().entries == 0) return true;
-            const TNodeRef type = currentRec<KIND_TNODE>();
-            if (!pushNodeUnique(p5State.struTypeStack)) return true;
-            addEntries(list, type.module, tNode.ref, entry, false);
-            delFstNode(p5State.struTypeStack);
-            return true;
-        }
-        if (list.entries.size() == maxEntries) {
-            list.tooLong = true;
-            return false;
-        }
-        CompEntry entry;
-        const TNodeRef component = currentRec<KIND_TNODE>();
-        entry.record = bringer ? bringer : component;
-        entry.name = tNodeName();
-        entry.compStatus = tNode.compStatus;
-        setEntryTag(list, entry);
-        list.entries.push_back(std::move(entry));
-        return true;
-    });
-}
-
 /// Some component of the current structure, COMPONENTS OF entries not counted, has a tag.
 bool isTaggedComponents() {
     const KeepRec<KIND_TNODE> keep;
@@ -214,54 +146,157 @@ bool isTaggedComponents() {
                              [] { return isCompOf() || tNode.tags == 0; });
 }
 
+bool isAutomatic() {
+    const bool isList = tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
+    return !isList && tNode.typeCode != TYP_CLASS && recState.currTPtr[KIND_TNODE]->automaticTags &&
+           !isTaggedComponents();
+}
+
+const AlternativeTags* knownTags(TNodeRef choice) {
+    const auto& notes = checkCacheOf(choice.module).types.alternativeTags;
+    const auto note = notes.find(choice.nr.nr);
+    return note == notes.end() ? nullptr : &note->second;
+}
+
+/// Collects the tags of an untagged CHOICE, each once.
+class AlternativeCollector {
+  public:
+    /// Adds the alternatives of the current CHOICE, unless it was looked into.
+    void addChoice() {
+        needStack();
+        const TNodeRef choice = currentRec<KIND_TNODE>();
+        if (!root_) root_ = choice;
+        if (!choices_.insert(keyOf(choice)).second) {
+            result_.endless |= choice == root_;
+            return;
+        }
+        const AlternativeTags* const known = knownTags(choice);
+        if (known != nullptr && !known->endless) {
+            for (const SeenTag& tag : known->tags) addTag(tag);
+            return;
+        }
+        const bool automatic = isAutomatic();
+        int32_t nextAutomatic = 0;
+        forEachComponent(choice.module, tNode.ref, [&] {
+            if (tNode.typeCode == TYP_EXTENSION_MARKER) return true;
+            addAlternative(automatic ? SeenTag{TAG_CONTEXT, nextAutomatic++} : getNextTag());
+            return true;
+        });
+    }
+    [[nodiscard]] bool lookedInto(TNodeRef choice) const {
+        return choices_.contains(keyOf(choice));
+    }
+    AlternativeTags take() { return std::move(result_); }
+
+  private:
+    void addAlternative(const SeenTag& tag) {
+        if (tag.tagNr >= 0) return addTag(tag);
+        skipTypes(true);
+        if (tNode.typeCode == TYP_CHOICE) addChoice();
+    }
+    void addTag(const SeenTag& tag) {
+        if (tags_.insert(keyOf(tag)).second) result_.tags.push_back(tag);
+    }
+
+    AlternativeTags result_;
+    TNodeRef root_;
+    std::unordered_set<uint64_t> choices_;
+    std::unordered_set<uint64_t> tags_;
+};
+
+/// The tags of the current untagged CHOICE.
+const AlternativeTags& tagsOfChoice() {
+    const TNodeRef choice = currentRec<KIND_TNODE>();
+    if (const AlternativeTags* const known = knownTags(choice)) return *known;
+    AlternativeCollector collector;
+    collector.addChoice();
+    readRec(choice);
+    return checkCacheOf(choice.module).types.alternativeTags[choice.nr.nr] = collector.take();
+}
+
+/// The current untagged CHOICE has untagged alternatives that lead to the structure, one of them
+/// having no end either.
+bool leadsBackTo(TNodeRef structure) {
+    if (!tagsOfChoice().endless) return false;
+    AlternativeCollector collector;
+    collector.addChoice();
+    return collector.lookedInto(structure);
+}
+
+/// The tag of the current component, and those of the alternatives of an untagged CHOICE. The
+/// alternatives of a CHOICE that leads to the structure itself would be without end.
+void setEntryTag(EntryList& list, CompEntry& entry) {
+    if (list.kind == TYP_CLASS) return;
+    if (list.automatic) {
+        entry.tag = {TAG_CONTEXT, list.nextAutomatic++};
+        return;
+    }
+    entry.tag = getNextTag();
+    if (entry.tag.tagNr != typeArr[TYP_CHOICE].tag) return;
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    if (tNode.typeCode != TYP_CHOICE) return;
+    const AlternativeTags& alternatives = tagsOfChoice();
+    if (!leadsBackTo(list.structure)) {
+        entry.alternatives = &alternatives;
+        return;
+    }
+    list.ok = false;
+    recordError(list.errors, ERR_SEMANTIC, Msg::IndeterminateTag, list.line, entry.name);
+}
+
+void addEntry(EntryList& list, TNodeRef bringer) {
+    CompEntry entry;
+    entry.record = bringer ? bringer : currentRec<KIND_TNODE>();
+    entry.name = tNodeName();
+    entry.compStatus = tNode.compStatus;
+    setEntryTag(list, entry);
+    list.entries.push_back(entry);
+}
+
+/// Appends the components from `first` on; `bringer` is the COMPONENTS OF entry that brings them
+/// in. A type that is being expanded or checked brings nothing.
+void addEntries(EntryList& list, ModuleRec* module, uint32_t first, TNodeRef bringer) {
+    needStack();
+    forEachComponent(module, first, [&] {
+        if (tNode.typeCode == TYP_EXTENSION_MARKER) return !bringer;
+        if (isCompOf()) {
+            const TNodeRef entry = bringer ? bringer : currentRec<KIND_TNODE>();
+            if (!readIncludedType() || includedBy().entries == 0) return true;
+            const TNodeRef type = currentRec<KIND_TNODE>();
+            if (!pushNodeUnique(p5State.struTypeStack)) return true;
+            addEntries(list, type.module, tNode.ref, entry);
+            delFstNode(p5State.struTypeStack);
+            return !list.tooLong;
+        }
+        list.tooLong = list.entries.size() == maxEntries;
+        if (!list.tooLong) addEntry(list, bringer);
+        return !list.tooLong;
+    });
+}
+
 /// The flat list of the current structure.
 EntryList dynaListForComps(ModuleRec* errors) {
     EntryList list;
     list.errors = errors;
     list.structure = currentRec<KIND_TNODE>();
+    list.kind = tNode.typeCode;
     list.line = tNode.line;
-    const bool isList = tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
-    list.automatic = !isList && tNode.typeCode != TYP_CLASS &&
-                     list.structure.module->automaticTags && !isTaggedComponents();
+    list.automatic = isAutomatic();
     const KeepRec<KIND_TNODE> keep;
-    addEntries(list, list.structure.module, tNode.ref, {}, isList);
+    addEntries(list, list.structure.module, tNode.ref, {});
     return list;
-}
-
-/// The tags of all alternatives of the current untagged CHOICE, those of untagged CHOICEs among
-/// them in place.
-const std::vector<SeenTag>& tagsOfChoice() {
-    const TNodeRef choice = currentRec<KIND_TNODE>();
-    const auto known = compState.choiceTags.find(keyOf(choice));
-    if (known != compState.choiceTags.end()) return known->second;
-    std::vector<SeenTag>& result = compState.choiceTags[keyOf(choice)];
-    const Depth depth(compState.depth, 500);
-    if (depth.tooDeep()) return result;
-    addFstNode(p5State.struTypeStack);
-    const EntryList list = dynaListForComps(nullptr);
-    delFstNode(p5State.struTypeStack);
-    std::vector<SeenTag> tags;
-    std::unordered_set<uint64_t> seen;
-    const auto add = [&](const SeenTag& tag) {
-        const uint64_t key =
-            uint64_t{static_cast<uint32_t>(tag.tagClass)} << 32 | static_cast<uint32_t>(tag.tagNr);
-        if (seen.insert(key).second) tags.push_back(tag);
-    };
-    for (const CompEntry& entry : list.entries) {
-        if (entry.tag.tagNr >= 0) add(entry.tag);
-        for (const SeenTag& tag : entry.alternatives) add(tag);
-    }
-    return compState.choiceTags[keyOf(choice)] = std::move(tags);
 }
 
 /// Compares identifiers on the characters that count.
 class IdComparison {
   public:
-    bool distinctCompId(ModuleRec* module, const CompEntry& entry, uint32_t line) {
+    /// The entry's record is the current type record.
+    bool distinctCompId(ModuleRec* module, const CompEntry& entry) {
         if (entry.name.empty()) return true;
         const std::string_view significant = entry.name.substr(0, module->options.nameLen);
         if (names_.insert(significant).second) return true;
-        recordError(module, ERR_SEMANTIC, Msg::NonDistinctIdentifier, line, entry.name);
+        recordTNodeError(module, ERR_SEMANTIC, Msg::NonDistinctIdentifier, entry.name);
         return false;
     }
 
@@ -272,27 +307,25 @@ class IdComparison {
 /// Identifiers and tags, or the field specifications of a class; gives the number of entries.
 bool checkStruComps(ModuleRec* module, size_t& count) {
     const TNodeRef self = currentRec<KIND_TNODE>();
-    const uint8_t kind = tNode.typeCode;
-    const uint32_t line = tNode.line;
-    EntryList list = dynaListForComps(module);
+    const EntryList list = dynaListForComps(module);
     bool ok = list.ok;
     uint16_t flags = list.automatic ? CF_AUTOMATIC_TAGS : 0;
     IdComparison ids;
-    TagComparison tags(kind);
-    for (size_t at = 0; at < list.entries.size(); ++at) {
-        const CompEntry& entry = list.entries[at];
+    TagComparison tags(list.kind);
+    for (const CompEntry& entry : list.entries) {
         readRec(entry.record);
-        ok &= ids.distinctCompId(module, entry, kind == TYP_CLASS ? tNode.line : line);
-        if (kind == TYP_CLASS) {
-            ok &= checkFieldSpec(module, self);
+        ok &= ids.distinctCompId(module, entry);
+        if (list.kind == TYP_CLASS) {
+            ok &= checkFieldSpec(module);
             continue;
         }
         readRec(self);
-        ok &= tags.distinctCompTag(module, entry, at + 1 == list.entries.size());
+        ok &= tags.distinctCompTag(module, entry, &entry == &list.entries.back());
         if (isIndeterminate(entry.tag.tagNr)) flags |= CF_INDETERMINATE_TAG;
     }
     if (list.tooLong) {
-        recordError(module, ERR_SEMANTIC, Msg::Unimplemented, line, "more than 32767 components");
+        recordError(module, ERR_SEMANTIC, Msg::Unimplemented, list.line,
+                    "more than 32767 components");
         ok = false;
     }
     readRec(self);
@@ -318,9 +351,9 @@ uint16_t checkListElem() {
 bool checkComponents(ModuleRec* module, StruCounts& counts) {
     const TNodeRef self = currentRec<KIND_TNODE>();
     const bool isClass = tNode.typeCode == TYP_CLASS;
+    const uint32_t first = tNode.ref;
     bool ok = true;
-    forEachComponent(self.module, tNode.ref, [&] {
-        const TNodeRef component = currentRec<KIND_TNODE>();
+    forEachComponent(self.module, first, [&] {
         checkOptCompsAndExtMarks(counts);
         if (counts.markers > 1) {
             recordTNodeError(module, ERR_SEMANTIC, Msg::DuplicateExtensionMarker);
@@ -328,7 +361,9 @@ bool checkComponents(ModuleRec* module, StruCounts& counts) {
             ok = false;
         }
         ok &= checkTNode(module, tNode.typeCode == TYP_SYNONYM, false);
-        readRec(component);
+        return true;
+    });
+    forEachComponent(self.module, first, [&] {
         ok &= checkValidComponentType(module, isClass);
         return true;
     });

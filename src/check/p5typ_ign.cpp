@@ -23,15 +23,8 @@ std::vector<TNodeRef> referredTypes() {
         forEachTNodeByMod(self.module, TNodeNr{tNode.ref}, [&] {
             if (tNode.typeCode != TYP_EXTENSION_MARKER) types.push_back(currentRec<KIND_TNODE>());
         });
-    } else if (tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_SELECTION ||
-               tNode.typeCode == TYP_FIELDLIST) {
-        if (ModuleRec* module = refModule(self.module, tNode.refMod);
-            tNode.typeCode == TYP_SYNONYM && module != nullptr && tNode.ref != 0)
-            types.push_back({module, TNodeNr{tNode.ref}});
-        else
-            skipTypes(true);
-        if (types.empty() && currentRec<KIND_TNODE>() != self)
-            types.push_back(currentRec<KIND_TNODE>());
+    } else if (followTypeRef(true)) {
+        types.push_back(currentRec<KIND_TNODE>());
     }
     readRec(self);
     return types;

@@ -3,6 +3,9 @@
 // What the units of the walk over types share among themselves. All functions work on the current
 // type record and leave it current.
 
+#include <span>
+#include <unordered_map>
+
 #include "check/p5typ.h"
 
 namespace orvo {
@@ -17,9 +20,8 @@ std::string_view tNodeName();
 [[nodiscard]] bool checkStruType(ModuleRec* module);
 
 // ---- p5typ_cls
-/// The current record is a field specification of the class: UNIQUE, optionality, links to the
-/// class.
-[[nodiscard]] bool checkFieldSpec(ModuleRec* module, TNodeRef classNode);
+/// The current record is a field specification of a class: UNIQUE, optionality, links to classes.
+[[nodiscard]] bool checkFieldSpec(ModuleRec* module);
 [[nodiscard]] bool checkEmbeddedType(ModuleRec* module);
 [[nodiscard]] bool checkObjClassFieldType(ModuleRec* module);
 
@@ -34,22 +36,32 @@ struct CompEntry {
     std::string_view name; // empty when there is none
     int32_t compStatus = 0;
     SeenTag tag;
-    std::vector<SeenTag> alternatives; // of an untagged CHOICE: the tags of all its alternatives
-    bool isOpen = false; // its type is open: ANY, an open type, a field reference to one
+    const AlternativeTags* alternatives = nullptr; // of an untagged CHOICE
+
+    [[nodiscard]] std::span<const SeenTag> alternativeTags() const {
+        if (alternatives == nullptr) return {};
+        return alternatives->tags;
+    }
+    /// Nothing can be said about the tags of its values: ANY, an open type.
+    [[nodiscard]] bool isOpen() const {
+        return isIndeterminate(tag.tagNr) && tag.tagNr != typeArr[TYP_CHOICE].tag;
+    }
 };
 /// Compares the tags of the entries of a structure with those of earlier entries.
 class TagComparison {
   public:
     explicit TagComparison(uint8_t kind) : sequence_(kind == TYP_SEQ), kind_(kind) {}
-    /// Checks the next entry; true when its tag is distinct. `isLast`: no entry follows.
+    /// Checks the next entry of the current structure; true when its tag is distinct. `isLast`: no
+    /// entry follows.
     [[nodiscard]] bool distinctCompTag(ModuleRec* module, const CompEntry& entry, bool isLast);
 
   private:
     const SeenTag* tagInDynaList(const CompEntry& entry) const;
+    void remember(const CompEntry& entry);
 
     bool sequence_;
     uint8_t kind_;
-    uint32_t count_ = 0;
+    uint32_t count_ = 0; // entries so far
     std::unordered_map<uint64_t, uint32_t>
         earlier_; // tag -> place of the nearest earlier entry that has it
 };

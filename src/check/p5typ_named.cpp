@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "check/p5typ_int.h"
@@ -54,8 +55,10 @@ void report(const NamedList& list, Msg code) {
 /// The number of the current entry; false when it leads to no INTEGER.
 bool numberOf(int64_t& number) {
     const KeepRec<KIND_VNODE> keep;
-    skipValues(true);
-    if (vNode.valCode != TYP_INTEGER && vNode.valCode != TYP_BITSTR) return false;
+    if (vNode.valCode == TYP_SYNONYM) {
+        skipValues(true);
+        if (vNode.valCode != TYP_INTEGER) return false;
+    }
     number = i64native(vNode.val.number);
     return true;
 }
@@ -67,29 +70,47 @@ void signedNumOrDefVal(const NamedList& list) {
     report(list, invalidValue(TYP_INTEGER));
 }
 
-/// The numbers that a scan for a collision covers, so far.
-struct Numbers {
-    std::unordered_set<int64_t> used;
+/// The numbers that a scan for a collision covers, so far. Counting up from a number leads to the
+/// first free one behind it; what was counted over is noted, so that it is not counted again.
+class Numbers {
+  public:
     void addCurrent() {
         int64_t number = 0;
-        if (vNode.valCode != TYP_ENUM && vNode.valCode != TYP_EXTENSION_MARKER && numberOf(number))
-            used.insert(number);
+        if (entrySort("Unexpected named number category.") == EntrySort::Numbered &&
+            numberOf(number))
+            add(number);
     }
+    void add(int64_t number) {
+        if (number < INT64_MAX) next_.try_emplace(number, number + 1);
+    }
+    [[nodiscard]] int64_t firstFreeFrom(int64_t number) {
+        int64_t free = number;
+        for (auto at = next_.find(free); at != next_.end(); at = next_.find(free))
+            free = at->second;
+        for (auto at = next_.find(number); at != next_.end(); at = next_.find(number)) {
+            number = at->second;
+            at->second = free;
+        }
+        return free;
+    }
+
+  private:
+    std::unordered_map<int64_t, int64_t> next_; // used number -> a number up to the next free one
 };
 
 /// Gives the current item the first number from the counter on that no other one has.
 void numberItem(const NamedList& list, Numbers& numbers, int64_t& counter) {
-    while (numbers.used.contains(counter)) {
-        if (counter >= INT32_MAX) {
-            report(list, invalidValue(TYP_INTEGER));
-            break;
-        }
-        ++counter;
+    const int64_t free = numbers.firstFreeFrom(counter);
+    if (free != counter && free > INT32_MAX) {
+        report(list, invalidValue(TYP_INTEGER));
+        counter = std::max<int64_t>(counter, INT32_MAX);
+    } else {
+        counter = free;
     }
     vNode.valCode = TYP_INTEGER;
     vNode.val.number = i64of(counter);
     writeCurrent<KIND_VNODE>();
-    numbers.used.insert(counter);
+    numbers.add(counter);
     if (counter < INT64_MAX) ++counter;
 }
 

@@ -2,13 +2,18 @@
 //
 // Only a type on a cycle of the graph "leads to its resolved type and to that one's components" can
 // be reached from itself. The cycles (strongly connected components) are found once, without
-// recursion; the search that decides whether the recursion can end is made for the types on them
-// alone.
+// recursion. For a component on a cycle a search, depth first and in order, looks for something
+// that ends the recursion before it comes back to the component. It stays among the types on the
+// same cycles: a way that leaves them does not come back, so all that matters of it is whether
+// anything on it ends recursion, which is noted.
 
+#include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
+#include "check/check_cache.h"
 #include "check/orvonum_end.h"
 #include "check/p5typ_int.h"
 #include "diag/orvoerr.h"
@@ -19,14 +24,9 @@ namespace orvo {
 
 namespace {
 
-uint64_t keyOf(const TNodeRef& type) {
-    return uint64_t{type.module->handle} << 32 | type.nr.nr;
+TypeNotes& notesOf(TNodeRef type) {
+    return checkCacheOf(type.module).types;
 }
-
-struct RecursionState {
-    std::unordered_map<uint64_t, bool> onCycle; // of every type whose component is complete
-};
-RecursionState recursionState;
 
 /// The type that the record resolves to, current afterwards.
 TNodeRef resolve(TNodeRef type) {
@@ -35,26 +35,52 @@ TNodeRef resolve(TNodeRef type) {
     return currentRec<KIND_TNODE>();
 }
 
-/// The components of a structured type, else none.
-std::vector<TNodeRef> componentsOf(TNodeRef type) {
-    std::vector<TNodeRef> components;
-    readRec(type);
-    if (!isStructured(tNode.typeCode) || tNode.typeCode == TYP_SELECTION) return components;
-    uint32_t left = nextRec<KIND_TNODE>(type.module).nr;
-    for (uint32_t nr = tNode.ref; nr != 0 && left-- != 0;) {
-        components.push_back({type.module, TNodeNr{nr}});
-        readRec(components.back());
-        nr = tNode.next;
+/// The components of a type, one after the other; those of extension addition groups in place.
+class Components {
+  public:
+    explicit Components(TNodeRef type) : module_(type.module) {
+        readRec(type);
+        const bool has = isStructured(tNode.typeCode) && tNode.typeCode != TYP_SELECTION;
+        if (has) next_ = tNode.ref;
+        left_ = nextRec<KIND_TNODE>(module_).nr;
     }
-    return components;
-}
+    /// The next component, current afterwards; none behind the last.
+    TNodeRef next() {
+        while (left_-- != 0) {
+            if (next_ == 0) {
+                if (afterGroup_ == 0) return {};
+                next_ = std::exchange(afterGroup_, 0);
+            }
+            const TNodeRef component{module_, TNodeNr{next_}};
+            readRec(component);
+            next_ = tNode.next;
+            if (tNode.typeCode == TYP_EXTADDGRP)
+                afterGroup_ = std::exchange(next_, tNode.ref);
+            else if (tNode.typeCode != TYP_EXTENSION_MARKER)
+                return component;
+        }
+        return {};
+    }
+
+  private:
+    ModuleRec* module_;
+    uint32_t next_ = 0;
+    uint32_t afterGroup_ = 0;
+    uint32_t left_ = 0;
+};
 
 /// What a record leads to: the type it resolves to or, when it is that itself, its components.
 std::vector<TNodeRef> successorsOf(TNodeRef type) {
     const TNodeRef resolved = resolve(type);
     if (resolved != type) return {resolved};
-    return componentsOf(type);
+    std::vector<TNodeRef> components;
+    Components list(type);
+    for (TNodeRef component = list.next(); component; component = list.next())
+        components.push_back(component);
+    return components;
 }
+
+// ---- cycles -------------------------------------------------------------------------------------
 
 /// Strongly connected components by Tarjan's algorithm with a stack of its own.
 class CycleFinder {
@@ -72,7 +98,7 @@ class CycleFinder {
 
   private:
     struct Frame {
-        uint64_t key;
+        TNodeRef type;
         std::vector<TNodeRef> successors;
         size_t at = 0;
         bool toItself = false;
@@ -82,53 +108,58 @@ class CycleFinder {
         uint32_t low;
     };
 
+    Mark& markOf(TNodeRef type) { return marks_[keyOf(type)]; }
     void enter(TNodeRef type) {
-        const uint64_t key = keyOf(type);
         const auto index = static_cast<uint32_t>(marks_.size());
-        marks_[key] = {index, index};
-        open_.push_back(key);
-        frames_.push_back({key, successorsOf(type), 0, false});
+        markOf(type) = {index, index};
+        open_.push_back(type);
+        frames_.push_back({type, successorsOf(type), 0, false});
     }
     void follow(TNodeRef type) {
-        const uint64_t key = keyOf(type);
         Frame& top = frames_.back();
-        if (key == top.key) top.toItself = true;
-        if (recursionState.onCycle.contains(key)) return;
-        const auto mark = marks_.find(key);
-        if (mark == marks_.end())
-            enter(type);
-        else
-            marks_[top.key].low = std::min(marks_[top.key].low, mark->second.index);
+        if (type == top.type) top.toItself = true;
+        if (notesOf(type).cycles.contains(type.nr.nr)) return;
+        const auto mark = marks_.find(keyOf(type));
+        if (mark == marks_.end()) return enter(type);
+        Mark& own = markOf(top.type);
+        own.low = std::min(own.low, mark->second.index);
     }
     void leave() {
         const Frame frame = std::move(frames_.back());
         frames_.pop_back();
-        const Mark mark = marks_[frame.key];
+        const Mark mark = markOf(frame.type);
         if (!frames_.empty()) {
-            uint32_t& low = marks_[frames_.back().key].low;
-            low = std::min(low, mark.low);
+            Mark& above = markOf(frames_.back().type);
+            above.low = std::min(above.low, mark.low);
         }
-        if (mark.low != mark.index) return;
-        const bool single = open_.back() == frame.key;
+        if (mark.low == mark.index) close(frame);
+    }
+    /// The types from the frame's on are a component.
+    void close(const Frame& frame) {
+        const bool onCycle = open_.back() != frame.type || frame.toItself;
+        const uint32_t number = ++p5State.typeCycles;
         for (bool more = true; more;) {
-            const uint64_t key = open_.back();
+            const TNodeRef type = open_.back();
             open_.pop_back();
-            recursionState.onCycle[key] = !single || frame.toItself;
-            more = key != frame.key;
+            notesOf(type).cycles[type.nr.nr] = {onCycle, number};
+            more = type != frame.type;
         }
     }
 
     std::unordered_map<uint64_t, Mark> marks_;
-    std::vector<uint64_t> open_;
+    std::vector<TNodeRef> open_;
     std::vector<Frame> frames_;
 };
 
-bool isOnCycle(TNodeRef type) {
-    const auto known = recursionState.onCycle.find(keyOf(type));
-    if (known != recursionState.onCycle.end()) return known->second;
+CycleNote cycleOf(TNodeRef type) {
+    const auto& cycles = notesOf(type).cycles;
+    const auto known = cycles.find(type.nr.nr);
+    if (known != cycles.end()) return known->second;
     CycleFinder().run(type);
-    return recursionState.onCycle[keyOf(type)];
+    return cycles.at(type.nr.nr);
 }
+
+// ---- what ends a recursion ----------------------------------------------------------------------
 
 /// A SIZE constraint is part of the constraint.
 bool hasSizeConstraint(ModuleRec* module, uint32_t sub, uint32_t& left) {
@@ -144,95 +175,162 @@ bool hasSizeConstraint(ModuleRec* module, uint32_t sub, uint32_t& left) {
     return false;
 }
 
-/// The search for a way back to one record.
-struct RecursionSearch {
-    TNodeRef target;
-    bool recursionAllowed = false;
-    std::unordered_set<uint64_t> recursionStack; // what the search has entered
-};
-
 /// An alternative ends the recursion unless its CHOICE has no other one.
-bool checkAllowedRecursionForAlternative(const std::vector<TNodeRef>& siblings) {
-    uint32_t alternatives = 0;
-    for (const TNodeRef& sibling : siblings) {
-        readRec(sibling);
-        if (tNode.typeCode != TYP_EXTENSION_MARKER) ++alternatives;
-    }
-    return alternatives > 1;
+bool checkAllowedRecursionForAlternative(TNodeRef choice) {
+    Components alternatives(choice);
+    return alternatives.next() && alternatives.next();
 }
 
 /// A list ends the recursion when its size constraint admits the empty list.
 bool checkAllowedRecursionForElement(TNodeRef list) {
     readRec(list);
+    const KeepRec<KIND_SUB> keep;
     uint32_t left = nextRec<KIND_SUB>(list.module).nr;
     if (tNode.constraint <= 0 ||
         !hasSizeConstraint(list.module, static_cast<uint32_t>(tNode.constraint), left))
         return false;
-    readRec(list);
     Endpoint lower;
-    return getSizeEndpoint(lower, false) && lower.value.val.number == I64{};
+    if (!getEndpoint(lower, false)) return false;
+    if (testInfinity(lower, false, TYP_INTEGER)) return true; // MIN is 0 for sizes
+    return i64native(lower.value.val.number) + ((lower.flags & SUBF_LOWER) == 0 ? 1 : 0) <= 0;
 }
 
-/// A visited component, of the structure `parent`, decides whether the recursion may be.
-bool checkAllowedRecursion(TNodeRef component, TNodeRef parent,
-                           const std::vector<TNodeRef>& siblings) {
+/// A visited component, of the type `parent`, decides whether the recursion may be.
+bool checkAllowedRecursion(TNodeRef component, TNodeRef parent) {
     readRec(component);
     switch (magnitude(tNode.compStatus)) {
     case TCS_OPTIONAL: return true;
-    case TCS_CHOICE: return checkAllowedRecursionForAlternative(siblings);
+    case TCS_CHOICE: return checkAllowedRecursionForAlternative(parent);
     case TCS_MULTIPLE: return checkAllowedRecursionForElement(parent);
     default: return false;
     }
 }
 
-/// Depth first over what the components of a type lead to, in order; true when the target is
-/// reached.
-bool findRecursion(RecursionSearch& search, TNodeRef type) {
-    struct Level {
-        TNodeRef parent;
-        std::vector<TNodeRef> components;
-        size_t at = 0;
-    };
+/// A type on the way of a search, with the components that are still to be looked at.
+struct Level {
+    explicit Level(TNodeRef resolved) : type(resolved), components(resolved) {}
+    TNodeRef type;
+    Components components;
+};
+
+/// Something on the ways on from a component ends recursion; noted for the types that were looked
+/// at. A type on a cycle may lead to what is found through one that the walk has not left yet: only
+/// when nothing is found it is noted.
+bool leadsToEnd(TNodeRef component) {
+    const TNodeRef start = resolve(component);
     std::vector<Level> levels;
-    levels.push_back({type, componentsOf(type), 0});
+    std::vector<TNodeRef> left; // types on cycles
+    const auto enter = [&](TNodeRef type) {
+        const auto [note, isNew] = notesOf(type).leadsToEnd.try_emplace(type.nr.nr, false);
+        if (isNew) levels.emplace_back(type);
+        return note->second;
+    };
+    bool found = enter(start);
+    while (!found && !levels.empty()) {
+        const TNodeRef parent = levels.back().type;
+        const TNodeRef next = levels.back().components.next();
+        if (next) {
+            found = checkAllowedRecursion(next, parent) || enter(resolve(next));
+            continue;
+        }
+        if (cycleOf(parent).onCycle) left.push_back(parent);
+        levels.pop_back();
+    }
+    if (!found) return false;
+    for (const TNodeRef& type : left) notesOf(type).leadsToEnd.erase(type.nr.nr);
+    for (const Level& level : levels) notesOf(level.type).leadsToEnd[level.type.nr.nr] = true;
+    return true;
+}
+
+/// The search for a way back to one component.
+struct RecursionSearch {
+    TNodeRef target;
+    uint32_t cycle = 0;                          // the strongly connected component of the target
+    std::unordered_set<uint64_t> recursionStack; // what the search has entered
+};
+
+/// The first way on from a type on a cycle: through the first component that stays on the cycle,
+/// and so on. True when something on it ends the recursion; it then cannot come back to the type
+/// before. False when it comes back to itself: other ways have to be tried. Noted for all types on
+/// the way.
+bool firstWayEnds(TNodeRef start, uint32_t cycle) {
+    std::vector<TNodeRef> way;
+    const auto step = [&](TNodeRef& type, bool& ends) {
+        Components components(type);
+        for (TNodeRef next = components.next(); next; next = components.next()) {
+            const bool stays = cycleOf(next).component == cycle;
+            ends = checkAllowedRecursion(next, type) || (!stays && leadsToEnd(next));
+            if (ends) return false;
+            if (!stays) continue;
+            type = resolve(next);
+            return true;
+        }
+        return false;
+    };
+    bool ends = false;
+    for (TNodeRef type = start;;) {
+        const auto [note, isNew] = notesOf(type).firstWayEnds.try_emplace(type.nr.nr, false);
+        if (!isNew) {
+            ends = note->second;
+            break;
+        }
+        way.push_back(type);
+        if (!step(type, ends)) break;
+    }
+    for (const TNodeRef& type : way) notesOf(type).firstWayEnds[type.nr.nr] = ends;
+    return ends;
+}
+
+/// Depth first over what the components of a type lead to, in order; true when something ends the
+/// recursion before the target is reached.
+bool findRecursion(RecursionSearch& search, TNodeRef start) {
+    std::vector<Level> levels;
+    levels.emplace_back(start);
     while (!levels.empty()) {
-        Level& level = levels.back();
-        if (level.at == level.components.size()) {
+        const TNodeRef parent = levels.back().type;
+        const TNodeRef component = levels.back().components.next();
+        if (!component) {
             levels.pop_back();
             continue;
         }
-        const TNodeRef component = level.components[level.at++];
-        if (!search.recursionAllowed)
-            search.recursionAllowed =
-                checkAllowedRecursion(component, level.parent, level.components);
-        if (component == search.target) return true;
+        if (checkAllowedRecursion(component, parent)) return true;
+        if (component == search.target) return false;
         if (!search.recursionStack.insert(keyOf(component)).second) continue;
-        const TNodeRef resolved = resolve(component);
-        if (resolved == search.target) return true;
-        if (resolved != component && !search.recursionStack.insert(keyOf(resolved)).second)
+        if (cycleOf(component).component != search.cycle) {
+            if (leadsToEnd(component)) return true;
             continue;
-        levels.push_back({resolved, componentsOf(resolved), 0});
+        }
+        const TNodeRef resolved = resolve(component);
+        if (resolved == search.target) return false;
+        if (resolved == component || search.recursionStack.insert(keyOf(resolved)).second)
+            levels.emplace_back(resolved);
     }
     return false;
+}
+
+/// Something ends the recursion of the component, which is on a cycle.
+bool recursionAllowed(TNodeRef component, uint32_t cycle) {
+    const TNodeRef resolved = resolve(component);
+    if (firstWayEnds(resolved, cycle)) return true;
+    RecursionSearch search{component, cycle, {keyOf(component), keyOf(resolved)}};
+    return findRecursion(search, resolved);
 }
 
 } // namespace
 
 void markRecursion(ModuleRec* module) {
     const TNodeRef self = currentRec<KIND_TNODE>();
-    RecursionSearch search{self, false, {keyOf(self)}};
-    bool recursive = false;
-    if (isOnCycle(self)) {
-        const TNodeRef resolved = resolve(self);
-        search.recursionStack.insert(keyOf(resolved));
-        recursive = findRecursion(search, resolved);
+    const CycleNote cycle = cycleOf(self);
+    bool allowed = true;
+    if (cycle.onCycle) {
+        readRec(self);
+        tNode.checkFlags |= CF_RECURSIVE;
+        writeRec(self);
+        allowed =
+            magnitude(tNode.compStatus) == TCS_HEADER || recursionAllowed(self, cycle.component);
     }
     readRec(self);
-    if (!recursive) return;
-    tNode.checkFlags |= CF_RECURSIVE;
-    writeRec(self);
-    if (search.recursionAllowed || magnitude(tNode.compStatus) == TCS_HEADER) return;
-    recordTNodeError(module, ERR_SEMANTIC, Msg::RecursiveTypeReference, tNodeName());
+    if (!allowed) recordTNodeError(module, ERR_SEMANTIC, Msg::RecursiveTypeReference, tNodeName());
 }
 
 } // namespace orvo

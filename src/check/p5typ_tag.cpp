@@ -2,9 +2,7 @@
 
 #include "check/p5typ_int.h"
 
-#include <unordered_map>
-#include <vector>
-
+#include "check/check_cache.h"
 #include "diag/orvoerr.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
@@ -13,21 +11,10 @@ namespace orvo {
 
 namespace {
 
-uint64_t keyOf(const SeenTag& tag) {
-    return uint64_t{static_cast<uint32_t>(tag.tagClass)} << 32 | static_cast<uint32_t>(tag.tagNr);
-}
-
-/// APPLICATION and PRIVATE tags met so far, by module; only with TAGUSAGE=.
-struct UsedTags {
-    std::unordered_map<const ModuleRec*, std::unordered_map<uint64_t, bool>> byModule;
-};
-UsedTags usedTags;
-
-/// Tags of untagged references, which lead to them over any number of links.
-struct SeenTags {
-    std::unordered_map<uint64_t, SeenTag> byType;
-};
-SeenTags seenTags;
+/// Links of one chain of references; more is a cycle.
+constexpr size_t maxLinks = 1000000;
+/// Shorter ways to a tag are walked again rather than noted.
+constexpr size_t shortWay = 8;
 
 /// Class of a finding that TAGUSAGE= or EXPLICIT= asks for: 1 warning, 2 error.
 ErrClass classOfSetting(uint8_t setting) {
@@ -55,8 +42,8 @@ bool checkTagNumber(ModuleRec* module, int32_t number) {
 bool checkTagUniqueness(ModuleRec* module, const TagRec& tag, int32_t number) {
     if (tag.tagClass != TAG_APPLICATION && tag.tagClass != TAG_PRIVATE) return true;
     if (module->options.tagUsage == 0) return true;
-    const uint64_t key = keyOf({tag.tagClass, number});
-    if (usedTags.byModule[recState.currTPtr[KIND_TNODE]].try_emplace(key, true).second) return true;
+    auto& usedTags = checkCacheOf(recState.currTPtr[KIND_TNODE]).types.usedTags;
+    if (usedTags.insert(keyOf(SeenTag{tag.tagClass, number})).second) return true;
     recordTagError(module, ERR_SEMANTIC, Msg::TagNumberInUse, tNode.line, tag.tagClass, number);
     return false;
 }
@@ -115,6 +102,35 @@ bool checkTagEncoding(ModuleRec* module, TagNr nr, const TagRec& tag) {
     }
 }
 
+bool isClass() {
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    return isClassCode(tNode.typeCode);
+}
+
+/// The first tag written on the current type, else the universal tag of its kind.
+SeenTag outermostTag() {
+    if (tNode.tags == 0) return {TAG_UNIVERSAL, typeArr[tNode.typeCode].tag};
+    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    const KeepRec<KIND_TAG> keep;
+    readRec(module, TagNr{tNode.tags});
+    const TagRec tag = tagRec;
+    return {tag.tagClass, tagNumberOf(module, tag)};
+}
+
+/// Walks from the current type to the one whose tag is seen; the untagged types on the way are
+/// added to `passed`.
+SeenTag findTag(std::vector<TNodeRef>& passed) {
+    while (tNode.tags == 0 && passed.size() < maxLinks) {
+        const TNodeRef here = currentRec<KIND_TNODE>();
+        const auto& notes = checkCacheOf(here.module).types.seenTags;
+        if (const auto note = notes.find(here.nr.nr); note != notes.end()) return note->second;
+        if (!followTypeRef(true)) break;
+        passed.push_back(here);
+    }
+    return outermostTag();
+}
+
 } // namespace
 
 int32_t tagNumberOf(ModuleRec* module, const TagRec& tag) {
@@ -127,68 +143,37 @@ int32_t tagNumberOf(ModuleRec* module, const TagRec& tag) {
     return number >= 0 && number <= maxTagNr ? static_cast<int32_t>(number) : badTagNr;
 }
 
-namespace {
-
-/// The tag that the current record, which has none of its own to follow, shows.
-SeenTag ownTag() {
-    if (tNode.tags == 0) return {TAG_UNIVERSAL, typeArr[tNode.typeCode].tag};
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
-    const KeepRec<KIND_TAG> keepTag;
-    readRec(module, TagNr{tNode.tags});
-    const TagRec tag = tagRec;
-    return {tag.tagClass, tagNumberOf(module, tag)};
-}
-
-} // namespace
-
 SeenTag getNextTag() {
     const KeepRec<KIND_TNODE> keep;
-    std::vector<uint64_t> path; // untagged references passed; they all show the tag found
-    SeenTag tag;
-    for (;;) {
-        const TNodeRef type = currentRec<KIND_TNODE>();
-        const uint64_t key = uint64_t{type.module->handle} << 32 | type.nr.nr;
-        const auto known = seenTags.byType.find(key);
-        ModuleRec* const module = tNode.tags == 0 && tNode.typeCode == TYP_SYNONYM && tNode.ref != 0
-                                      ? refModule(type.module, tNode.refMod)
-                                      : nullptr;
-        if (known != seenTags.byType.end() || module == nullptr) {
-            tag = known != seenTags.byType.end() ? known->second : ownTag();
-            break;
-        }
-        path.push_back(key);
-        seenTags.byType[key] = {TAG_UNIVERSAL, typeArr[TYP_SYNONYM].tag}; // what a cycle comes to
-        readRec(module, TNodeNr{tNode.ref});
-    }
-    for (const uint64_t key : path) seenTags.byType[key] = tag;
-    return tag;
+    std::vector<TNodeRef> passed;
+    const SeenTag seen = findTag(passed);
+    if (passed.size() >= shortWay)
+        for (const TNodeRef& type : passed)
+            checkCacheOf(type.module).types.seenTags[type.nr.nr] = seen;
+    return seen;
 }
 
 bool checkTag(ModuleRec* module) {
-    const TNodeRef self = currentRec<KIND_TNODE>();
-    skipTypes(true);
-    const bool isClass = isClassCode(tNode.typeCode);
-    readRec(self);
-    if (isClass) {
+    ModuleRec* const own = recState.currTPtr[KIND_TNODE];
+    if (isClass()) {
         recordTNodeError(module, ERR_SEMANTIC, Msg::ObjectClassCanNotBeTaggedSubtypedEntry);
         return false;
     }
+    const KeepRec<KIND_TAG> keep;
     bool ok = true;
-    TagNr nr{tNode.tags};
-    for (bool outermost = true;; outermost = false) {
-        readRec(self.module, nr);
+    uint32_t left = nextRec<KIND_TAG>(own).nr;
+    for (TagNr nr{tNode.tags}; nr && left-- != 0;) {
+        readRec(own, nr);
         const TagRec tag = tagRec;
-        const int32_t number = tagNumberOf(self.module, tag);
-        ok &= checkTagClass(module, tag, outermost);
+        const int32_t number = tagNumberOf(own, tag);
+        ok &= checkTagClass(module, tag, nr.nr == tNode.tags);
         ok &= checkTagNumber(module, number);
         ok &= checkTagUniqueness(module, tag, number);
         ok &= checkTagExplicity(module, tag);
-        if (tag.next == 0) {
-            ok &= checkTagEncoding(module, nr, tag);
-            return ok;
-        }
+        if (tag.next == 0) ok &= checkTagEncoding(module, nr, tag);
         nr = TagNr{tag.next};
     }
+    return ok;
 }
 
 /// The tag of the entry, or of one of its alternatives, that the nearest earlier entry has; null
@@ -197,37 +182,43 @@ const SeenTag* TagComparison::tagInDynaList(const CompEntry& entry) const {
     const SeenTag* clash = nullptr;
     uint32_t nearest = 0;
     const auto look = [&](const SeenTag& tag) {
-        if (tag.tagNr < 0) return;
         const auto found = earlier_.find(keyOf(tag));
         if (found == earlier_.end() || (clash != nullptr && found->second <= nearest)) return;
         clash = &tag;
         nearest = found->second;
     };
-    look(entry.tag);
-    for (const SeenTag& tag : entry.alternatives) look(tag);
+    if (entry.tag.tagNr >= 0) look(entry.tag);
+    for (const SeenTag& tag : entry.alternativeTags()) {
+        look(tag);
+        if (nearest == count_ && clash != nullptr) break; // no entry is nearer
+    }
     return clash;
+}
+
+void TagComparison::remember(const CompEntry& entry) {
+    ++count_;
+    // Only the run of optional components just before an entry can be mistaken for it.
+    if (sequence_ && magnitude(entry.compStatus) != TCS_OPTIONAL) {
+        earlier_.clear();
+        return;
+    }
+    if (entry.tag.tagNr >= 0) earlier_[keyOf(entry.tag)] = count_;
+    for (const SeenTag& tag : entry.alternativeTags()) earlier_[keyOf(tag)] = count_;
 }
 
 bool TagComparison::distinctCompTag(ModuleRec* module, const CompEntry& entry, bool isLast) {
     const SeenTag* const clash = tagInDynaList(entry);
-    const bool optional = magnitude(entry.compStatus) == TCS_OPTIONAL;
     bool ok = clash == nullptr;
     if (clash != nullptr) {
         recordTagError(module, ERR_SEMANTIC, Msg::NonDistinctTag, tNode.line, clash->tagClass,
                        clash->tagNr);
-    } else if (entry.isOpen) {
+    } else if (entry.isOpen()) {
         const bool anyOrder = kind_ == TYP_SET || kind_ == TYP_CHOICE;
-        ok = !(anyOrder || (sequence_ && optional && !isLast));
+        const bool optional = magnitude(entry.compStatus) == TCS_OPTIONAL;
+        ok = !anyOrder && !(sequence_ && optional && !isLast);
         if (!ok) recordTNodeError(module, ERR_SEMANTIC, Msg::IndeterminateTag, entry.name);
     }
-    ++count_;
-    if (sequence_ && !optional) {
-        earlier_.clear(); // only the run of optional components just before an entry can be
-                          // mistaken for it
-        return ok;
-    }
-    if (entry.tag.tagNr >= 0) earlier_[keyOf(entry.tag)] = count_;
-    for (const SeenTag& tag : entry.alternatives) earlier_[keyOf(tag)] = count_;
+    remember(entry);
     return ok;
 }
 

@@ -6,6 +6,7 @@
 #include <climits>
 #include <string>
 
+#include "check/check_cache.h"
 #include "check/orvonum.h"
 #include "check/orvonum_end.h"
 #include "check/p5typ_int.h"
@@ -241,7 +242,7 @@ void setStringOrListVF(ValueField& field) {
     }
     Endpoint lower;
     Endpoint upper;
-    if (!getSizeEndpoint(lower, false) || !getSizeEndpoint(upper, true)) return;
+    if (!getEndpoint(lower, false) || !getEndpoint(upper, true)) return;
     if (tNode.sizeLimit != 0) {
         if (isSizeLimitOK(rangeOf(lower, upper))) {
             upper.value.val.number = i64of(tNode.sizeLimit);
@@ -296,11 +297,29 @@ void setAnyVF(ValueField& field) {
     field = {generates(CGEN_ANY_FUNCTIONS) && !framed ? VFK_ANY_FUNCTIONS : VFK_FRAME, SIZE_NONE};
 }
 
-/// The value field of the type that a reference resolves to.
+/// The value field of the type that a reference resolves to. While that is being checked, which
+/// only recursion meets, it has none yet: the reference gets it together with the type.
 void setReferenceVF(ValueField& field) {
+    const TNodeRef reference = currentRec<KIND_TNODE>();
     const KeepRec<KIND_TNODE> keep;
     skipTypes(true);
     field = {tNode.vfKind, tNode.sizeOpt};
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    if (tNode.checkState == CHECK_RUNNING)
+        checkCacheOf(type.module).types.waiting[type.nr.nr].push_back(reference);
+}
+
+void serveWaitingReferences(TNodeRef type, ValueField field) {
+    auto& waiting = checkCacheOf(type.module).types.waiting;
+    const auto found = waiting.find(type.nr.nr);
+    if (found == waiting.end()) return;
+    for (const TNodeRef& reference : found->second) {
+        readRec(reference);
+        tNode.vfKind = field.kind;
+        tNode.sizeOpt = field.size;
+        writeRec(reference);
+    }
+    waiting.erase(found);
 }
 
 void setVFByKind(ValueField& field) {
@@ -345,6 +364,8 @@ void setTypeVF() {
     tNode.vfKind = field.kind;
     tNode.sizeOpt = field.size;
     writeRec(self);
+    serveWaitingReferences(self, field);
+    readRec(self);
 }
 
 } // namespace orvo

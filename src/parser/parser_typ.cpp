@@ -94,8 +94,10 @@ int32_t tagMode() {
     case TOK_EXPLICIT: ReadIn(); return TAGMODE_EXPLICIT;
     case TOK_CHOICE:
     case TOK_ANY: return TAGMODE_EXPLICIT;
-    case TOK_TYPEID: // what the reference stands for may need an explicit tag
-    case TOK_VALUEID: return cMP->tagDefault;
+    case TOK_TYPEID: // what is referred to may need an explicit tag
+    case TOK_VALUEID:
+    case TOK_TYPE_IDENTIFIER: // a field of the class may be open
+    case TOK_ABSTRACT_SYNTAX: return cMP->tagDefault;
     default:
         if (cMP->tagDefault == TAGMODE_OPEN) return TAGMODE_IMPLICIT;
         return cMP->tagDefault;
