@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
+#include "support/cases.h"
 #include "support/tree.h"
 
 namespace orvo::test {
 namespace {
-
-RunResult compileBody(const std::string& body, std::vector<std::string> options = {}) {
-    return compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n" + body + "\nEND\n"}}, std::move(options));
-}
 
 TEST(NamedNumbers, ItemsWithoutNumberGetTheFirstFreeOne) {
     constexpr struct {
