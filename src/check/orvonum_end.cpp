@@ -73,12 +73,17 @@ void keepEndpoint(TNodeRef type, const Endpoint& end, bool exists, bool upper) {
     note->ends[upper] = end;
 }
 
+/// The endpoint that a constraint gives to a type of a kind.
+bool endpointOfSub(Endpoint& end, bool upper, uint8_t kind, SubRef sub) {
+    return isSizeKind(kind) ? sizeEndpoint(end, upper, sub)
+                            : isNumberKind(kind) && getNumberEndpoint(end, upper, sub, kind);
+}
+
 /// The endpoint that the current type's own constraint gives.
 bool ownEndpoint(Endpoint& end, bool upper, uint8_t kind) {
     if (tNode.constraint <= 0) return false;
     const SubRef sub{recState.currTPtr[KIND_TNODE], SubNr{magnitude(tNode.constraint)}};
-    return isSizeKind(kind) ? sizeEndpoint(end, upper, sub)
-                            : isNumberKind(kind) && getNumberEndpoint(end, upper, sub, kind);
+    return endpointOfSub(end, upper, kind, sub);
 }
 
 /// The endpoint of the current type, which is no reference.
@@ -232,6 +237,33 @@ bool getEndpoint(Endpoint& end, bool upper) {
 bool getSizeEndpoint(Endpoint& end, bool upper) {
     if (!isSizeKind(actualKind()) || !getEndpoint(end, upper)) return none(end);
     return end.flags != 0 || !testInfinity(end, upper, TYP_INTEGER);
+}
+
+void noteEndpoints() {
+    forgetEndpoints(currentRec<KIND_TNODE>());
+    Endpoint end;
+    for (const bool upper : {false, true}) static_cast<void>(computeEndpoint(end, upper, true));
+}
+
+void extendNotedEndpoints(SubRef member) {
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    const KeepRec<KIND_SUB> keepSub;
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const uint8_t kind = actualKind();
+    for (const bool upper : {false, true}) {
+        readRec(type);
+        Endpoint own;
+        const bool given = endpointOfSub(own, upper, kind, member);
+        readRec(type);
+        EndpointNote* note = noteOf(type);
+        if (given && note != nullptr && note->known[upper] && note->exists[upper])
+            narrow(note->ends[upper], own, upper, endpointKind(kind));
+    }
+}
+
+void forgetEndpoints(TNodeRef type) {
+    checkCacheOf(type.module).endpoints.erase(type.nr.nr);
 }
 
 void setTNodeEndpoints() {

@@ -43,6 +43,14 @@ void setInfinity(Endpoint& end, bool plus, uint8_t kind);
 /// that side. Preserving.
 [[nodiscard]] bool getSizeEndpoint(Endpoint& end, bool upper);
 
+/// Notes the endpoints of the current type as its constraint gives them now, a series that is cut
+/// off behind some member; `extendNotedEndpoints` takes the next member in. So a long series is not
+/// walked anew for each member that is checked against the ones before it. Preserving.
+void noteEndpoints();
+void extendNotedEndpoints(SubRef member);
+/// What was noted of a type holds no more.
+void forgetEndpoints(TNodeRef type);
+
 /// Stores the bounds of the current type in its record. Fatal 13 when they cannot be obtained.
 void setTNodeEndpoints();
 

@@ -2,7 +2,7 @@
 
 #include "check/p5sub.h"
 
-#include "check/check_cache.h"
+#include "check/orvonum_end.h"
 #include "check/p5sub_int.h"
 #include "diag/orvoerr.h"
 #include "tree/orvorec.h"
@@ -45,7 +45,7 @@ SubRef currentSub() {
 }
 
 /// The operands of the current operator, in order; the first one that fails ends the walk.
-bool checkOperands(ModuleRec* module, ParentType parent) {
+bool subUnionIntersection(ModuleRec* module, ParentType parent) {
     const SubRef self = currentSub();
     bool ok = true;
     uint32_t left = nextRec<KIND_SUB>(self.module).nr;
@@ -107,7 +107,7 @@ bool subAllExcept(ModuleRec* module, ParentType parent) {
         writeRec(type);
     }
     readRec(self);
-    const bool ok = checkOperands(module, parent);
+    const bool ok = subUnionIntersection(module, parent);
     readRec(type);
     if (isWhole) {
         tNode.constraint = constraint;
@@ -123,16 +123,10 @@ void markExtensible() {
     writeRec(type);
 }
 
-/// What was noted of a type while a part of its constraint was taken off holds no more.
-void forgetEndpoints(TNodeRef type) {
-    checkCacheOf(type.module).endpoints.erase(type.nr.nr);
-}
-
 /// A temporary reference to the constrained type, the parent of a further constraint of a series.
 class TemporaryReference {
   public:
     explicit TemporaryReference(TNodeRef type) : type_(type), inModule_(type.module) {
-        forgetEndpoints(type_);
         nr_ = addTypeArc(nullptr, tNode.line);
         setTypeNode(TYP_SYNONYM);
         tNode.refMod = REF_OWN;
@@ -144,7 +138,6 @@ class TemporaryReference {
     TemporaryReference& operator=(const TemporaryReference&) = delete;
     ~TemporaryReference() {
         readRec(type_);
-        forgetEndpoints(type_);
         forgetEndpoints({type_.module, nr_});
         if (type_.module->nextRecNr[KIND_TNODE] == nr_.nr + 1)
             type_.module->nextRecNr[KIND_TNODE] = nr_.nr;
@@ -167,6 +160,11 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
     SubRef member{self.module, SubNr{subRec.next}};
     bool ok = chkSubRec(module, parent);
     uint32_t left = nextRec<KIND_SUB>(self.module).nr;
+    if (ok && member) {
+        const CutLink cut(before);
+        readRec(type);
+        noteEndpoints();
+    }
     while (ok && member && left-- != 0) {
         readRec(member);
         const SubRef next{self.module, SubNr{subRec.next}};
@@ -177,13 +175,14 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
         readRec(member);
         ok = chkSubRec(module, ParentType::Referenced);
         readRec(temporary.ref());
-        if ((tNode.checkFlags & CF_EXTENSIBLE) != 0) {
-            readRec(type);
-            markExtensible();
-        }
+        const bool extensible = (tNode.checkFlags & CF_EXTENSIBLE) != 0;
+        readRec(type);
+        if (extensible) markExtensible();
+        extendNotedEndpoints(member);
         before = member;
         member = next;
     }
+    forgetEndpoints(type);
     readRec(type);
     readRec(self);
     return ok;
@@ -193,7 +192,7 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
 bool checkByKind(ModuleRec* module, ParentType parent) {
     switch (subRec.subKind) {
     case SUB_UNION:
-    case SUB_INTERSECTION: return checkOperands(module, parent);
+    case SUB_INTERSECTION: return subUnionIntersection(module, parent);
     case SUB_SERIAL: return subCatenation(module, parent);
     case SUB_EXCEPT: return subExcept(module, parent);
     case SUB_ALL_EXCEPT: return subAllExcept(module, parent);
