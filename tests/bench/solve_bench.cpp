@@ -47,10 +47,6 @@ const std::map<std::string, Generator> shapes = {
          return repeated(n, "T# ::= SEQUENCE { a# NULL, COMPONENTS OF T$ }") + "\nT" +
                 std::to_string(n) + " ::= SEQUENCE { z NULL }\nv T0 ::= { z NULL }";
      }},
-    {"usesOfOneSymbol",
-     [](int64_t n) {
-         return "T ::= NULL\n" + repeated(n, "A# ::= T\nw# T ::= v") + "\nv T ::= NULL";
-     }},
     {"enumerationItems",
      [](int64_t n) {
          return "E ::= ENUMERATED {" + repeated(n, "e#", ",") + "}\n" + repeated(n, "v# E ::= e#");

@@ -53,19 +53,6 @@ TEST_F(Naming, ConversionSplitsWordsAndChangesCase) {
     }
 }
 
-TEST_F(Naming, PartsAreComposedAndConvertedAcrossTheirBorders) {
-    global("CPREF=my");
-    global("CSUFF=Of-it");
-    component("Value");
-    EXPECT_EQ(nameOf(FIX_COMPONENT), "myValueOf_it");
-    global("CCONV=HU");
-    component("Value");
-    EXPECT_EQ(nameOf(FIX_COMPONENT), "MY_VALUE_OF_IT");
-    component("");
-    tNode.name = 0;
-    EXPECT_EQ(nameOf(FIX_COMPONENT), "");
-}
-
 TEST_F(Naming, IdentifierOverridesModuleAndCommentOverridesIdentifier) {
     global("CPREF=all_");
     global("CPREF=my-Comp:own_");

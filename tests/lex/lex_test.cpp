@@ -233,7 +233,7 @@ TEST_F(OptionCommentTest, FirstCommandOfAModuleIsAnOption) {
         EXPECT_EQ(optionsOf(source, true), options) << source;
 }
 
-TEST_F(OptionCommentTest, LaterCommandsAreOptionsByTheirForm) {
+TEST_F(OptionCommentTest, LaterCommandsAreOptionsOrDirectivesByTheirForm) {
     constexpr OptionCase cases[] = {{"--$INT=2 $N=4--", "3$INT=2; 3$N=4; flags 8"},
                                     {"--$INT=2$N=4--", "3$INT=2; 3$N=4; flags 8"},
                                     {"--$INT-- =2", "flags 1"},
@@ -246,17 +246,15 @@ TEST_F(OptionCommentTest, LaterCommandsAreOptionsByTheirForm) {
                                     {"--$/ab c--", "3$/b; flags 8"},
                                     {"--$/--x", "3$/; flags 8"},
                                     {"--$X=\x01\xFF--", "3$X=~~; flags 8"},
-                                    {"--$X=a\tb--", "3$X=a; flags 8"}};
-    for (const auto& [source, options] : cases)
-        EXPECT_EQ(optionsOf(source, false), options) << source;
-}
-
-TEST_F(OptionCommentTest, DirectivesSetTheBitOfTheirName) {
-    constexpr OptionCase cases[] = {
-        {"--$ENTRY--", "flags 16"},     {"--$skip x--", "flags 32"},
-        {"--$ASNH--", "flags 64"},      {"--$PTR-- --$ASNHC\n", "flags 384"},
-        {"--$FRAME$SEG", "flags 3072"}, {"--$DYN $DYNARR--", "flags 12288"},
-        {"--$ENTRY X=5--", "flags 16"}, {"--$--", "flags 1"}};
+                                    {"--$X=a\tb--", "3$X=a; flags 8"},
+                                    {"--$ENTRY--", "flags 16"},
+                                    {"--$skip x--", "flags 32"},
+                                    {"--$ASNH--", "flags 64"},
+                                    {"--$PTR-- --$ASNHC\n", "flags 384"},
+                                    {"--$FRAME$SEG", "flags 3072"},
+                                    {"--$DYN $DYNARR--", "flags 12288"},
+                                    {"--$ENTRY X=5--", "flags 16"},
+                                    {"--$--", "flags 1"}};
     for (const auto& [source, options] : cases)
         EXPECT_EQ(optionsOf(source, false), options) << source;
 }

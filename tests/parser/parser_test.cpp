@@ -79,23 +79,5 @@ TEST_F(ParserTest, TypesInDeferredNotationAreRecognisedByWhatFollows) {
     }
 }
 
-TEST_F(ParserTest, NamedListsAreToldFromValues) {
-    constexpr struct {
-        const char* text;
-        bool isList;
-    } cases[] = {{"{ a (1) }", true},    {"{ a (1), b (2) }", true},
-                 {"{ a (-1) }", true},   {"{ a (v), b }", true},
-                 {"{ a (M.v) }", true},  {"{ a }", true},
-                 {"{ a, b }", true},     {"{ }", false},
-                 {"{ a 1 }", false},     {"{ 1 }", false},
-                 {"{ a (1) 2 }", false}, {"{ a (M.T) }", false},
-                 {"{ a (-v) }", false},  {"{ a (1 }", false},
-                 {"{ A }", false},       {"{ a", false}};
-    for (const auto& [text, isList] : cases) {
-        startAt(text);
-        EXPECT_EQ(namedIdentListFollows(), isList) << text;
-    }
-}
-
 } // namespace
 } // namespace orvo

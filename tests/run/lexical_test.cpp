@@ -28,22 +28,6 @@ TEST(LexicalErrors, AreListedAtTheirTokenAndDoNotStopTheParse) {
                                     " *** ERROR on line  11 : Lexical error before: END\n");
 }
 
-TEST(LexicalErrors, ListingShowsThemBelowTheirLine) {
-    const auto run =
-        compile({{"m.asn", "M DEFINITIONS ::= BEGIN\nv INTEGER ::= 00\nEND"}}, {"-XREF=0"});
-    const std::string listing = run.listing("m");
-    EXPECT_EQ(listing.substr(listing.find("    1:  ")),
-              "    1:  M DEFINITIONS ::= BEGIN\n"
-              "    2:  v INTEGER ::= 00\n"
-              " *** ERROR on line   2 : Leading zeroes in: number\n"
-              "    3:  END\n"
-              "\n"
-              "Syntax errors     : 1\n"
-              "Semantic errors   : 0\n"
-              "Undefined symbols : 0\n"
-              "Warnings          : 0\n");
-}
-
 TEST(LexicalErrors, ErrorBehindAMarkerIsRecordedOnce) {
     const auto run = compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n"
                                         "T {\n_ INTEGER : x} ::= OCTET STRING (SIZE (x))\n"
