@@ -49,41 +49,28 @@ TEST(RecordError, CountsTheFiveHundredAndFirstWithoutKeepingIt) {
     EXPECT_EQ(module.errors.front().line, 2);
 }
 
+// clang-format off
 constexpr struct {
     int code;
     const char* text;
 } familyCases[] = {
-    {201, "INTEGER value syntax"},
-    {212, "ANY value syntax"},
-    {232, "Error code 232"}, // a reference has no name; the code is not in the table
-    {235, "OPEN value syntax"},
-    {236, "Object syntax"},
-    {237, "TYPE-IDENTIFIER object syntax"},
-    {238, "ABSTRACT-SYNTAX object syntax"},
-    {239, "ABSTRACT-SYNTAX value syntax"},
-    {300, "Invalid union constraint(s)"},
-    {304, "Invalid ALL EXPECT constraint(s)"},
-    {315, "Invalid exception specification"},
-    {316, "Invalid TypeConstraint constraint(s)"},
-    {318, "Invalid ExceptionValue"},
-    {320, "Value out of union constraint(s)"},
-    {335, "Value out of exception specification constraint(s)"},
-    {341, "Invalid INTEGER value"},
-    {376, "Invalid Open type value"},
-    {378, "Invalid TYPE-IDENTIFIER value"},
-    {379, "Error code 379"},
-    {414, "CHOICE may not be tagged with IMPLICIT"},
+    {201, "INTEGER value syntax"}, {212, "ANY value syntax"}, {232, "Error code 232"},
+    {235, "OPEN value syntax"}, {236, "Object syntax"}, {237, "TYPE-IDENTIFIER object syntax"},
+    {238, "ABSTRACT-SYNTAX object syntax"}, {239, "ABSTRACT-SYNTAX value syntax"},
+    {300, "Invalid union constraint(s)"}, {304, "Invalid ALL EXPECT constraint(s)"},
+    {315, "Invalid exception specification"}, {316, "Invalid TypeConstraint constraint(s)"},
+    {318, "Invalid ExceptionValue"}, {320, "Value out of union constraint(s)"},
+    {335, "Value out of exception specification constraint(s)"}, {341, "Invalid INTEGER value"},
+    {376, "Invalid Open type value"}, {378, "Invalid TYPE-IDENTIFIER value"},
+    {379, "Error code 379"}, {414, "CHOICE may not be tagged with IMPLICIT"},
     {415, "ANY may not be tagged with IMPLICIT"},
     {416, "Open type may not be tagged with IMPLICIT"},
-    {412, "Tag number shall be INTEGER and in range 0..2097151"},
-    {25, "More than 19 digits in"},
-    {21, "More than 32000 characters in"},
-    {22, "More than 128 characters in"},
-    {11, "$Option(s) ignored"},
-    {999, "Error code 999"},
-    {0, "Error code 0"},
+    {412, "Tag number shall be INTEGER and in range 0..2097151"}, {25, "More than 19 digits in"},
+    {21, "More than 32000 characters in"}, {22, "More than 128 characters in"},
+    {11, "$Option(s) ignored"}, {999, "Error code 999"}, {0, "Error code 0"},
     {-5, "Error code -5"},
 };
+// clang-format on
 
 TEST(PrintError, EveryFamilyHasItsText) {
     for (const auto& [code, text] : familyCases) {

@@ -109,61 +109,6 @@ TEST_F(LocalOptions, LimitsOfTheModuleDecideAboutSizeLimitAndDefinitelen) {
     }
 }
 
-TEST_F(LocalOptions, DirectivesAreTakenByTheNodesTheyAreMeantFor) {
-    const struct {
-        uint8_t code;
-        int32_t status;
-        uint32_t seen, flags, left;
-    } rows[] = {
-        {TYP_NULL, TCS_MANDATORY, bit(TED_SKIP) | bit(TED_PTR), OPTF_SKIP, bit(TED_PTR)},
-        {TYP_NULL, TCS_MANDATORY, bit(TED_ASNH) | bit(TED_PTR), OPTF_ASNH, bit(TED_PTR)},
-        {TYP_NULL, TCS_MANDATORY, bit(TED_PTR), OPTF_PTR, 0},
-        {TYP_NULL, TCS_MANDATORY, bit(TED_ENTRY), 0, bit(TED_ENTRY)},
-        {TYP_NULL, TCS_HEADER, bit(TED_ENTRY) | bit(TED_PTR), OPTF_ENTRY, bit(TED_PTR)},
-        {TYP_NULL, TCS_HEADER, bit(TED_SKIP), OPTF_SKIP, 0},
-        {TYP_SYNONYM, TCS_HEADER, bit(TED_SKIP), 0, bit(TED_SKIP)},
-        {TYP_OCTSTR, TCS_HEADER, bit(TED_SEG) | bit(TED_DYN), OPTF_SEG, bit(TED_DYN)},
-        {TYP_IA5STR, TCS_HEADER, bit(TED_FRAME), OPTF_FRAME, 0},
-        {TYP_OCTSTR, TCS_HEADER, bit(TED_DYNARR), 0, bit(TED_DYNARR)},
-        {TYP_SETOF, TCS_HEADER, bit(TED_DYNARR), OPTF_DYNARR, 0},
-        {TYP_SEQOF, TCS_HEADER, bit(TED_DYN) | bit(TED_DYNARR), OPTF_DYN, bit(TED_DYNARR)},
-        {TYP_CHOICE, TCS_HEADER, bit(TED_ASNHC) | bit(9), OPTF_ASNHC | OPTF_EXTENSIONS, bit(9)},
-        {TYP_SET, TCS_HEADER, bit(9), bit(9) | OPTF_EXTENSIONS, 0},
-        {TYP_ANY, TCS_MANDATORY, bit(TED_FRAME) | bit(TED_SEG), OPTF_FRAME, bit(TED_SEG)},
-        {TYP_NULL, TCS_MANDATORY, bit(TED_REJECTED) | bit(TED_FRAME), 0,
-         bit(TED_REJECTED) | bit(TED_FRAME)},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << "type " << int{row.code} << ", kinds " << row.seen);
-        const TNodeNr nr = node(row.code, row.status);
-        EXPECT_EQ(patch(nr, {}, row.seen), row.left);
-        EXPECT_EQ(tNode.optFlags, row.flags);
-        EXPECT_EQ(tNode.skipOpt, (row.flags & OPTF_SKIP) != 0 ? 0 : 255);
-    }
-    const TNodeNr empty = node(TYP_SEQ);
-    tNode.ref = 0; // no components
-    EXPECT_EQ(patch(empty, {}, bit(TED_ASNHC)), bit(TED_ASNHC));
-}
-
-TEST_F(LocalOptions, EntriesComeFromGlobalOptionsCommentsAndDirectives) {
-    ASSERT_TRUE(evaluate(a, {{"-ENTRY=X-Pdu:02"}, {"-ASNHC=1"}, {"-ENCF=1"}, {"-PRIF=27"}}));
-    patch(node(TYP_NULL, TCS_HEADER, "Y"), {});
-    EXPECT_EQ(tNode.optFlags, 0U);
-    patch(node(TYP_NULL, TCS_HEADER, "X_Pdu"), {});
-    EXPECT_EQ(tNode.optFlags, OPTF_ENTRY | OPTF_ASNHC);
-    EXPECT_EQ(tNode.entryKinds, 5);
-    EXPECT_EQ(tNode.entryFlags, 0x40 | 8 | 16 | 32); // decode, ask, print
-    patch(node(TYP_NULL, TCS_HEADER, "Z"), {}, bit(TED_ENTRY));
-    EXPECT_EQ(tNode.optFlags, OPTF_ENTRY | OPTF_ASNHC);
-    EXPECT_EQ(tNode.entryKinds, 255);
-    EXPECT_EQ(tNode.entryFlags, 0x7C);
-    EXPECT_EQ(a.options.entryCount, 2U);
-    ASSERT_TRUE(evaluate(a, {{"-ENTRY=SDU"}}));
-    patch(node(TYP_NULL, TCS_HEADER, "Y"), {});
-    EXPECT_EQ(tNode.entryKinds, 2);
-    EXPECT_EQ(a.options.entryCount, 1U);
-}
-
 TEST(AnyOption, NamesATypeAndAValue) {
     std::string_view type, value;
     EXPECT_TRUE(parseAnyOption("My-Type:my-value", type, value));

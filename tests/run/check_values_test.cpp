@@ -143,6 +143,12 @@ TEST(CheckValues, EveryConstraintIsMetOrNot) {
         {"f2 REAL ({mantissa 1, base 10, exponent 0}..MAX) ::= {mantissa 9, base 10, exponent -1}",
          {range}},
         {"f3 REAL (0..MAX) ::= PLUS-INFINITY"},
+        {"f4 REAL ({mantissa 1, base 2, exponent 10}) ::= {mantissa 1024, base 10, exponent 0}"},
+        {"f5 REAL ({mantissa 1, base 2, exponent -1}) ::= {mantissa 1, base 10, exponent -1}",
+         {single}},
+        {"f6 REAL (PLUS-INFINITY) ::= {mantissa 1, base 10, exponent 32767}"}, // beyond a double
+        {"f7 REAL (0) ::= {mantissa 1, base 10, exponent -32767}"},
+        {"f8 REAL (MIN..0) ::= {mantissa 1, base 2, exponent -300}", {range}},
         {"N ::= NumericString"},
         {"g1 N ::= \"12 3\""},
         {"g2 N (SIZE (1)) ::= \"1a\"", {alphabet}},
@@ -165,6 +171,33 @@ TEST(CheckValues, BoundsOfAnotherModuleAreComparedByTheirText) {
                     {"b IA5String (FROM (lo..hi)) ::= \"ad\"",
                      {range, "Value out of permitted alphabet constraint(s)"}}},
                    {}, {other});
+}
+
+TEST(CheckValues, SomeCannotBeCompared) {
+    EXPECT_NE(compileLines({{"v ANY (INTEGER : 1) ::= INTEGER : 1"}})
+                  .diagnostics("m")
+                  .find("line   2 : Comparison of two ANY values not yet implemented, sorry.\n"),
+              std::string::npos);
+    const RunResult run =
+        compileLines({{"B ::= BIT STRING { a(4294967296) }"}, {"v B ({a}) ::= {a}"}});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find("Bit string index overflow"), std::string::npos);
+}
+
+TEST(CheckValues, ChainsOfReferencesMayBeLong) {
+    std::vector<Line> lines = {{"T ::= SEQUENCE { a T OPTIONAL, n INTEGER OPTIONAL }"},
+                               {"v0 T ::= { n 1 }"},
+                               {"w0 T ::= { n 2 }"},
+                               {"s0 IA5String ::= \"x\""}};
+    for (int i = 1; i <= 10000; ++i) {
+        const std::string own = std::to_string(i), last = std::to_string(i - 1);
+        lines.push_back(
+            {"v" + own + " T ::= { a v" + last + " } w" + own + " T ::= { a w" + last + " }"});
+        lines.push_back({"s" + own + " IA5String ::= { s" + last + " }"});
+    }
+    lines.push_back({"x T (v10000) ::= w10000", {"Value out of single value constraint(s)"}});
+    lines.push_back({"y IA5String (SIZE (1)) ::= s10000"});
+    expectFindings(lines);
 }
 
 TEST(CheckValues, InnerSubtypesRestrictPresence) {

@@ -71,23 +71,6 @@ TEST(ParsedTypes, ImpliedExtensibilityAddsAMarkerToListsWithoutOne) {
     EXPECT_EQ(tree.named("F"), "a(0) ... b(1)");
 }
 
-TEST(ParsedTypes, FieldsOfAClassAreItsComponents) {
-    const TreeFacts tree(
-        compile(
-            {{"m.asn",
-              "M DEFINITIONS ::= BEGIN\n"
-              "C ::= CLASS { &Type DEFAULT NULL, &id INTEGER (0..9) DEFAULT 5, &obj D OPTIONAL,\n"
-              "  &Set INTEGER DEFAULT { 1 | 2 }, &val &Type OPTIONAL, &Val &Type OPTIONAL }\n"
-              "D ::= CLASS { &id INTEGER UNIQUE } END\n"}}),
-        "m");
-    EXPECT_EQ(tree.components("C"), "Type id obj Set val Val");
-    EXPECT_EQ(tree.kind("C.obj"), "D");
-    EXPECT_EQ(tree.kind("C.val"), "&Type");
-    EXPECT_EQ(tree.presence("C.id"), "DEFAULT 5");
-    EXPECT_EQ(tree.presence("C.Val"), "OPTIONAL");
-    EXPECT_EQ(tree.node("D.id").checkFlags & stx::CF_UNIQUE, stx::CF_UNIQUE);
-}
-
 TEST(ParsedTypes, ImportsTellAssignedIdentifiersFromSymbols) {
     const std::string other =
         " DEFINITIONS ::= BEGIN A ::= NULL b OBJECT IDENTIFIER ::= { 1 2 } C ::= NULL END\n";

@@ -185,6 +185,15 @@ TEST(SyntaxErrors, NestingHasALimit) {
          " *** ERROR on line   1 : typeid is not allowed after:\n"
          "< componentid < componentid < \n"}};
     constexpr const char* message = "ORVO>>> stopping parsing - nesting too deep\n";
+    for (const std::string& body :
+         {"T ::= " + repeat("SET { a ", 20000) + "NULL",
+          "T ::= INTEGER " + repeat("(", 20000) + "5", "T ::= " + repeat("U {", 20000) + "NULL",
+          "v T ::= " + repeat("{ SEQUENCE { a NULL DEFAULT ", 20000),
+          "C ::= CLASS { &T } WITH SYNTAX { " + repeat("[", 20000) + "&T }"}) {
+        const auto run = compile({{"m.asn", "M DEFINITIONS ::= BEGIN " + body}});
+        EXPECT_EQ(run.status, 1) << body.substr(0, 40);
+        EXPECT_NE(run.out.find(message), std::string::npos) << body.substr(0, 40);
+    }
     for (const auto& [source, diagnostics] : cases) {
         SCOPED_TRACE(source[0].substr(0, 30));
         const auto most = compile({{"m.asn", "M DEFINITIONS ::= BEGIN " + source[0] + " END"}});

@@ -86,20 +86,6 @@ TEST(Kavrimol, OptionFileLeadsTheCompilerToFilesOfAnyName) {
     for (const char* stem : {"main", "Some-Name", "q_1", "b"}) EXPECT_NE(run.tree(stem), "");
 }
 
-TEST(Kavrimol, FirstFileMayHaveAnyName) {
-    const RunResult run = prefixesOf({{"src/my.mod.asn", module("My-Mod", "T ::= Y.T")},
-                                      {"y.asn", module("Y", "T ::= NULL U ::= My-Mod.T")}},
-                                     {"src/my.mod.asn"});
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.err,
-              "kavrimol: warning: src/my.mod.asn: a file prefix is made of letters, digits, "
-              "\"-\" and \"_\" only; let it be the first file that orvo is given\n");
-    EXPECT_EQ(run.file("p.opt"), "-PREFIXLEN=32\n-PREFIX=My-Mod:my-mod:my-mod\n-PREFIX=Y:y:y\n");
-    runAgain(run, {"+p.opt", "-L=.", "src/my.mod.asn"}); // the listing goes to ./src
-    EXPECT_NE(run.tree("my-mod"), "");
-    EXPECT_NE(run.tree("y"), "");
-}
-
 const std::string importY = module("X", "\nIMPORTS T FROM Y;");
 const SourceFile fileX = {"asn/x.asn", importY};
 

@@ -131,25 +131,6 @@ TEST(StxDump, TypeIsShownWithTheDefinitionsOfOtherFilesOnce) {
               "            N.U  SEQUENCE  [5]  MANDATORY EXTENSIBLE AUTOMATIC_TAGS  (see above)\n");
 }
 
-TEST(StxDump, FilesThatAreMissingOrStaleBesideTheTree) {
-    const RunResult run = runWith(moduleM(), moduleN());
-    std::filesystem::remove(run.dir->path() / "n.stx");
-    const Dump missing = dumpM(run, {"--type", "T"});
-    EXPECT_EQ(missing.status, 0);
-    EXPECT_NE(missing.out.find("    u  N.#1 (module N: n.stx: no such file)  [0] ...  OPTIONAL\n"),
-              std::string::npos)
-        << missing.out;
-    run.dir->write({"n.stx", "M"});
-    const Dump damaged = dumpM(run, {"--type", "T"});
-    EXPECT_EQ(damaged.err,
-              "stxdump: module N: n.stx: cut: mNode 1 takes 112 bytes, the file has 1\n");
-    TreeBytes n = moduleN();
-    n.modules[0].modTimeStamp.time = 101113;
-    const Dump stale = dumpM(runWith(moduleM(), n), {"--type", "T"});
-    EXPECT_NE((stale.out + stale.err).find("n.stx: is of another run than m.stx"),
-              std::string::npos);
-}
-
 TEST(StxDump, WrongUsageAndDamagedFilesHaveTheirExitStatus) {
     const RunResult run = runWith(moduleM(), moduleN());
     const std::string file = (run.dir->path() / "m.stx").string();

@@ -19,23 +19,6 @@ TNodeNr newType(uint32_t line) {
     return nr;
 }
 
-TEST_F(Store, WalksRestoreTheCurrentRecordAndEndOnACycle) {
-    for (uint32_t nr = 1; nr <= 3; ++nr) {
-        newType(nr);
-        tNode.next = nr % 3 + 1;
-        newRec<KIND_VNODE>();
-        vNode.next = nr < 3 ? nr + 1 : 0;
-    }
-    std::vector<uint32_t> lines;
-    forEachTNodeByMod(&a, TNodeNr{2}, [&] { lines.push_back(tNode.line); });
-    EXPECT_EQ(lines, (std::vector<uint32_t>{2, 3, 1, 2}));
-    EXPECT_EQ(tNode.line, 3U);
-    size_t values = 0;
-    forEachVNode(VNodeNr{1}, [&] { ++values; });
-    EXPECT_EQ(values, 3U);
-    EXPECT_EQ(currentRec<KIND_VNODE>().nr.nr, 3U);
-}
-
 TEST_F(StoreDeathTest, WhatWasNeverWrittenCanNotBeRead) {
     writeRec(&a, TNodeNr{1000});
     constexpr struct {
