@@ -3,19 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "support/run.h"
+#include "support/cases.h"
 #include "support/tree.h"
 
 namespace orvo::test {
 namespace {
-
-/// Module M, whose body begins on line 2.
-SourceFile moduleM(const std::string& body) {
-    return {"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n" + body + "\nEND\n"};
-}
-std::string diagnosticsOf(const std::string& body) {
-    return compile({moduleM(body)}).diagnostics("m");
-}
 
 struct Case {
     const char* body;

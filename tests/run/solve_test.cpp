@@ -3,17 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include "support/run.h"
+#include "support/cases.h"
 
 namespace orvo::test {
 namespace {
-
-SourceFile moduleM(const std::string& body) {
-    return {"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n" + body + "\nEND\n"};
-}
-std::string diagnosticsOf(const std::string& body) {
-    return compile({moduleM(body)}).diagnostics("m");
-}
 
 constexpr struct {
     const char* body;

@@ -29,6 +29,14 @@ inline std::string listed(const std::vector<Finding>& findings) {
     return lines;
 }
 
+/// Module M with automatic tags, whose body begins on line 2.
+inline SourceFile moduleM(const std::string& body) {
+    return {"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n" + body + "\nEND\n"};
+}
+inline std::string diagnosticsOf(const std::string& body) {
+    return compile({moduleM(body)}).diagnostics("m");
+}
+
 /// Compiles a module M; the body begins on line 2. `defaults`: "IMPLICIT TAGS " and the like.
 inline RunResult compileBody(const std::string& body, std::vector<std::string> options = {},
                              const std::string& defaults = "") {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "support/run.h"
+#include "support/cases.h"
 
 namespace orvo::test {
 
@@ -17,9 +17,7 @@ struct Line {
 };
 
 inline std::string listed(size_t line, const std::string& text) {
-    std::string number = std::to_string(line);
-    if (number.size() < 3) number.insert(0, 3 - number.size(), ' ');
-    return "  ** ERROR on line " + number + " : " + text + "\n";
+    return listed({{static_cast<int>(line), text}});
 }
 
 /// Compiles the lines as module M in m.asn, the first of them on line 2, beside other modules.
@@ -49,10 +47,9 @@ struct ErrorCase {
 };
 /// The messages as they are listed for line 2.
 inline std::string errorsOnLine2(std::string messages) {
-    const std::string lead = "  ** ERROR on line   2 : ";
     for (size_t at = messages.find("; "); at != std::string::npos; at = messages.find("; ", at))
-        messages.replace(at, 2, "\n" + lead);
-    return lead + messages + "\n";
+        messages.replace(at, 2, "\n  ** ERROR on line   2 : ");
+    return listed(2, messages);
 }
 
 } // namespace orvo::test

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "support/store.h"
 
@@ -12,12 +11,6 @@ namespace {
 
 using Store = StoreTest;
 using StoreDeathTest = StoreTest;
-
-TNodeNr newType(uint32_t line) {
-    const TNodeNr nr = newRec<KIND_TNODE>();
-    tNode.line = line;
-    return nr;
-}
 
 TEST_F(StoreDeathTest, WhatWasNeverWrittenCanNotBeRead) {
     writeRec(&a, TNodeNr{1000});
