@@ -21,5 +21,5 @@ TEST(Codes, NegationOfAnyWordIsDefined) {
     EXPECT_FALSE(deferredText(7));
 }
 
-}  // namespace
-}  // namespace orvo
+} // namespace
+} // namespace orvo

@@ -5,4 +5,4 @@ namespace orvo {
 Run run;
 ModuleRec* cMP = nullptr;
 
-}  // namespace orvo
+} // namespace orvo

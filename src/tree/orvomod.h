@@ -20,27 +20,29 @@
 
 namespace orvo {
 
-// ---- symbols ----------------------------------------------------------------------------------------
+// ---- symbols
+// ----------------------------------------------------------------------------------------
 
-/// A list of symbols in order of entry, with its indexes: only the list is walked, only the indexes are
-/// searched. symtab/orvosym adds to all of them.
+/// A list of symbols in order of entry, with its indexes: only the list is walked, only the indexes
+/// are searched. symtab/orvosym adds to all of them.
 struct SymTab {
     STabNr first, last;
-    std::unordered_map<int32_t, STabNr> byName;           // the first symbol of a name
-    std::unordered_map<int32_t, STabNr> byNode;           // the first symbol of a definition
-    std::unordered_set<std::string_view> definedPrefixes;  // own table: the characters of defined names
-    uint8_t prefixLen = 0;                                 // that count (NAMELEN=); 0 = none noted yet
+    std::unordered_map<int32_t, STabNr> byName; // the first symbol of a name
+    std::unordered_map<int32_t, STabNr> byNode; // the first symbol of a definition
+    std::unordered_set<std::string_view>
+        definedPrefixes;   // own table: the characters of defined names
+    uint8_t prefixLen = 0; // that count (NAMELEN=); 0 = none noted yet
 };
 
 /// A module that a module names: by IMPORTS, by an external reference or on demand.
 struct ModRef {
-    std::string name;        // as the module names it, hyphens stored as "_"
-    uint32_t number = 0;     // from 2; 1 always means the module itself
-    VNodeNr value;           // the assigned identifier given after FROM
+    std::string name;    // as the module names it, hyphens stored as "_"
+    uint32_t number = 0; // from 2; 1 always means the module itself
+    VNodeNr value;       // the assigned identifier given after FROM
     ModuleRec* module = nullptr;
-    uint8_t state = 0;       // 0 on demand, 1 external reference, 2 IMPORTS
+    uint8_t state = 0; // 0 on demand, 1 external reference, 2 IMPORTS
     uint32_t line = 0;
-    SymTab symbols;          // taken from that module
+    SymTab symbols; // taken from that module
     ModRef* next = nullptr;
 };
 
@@ -49,50 +51,58 @@ struct ModRefList {
     ModRef* modRefFirst = nullptr;
     ModRef* modRefLast = nullptr;
     std::vector<std::unique_ptr<ModRef>> refs;
-    std::unordered_map<std::string, ModRef*> byName;      // the first of a name
-    std::unordered_map<const ModuleRec*, ModRef*> byModule;  // the first to a module
+    std::unordered_map<std::string, ModRef*> byName;        // the first of a name
+    std::unordered_map<const ModuleRec*, ModRef*> byModule; // the first to a module
     std::unordered_map<uint32_t, ModRef*> byNumber;
     // Imported symbols of a name with their references, by reference number.
     std::unordered_map<int32_t, std::vector<std::pair<ModRef*, STabNr>>> imported;
 };
 
-// ---- options ----------------------------------------------------------------------------------------
+// ---- options
+// ----------------------------------------------------------------------------------------
 
-/// Naming of generated items; the texts are "" when not given. In the ENTRY record fixConv holds the entry
-/// value and fixName the name part behind it.
+/// Naming of generated items; the texts are "" when not given. In the ENTRY record fixConv holds
+/// the entry value and fixName the name part behind it.
 struct FixRec {
     std::string fixPref;
     std::string fixName;
     std::string fixSuff;
-    std::string fixConv;          // an optional H (insert "_" between words), then L or U
-    std::string fixIdent;         // identifier the record is for; per-identifier records keep its ":"
-    uint32_t fixIdentLen = 0;     // characters of it that count
-    FixRec* fixNext = nullptr;    // next per-identifier record
+    std::string fixConv;       // an optional H (insert "_" between words), then L or U
+    std::string fixIdent;      // identifier the record is for; per-identifier records keep its ":"
+    uint32_t fixIdentLen = 0;  // characters of it that count
+    FixRec* fixNext = nullptr; // next per-identifier record
 };
-/// The module-wide naming record of a kind and the per-identifier records behind it, in order of entry.
-/// Per-identifier records never move. Only the chain is walked, only the index is searched.
+/// The module-wide naming record of a kind and the per-identifier records behind it, in order of
+/// entry. Per-identifier records never move. Only the chain is walked, only the index is searched.
 struct FixList {
-    FixRec head;                  // head.fixNext is the first per-identifier record
+    FixRec head; // head.fixNext is the first per-identifier record
     FixRec* last = nullptr;
     std::vector<std::unique_ptr<FixRec>> records;
-    std::unordered_map<std::string, FixRec*> byIdent;  // by identifier, hyphens as "_"
+    std::unordered_map<std::string, FixRec*> byIdent; // by identifier, hyphens as "_"
 };
 /// Naming kinds; kind 9 (values in a second role) shares the record of kind 3.
 enum FixKind : int {
-    FIX_TYPE = 1, FIX_CLASS = 2, FIX_VALUE = 3, FIX_OBJECT = 4, FIX_VALUE_SET = 5, FIX_OBJECT_SET = 6,
-    FIX_COMPONENT = 7, FIX_FIELD = 8, FIX_VALUE2 = 9,
+    FIX_TYPE = 1,
+    FIX_CLASS = 2,
+    FIX_VALUE = 3,
+    FIX_OBJECT = 4,
+    FIX_VALUE_SET = 5,
+    FIX_OBJECT_SET = 6,
+    FIX_COMPONENT = 7,
+    FIX_FIELD = 8,
+    FIX_VALUE2 = 9,
 };
 
 /// Option values of a module; the initial values are the defaults.
 struct OptionBlock {
-    std::string sourceDir;        // search path directory of the source, "" when opened as named
-    bool sourceDirKnown = false;  // sourceDir has been set by opening the source
+    std::string sourceDir;       // search path directory of the source, "" when opened as named
+    bool sourceDirKnown = false; // sourceDir has been set by opening the source
     std::string sourceFileName;
     std::string listingFileName;
-    ModRefList prefixTable;       // module references that PREFIX= maps
-    OptRange range;               // the module's options
-    uint32_t entryCount = 0;      // type assignments marked with ENTRY
-    uint32_t exportedTypes = 0;   // exported type assignments
+    ModRefList prefixTable;     // module references that PREFIX= maps
+    OptRange range;             // the module's options
+    uint32_t entryCount = 0;    // type assignments marked with ENTRY
+    uint32_t exportedTypes = 0; // exported type assignments
 
     uint8_t prefixLen = 5;
     uint8_t encf = 0xFF, decf = 0xFF, askf = 0xFF, prif = 0xFF;
@@ -109,51 +119,65 @@ struct OptionBlock {
     uint8_t definitionCategory = 0;
     uint8_t typ = 1, def = 1, tab = 0, tabf = 0, tdefs = 0, cdefs = 0, tabo = 0;
     uint8_t decimals = 255;
-    uint8_t compTag = 0, explicitTags = 0;  // EXPLICIT=: 0 allow, 1 warn, 2 error
+    uint8_t compTag = 0, explicitTags = 0; // EXPLICIT=: 0 allow, 1 warn, 2 error
     uint8_t nameLen = 32;
-    uint8_t recursion = 0, tagUsage = 0;    // 0 ignore, 1 warning, 2 error
+    uint8_t recursion = 0, tagUsage = 0; // 0 ignore, 1 warning, 2 error
     uint8_t generate = 3;
     uint8_t memory = 0, zeroHome = 0;
     uint8_t defLen = 0;
-    uint8_t extensions = 1;                 // 1 SAVE
+    uint8_t extensions = 1; // 1 SAVE
     uint8_t setN = 2;
     uint8_t altMax = 0;
-    uint32_t cGeneration = 0;               // CGEN_* bits
-    int32_t segListLim = 16384, dynListLim = 4096, dynArrLim = 0, segStrLim = 16384, dynStrLim = 4096;
+    uint32_t cGeneration = 0; // CGEN_* bits
+    int32_t segListLim = 16384, dynListLim = 4096, dynArrLim = 0, segStrLim = 16384,
+            dynStrLim = 4096;
     int32_t split = 0;
     bool hasRealLim = false;
     RealVal realLim = {};
     std::vector<std::string> combine;
-    FixList naming[9];                      // by FixKind 1..8
-    FixList entry;                          // head.fixConv is the entry value of every type assignment
+    FixList naming[9]; // by FixKind 1..8
+    FixList entry;     // head.fixConv is the entry value of every type assignment
 };
 /// Bits of C-GENERATION=.
 enum CGeneration : uint32_t {
-    CGEN_OLD = 1, CGEN_REAL = 2, CGEN_COMMONTIME = 4, CGEN_EXTERNAL = 8, CGEN_SIGNED_CONTROL = 16,
+    CGEN_OLD = 1,
+    CGEN_REAL = 2,
+    CGEN_COMMONTIME = 4,
+    CGEN_EXTERNAL = 8,
+    CGEN_SIGNED_CONTROL = 16,
     CGEN_ANY_FUNCTIONS = 32,
 };
 
-// ---- modules ----------------------------------------------------------------------------------------
+// ---- modules
+// ----------------------------------------------------------------------------------------
 
-struct RecPages;       // storage of one kind (tree/orvorec)
-struct StriCacheRec;   // string caches of a module (tree/orvorec_stri)
-struct FindCache;      // what look-ups and walks noted about a module (tree/orvoutil_find)
-struct CheckCache;     // what pass 5 computed once about a module (check/check_cache)
+struct RecPages;     // storage of one kind (tree/orvorec)
+struct StriCacheRec; // string caches of a module (tree/orvorec_stri)
+struct FindCache;    // what look-ups and walks noted about a module (tree/orvoutil_find)
+struct CheckCache;   // what pass 5 computed once about a module (check/check_cache)
 /// Deleters live with the complete types.
-struct RecPagesDeleter { void operator()(RecPages*) const; };
-struct StriCacheDeleter { void operator()(StriCacheRec*) const; };
-struct FindCacheDeleter { void operator()(FindCache*) const; };
-struct CheckCacheDeleter { void operator()(CheckCache*) const; };
+struct RecPagesDeleter {
+    void operator()(RecPages*) const;
+};
+struct StriCacheDeleter {
+    void operator()(StriCacheRec*) const;
+};
+struct FindCacheDeleter {
+    void operator()(FindCache*) const;
+};
+struct CheckCacheDeleter {
+    void operator()(CheckCache*) const;
+};
 
 enum ParseState : uint8_t { PARSE_NEW = 0, PARSE_ERROR = 1, PARSE_OK = 2 };
 
 /// Everything about one module; lives for the whole run. The built-in module has one too.
 struct ModuleRec {
-    uint32_t handle = 0;           // place in run.modules, from 1; what ANode records hold
-    std::string moduleName;        // hyphens stored as "_"; empty = none yet
+    uint32_t handle = 0;    // place in run.modules, from 1; what ANode records hold
+    std::string moduleName; // hyphens stored as "_"; empty = none yet
     TimeStamp timeStamp = {};
-    std::string filePrefix;        // empty = none
-    std::string generationPrefix;  // empty = none
+    std::string filePrefix;       // empty = none
+    std::string generationPrefix; // empty = none
     VNodeNr objIdValueNr;
     uint8_t parseState = PARSE_NEW;
     uint8_t lastPass = 0;
@@ -165,44 +189,43 @@ struct ModuleRec {
     VNodeNr firstDefVal, lastDefVal;
     SymTab symTab;
     uint32_t nextRecNr[kindCount] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
-    uint8_t importsState = 0, exportsState = 0;  // 0 no clause, 1 empty, 2 a list
-    uint8_t tagDefault = 1;                      // 1 explicit, 2 implicit or automatic
+    uint8_t importsState = 0, exportsState = 0; // 0 no clause, 1 empty, 2 a list
+    uint8_t tagDefault = 1;                     // 1 explicit, 2 implicit or automatic
     bool automaticTags = false, extensibilityImplied = false;
     int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;
-    int32_t nbRecorded = 0;                      // diagnostics recorded, kept or not
-    std::vector<ErrRec> errors;                  // sorted by line, then order of recording
-    std::FILE* srcFile = nullptr;                // open during pass 1 and during the listing
-    std::FILE* lstFile = nullptr;                // open during the listing
-    std::set<uint32_t> preparedLists;            // component lists that solve/solve_ref has prepared
-    uint64_t touchedIn = 0;                      // the trial parse that has noted the counters
+    int32_t nbRecorded = 0;           // diagnostics recorded, kept or not
+    std::vector<ErrRec> errors;       // sorted by line, then order of recording
+    std::FILE* srcFile = nullptr;     // open during pass 1 and during the listing
+    std::FILE* lstFile = nullptr;     // open during the listing
+    std::set<uint32_t> preparedLists; // component lists that solve/solve_ref has prepared
+    uint64_t touchedIn = 0;           // the trial parse that has noted the counters
     std::unique_ptr<RecPages, RecPagesDeleter> recDir[kindCount];
     std::unique_ptr<StriCacheRec, StriCacheDeleter> striCache;
     std::unique_ptr<FindCache, FindCacheDeleter> findCache;
     std::unique_ptr<CheckCache, CheckCacheDeleter> checkCache;
 };
 
-
 enum Verbose : uint8_t { VERBOSE_NONE = 0, VERBOSE_NORMAL = 1, VERBOSE_TOOL = 2 };
 
 /// What finds a record on the module list by the file prefix it has or may claim.
 struct ModIndex {
-    std::unordered_map<std::string, ModuleRec*> byFilePrefix;  // the first of a prefix
-    std::unordered_map<std::string, std::deque<ModuleRec*>> unclaimed;  // by source file name
+    std::unordered_map<std::string, ModuleRec*> byFilePrefix;          // the first of a prefix
+    std::unordered_map<std::string, std::deque<ModuleRec*>> unclaimed; // by source file name
 };
 
 /// State of the run as a whole.
 struct Run {
-    ModuleRec* bOfModRList = nullptr;  // module list, in order of compilation
+    ModuleRec* bOfModRList = nullptr; // module list, in order of compilation
     ModuleRec* eOfModRList = nullptr;
-    ModuleRec* iso8824MP = nullptr;    // the built-in module, not on the list
-    std::vector<std::unique_ptr<ModuleRec>> modules;  // by handle - 1, the built-in one included
+    ModuleRec* iso8824MP = nullptr;                  // the built-in module, not on the list
+    std::vector<std::unique_ptr<ModuleRec>> modules; // by handle - 1, the built-in one included
     ModIndex index;
-    int16_t nrOfModules = 0;           // user modules whose pass 1 has started
+    int16_t nrOfModules = 0; // user modules whose pass 1 has started
     uint8_t verbose = VERBOSE_NORMAL;
     int32_t verboseEx = 3;
     bool strict_standard = false;
     std::string lstDir, stxDir;
-    uint8_t firstPrefixLen = 0;        // the first PREFIXLEN= value given in the run, 0 = none yet
+    uint8_t firstPrefixLen = 0; // the first PREFIXLEN= value given in the run, 0 = none yet
     std::vector<std::string> asnSearchPath;
     TimeStamp timeStamp = {};
     int32_t totalNbStxErrors = 0, totalNbSemErrors = 0, totalNbSymErrors = 0, totalNbWarnings = 0;
@@ -210,12 +233,16 @@ struct Run {
     std::string zovPrefix, zovDirectory;
 };
 extern Run run;
-extern ModuleRec* cMP;  // the current module: every pass, the lexer, the parser and the store act on it
+extern ModuleRec*
+    cMP; // the current module: every pass, the lexer, the parser and the store act on it
 
-/// The module that a reference number of `module` designates: itself for 1, null when there is none.
+/// The module that a reference number of `module` designates: itself for 1, null when there is
+/// none.
 ModuleRec* getModPtr(ModuleRec* module, uint32_t refNr);
 
 /// Progress lines are printed at all.
-inline bool progressShown() { return run.verbose != VERBOSE_NONE && run.verboseEx >= 3; }
+inline bool progressShown() {
+    return run.verbose != VERBOSE_NONE && run.verboseEx >= 3;
+}
 
-}  // namespace orvo
+} // namespace orvo

@@ -1,8 +1,9 @@
 #pragma once
 
-// The record store: numbered records per module and kind, and one current record per kind in a global
-// buffer. readRec copies a stored record into the buffer of its kind, writeRec copies it back; a record
-// just created lives only in the buffer until it is written (the pending record of its kind).
+// The record store: numbered records per module and kind, and one current record per kind in a
+// global buffer. readRec copies a stored record into the buffer of its kind, writeRec copies it
+// back; a record just created lives only in the buffer until it is written (the pending record of
+// its kind).
 
 #include <cstdint>
 #include <string_view>
@@ -13,8 +14,8 @@
 
 namespace orvo {
 
-// The current records. Code that reads another record of a kind while it needs the current one copies
-// what it needs into locals or holds a KeepRec.
+// The current records. Code that reads another record of a kind while it needs the current one
+// copies what it needs into locals or holds a KeepRec.
 extern MNode mNode;
 extern TNode tNode;
 extern VNode vNode;
@@ -32,14 +33,15 @@ struct RecPlace {
     uint32_t nr = 0;
 };
 struct RecState {
-    RecPlace writePend[kindCount];    // the record in the buffer that the store does not have yet; nr 0 = none
-    RecPlace recJustRead[kindCount];  // what the buffer holds
-    ModuleRec* currTPtr[kindCount] = {};  // module of the record in the buffer
+    RecPlace writePend[kindCount]; // the record in the buffer that the store does not have yet; nr
+                                   // 0 = none
+    RecPlace recJustRead[kindCount];     // what the buffer holds
+    ModuleRec* currTPtr[kindCount] = {}; // module of the record in the buffer
 };
 extern RecState recState;
 
-/// Storage of a record for writing, created as needed. Fatal 10 without a module, for a bad kind and for
-/// a number outside 1..maxRecNr.
+/// Storage of a record for writing, created as needed. Fatal 10 without a module, for a bad kind
+/// and for a number outside 1..maxRecNr.
 void* findWPos(ModuleRec* module, RecKind kind, uint32_t nr);
 /// Storage of an existing record. Fatal 9 when there is none.
 const void* findRPos(ModuleRec* module, RecKind kind, uint32_t nr);
@@ -57,16 +59,27 @@ template <RecKind K> void readRec(ModuleRec* module, RecNr<K> nr) {
     if (just.module == module && just.nr == nr.nr && nr.nr != 0) return;
     readRecKind(module, K, nr.nr);
 }
-template <RecKind K> void readRec(RecRef<K> ref) { readRec(ref.module, ref.nr); }
+template <RecKind K> void readRec(RecRef<K> ref) {
+    readRec(ref.module, ref.nr);
+}
 /// Copies the buffer into the store; nothing of the kind is pending afterwards.
-template <RecKind K> void writeRec(ModuleRec* module, RecNr<K> nr) { writeRecKind(module, K, nr.nr); }
-template <RecKind K> void writeRec(RecRef<K> ref) { writeRec(ref.module, ref.nr); }
+template <RecKind K> void writeRec(ModuleRec* module, RecNr<K> nr) {
+    writeRecKind(module, K, nr.nr);
+}
+template <RecKind K> void writeRec(RecRef<K> ref) {
+    writeRec(ref.module, ref.nr);
+}
 
-/// A new record of the current module: writes the pending one of the kind, takes the next number, makes
-/// it the pending and just-read record, clears the buffer. Memory or numbers that run out are fatal 5/10.
-template <RecKind K> RecNr<K> newRec() { return {newRecKind(K)}; }
+/// A new record of the current module: writes the pending one of the kind, takes the next number,
+/// makes it the pending and just-read record, clears the buffer. Memory or numbers that run out are
+/// fatal 5/10.
+template <RecKind K> RecNr<K> newRec() {
+    return {newRecKind(K)};
+}
 /// Number the next record of the kind will get in the module.
-template <RecKind K> RecNr<K> nextRec(const ModuleRec* module) { return {module->nextRecNr[K]}; }
+template <RecKind K> RecNr<K> nextRec(const ModuleRec* module) {
+    return {module->nextRecNr[K]};
+}
 
 /// Makes the record the pending one of its kind: reads it unless it is pending already.
 template <RecKind K> void makePending(ModuleRec* module, RecNr<K> nr) {
@@ -79,20 +92,23 @@ template <RecKind K> RecRef<K> currentRec() {
     return {recState.recJustRead[K].module, RecNr<K>{recState.recJustRead[K].nr}};
 }
 /// Stores a changed buffer at once, wherever it came from.
-template <RecKind K> void writeCurrent() { writeRec(currentRec<K>()); }
+template <RecKind K> void writeCurrent() {
+    writeRec(currentRec<K>());
+}
 
 /// Writes the pending record of a kind; with a negative kind of every kind in increasing order.
 void flushRecs(int kind);
 /// Makes `module` the current module; the pending records of the old one are written first.
 void changeCMP(ModuleRec* module);
-/// Points the per-kind cursors at the current module: nothing read, nothing pending (start of a pass).
+/// Points the per-kind cursors at the current module: nothing read, nothing pending (start of a
+/// pass).
 void initAnyPassVars();
 
-/// Trial parses note the counters of a module before it is changed for the first time since they began
-/// (solve/solve_cur). Whoever changes counters, module references or strings of a module other than the
-/// current one calls touchModule first; changeCMP and putStri do.
+/// Trial parses note the counters of a module before it is changed for the first time since they
+/// began (solve/solve_cur). Whoever changes counters, module references or strings of a module
+/// other than the current one calls touchModule first; changeCMP and putStri do.
 struct TrialState {
-    uint64_t current = 0;                  // number of the innermost trial; 0 = none
+    uint64_t current = 0; // number of the innermost trial; 0 = none
     void (*note)(ModuleRec*) = nullptr;
 };
 extern TrialState trialState;
@@ -100,7 +116,8 @@ inline void touchModule(ModuleRec* module) {
     if (module->touchedIn != trialState.current) trialState.note(module);
 }
 
-// ---- guards -----------------------------------------------------------------------------------------
+// ---- guards
+// -----------------------------------------------------------------------------------------
 
 struct NodeContext {
     ModuleRec* module = nullptr;
@@ -122,7 +139,8 @@ template <RecKind K> class KeepRec {
     NodeContext context_;
 };
 
-/// Makes a module current and puts the former one back when the scope ends (both through changeCMP).
+/// Makes a module current and puts the former one back when the scope ends (both through
+/// changeCMP).
 class CurrentModule {
   public:
     explicit CurrentModule(ModuleRec* module) : saved_(cMP) {
@@ -138,11 +156,12 @@ class CurrentModule {
     ModuleRec* saved_;
 };
 
-// ---- walks ------------------------------------------------------------------------------------------
+// ---- walks
+// ------------------------------------------------------------------------------------------
 
-/// Walks a TNode chain of a module from `first` along `next`: reads each record and calls fn(); the TNode
-/// that was in the buffer before is read back afterwards. A chain that is longer than the module has
-/// records ends the walk.
+/// Walks a TNode chain of a module from `first` along `next`: reads each record and calls fn(); the
+/// TNode that was in the buffer before is read back afterwards. A chain that is longer than the
+/// module has records ends the walk.
 template <typename Fn> void forEachTNodeByMod(ModuleRec* module, TNodeNr first, Fn&& fn) {
     KeepRec<KIND_TNODE> keep;
     uint32_t left = module->nextRecNr[KIND_TNODE];
@@ -158,7 +177,7 @@ template <typename Fn> void forEachVNode(VNodeNr first, Fn&& fn) {
     if (!first) return;
     ModuleRec* module = recState.currTPtr[KIND_VNODE];
     KeepRec<KIND_VNODE> keep;
-    uint32_t left = module != nullptr ? module->nextRecNr[KIND_VNODE] : 1;  // the read is fatal then
+    uint32_t left = module != nullptr ? module->nextRecNr[KIND_VNODE] : 1; // the read is fatal then
     for (VNodeNr nr = first; nr && left-- != 0;) {
         readRec(module, nr);
         const VNodeNr next{vNode.next};
@@ -167,11 +186,12 @@ template <typename Fn> void forEachVNode(VNodeNr first, Fn&& fn) {
     }
 }
 
-// ---- strings (tree/orvorec_stri) --------------------------------------------------------------------
+// ---- strings (tree/orvorec_stri)
+// --------------------------------------------------------------------
 
-/// String number of a text in the module's cache of 8-, 16- or 32-bit characters, added when new. Texts
-/// end at their first NUL. Numbers run 1, 2, 3 ... per module and width. Without a module or with a null
-/// data() fatal 10.
+/// String number of a text in the module's cache of 8-, 16- or 32-bit characters, added when new.
+/// Texts end at their first NUL. Numbers run 1, 2, 3 ... per module and width. Without a module or
+/// with a null data() fatal 10.
 StriNr putStri(ModuleRec* module, std::string_view text);
 Stri16Nr putStri16(ModuleRec* module, std::u16string_view text);
 Stri32Nr putStri32(ModuleRec* module, std::u32string_view text);
@@ -179,13 +199,15 @@ Stri32Nr putStri32(ModuleRec* module, std::u32string_view text);
 /// address for equal texts of all modules; lives for the whole run. scratchStri gives the scratch
 /// character. Fatal 9 when there is no such string.
 std::string_view getStri(ModuleRec* module, int64_t nr);
-inline std::string_view getStri(ModuleRec* module, StriNr nr) { return getStri(module, int64_t{nr.nr}); }
+inline std::string_view getStri(ModuleRec* module, StriNr nr) {
+    return getStri(module, int64_t{nr.nr});
+}
 std::u16string_view getStri16(ModuleRec* module, int64_t nr);
 std::u32string_view getStri32(ModuleRec* module, int64_t nr);
 /// Number of a text that the module's 8-bit cache already holds, else none; adds nothing.
 StriNr findStri(const ModuleRec* module, std::string_view text);
-/// Forgets the strings of a module with numbers from the given ones on and puts its counters back there
-/// (a trial parse taken back).
+/// Forgets the strings of a module with numbers from the given ones on and puts its counters back
+/// there (a trial parse taken back).
 void dropStriFrom(ModuleRec* module, uint32_t next8, uint32_t next16, uint32_t next32);
 
 /// The scratch characters that scratchStri designates; the second unit is always 0.
@@ -196,4 +218,4 @@ extern char32_t tempChar32[4];
 /// Forgets every module, record and string of the run (tests, fuzzing).
 void resetStore();
 
-}  // namespace orvo
+} // namespace orvo

@@ -26,7 +26,9 @@ enum AaFlags : uint32_t {
 
 /// A value: a number, or a pointer as an integer (a copied string: the address of the copy).
 using AaValue = uintptr_t;
-inline const void* aaAddress(AaValue value) { return std::bit_cast<const void*>(value); }
+inline const void* aaAddress(AaValue value) {
+    return std::bit_cast<const void*>(value);
+}
 inline AaValue aaPointer(const void* pointer) {
     return reinterpret_cast<AaValue>(pointer);
 }

@@ -11,7 +11,8 @@ namespace orvo {
 template <typename T> class Restore {
   public:
     explicit Restore(T& variable) : variable_(variable), saved_(variable) {}
-    Restore(T& variable, T now) : variable_(variable), saved_(std::exchange(variable, std::move(now))) {}
+    Restore(T& variable, T now)
+        : variable_(variable), saved_(std::exchange(variable, std::move(now))) {}
     Restore(const Restore&) = delete;
     Restore& operator=(const Restore&) = delete;
     ~Restore() { variable_ = std::move(saved_); }
@@ -41,4 +42,4 @@ struct FileCloser {
 /// Owner of an open file. Who must know whether closing worked releases it and closes it himself.
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-}  // namespace orvo
+} // namespace orvo
