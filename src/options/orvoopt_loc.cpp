@@ -237,10 +237,12 @@ bool sizeLimitOK(std::string_view value) {
         return false;
     const int32_t limit = isList() ? cMP->options.segListLim : cMP->options.segStrLim;
     if (size < 1 || (limit != 0 && size >= limit)) return false;
-    if (digits.size() < value.size() && !byteOptionOK(value.substr(digits.size() + 1), 0, 1,
-                                                      allowedSkipOptionValues, tNode.sizeLimitSkip))
+    uint8_t skip = 0; // also when an earlier limit of the type said otherwise
+    if (digits.size() < value.size() &&
+        !byteOptionOK(value.substr(digits.size() + 1), 0, 1, allowedSkipOptionValues, skip))
         return false;
     tNode.sizeLimit = static_cast<uint32_t>(size);
+    tNode.sizeLimitSkip = skip;
     return true;
 }
 

@@ -102,6 +102,9 @@ TEST_F(LocalOptions, LimitsOfTheModuleDecideAboutSizeLimitAndDefinitelen) {
     a.options.segStrLim = 0;
     EXPECT_EQ(patch(node(TYP_OCTSTR), {{"$SIZE-LIMIT=2147483647"}}), 0U);
     EXPECT_NE(patch(node(TYP_OCTSTR), {{"$SIZE-LIMIT=2147483648"}}), 0U);
+    EXPECT_EQ(patch(node(TYP_OCTSTR), {{"$SIZE-LIMIT=5:error"}, {"$SIZE-LIMIT=6"}}), 0U);
+    EXPECT_EQ(tNode.sizeLimit, 6U);
+    EXPECT_EQ(tNode.sizeLimitSkip, 0); // the last one says all
     for (uint8_t global = 0; global <= 3; ++global) {
         a.options.defLen = global;
         EXPECT_EQ(patch(node(TYP_OCTSTR), {{"$DEFINITELEN=definite"}}) == 0, global >= 2)
