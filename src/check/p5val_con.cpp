@@ -166,10 +166,11 @@ bool isInside(const CheckedValue& value, Endpoint end, bool upper) {
         end.value.valCode = kind;
     }
     if (end.value.valCode != kind) return false;
-    if ((kind == TYP_INTEGER || kind == TYP_REAL) && testInfinity(end, upper, kind)) return true;
+    const bool isMinOrMax = upper ? subRec.right == 0 : subRec.left == 0;
+    const bool isNumber = kind == TYP_INTEGER || kind == TYP_REAL;
+    if (isMinOrMax && isNumber && testInfinity(end, upper, kind)) return true;
     int order = compareValue(value.module, value.rec, end.module, end.value);
     if (upper) order = -order;
-    const bool isMinOrMax = upper ? subRec.right == 0 : subRec.left == 0;
     return order > 0 || (order == 0 && (end.flags != 0 || isMinOrMax));
 }
 

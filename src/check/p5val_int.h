@@ -53,7 +53,8 @@ struct P5ValState {
     uint64_t temporaries = 0;
     // Verdicts of the outermost check: a value against a contained type or an inner constraint.
     // Values and types that refer twice to the next level meet the same pair again and again.
-    std::map<std::tuple<uint64_t, ModuleRec*, uint32_t, bool>, bool> verdicts;
+    // The line counts: each reference to a value is reported where it stands.
+    std::map<std::tuple<uint64_t, ModuleRec*, uint32_t, uint32_t>, bool> verdicts;
 };
 extern P5ValState p5ValState;
 
@@ -98,7 +99,7 @@ class ValueNesting {
 /// A verdict that was reached before in this check, or the one that `decide` reaches now.
 template <typename Fn> bool rememberedVerdict(const CheckedValue& value, ModuleRec* module,
                                               uint32_t nr, bool report, Fn&& decide) {
-    const auto key = std::tuple(value.id, module, nr, report);
+    const auto key = std::tuple(value.id, module, nr, report ? value.line + 1 : 0);
     const auto [note, isNew] = p5ValState.verdicts.try_emplace(key, false);
     if (!isNew) return note->second;
     const bool ok = decide();

@@ -135,6 +135,9 @@ TEST(CheckValues, EveryConstraintIsMetOrNot) {
         {"d3 L (WITH COMPONENT (0..5)) ::= { 1, 5 }"},
         {"d4 L (WITH COMPONENT (0..5)) ::= { 6, 1 }",
          {range, out + "WITH COMPONENT constraint(s)"}},
+        {"d0 L (WITH COMPONENT (0..5)) ::= { n,", {range, out + "WITH COMPONENT constraint(s)"}},
+        {"n }", {range}},
+        {"n INTEGER ::= 6"},
         {"V INTEGER ::= { 1 | 2 }"},
         {"e1 V ::= 2"},
         {"e2 V ::= 3", {unions}},
@@ -149,12 +152,16 @@ TEST(CheckValues, EveryConstraintIsMetOrNot) {
         {"f6 REAL (PLUS-INFINITY) ::= {mantissa 1, base 10, exponent 32767}"}, // beyond a double
         {"f7 REAL (0) ::= {mantissa 1, base 10, exponent -32767}"},
         {"f8 REAL (MIN..0) ::= {mantissa 1, base 2, exponent -300}", {range}},
+        {"h3 REAL (0..PLUS-INFINITY) ::= PLUS-INFINITY"},
+        {"h4 REAL (0..<PLUS-INFINITY) ::= PLUS-INFINITY", {range}},
         {"N ::= NumericString"},
         {"g1 N ::= \"12 3\""},
         {"g2 N (SIZE (1)) ::= \"1a\"", {alphabet}},
         {"g3 PrintableString ::= \"a'b?\""},
         {"g4 PrintableString ::= \"a@b\"", {alphabet}},
         {"h1 BMPString (FROM (\"a\"..\"b\")) ::= \"ab\""},
+        {"i1 ObjectDescriptor (FROM (\"ab\")) ::= \"aba\""},
+        {"i2 ObjectDescriptor (FROM (\"ab\")) ::= \"c\"", {single, alphabet}},
         {"h2 UniversalString (FROM (\"a\"..\"b\")) ::= \"c\"", {range, alphabet}},
     });
 }
