@@ -167,11 +167,10 @@ bool isInside(const CheckedValue& value, Endpoint end, bool upper) {
     }
     if (end.value.valCode != kind) return false;
     const bool isMinOrMax = upper ? subRec.right == 0 : subRec.left == 0;
-    const bool isNumber = kind == TYP_INTEGER || kind == TYP_REAL;
-    if (isMinOrMax && isNumber && testInfinity(end, upper, kind)) return true;
+    const bool isIncluded = (subRec.subFlags & (upper ? SUBF_UPPER : SUBF_LOWER)) != 0;
     int order = compareValue(value.module, value.rec, end.module, end.value);
     if (upper) order = -order;
-    return order > 0 || (order == 0 && (end.flags != 0 || isMinOrMax));
+    return order > 0 || (order == 0 && isIncluded && (end.flags != 0 || isMinOrMax));
 }
 
 bool valRange(const CheckedValue& value) {

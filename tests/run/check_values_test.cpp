@@ -152,6 +152,9 @@ TEST(CheckValues, EveryConstraintIsMetOrNot) {
         {"f6 REAL (PLUS-INFINITY) ::= {mantissa 1, base 10, exponent 32767}"}, // beyond a double
         {"f7 REAL (0) ::= {mantissa 1, base 10, exponent -32767}"},
         {"f8 REAL (MIN..0) ::= {mantissa 1, base 2, exponent -300}", {range}},
+        {"h5 REAL (MIN<..0) ::= MINUS-INFINITY", {range}},
+        {"h6 T (MIN<..<MAX) ::= 5", {range}},
+        {"h7 T (MIN<..<MAX) ::= 4"},
         {"h3 REAL (0..PLUS-INFINITY) ::= PLUS-INFINITY"},
         {"h4 REAL (0..<PLUS-INFINITY) ::= PLUS-INFINITY", {range}},
         {"N ::= NumericString"},
