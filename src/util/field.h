@@ -38,7 +38,7 @@ template <typename T> constexpr uint8_t fieldWord() {
     if constexpr (std::is_array_v<T>)
         return fieldWord<std::remove_extent_t<T>>();
     else
-        return static_cast<uint8_t>(std::is_integral_v<T> ? sizeof(T) : alignof(T));
+        return static_cast<uint8_t>(alignof(T));
 }
 
 // NOLINTNEXTLINE(cppcoreguidelines-macro-usage)
