@@ -74,15 +74,15 @@ enum TypeCode : uint8_t {
 #include "tree/types.def"
 };
 struct TypeRow {
-    TypeCode code;
     const char* name;    // TYP_...
     const char* asnName; // nullptr: none
     int32_t tag;         // universal tag number or a negative pseudo tag
+    TypeCode code;
     bool structured;
 };
 inline constexpr TypeRow typeArr[] = {
 #define TYPE(code, sym, name, asnName, tag, structured)                                            \
-    {static_cast<TypeCode>(code), name, asnName, tag, structured},
+    {name, asnName, tag, static_cast<TypeCode>(code), structured},
 #include "tree/types.def"
 };
 inline constexpr int typeCount = 42;
