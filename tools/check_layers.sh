@@ -10,7 +10,7 @@ layer_of() {
     tree/orvoutil_mem.*) echo 0 ;;
     diag/orvozov_types.*) echo 3 ;;
     diag/*) echo 1 ;;
-    tree/* | check/orvonum* | check/orvostri* | check/check_cache*) echo 2 ;;
+    tree/* | check/orvonum* | check/orvostri* | check/check_cache* | check/p5typ_notes*) echo 2 ;;
     driver/orvofil*) echo 3 ;;
     options/*) echo 4 ;;
     lex/*) echo 5 ;;
