@@ -11,6 +11,7 @@
 #include "check/orvonum_end.h"
 #include "check/p5typ_int.h"
 #include "diag/orvoerr.h"
+#include "solve/p5actpar_err.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
 
@@ -152,8 +153,12 @@ bool isListType() {
     return tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
 }
 
+/// Inside an instance the line is one of who instantiated.
+ModuleRec* moduleForErrors() {
+    return actErrModPtr(recState.currTPtr[KIND_TNODE], tNode.actParRec);
+}
 void warn(Msg code, std::string_view detail) {
-    recordTNodeError(recState.currTPtr[KIND_TNODE], ERR_WARNING, code, detail);
+    recordTNodeError(moduleForErrors(), ERR_WARNING, code, detail);
 }
 
 /// SIZE-LIMIT= fits between the size endpoints of a type whose size varies.
@@ -208,7 +213,7 @@ bool isSizeValid(const Range& sizes) {
     const bool valid =
         (sizes.lower >= 0 || sizes.hasMin()) && sizes.upper >= 0 && sizes.lower <= sizes.upper;
     if (!valid) {
-        recordTNodeError(recState.currTPtr[KIND_TNODE], ERR_SEMANTIC, Msg::InvalidSizeConstraint);
+        recordTNodeError(moduleForErrors(), ERR_SEMANTIC, Msg::InvalidSizeConstraint);
         return false;
     }
     if (sizes.upper > UINT32_MAX && !sizes.hasMax())

@@ -182,7 +182,10 @@ H ::= SET OF SEQUENCE --$SEG-- OF NULL
 I ::= SEQUENCE SIZE (0..9) OF NULL
 J ::= SEQUENCE { a [0] NULL DEFAULT NULL, k K.&Type }
 K ::= CLASS { &id INTEGER UNIQUE, &Type OPTIONAL }
-L ::= SEQUENCE { ... })");
+L ::= SEQUENCE { ... }
+M ::= SEQUENCE { a Same }
+Same ::= Set
+Set INTEGER ::= { 1 | 2 })");
     ASSERT_EQ(run.diagnostics("m"), "");
     const TreeFacts tree(run, "m");
     constexpr struct {
@@ -209,6 +212,9 @@ L ::= SEQUENCE { ... })");
         EXPECT_EQ(tree.flags(row.path), row.flags);
         EXPECT_EQ(tree.node(row.path).checkState, 3);
     }
+    const auto isSet = [&](const char* path) { return (tree.node(path).nodeFlags & 8) != 0; };
+    EXPECT_TRUE(isSet("Set") && isSet("Same") && isSet("M.a"));
+    EXPECT_FALSE(isSet("K.id") || isSet("J.k"));
 }
 
 TEST(TypeFacts, BoundsAreThoseOfTheConstraint) {
