@@ -168,6 +168,29 @@ choice CHOICE { i INTEGER } ::= i : 1)");
                 {8, ignored("Invalid ANY option value syntax.")},
                 {10, ignored(entry.c_str())},
                 {13, ignored("An object class can not be marked as an entry.")}}));
+    const TreeFacts tree(run, "m");
+    EXPECT_EQ(tree.optFlags("C"), "");
+    EXPECT_EQ(tree.optFlags("Entry"), "ENTRY");
+    const auto classifier = tree.tree().sNode(static_cast<uint32_t>(tree.node("T.h").syntax));
+    EXPECT_EQ(classifier.module, 1U);
+    EXPECT_EQ(static_cast<uint32_t>(classifier.value), tree.type("T.g").nr);
+}
+
+TEST(TypeErrors, StandWhereTheTypeIsDefinedOrInstantiatedAndOnce) {
+    const RunResult run =
+        compile({{"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS P{}, L{}, Bad FROM N;\n"
+                           "T ::= P {INTEGER}\n"
+                           "U ::= SEQUENCE { a Bad,\n"
+                           " b P {BOOLEAN}, c Bad, d L {100}, e L {-1} }\nEND\n"},
+                 {"n.asn", "N DEFINITIONS ::= BEGIN\nP {X} ::= SET {\n x X,\n b INTEGER }\n"
+                           "L {INTEGER : n} ::= OCTET STRING (SIZE (n..100)) --$SIZE-LIMIT=50--\n"
+                           "Bad ::= SEQUENCE {\n a NULL,\n a NULL }\nEND\n"}});
+    EXPECT_EQ(run.diagnostics("m"),
+              listed({{2, "Non-distinct tag: [UNIVERSAL 2]"},
+                      {4, "W $Option(s) ignored: SIZE-LIMIT used with a fixed size OCTET STRING "
+                          "type."},
+                      {4, "Invalid size constraint"}}));
+    EXPECT_EQ(run.diagnostics("n"), listed({{8, "Non-distinct identifier: a"}}));
 }
 
 TEST(TypeFacts, CountAndDescribeComponents) {
