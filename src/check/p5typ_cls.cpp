@@ -45,7 +45,7 @@ bool validFieldOptionalitySpec(ModuleRec* module) {
     return false;
 }
 
-bool linkLeadsToCycle();
+bool checkLinkField();
 
 /// Mandatory fields lead from the current class to a class from which they lead back to it.
 bool leadsToCycle() {
@@ -59,29 +59,29 @@ bool leadsToCycle() {
     for (uint32_t field = tNode.ref; field != 0 && !cyclic && left-- != 0;) {
         readRec(classNode.module, TNodeNr{field});
         field = tNode.next;
-        cyclic = linkLeadsToCycle();
+        cyclic = !checkLinkField();
     }
     links[classNode.nr.nr] = cyclic ? LinkNote::Cyclic : LinkNote::Ends;
     return cyclic;
 }
 
-/// The current field names such a class.
-bool linkLeadsToCycle() {
-    if (magnitude(tNode.compStatus) == TCS_OPTIONAL) return false;
+/// The current field is not mandatory, or names no such class.
+bool checkLinkField() {
+    if (magnitude(tNode.compStatus) == TCS_OPTIONAL) return true;
     skipTypes(true);
-    return tNode.typeCode == TYP_CLASS && leadsToCycle();
+    return tNode.typeCode != TYP_CLASS || !leadsToCycle();
 }
 
 /// An object of the class would need another one, and that another, without end. The class that is
 /// being defined has this field: a chain back to it is one of the cycles.
 bool validLinkField(ModuleRec* module) {
-    bool cyclic = false;
+    bool ok = true;
     {
         const KeepRec<KIND_TNODE> keep;
-        cyclic = linkLeadsToCycle();
+        ok = checkLinkField();
     }
-    if (cyclic) recordTNodeError(module, ERR_SEMANTIC, Msg::InvalidLinkField);
-    return !cyclic;
+    if (!ok) recordTNodeError(module, ERR_SEMANTIC, Msg::InvalidLinkField);
+    return ok;
 }
 
 } // namespace
