@@ -28,8 +28,9 @@ void setInfinity(Endpoint& end, bool plus, uint8_t kind);
 [[nodiscard]] bool getEndpoint(Endpoint& end, bool upper);
 /// The endpoint that the current constraint record, of kind range, gives to values of the type it
 /// constrains; MIN and MAX are those of the type, for character strings the first and the last
-/// character. False (and valCode noEndpoint) when it gives none: the bound is no value of the
-/// type's kind or lies outside the parent's range. Preserving.
+/// character. A bound outside the parent's range gives the parent's endpoint on that side. False
+/// (and valCode noEndpoint) when it gives none: the bound is no value of the type's kind.
+/// Preserving.
 [[nodiscard]] bool getRangeEndpoint(Endpoint& end, bool upper);
 /// The current constraint record is a range, or a series one of whose members contains one.
 /// Preserving.

@@ -180,14 +180,6 @@ bool isInsideParent(const VNode& value, uint8_t kind) {
     return true;
 }
 
-bool explicitRangeEndpoint(Endpoint& end, VNodeRef value, uint8_t flags, uint8_t kind) {
-    readRec(value);
-    skipValues(true);
-    if (vNode.valCode != kind) return false;
-    end = {vNode, flags, recState.currTPtr[KIND_VNODE]};
-    return isInsideParent(end.value, kind);
-}
-
 /// MIN or MAX of the current type.
 bool implicitRangeEndpoint(Endpoint& end, bool upper, uint8_t kind, ModuleRec* module) {
     if (!isNumber(kind)) {
@@ -196,6 +188,19 @@ bool implicitRangeEndpoint(Endpoint& end, bool upper, uint8_t kind, ModuleRec* m
         setInfinity(end, upper, kind);
     }
     return true;
+}
+
+/// An endpoint as written; one outside the parent's range leaves the parent's endpoint on that
+/// side.
+bool explicitRangeEndpoint(Endpoint& end, bool upper, VNodeRef value, uint8_t flags, uint8_t kind) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    readRec(value);
+    skipValues(true);
+    if (vNode.valCode != kind) return false;
+    end = {vNode, flags, recState.currTPtr[KIND_VNODE]};
+    if (isInsideParent(end.value, kind)) return true;
+    readRec(type);
+    return implicitRangeEndpoint(end, upper, kind, value.module);
 }
 
 /// Reads the type that the current range record constrains: what the record names, or the current
@@ -225,7 +230,7 @@ bool rangeEndpoint(Endpoint& end, bool upper) {
     const uint8_t kind = tNode.typeCode;
     if (!hasRangeEndpoints(kind)) return false;
     readRec(type);
-    return value ? explicitRangeEndpoint(end, value, flags, kind)
+    return value ? explicitRangeEndpoint(end, upper, value, flags, kind)
                  : implicitRangeEndpoint(end, upper, kind, module);
 }
 

@@ -52,6 +52,8 @@ TEST(Subtypes, OperatorsAndRangesReportFromTheInsideOut) {
         {"C4 ::= INTEGER (5..1)(3..2)", {range, series}},
         {"C5 ::= INTEGER (...)",
          {"Element set spec is invalid: { ... } is allowed only in ObjectSets."}},
+        {"P1 ::= INTEGER (0..100) P2 ::= P1 (5..200) p2 P2 ::= 100"}, // keeps the parent's end
+        {"p3 P2 ::= 101", {valueOut("range")}},
         {"C6 ::= INTEGER (1..5, ...) C7 ::= INTEGER"},
         {"  (1..5 |", {unions}},
         {"   7..6)", {range}},
