@@ -35,6 +35,22 @@ constexpr std::string_view tokenName(int32_t code) {
     return code >= 0 && code < tokenCount ? gMGTabInp[code] : std::string_view();
 }
 
+/// A token that is a whole value by itself.
+constexpr bool isOneTokenValue(int32_t code) {
+    switch (code) {
+    case TOK_TRUE:
+    case TOK_FALSE:
+    case TOK_NULL:
+    case TOK_PLUS_INFINITY:
+    case TOK_MINUS_INFINITY:
+    case TOK_NUMBER:
+    case TOK_BSTRING:
+    case TOK_HSTRING:
+    case TOK_CSTRING: return true;
+    default: return false;
+    }
+}
+
 /// First and last option record of a list; its records have consecutive numbers. A range that was
 /// handed over is reset to first -1, last 0.
 struct OptRange {

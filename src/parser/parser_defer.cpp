@@ -218,17 +218,12 @@ void valueReference() {
 }
 
 void openValue() {
+    if (isOneTokenValue(parserState.Inp.code)) {
+        ReadIn();
+        return;
+    }
     switch (parserState.Inp.code) {
     case TOK_LBRACE: enclosedContents(TOK_LBRACE, TOK_RBRACE); break;
-    case TOK_TRUE:
-    case TOK_FALSE:
-    case TOK_PLUS_INFINITY:
-    case TOK_MINUS_INFINITY:
-    case TOK_NULL:
-    case TOK_BSTRING:
-    case TOK_HSTRING:
-    case TOK_CSTRING:
-    case TOK_NUMBER: ReadIn(); break;
     case TOK_MINUS:
         ReadIn();
         expectToken(TOK_NUMBER);

@@ -59,16 +59,8 @@ bool deferReference(uint32_t& count, Cause& cause) {
 
 /// From the first token of a value to its last.
 bool deferNotation(uint32_t& count, Cause& cause) {
+    if (isOneTokenValue(curCode())) return true;
     switch (curCode()) {
-    case TOK_FALSE:
-    case TOK_TRUE:
-    case TOK_NULL:
-    case TOK_PLUS_INFINITY:
-    case TOK_MINUS_INFINITY:
-    case TOK_NUMBER:
-    case TOK_BSTRING:
-    case TOK_HSTRING:
-    case TOK_CSTRING: return true;
     case TOK_LBRACE: return deferBraces(count);
     case TOK_MINUS:
         ++count;

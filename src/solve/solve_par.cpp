@@ -174,13 +174,13 @@ void popApl() {
     if (recExists(cMP, KIND_VNODE, firstActual.nr)) parseSettingPassTwo(firstActual);
 }
 
-} // namespace
-
-void parseTNodeActuals() {
-    const TNodeRef self = currentRec<KIND_TNODE>();
-    if (tNode.typeCode != TYP_SYNONYM || !isDeferred(tNode.syntax)) return;
-    const Reference reference = {tNode.refMod, static_cast<int32_t>(tNode.ref),
-                                 deferredText(tNode.syntax), tNode.line};
+/// Makes the current record of kind K, a reference of which `reference` tells what is written,
+/// refer to a new instance; it is current again afterwards. `refer` sets what the record refers to:
+/// module reference, record and first actual parameter. `expand` makes the copy in the defining
+/// module.
+template <RecKind K, typename Refer, typename Expand>
+void instantiate(const Reference& reference, Refer refer, Expand expand) {
+    const RecRef<K> self = currentRec<K>();
     SnapShot trial(self);
     const CurrentModule inReferring(self.module);
     const Restore cursor(inp);
@@ -190,29 +190,30 @@ void parseTNodeActuals() {
         recordError2(code, cause, reference.line);
         trial.restore();
         makePending(self.module, self.nr);
-        tNode.refMod = REF_UNRESOLVED;
-        tNode.ref = 0;
-        tNode.syntax = 0;
+        refer(REF_UNRESOLVED, 0, 0);
         writeRec(self);
         return;
     }
     ModuleRec* const defModule = parState.entries[parState.aplStack - 1].module;
     makePending(self.module, self.nr);
-    tNode.ref = nextRec<KIND_TNODE>(defModule).nr;
-    tNode.syntax = static_cast<int32_t>(aplAt(parState.aplStack).firstActual);
+    refer(reference.refMod, nextRec<K>(defModule).nr,
+          static_cast<int32_t>(aplAt(parState.aplStack).firstActual));
     writeRec(self);
     {
         const CurrentModule inDefining(defModule);
-        readRec(defModule, TNodeNr{static_cast<uint32_t>(reference.definition)});
-        expandType(TNodeNr{});
-        parseTNode();
+        expand();
     }
     popApl();
     trial.keep();
     readRec(self);
 }
 
-namespace {
+/// Copies the type assignment `definition` of the current module and solves the copy.
+void expandAndParseParameterizedType(TNodeNr definition) {
+    readRec(cMP, definition);
+    expandType(TNodeNr{});
+    parseTNode();
+}
 
 /// Copies the value assignment `definition` of the current module and parses the copy's text. A
 /// governor that mentions formal parameters is copied too.
@@ -235,40 +236,31 @@ void expandAndParseParameterizedValue(VNodeNr definition) {
 
 } // namespace
 
+void parseTNodeActuals() {
+    if (tNode.typeCode != TYP_SYNONYM || !isDeferred(tNode.syntax)) return;
+    const TNodeNr definition{tNode.ref};
+    instantiate<KIND_TNODE>(
+        {tNode.refMod, static_cast<int32_t>(tNode.ref), deferredText(tNode.syntax), tNode.line},
+        [](int32_t refMod, uint32_t ref, int32_t actuals) {
+            tNode.refMod = refMod;
+            tNode.ref = ref;
+            tNode.syntax = actuals;
+        },
+        [=] { expandAndParseParameterizedType(definition); });
+}
+
 void parseVNodeActuals() {
-    const VNodeRef self = currentRec<KIND_VNODE>();
     if (vNode.valCode != TYP_SYNONYM || !isDeferred(vNode.deferred)) return;
-    const VNodeNr definition{vNode.ref};
-    const Reference reference = {vNode.refMod, minus(vNode.ref), deferredText(vNode.deferred),
-                                 vNode.line};
     const KeepRec<KIND_TNODE> keepType;
-    SnapShot trial(self);
-    const CurrentModule inReferring(self.module);
-    const Restore cursor(inp);
-    Cause cause;
-    const Msg code = pushApl(reference, cause);
-    if (code != Msg::None) {
-        recordError2(code, cause, reference.line);
-        trial.restore();
-        makePending(self.module, self.nr);
-        vNode.refMod = REF_UNRESOLVED;
-        vNode.ref = 0;
-        vNode.deferred = 0;
-        writeRec(self);
-        return;
-    }
-    ModuleRec* const defModule = parState.entries[parState.aplStack - 1].module;
-    makePending(self.module, self.nr);
-    vNode.ref = nextRec<KIND_VNODE>(defModule).nr;
-    vNode.deferred = static_cast<int32_t>(aplAt(parState.aplStack).firstActual);
-    writeRec(self);
-    {
-        const CurrentModule inDefining(defModule);
-        expandAndParseParameterizedValue(definition);
-    }
-    popApl();
-    trial.keep();
-    readRec(self);
+    const VNodeNr definition{vNode.ref};
+    instantiate<KIND_VNODE>(
+        {vNode.refMod, minus(vNode.ref), deferredText(vNode.deferred), vNode.line},
+        [](int32_t refMod, uint32_t ref, int32_t actuals) {
+            vNode.refMod = refMod;
+            vNode.ref = ref;
+            vNode.deferred = actuals;
+        },
+        [=] { expandAndParseParameterizedValue(definition); });
 }
 
 } // namespace orvo

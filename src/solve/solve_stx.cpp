@@ -37,23 +37,8 @@ bool beginsType(int32_t code) {
     return code == TOK_MARKER || code == TOK_NULL || code == TOK_TYPEID;
 }
 bool beginsValue(int32_t code) {
-    switch (code) {
-    case TOK_MARKER:
-    case TOK_LBRACE:
-    case TOK_TRUE:
-    case TOK_FALSE:
-    case TOK_PLUS_INFINITY:
-    case TOK_MINUS_INFINITY:
-    case TOK_NULL:
-    case TOK_BSTRING:
-    case TOK_HSTRING:
-    case TOK_CSTRING:
-    case TOK_MINUS:
-    case TOK_NUMBER:
-    case TOK_MODULEID:
-    case TOK_VALUEID: return true;
-    default: return false;
-    }
+    return isOneTokenValue(code) || code == TOK_MARKER || code == TOK_LBRACE || code == TOK_MINUS ||
+           code == TOK_MODULEID || code == TOK_VALUEID;
 }
 
 /// The class of an object: the module of its records and its first field.
