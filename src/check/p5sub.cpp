@@ -4,6 +4,7 @@
 
 #include "check/orvonum_end.h"
 #include "check/p5sub_int.h"
+#include "check/p5typ.h"
 #include "diag/orvoerr.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
@@ -36,6 +37,13 @@ void subError(ModuleRec* module, Msg code, uint32_t line) {
         }
     }
     recordError(module, ERR_SEMANTIC, code, line);
+}
+
+void markExtensible(ParentType parent) {
+    if (parent == ParentType::Itself || parent == ParentType::InnerNone || isSetTNode()) return;
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    tNode.checkFlags |= CF_EXTENSIBLE;
+    writeRec(type);
 }
 
 namespace {
@@ -116,17 +124,12 @@ bool subAllExcept(ModuleRec* module, ParentType parent) {
     return ok;
 }
 
-void markExtensible() {
-    if (isSetTNode()) return;
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    tNode.checkFlags |= CF_EXTENSIBLE;
-    writeRec(type);
-}
-
 /// A temporary reference to the constrained type, the parent of a further constraint of a series.
 class TemporaryReference {
   public:
     explicit TemporaryReference(TNodeRef type) : type_(type), inModule_(type.module) {
+        noteEnclosing(type.module); // not of records that come and go
+        readRec(type);
         nr_ = addTypeArc(nullptr, tNode.line);
         setTypeNode(TYP_SYNONYM);
         tNode.refMod = REF_OWN;
@@ -177,7 +180,7 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
         readRec(temporary.ref());
         const bool extensible = (tNode.checkFlags & CF_EXTENSIBLE) != 0;
         readRec(type);
-        if (extensible) markExtensible();
+        if (extensible) markExtensible(parent);
         extendNotedEndpoints(member);
         before = member;
         member = next;
@@ -197,15 +200,15 @@ bool checkByKind(ModuleRec* module, ParentType parent) {
     case SUB_EXCEPT: return subExcept(module, parent);
     case SUB_ALL_EXCEPT: return subAllExcept(module, parent);
     case SUB_RANGE: return subRange();
-    case SUB_PERMITTED_ALPHABET: return subPermittedAlphabet(module);
-    case SUB_SIZE: return subSizeConstr(module);
+    case SUB_PERMITTED_ALPHABET: return subPermittedAlphabet(module, parent);
+    case SUB_SIZE: return subSizeConstr(module, parent);
     case SUB_SINGLE_VALUE: return subSingleValue(module, parent);
-    case SUB_CONTAINED_SUBTYPE: return subContainedSubtype(module);
+    case SUB_CONTAINED_SUBTYPE: return subContainedSubtype();
     case SUB_WITH_COMPONENT: return subWithComp(module);
     case SUB_WITH_COMPONENTS: return subWithComps(module);
     case SUB_USER_DEFINED: return subUserDefConstr(module);
     case SUB_EXCEPTION: return subNoValueConstr(module);
-    case SUB_OPEN_TYPE: return subOpenTypeConstr(module);
+    case SUB_OPEN_TYPE: return subOpenTypeConstr();
     default: return true;
     }
 }
@@ -224,11 +227,11 @@ bool chkSubRec(ModuleRec* module, ParentType parent) {
     const uint8_t kind = subRec.subKind;
     const uint32_t line = subRec.line;
     if (!isKnownKind(kind)) return false;
-    if (isSetTNode()) parent = ParentType::None;
     if (kind == SUB_EXTENSION_MARKER) {
-        markExtensible();
+        markExtensible(parent);
         return true;
     }
+    if (isSetTNode()) parent = ParentType::None;
     const bool ok = kind == SUB_TABLE ? subTableConstr(module) : checkByKind(module, parent);
     readRec(type);
     readRec(self);
@@ -240,8 +243,9 @@ bool chkSubRec(ModuleRec* module, ParentType parent) {
     return false;
 }
 
-bool checkSubRec(ModuleRec* module, bool isReference) {
+bool checkSubRec(ModuleRec* module) {
     const TNodeRef type = currentRec<KIND_TNODE>();
+    const bool isReference = tNode.typeCode == TYP_SYNONYM;
     const KeepRec<KIND_SUB> keepSub;
     const KeepRec<KIND_VNODE> keepValue;
     readRec(type.module, SubNr{static_cast<uint32_t>(tNode.constraint)});

@@ -6,8 +6,8 @@
 
 namespace orvo {
 
-/// Checks the constraint of the current type record; errors are charged to `module`. `isReference`:
-/// the node is a reference. Preserving. True when it is valid.
-[[nodiscard]] bool checkSubRec(ModuleRec* module, bool isReference);
+/// Checks the constraint of the current type record; errors are charged to `module`. Preserving.
+/// True when it is valid.
+[[nodiscard]] bool checkSubRec(ModuleRec* module);
 
 } // namespace orvo

@@ -69,11 +69,13 @@ bool validPermittedAlphabet() {
 
 } // namespace
 
-bool subPermittedAlphabet(ModuleRec* module) {
+bool subPermittedAlphabet(ModuleRec* module, ParentType parent) {
     const SubRef self = currentRec<KIND_SUB>();
     if (subRec.left == 0) return false;
     readRec(self.module, SubNr{subRec.left});
-    const bool ok = chkSubRec(module, ParentType::None) && validPermittedAlphabet();
+    const bool isInner = parent == ParentType::Itself || parent == ParentType::InnerNone;
+    const bool ok = chkSubRec(module, isInner ? ParentType::InnerNone : ParentType::None) &&
+                    validPermittedAlphabet();
     readRec(self);
     return ok;
 }

@@ -38,7 +38,7 @@ bool subRange() {
     return (lower.flags & SUBF_LOWER) != 0 && (upper.flags & SUBF_UPPER) != 0;
 }
 
-bool subSizeConstr(ModuleRec* module) {
+bool subSizeConstr(ModuleRec* module, ParentType parent) {
     const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
     bool ok = false;
@@ -52,10 +52,7 @@ bool subSizeConstr(ModuleRec* module) {
         extensible = (tNode.checkFlags & CF_EXTENSIBLE) != 0;
     }
     readRec(type);
-    if (extensible) {
-        tNode.checkFlags |= CF_EXTENSIBLE;
-        writeRec(type);
-    }
+    if (extensible) markExtensible(parent);
     readRec(self);
     return ok;
 }
@@ -67,7 +64,7 @@ bool subSingleValue(ModuleRec* module, ParentType parent) {
     if (!value) return false;
     readRec(value);
     bool ok = checkVNode(module, true, false);
-    if (ok && parent != ParentType::None) {
+    if (ok && (parent == ParentType::Referenced || parent == ParentType::Itself)) {
         readRec(type);
         if (parent == ParentType::Referenced && tNode.typeCode == TYP_SYNONYM && tNode.ref != 0) {
             if (ModuleRec* target = refModule(type.module, tNode.refMod))
@@ -81,12 +78,12 @@ bool subSingleValue(ModuleRec* module, ParentType parent) {
     return ok;
 }
 
-bool subContainedSubtype(ModuleRec* module) {
+bool subContainedSubtype() {
     const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
     if (!readSettingType(self.module, VNodeNr{subRec.left})) return false;
     const TNodeRef contained = currentRec<KIND_TNODE>();
-    bool ok = checkTNode(module, true, true);
+    bool ok = checkTNode(true);
     ok &= subtypeCompatible(type.module, type.nr, contained.module, contained.nr);
     readRec(type);
     readRec(self);
@@ -101,7 +98,7 @@ bool subWithComp(ModuleRec* module) {
     if ((tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF) && tNode.ref != 0) {
         readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
         // Values must be of the element type, with what its references add on the way.
-        ok = checkTNode(module, tNode.typeCode == TYP_SYNONYM, false);
+        ok = checkTNode(false);
         readRec(self.module, SubNr{subRec.left});
         ok &= chkSubRec(module, ParentType::Itself);
     }
@@ -209,7 +206,7 @@ bool subUserDefConstr(ModuleRec* module) {
         readRec(parameter);
         nr = vNode.next;
         if (vNode.valCode == TYP_OPEN && vNode.refMod == REF_FORMAL) {
-            ok &= readSettingType(self.module, parameter.nr) && checkTNode(module, true, false);
+            ok &= readSettingType(self.module, parameter.nr) && checkTNode(false);
         } else {
             ok &= checkVNode(module, true, true);
         }
@@ -230,12 +227,12 @@ bool subNoValueConstr(ModuleRec* module) {
     return ok;
 }
 
-bool subOpenTypeConstr(ModuleRec* module) {
+bool subOpenTypeConstr() {
     const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
     bool ok = readSettingType(self.module, VNodeNr{subRec.left});
     if (ok) {
-        ok = checkTNode(module, true, true);
+        ok = checkTNode(true);
         skipTypes(true);
         ok &= tNode.typeCode != TYP_SYNONYM && tNode.typeCode != TYP_FIELDLIST &&
               tNode.typeCode != TYP_SELECTION && !isClassCode(tNode.typeCode);

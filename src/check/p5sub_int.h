@@ -15,8 +15,12 @@ enum class ParentType : uint8_t {
     None,       // the constrained type has no constraint before this one
     Referenced, // what the constrained type, a reference, leads to
     Itself,     // the constrained type as it stands: an inner constraint
+    InnerNone,  // none, inside an inner constraint
 };
 
+/// The current type is extensible by its constraint; an extension marker in an inner constraint
+/// says nothing about the element or component, which others use as well.
+void markExtensible(ParentType parent);
 /// Checks the current constraint record by its kind and reports the finding at its line.
 [[nodiscard]] bool chkSubRec(ModuleRec* module, ParentType parent);
 /// Reports the failure of the current constraint; on a set node as a wrong element or set.
@@ -28,20 +32,20 @@ int subNameIndex(uint8_t subKind);
 
 // ---- p5sub_elem
 [[nodiscard]] bool subRange();
-[[nodiscard]] bool subSizeConstr(ModuleRec* module);
+[[nodiscard]] bool subSizeConstr(ModuleRec* module, ParentType parent);
 [[nodiscard]] bool subSingleValue(ModuleRec* module, ParentType parent);
-[[nodiscard]] bool subContainedSubtype(ModuleRec* module);
+[[nodiscard]] bool subContainedSubtype();
 [[nodiscard]] bool subWithComp(ModuleRec* module);
 [[nodiscard]] bool subWithComps(ModuleRec* module);
 [[nodiscard]] bool subUserDefConstr(ModuleRec* module);
 [[nodiscard]] bool subNoValueConstr(ModuleRec* module);
-[[nodiscard]] bool subOpenTypeConstr(ModuleRec* module);
+[[nodiscard]] bool subOpenTypeConstr();
 /// Reads the type record that a type or set setting stands for; the setting is a value record of
 /// `module`.
 [[nodiscard]] bool readSettingType(ModuleRec* module, VNodeNr setting);
 
 // ---- p5sub_alpha
-[[nodiscard]] bool subPermittedAlphabet(ModuleRec* module);
+[[nodiscard]] bool subPermittedAlphabet(ModuleRec* module, ParentType parent);
 
 // ---- p5sub_tab
 /// Reports by itself.

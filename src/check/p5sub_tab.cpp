@@ -22,14 +22,14 @@ bool isTableColumn() {
     return tNode.typeCode == TYP_INSTANCE_OF;
 }
 
-/// The object set in the setting `set`.
-bool checkTable(ModuleRec* module, VNodeNr set) {
+/// The object set in the setting `set`; what is wrong in it is the affair of who wrote it.
+bool checkTable(VNodeNr set) {
     const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
     bool ok = readSettingType(self.module, set);
     if (ok && tNode.constraint > 0) {
         readRec(recState.currTPtr[KIND_TNODE], SubNr{static_cast<uint32_t>(tNode.constraint)});
-        ok = chkSubRec(module, ParentType::None);
+        ok = chkSubRec(moduleForTypeErrors(), ParentType::None);
     }
     readRec(type);
     readRec(self);
@@ -86,7 +86,7 @@ bool solveReference(ModuleRec* errors, ModuleRec* module, TNodeRef under, SNodeN
         if (inner) entry = SNodeNr{static_cast<uint32_t>(sNode.next)};
     }
     readRec(under);
-    bool ok = inner ? innerEnclStru(p5State.struTypeStack) : outerEnclStru(p5State.struTypeStack);
+    bool ok = inner ? innerEnclStru() : outerEnclStru();
     while (entry) {
         readRec(module, entry);
         if (sNode.token == TOK_AT) break;
@@ -142,7 +142,7 @@ bool subTableConstr(ModuleRec* module) {
                           "Table constraint can be associated only with an ObjectClassFieldType.");
         return false;
     }
-    bool ok = checkTable(module, VNodeNr{subRec.left});
+    bool ok = checkTable(VNodeNr{subRec.left});
     if (!ok)
         recordSubRecError(module, invalidConstraint(TableName),
                           "The ObjectSet in the table constraint is invalid.");

@@ -1,12 +1,11 @@
 // The walk of pass 5 over a type.
 //
 // Every record is checked once, whoever reaches it first: checkState moves from solved to running
-// to done and is never reset. What a check reads besides its record, it puts back; the record under
-// check is current between any two steps.
+// to done and is never reset. So a check must not depend on who asked: it finds what it needs to
+// know (the enclosing structures, who is charged, what the type refers to) from the record. What it
+// reads besides its record, it puts back; the record under check is current between any two steps.
 
 #include "check/p5typ.h"
-
-#include <utility>
 
 #include "check/orvonum_end.h"
 #include "check/p5sub.h"
@@ -15,6 +14,7 @@
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "solve/p5actpar.h"
+#include "solve/p5actpar_err.h"
 #include "solve/solve_stx.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
@@ -38,36 +38,16 @@ namespace {
 /// Links of one chain of references; more is a cycle.
 constexpr size_t maxLinks = 1000000;
 
-/// Starts an empty stack of enclosing structures for a type assignment, and puts the old one back.
-class OwnStruTypeStack {
-  public:
-    explicit OwnStruTypeStack(bool isHead) : isHead_(isHead) {
-        if (isHead_) saved_ = std::exchange(p5State.struTypeStack, NodeList{NODES_TYPE});
-    }
-    OwnStruTypeStack(const OwnStruTypeStack&) = delete;
-    OwnStruTypeStack& operator=(const OwnStruTypeStack&) = delete;
-    ~OwnStruTypeStack() {
-        if (isHead_) p5State.struTypeStack = std::move(saved_);
-    }
-
-  private:
-    bool isHead_;
-    NodeList saved_{NODES_TYPE};
-};
-
 bool isReferenceWithTarget() {
     return tNode.typeCode == TYP_SYNONYM && tNode.ref != 0 && tNode.refMod > 0;
 }
 
-/// Checks what the current reference leads to; a definition of its own answers for its errors
-/// itself.
-bool checkReferencedType(ModuleRec* module, bool ignorable) {
+bool checkReferencedType(bool ignorable) {
     const KeepRec<KIND_TNODE> keep;
     ModuleRec* const target = refModule(recState.currTPtr[KIND_TNODE], tNode.refMod);
     if (target == nullptr) return true;
     readRec(target, TNodeNr{tNode.ref});
-    const bool ownDefinition = magnitude(tNode.compStatus) == TCS_HEADER && tNode.formals == 0;
-    return checkTNode(ownDefinition ? target : module, tNode.typeCode == TYP_SYNONYM, ignorable);
+    return checkTNode(ignorable);
 }
 
 bool checkByKind(ModuleRec* module, bool ignorable) {
@@ -79,7 +59,7 @@ bool checkByKind(ModuleRec* module, bool ignorable) {
     case TYP_CHOICE:
     case TYP_CLASS: return tNode.ref == 0 || checkStruType(module);
     case TYP_INSTANCE_OF: return checkEmbeddedType(module);
-    case TYP_SYNONYM: return !isReferenceWithTarget() || checkReferencedType(module, ignorable);
+    case TYP_SYNONYM: return !isReferenceWithTarget() || checkReferencedType(ignorable);
     case TYP_FIELDLIST: return !isObjClassFieldTypeTNode() || checkObjClassFieldType(module);
     default: return true;
     }
@@ -110,18 +90,18 @@ bool checkDefaultValue(ModuleRec* module) {
     return checkVNode(module, true, true);
 }
 
-bool checkDefaultType(ModuleRec* module) {
+bool checkDefaultType() {
     const KeepRec<KIND_TNODE> keep;
     const KeepRec<KIND_VNODE> keepValue;
     readRec(recState.currTPtr[KIND_TNODE], VNodeNr{tNode.defaultVal});
     if (!readTypeSetting()) return true;
     if (tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_FIELDLIST) return true;
-    return checkTNode(module, false, false);
+    return checkTNode(false);
 }
 
 bool checkDef(ModuleRec* module) {
     const bool isTypeField = tNode.typeCode == TYP_OPEN && !isSetTNode() && !isValFieldTNode();
-    const bool ok = isTypeField ? checkDefaultType(module) : checkDefaultValue(module);
+    const bool ok = isTypeField ? checkDefaultType() : checkDefaultValue(module);
     if (!ok) recordTNodeError(module, ERR_SEMANTIC, Msg::InvalidDefaultValue);
     return ok;
 }
@@ -133,58 +113,62 @@ SeenTag innerTag() {
     return {TAG_UNIVERSAL, typeArr[tNode.typeCode].tag};
 }
 
-bool checkParts(ModuleRec* module, bool isReference) {
+bool checkParts(ModuleRec* module) {
     const TNodeRef self = currentRec<KIND_TNODE>();
     bool ok = true;
-    if (tNode.constraint > 0) ok &= checkSubRec(module, isReference);
+    std::vector<VNodeNr> numberless;
+    if (tNode.namedVals != 0) numberless = numberItems();
+    if (tNode.constraint > 0) ok &= checkSubRec(module);
     readRec(self);
-    if (tNode.namedVals != 0) checkNamedList(module);
+    if (tNode.namedVals != 0) checkNamedList(module, numberless);
     readRec(self);
     if (tNode.defaultVal != 0) ok &= checkDef(module);
     readRec(self);
-    if (tNode.tags != 0) {
-        p5State.nextTag = innerTag();
-        ok &= checkTag(module);
-    }
+    if (tNode.tags != 0) ok &= checkTag(module, innerTag());
     if (tNode.typeCode == TYP_CLASS && tNode.syntaxList != 0) ok &= checkUsrDefSyntax();
     readRec(self);
     if (tNode.typeCode == TYP_ANY)
         ok &= checkAnyType(module);
     else if (tNode.syntax > 0)
-        ok &= checkTNodeActuals(module);
+        ok &= checkTNodeActuals();
     readRec(self);
     return ok;
 }
 
+/// The driver asks for ignorable marking from each type assignment on, whoever led to it first.
+bool isTypeAssignment() {
+    return magnitude(tNode.compStatus) == TCS_HEADER && tNode.actParRec == 0;
+}
+
 } // namespace
 
-bool checkTNode(ModuleRec* module, bool isReference, bool ignorable) {
+ModuleRec* moduleForTypeErrors() {
+    return actErrModPtr(recState.currTPtr[KIND_TNODE], tNode.actParRec);
+}
+
+bool checkTNode(bool ignorable) {
     if (stackIsLow()) fatalError(Fatal::NoSpace, "Types are nested too deeply.");
+    if (tNode.checkState >= CHECK_RUNNING) return true;
     const TNodeRef self = currentRec<KIND_TNODE>();
-    if (tNode.checkState >= CHECK_RUNNING) {
-        p5State.nextTag = getNextTag();
-        return true;
-    }
+    ModuleRec* const module = moduleForTypeErrors();
     tNode.checkState = CHECK_RUNNING;
     writeRec(self);
-    const OwnStruTypeStack ownStack(magnitude(tNode.compStatus) == TCS_HEADER);
     bool ok = checkByKind(module, ignorable);
     readRec(self);
     checkAndMarkSetTNode(self);
-    ok &= checkParts(module, isReference);
+    ok &= checkParts(module);
     if (ok) {
         setTypeVF();
         setTNodeEndpoints();
         readRec(self);
     }
     markRecursion(module);
-    if (ignorable && isTypeTNode()) checkIgnorable();
+    if ((ignorable || isTypeAssignment()) && isTypeTNode()) checkIgnorable();
     readRec(self);
     checkOptions(module);
     readRec(self);
     tNode.checkState = CHECK_DONE;
     writeRec(self);
-    p5State.nextTag = getNextTag();
     return ok;
 }
 

@@ -5,11 +5,11 @@
 
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "check/p5typ_notes.h"
 #include "diag/orvomsg.h"
 #include "tree/orvodef.h"
-#include "tree/orvoutil.h"
 
 namespace orvo {
 
@@ -22,34 +22,49 @@ constexpr bool isIndeterminate(int32_t tagNr) {
 
 /// State of the walk of pass 5 over types.
 struct P5State {
-    SeenTag nextTag; // of the type just checked, what a tag in front of it is applied to
-    NodeList struTypeStack{NODES_TYPE}; // structured types that enclose the node under check
-    uint32_t typeCycles = 0;            // strongly connected components of types that were found
+    uint32_t typeCycles = 0;             // strongly connected components of types that were found
+    std::vector<TNodeRef> lists;         // list types that were checked
+    std::vector<TNodeRef> ignorableFrom; // types from which on ignorable ones are to be marked
 };
 extern P5State p5State;
 
-/// Checks the current type record and all it contains, once per record; errors are charged to
-/// `module`. `isReference`: the node is a reference; `ignorable` asks for ignorable marking. The
-/// record is current again afterwards and p5State.nextTag its tag as seen from outside. True when
-/// everything is valid.
-[[nodiscard]] bool checkTNode(ModuleRec* module, bool isReference, bool ignorable);
+/// Checks the current type record and all it contains, once per record and whoever asks first: what
+/// encloses the type and whom its errors are charged to is found from the record. `ignorable` asks
+/// for ignorable marking. Preserving. True when everything is valid.
+[[nodiscard]] bool checkTNode(bool ignorable);
+/// Whom errors in the current type record are charged to: its module or, inside an instance, who
+/// instantiated.
+[[nodiscard]] ModuleRec* moduleForTypeErrors();
+
+// ---- p5typ_encl
+/// Notes for the records of a module what encloses them, once; what is added later is temporary and
+/// stands for the type it refers to.
+void noteEnclosing(ModuleRec* module);
+/// Makes the innermost structure around the current type record current; false, and nothing is
+/// read, when nothing encloses it.
+[[nodiscard]] bool innerEnclStru();
+/// The same for the outermost structure.
+[[nodiscard]] bool outerEnclStru();
 
 // ---- p5typ_tag
 /// The tag of the current type record as seen from outside: the first one on the way through
 /// references, selection types and fields of classes and objects, else the universal tag of the
 /// kind reached. Preserving.
 SeenTag getNextTag();
-/// Checks the tags of the current type record against p5State.nextTag and decides the mode of the
-/// innermost one. Preserving.
-[[nodiscard]] bool checkTag(ModuleRec* module);
+/// Checks the tags of the current type record and decides the mode of the innermost one; `nextTag`
+/// is what that one is applied to. Preserving.
+[[nodiscard]] bool checkTag(ModuleRec* module, SeenTag nextTag);
 /// The number that a tag record gives, a defined value resolved; badTagNr when it is no valid
 /// number.
 int32_t tagNumberOf(ModuleRec* module, const TagRec& tag);
 
 // ---- p5typ_named
-/// Checks the named numbers, named bits or enumeration items of the current type record; numbers
-/// the items without one. Preserving.
-void checkNamedList(ModuleRec* module);
+/// Numbers the enumeration items without a number in the list of the current type record, before
+/// anything compares them; returns those for which none was left. Preserving.
+std::vector<VNodeNr> numberItems();
+/// Checks the named numbers, named bits or numbered items of the current type record; `numberless`
+/// is what numberItems returned. Preserving.
+void checkNamedList(ModuleRec* module, const std::vector<VNodeNr>& numberless);
 
 // ---- p5typ_rec
 /// Marks the current type record when it can be reached from itself and reports recursion without
@@ -57,8 +72,14 @@ void checkNamedList(ModuleRec* module);
 void markRecursion(ModuleRec* module);
 
 // ---- p5typ_ign
-/// Marks what may be ignored by decoders, from the current type record on. Preserving.
+/// Asks for what decoders may ignore to be marked, from the current type record on, when pass 5 is
+/// through and no size limit changes any more.
 void checkIgnorable();
+/// Marks it.
+void markIgnorables();
+/// Sets the flags of the list types that were checked which follow from their elements, when pass 5
+/// is through and the representation of all is chosen.
+void markListElements();
 
 // ---- p5typ_vf
 /// Chooses the value field of the current type record (vfKind, sizeOpt) and stores the record.

@@ -7,6 +7,7 @@
 #include "options/orvoopt_loc.h"
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
+#include "tree/orvoutil.h"
 #include "tree/orvoutil_find.h"
 
 namespace orvo {
@@ -73,7 +74,7 @@ std::string_view classifierName(ModuleRec* module, SNodeNr identifier) {
 /// the ANY. The component becomes current.
 bool findClassifyingComp(std::string_view name, bool& before) {
     const TNodeRef any = currentRec<KIND_TNODE>();
-    if (!innerEnclStru(p5State.struTypeStack)) return false;
+    if (!innerEnclStru()) return false;
     ModuleRec* const module = recState.currTPtr[KIND_TNODE];
     const TNodeNr first{tNode.ref};
     uint32_t anyPosition = 0;
@@ -86,7 +87,6 @@ bool findClassifyingComp(std::string_view name, bool& before) {
 
 /// DEFINED BY in a component of the structure that encloses it.
 bool checkDefinedBy(ModuleRec* module) {
-    if (p5State.struTypeStack.nodes.empty()) return false;
     const KeepRec<KIND_TNODE> keep;
     const TNodeRef any = currentRec<KIND_TNODE>();
     const uint32_t line = tNode.line;
@@ -106,7 +106,7 @@ bool checkDefinedBy(ModuleRec* module) {
 bool isInStructure() {
     const KeepRec<KIND_TNODE> keep;
     const TNodeRef self = currentRec<KIND_TNODE>();
-    if (!isComponent() || !innerEnclStru(p5State.struTypeStack)) return false;
+    if (!isComponent() || !innerEnclStru()) return false;
     uint32_t position = 0;
     return (tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_SET) &&
            findTypeCompByNr(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}, self, position);

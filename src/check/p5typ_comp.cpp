@@ -15,6 +15,7 @@
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvorec.h"
+#include "tree/orvoutil.h"
 #include "tree/orvoutil_find.h"
 #include "util/stack.h"
 
@@ -46,6 +47,10 @@ template <typename Fn> bool forEachComponent(ModuleRec* module, uint32_t first, 
 bool readIncludedType() {
     skipTypes(true);
     return tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_SET;
+}
+
+bool isListType() {
+    return tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
 }
 
 bool isCompOf() {
@@ -136,6 +141,7 @@ struct EntryList {
     int32_t nextAutomatic = 0;
     bool tooLong = false;
     bool ok = true;
+    NodeList including{NODES_TYPE}; // the structures that are being expanded
     std::vector<CompEntry> entries;
 };
 
@@ -147,9 +153,8 @@ bool isTaggedComponents() {
 }
 
 bool isAutomatic() {
-    const bool isList = tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
-    return !isList && tNode.typeCode != TYP_CLASS && recState.currTPtr[KIND_TNODE]->automaticTags &&
-           !isTaggedComponents();
+    return !isListType() && tNode.typeCode != TYP_CLASS &&
+           recState.currTPtr[KIND_TNODE]->automaticTags && !isTaggedComponents();
 }
 
 const AlternativeTags* knownTags(TNodeRef choice) {
@@ -264,9 +269,9 @@ void addEntries(EntryList& list, ModuleRec* module, uint32_t first, TNodeRef bri
             const TNodeRef entry = bringer ? bringer : currentRec<KIND_TNODE>();
             if (!readIncludedType() || includedBy().entries == 0) return true;
             const TNodeRef type = currentRec<KIND_TNODE>();
-            if (!pushNodeUnique(p5State.struTypeStack)) return true;
+            if (!pushNodeUnique(list.including)) return true;
             addEntries(list, type.module, tNode.ref, entry);
-            delFstNode(p5State.struTypeStack);
+            delFstNode(list.including);
             return !list.tooLong;
         }
         list.tooLong = list.entries.size() == maxEntries;
@@ -283,6 +288,7 @@ EntryList dynaListForComps(ModuleRec* errors) {
     list.kind = tNode.typeCode;
     list.line = tNode.line;
     list.automatic = isAutomatic();
+    addFstNode(list.including);
     const KeepRec<KIND_TNODE> keep;
     addEntries(list, list.structure.module, tNode.ref, {});
     return list;
@@ -335,18 +341,6 @@ bool checkStruComps(ModuleRec* module, size_t& count) {
     return ok;
 }
 
-/// Flags of a list type that follow from its element.
-uint16_t checkListElem() {
-    const KeepRec<KIND_TNODE> keep;
-    readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
-    skipTypes(true);
-    const bool isList = tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
-    const bool represented = (tNode.optFlags & (OPTF_SEG | OPTF_DYN)) != 0;
-    uint16_t flags = tNode.checkFlags & (CF_LIST_OF_LISTS | CF_LIST_OF_REPR_LISTS);
-    if (isList) flags |= represented ? CF_LIST_OF_REPR_LISTS : CF_LIST_OF_LISTS;
-    return flags;
-}
-
 /// Checks the components one by one and counts what they are.
 bool checkComponents(ModuleRec* module, StruCounts& counts) {
     const TNodeRef self = currentRec<KIND_TNODE>();
@@ -360,7 +354,7 @@ bool checkComponents(ModuleRec* module, StruCounts& counts) {
             counts.markers = 1;
             ok = false;
         }
-        ok &= checkTNode(module, tNode.typeCode == TYP_SYNONYM, false);
+        ok &= checkTNode(false);
         return true;
     });
     forEachComponent(self.module, first, [&] {
@@ -375,7 +369,6 @@ bool checkComponents(ModuleRec* module, StruCounts& counts) {
 
 bool checkStruType(ModuleRec* module) {
     const TNodeRef self = currentRec<KIND_TNODE>();
-    addFstNode(p5State.struTypeStack);
     StruCounts counts;
     bool ok = checkComponents(module, counts);
     if (counts.optional || counts.markers != 0) tNode.checkFlags |= CF_OPTIONALS;
@@ -388,11 +381,9 @@ bool checkStruType(ModuleRec* module) {
         tNode.checkFlags |= CF_EXTENSIBLE;
         count = std::min(count + 1, maxEntries);
     }
-    if (tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF)
-        tNode.checkFlags |= checkListElem();
+    if (isListType()) p5State.lists.push_back(self);
     tNode.fieldSize = static_cast<int16_t>(count);
     writeRec(self);
-    delFstNode(p5State.struTypeStack);
     readRec(self);
     return ok;
 }

@@ -1,5 +1,8 @@
-// Ignorable types: what a decoder may pass over because of SKIP and SIZE-LIMIT= options.
+// What is marked when all types are checked, because it depends on what the checks of several types
+// settle: ignorable types, which a decoder may pass over because of SKIP and SIZE-LIMIT= options,
+// and lists of lists.
 
+#include <unordered_map>
 #include <vector>
 
 #include "check/p5typ_int.h"
@@ -51,9 +54,9 @@ void markReferencedIgnorable(std::vector<TNodeRef> pending) {
     }
 }
 
-/// Examines the current record by the three rules, and what it refers to.
-void doCheckIgnorable() {
-    std::vector<TNodeRef> pending{currentRec<KIND_TNODE>()};
+/// Examines a type by the three rules, and what it refers to.
+void doCheckIgnorable(TNodeRef first) {
+    std::vector<TNodeRef> pending{first};
     while (!pending.empty()) {
         const TNodeRef type = pending.back();
         pending.pop_back();
@@ -73,8 +76,63 @@ void doCheckIgnorable() {
 } // namespace
 
 void checkIgnorable() {
-    const KeepRec<KIND_TNODE> keep;
-    doCheckIgnorable();
+    p5State.ignorableFrom.push_back(currentRec<KIND_TNODE>());
+}
+
+void markIgnorables() {
+    for (const TNodeRef& type : p5State.ignorableFrom) doCheckIgnorable(type);
+    p5State.ignorableFrom.clear();
+}
+
+namespace {
+
+bool isListType() {
+    return tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
+}
+
+/// The list that is the element of a list, references followed; none for other elements. It is
+/// current afterwards.
+TNodeRef elementListOf(TNodeRef list) {
+    readRec(list);
+    readRec(list.module, TNodeNr{tNode.ref});
+    skipTypes(true);
+    return isListType() ? currentRec<KIND_TNODE>() : TNodeRef{};
+}
+
+/// What the element of a list makes of it.
+uint16_t checkListElem(TNodeRef list) {
+    if (!elementListOf(list)) return 0;
+    const bool represented = (tNode.optFlags & (OPTF_SEG | OPTF_DYN)) != 0;
+    return represented ? CF_LIST_OF_REPR_LISTS : CF_LIST_OF_LISTS;
+}
+
+} // namespace
+
+void markListElements() {
+    std::unordered_map<uint64_t, uint16_t> settled;
+    for (const TNodeRef& first : p5State.lists) {
+        std::vector<TNodeRef> way; // each the element of the one before
+        std::unordered_map<uint64_t, size_t> places;
+        TNodeRef at = first;
+        while (at && !settled.contains(keyOf(at)) &&
+               places.try_emplace(keyOf(at), way.size()).second) {
+            way.push_back(at);
+            at = elementListOf(at);
+        }
+        uint16_t flags = 0;
+        if (const auto known = at ? settled.find(keyOf(at)) : settled.end(); known != settled.end())
+            flags = known->second;
+        else if (at) // lists of one another have the flags of all
+            for (size_t i = places[keyOf(at)]; i < way.size(); ++i) flags |= checkListElem(way[i]);
+        for (size_t i = way.size(); i-- != 0;) {
+            flags |= checkListElem(way[i]);
+            settled[keyOf(way[i])] = flags;
+            readRec(way[i]);
+            tNode.checkFlags |= flags;
+            writeRec(way[i]);
+        }
+    }
+    p5State.lists.clear();
 }
 
 } // namespace orvo

@@ -4,6 +4,7 @@
 #include <climits>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "check/p5typ_int.h"
 #include "diag/orvoerr.h"
@@ -28,13 +29,18 @@ EntrySort entrySort(std::string_view fault) {
     }
 }
 
-/// The current type's list, and whom errors are charged to.
+/// A named list, and whom errors are charged to.
 struct NamedList {
     ModuleRec* errors = nullptr;
     ModuleRec* module = nullptr;
     VNodeNr first;
     bool isBitString = false;
 };
+/// That of the current type.
+NamedList namedList(ModuleRec* errors) {
+    return {errors, recState.currTPtr[KIND_TNODE], VNodeNr{tNode.namedVals},
+            tNode.typeCode == TYP_BITSTR};
+}
 
 /// Calls fn for each entry, which is the current value record.
 template <typename Fn> void forEachEntry(const NamedList& list, Fn&& fn) {
@@ -98,11 +104,12 @@ class Numbers {
     std::unordered_map<int64_t, int64_t> next_; // used number -> a number up to the next free one
 };
 
-/// Gives the current item the first number from the counter on that no other one has.
-void numberItem(const NamedList& list, Numbers& numbers, int64_t& counter) {
+/// Gives the current item the first number from the counter on that no other one has; false when
+/// none is left.
+bool numberItem(Numbers& numbers, int64_t& counter) {
     const int64_t free = numbers.firstFreeFrom(counter);
-    if (free != counter && free > INT32_MAX) {
-        report(list, invalidValue(TYP_INTEGER));
+    const bool isLeft = free == counter || free <= INT32_MAX;
+    if (!isLeft) {
         counter = std::max<int64_t>(counter, INT32_MAX);
     } else {
         counter = free;
@@ -112,11 +119,14 @@ void numberItem(const NamedList& list, Numbers& numbers, int64_t& counter) {
     writeCurrent<KIND_VNODE>();
     numbers.add(counter);
     if (counter < INT64_MAX) ++counter;
+    return isLeft;
 }
 
 /// Numbers the items that have none: those of the root among all numbered ones of the root, those
-/// behind the marker among the items before them (X.680 (07/2002) 19.3 and 19.6).
-void valuelessEnum(const NamedList& list) {
+/// behind the marker among the items before them (X.680 (07/2002) 19.3 and 19.6). Returns the items
+/// for which no number was left.
+std::vector<VNodeNr> valuelessEnum(const NamedList& list) {
+    std::vector<VNodeNr> numberless;
     Numbers numbers;
     bool inRoot = true;
     forEachEntry(list, [&] {
@@ -130,13 +140,15 @@ void valuelessEnum(const NamedList& list) {
         if (sort == EntrySort::Marker) {
             inRoot = false;
         } else if (sort == EntrySort::Valueless) {
-            numberItem(list, numbers, counter);
+            const VNodeNr item = currentRec<KIND_VNODE>().nr;
+            if (!numberItem(numbers, counter)) numberless.push_back(item);
         } else if (!inRoot) {
             numbers.addCurrent();
             int64_t number = 0;
             if (numberOf(number) && number < INT64_MAX) counter = number + 1;
         }
     });
+    return numberless;
 }
 
 void checkDuplicateValue(const NamedList& list) {
@@ -167,23 +179,37 @@ void checkExtensionOrder(const NamedList& list) {
 
 } // namespace
 
-void checkNamedList(ModuleRec* module) {
+std::vector<VNodeNr> numberItems() {
     const TNodeRef self = currentRec<KIND_TNODE>();
     const KeepRec<KIND_VNODE> keepValue;
-    const NamedList list{module, self.module, VNodeNr{tNode.namedVals},
-                         tNode.typeCode == TYP_BITSTR};
-    bool extensible = false;
+    const NamedList list = namedList(nullptr);
     bool valueless = false;
+    forEachEntry(list, [&] {
+        valueless |= entrySort("Unrecognized named number category.") == EntrySort::Valueless;
+    });
+    std::vector<VNodeNr> numberless;
+    if (valueless) numberless = valuelessEnum(list);
+    readRec(self);
+    return numberless;
+}
+
+void checkNamedList(ModuleRec* module, const std::vector<VNodeNr>& numberless) {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    const KeepRec<KIND_VNODE> keepValue;
+    const NamedList list = namedList(module);
+    bool extensible = false;
     forEachEntry(list, [&] {
         vNode.govTypeMod = REF_OWN;
         writeCurrent<KIND_VNODE>();
-        switch (entrySort("Unrecognized named number category.")) {
-        case EntrySort::Numbered: signedNumOrDefVal(list); break;
-        case EntrySort::Valueless: valueless = true; break;
-        case EntrySort::Marker: extensible = true; break;
-        }
+        if (vNode.valCode == TYP_EXTENSION_MARKER)
+            extensible = true;
+        else
+            signedNumOrDefVal(list);
     });
-    if (valueless) valuelessEnum(list);
+    for (const VNodeNr item : numberless) {
+        readRec(self.module, item);
+        report(list, invalidValue(TYP_INTEGER));
+    }
     checkDuplicateValue(list);
     if (extensible) checkExtensionOrder(list);
     readRec(self);

@@ -51,6 +51,8 @@ struct CycleNote {
 enum class LinkNote : uint8_t { Entered, Ends, Cyclic };
 
 struct TypeNotes {
+    std::vector<uint32_t> enclosing; // TNode -> the structure or group that it stands in; 0 = none
+    std::unordered_map<uint32_t, uint32_t> outermost; // structure -> the outermost around it
     std::unordered_map<uint32_t, SeenTag> seenTags;
     std::unordered_map<uint32_t, IncludedComps> included;
     std::unordered_map<uint32_t, AlternativeTags> alternativeTags;

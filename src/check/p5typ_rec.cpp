@@ -316,6 +316,16 @@ bool recursionAllowed(TNodeRef component, uint32_t cycle) {
     return findRecursion(search, resolved);
 }
 
+/// RECURSION= asks for a finding at each type assignment on a cycle, whether it may be or not.
+void reportTypeRecursion() {
+    ModuleRec* const own = recState.currTPtr[KIND_TNODE];
+    const bool isAssignment =
+        magnitude(tNode.compStatus) == TCS_HEADER && tNode.name != 0 && tNode.actParRec == 0;
+    if (!isAssignment || own->options.recursion == 0) return;
+    const ErrClass errClass = own->options.recursion == 1 ? ERR_WARNING : ERR_SEMANTIC;
+    recordTNodeError(own, errClass, Msg::RecursionInType, tNodeName());
+}
+
 } // namespace
 
 void markRecursion(ModuleRec* module) {
@@ -330,6 +340,7 @@ void markRecursion(ModuleRec* module) {
             magnitude(tNode.compStatus) == TCS_HEADER || recursionAllowed(self, cycle.component);
     }
     readRec(self);
+    if (cycle.onCycle) reportTypeRecursion();
     if (!allowed) recordTNodeError(module, ERR_SEMANTIC, Msg::RecursiveTypeReference, tNodeName());
 }
 

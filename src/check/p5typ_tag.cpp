@@ -61,8 +61,8 @@ bool checkTagExplicity(ModuleRec* module, const TagRec& tag) {
     return reportExplicit(module);
 }
 
-bool checkImplicitTag(ModuleRec* module) {
-    const int32_t inner = p5State.nextTag.tagNr;
+bool checkImplicitTag(ModuleRec* module, SeenTag nextTag) {
+    const int32_t inner = nextTag.tagNr;
     Msg code = Msg::None;
     if (inner == typeArr[TYP_CHOICE].tag)
         code = Msg::ImplicitChoice;
@@ -74,31 +74,31 @@ bool checkImplicitTag(ModuleRec* module) {
         recordTNodeError(module, ERR_SEMANTIC, code);
         return false;
     }
-    const int32_t innerClass = p5State.nextTag.tagClass;
+    const int32_t innerClass = nextTag.tagClass;
     const uint8_t tagUsage = module->options.tagUsage;
     if (tagUsage == 0 || (innerClass != TAG_APPLICATION && innerClass != TAG_PRIVATE)) return true;
     recordTNodeError(module, classOfSetting(tagUsage), Msg::TagUsageNotAllowed);
     return tagUsage == 1;
 }
 
-bool checkExplicitTag(ModuleRec* module) {
-    if (module->options.explicitTags == 0 || isIndeterminate(p5State.nextTag.tagNr)) return true;
+bool checkExplicitTag(ModuleRec* module, SeenTag nextTag) {
+    if (module->options.explicitTags == 0 || isIndeterminate(nextTag.tagNr)) return true;
     return reportExplicit(module);
 }
 
 /// Implicit tagging by the module's default, unless the type has no tag of its own
 /// (X.680 (07/2002) 30.6 c).
-void checkIfExplicitNeeded(ModuleRec* module, TagNr nr) {
+void checkIfExplicitNeeded(ModuleRec* module, TagNr nr, SeenTag nextTag) {
     readRec(module, nr);
-    tagRec.tagMode = isIndeterminate(p5State.nextTag.tagNr) ? TAGMODE_EXPLICIT : TAGMODE_IMPLICIT;
+    tagRec.tagMode = isIndeterminate(nextTag.tagNr) ? TAGMODE_EXPLICIT : TAGMODE_IMPLICIT;
     writeRec(module, nr);
 }
 
-bool checkTagEncoding(ModuleRec* module, TagNr nr, const TagRec& tag) {
+bool checkTagEncoding(ModuleRec* module, TagNr nr, const TagRec& tag, SeenTag nextTag) {
     switch (tag.tagMode) {
-    case TAGMODE_IMPLICIT: return checkImplicitTag(module);
-    case TAGMODE_EXPLICIT: return checkExplicitTag(module);
-    default: checkIfExplicitNeeded(recState.currTPtr[KIND_TNODE], nr); return true;
+    case TAGMODE_IMPLICIT: return checkImplicitTag(module, nextTag);
+    case TAGMODE_EXPLICIT: return checkExplicitTag(module, nextTag);
+    default: checkIfExplicitNeeded(recState.currTPtr[KIND_TNODE], nr, nextTag); return true;
     }
 }
 
@@ -153,7 +153,7 @@ SeenTag getNextTag() {
     return seen;
 }
 
-bool checkTag(ModuleRec* module) {
+bool checkTag(ModuleRec* module, SeenTag nextTag) {
     ModuleRec* const own = recState.currTPtr[KIND_TNODE];
     if (isClass()) {
         recordTNodeError(module, ERR_SEMANTIC, Msg::ObjectClassCanNotBeTaggedSubtypedEntry);
@@ -170,7 +170,7 @@ bool checkTag(ModuleRec* module) {
         ok &= checkTagNumber(module, number);
         ok &= checkTagUniqueness(module, tag, number);
         ok &= checkTagExplicity(module, tag);
-        if (tag.next == 0) ok &= checkTagEncoding(module, nr, tag);
+        if (tag.next == 0) ok &= checkTagEncoding(module, nr, tag, nextTag);
         nr = TagNr{tag.next};
     }
     return ok;

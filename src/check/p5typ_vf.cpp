@@ -302,12 +302,14 @@ void setAnyVF(ValueField& field) {
     field = {generates(CGEN_ANY_FUNCTIONS) && !framed ? VFK_ANY_FUNCTIONS : VFK_FRAME, SIZE_NONE};
 }
 
-/// The value field of the type that a reference resolves to. While that is being checked, which
-/// only recursion meets, it has none yet: the reference gets it together with the type.
+/// The value field of the type that a reference resolves to. That may lie behind a selection type,
+/// an object or a class, and is settled first. While it is being checked, which only recursion
+/// meets, it has none yet: the reference gets it together with the type.
 void setReferenceVF(ValueField& field) {
     const TNodeRef reference = currentRec<KIND_TNODE>();
     const KeepRec<KIND_TNODE> keep;
     skipTypes(true);
+    static_cast<void>(checkTNode(false)); // its faults are its own
     field = {tNode.vfKind, tNode.sizeOpt};
     const TNodeRef type = currentRec<KIND_TNODE>();
     if (tNode.checkState == CHECK_RUNNING)

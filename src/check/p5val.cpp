@@ -87,14 +87,11 @@ bool hasComponents(uint8_t kind) {
 }
 
 /// Checks the current type unless that was done; the result is the type's own affair.
-void checkTypeItself(ModuleRec* errors) {
+void checkTypeItself() {
     if (tNode.checkState >= CHECK_RUNNING) return;
-    const Restore nextTag(p5State.nextTag);
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
-    const bool ownDefinition = magnitude(tNode.compStatus) == TCS_HEADER && tNode.formals == 0;
-    ModuleRec* owner = ownDefinition ? recState.currTPtr[KIND_TNODE] : errors;
-    static_cast<void>(checkTNode(owner, tNode.typeCode == TYP_SYNONYM, true));
+    static_cast<void>(checkTNode(true));
 }
 
 /// Moves from the current reference to the next type on its chain that has a constraint or is no
@@ -215,12 +212,11 @@ bool checkSingleVal(const ValueErrors& errors, const CheckedValue& value, bool c
 }
 
 /// A value set or object set: what it holds is the constraint of its type record.
-bool checkSetItself(const ValueErrors& errors, const CheckedValue& value) {
+bool checkSetItself(const CheckedValue& value) {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
-    const Restore nextTag(p5State.nextTag);
     readRec(value.module, value.nr);
-    return !readTypeSetting() || checkTNode(errors.module, true, false);
+    return !readTypeSetting() || checkTNode(false);
 }
 
 /// The current type is open and the value is governed by a type that another field names: it is
@@ -261,9 +257,9 @@ bool checkAgainstType(const ValueErrors& errors, const CheckedValue& value, bool
         if (!checkValWithComps(errors, value)) return false;
     }
     readRec(type);
-    checkTypeItself(errors.module);
+    checkTypeItself();
     readRec(type);
-    return isSet(value) ? checkSetItself(errors, value) : checkSingleVal(errors, value, constrain);
+    return isSet(value) ? checkSetItself(value) : checkSingleVal(errors, value, constrain);
 }
 
 namespace {
@@ -306,7 +302,7 @@ bool checkInstance(const ValueErrors& errors, VNodeRef at) {
     const VNodeRef instance{refModule(at.module, vNode.refMod), VNodeNr{vNode.ref}};
     const bool ok = instance.module == nullptr || !instance || checkRecord(errors, instance, true);
     readRec(at);
-    checkVNodeActuals(errors.module);
+    checkVNodeActuals();
     return ok;
 }
 
@@ -323,7 +319,7 @@ bool checkRecord(const ValueErrors& errors, VNodeRef at, bool constrain) {
     if (governor == nullptr || vNode.govType == 0) return true;
     const TNodeRef type{governor, TNodeNr{vNode.govType}};
     readRec(type);
-    checkTypeItself(errors.module);
+    checkTypeItself();
     readRec(at);
     vNode.checkState = CHECK_RUNNING;
     writeRec(at);

@@ -50,13 +50,12 @@ bool checkBitStriVal(const ValueErrors& errors, const CheckedValue& value) {
 namespace {
 
 /// The type setting resolves to a type, which is checked with it.
-bool isTypeThere(const ValueErrors& errors, const CheckedValue& value) {
+bool isTypeThere(const CheckedValue& value) {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
-    const Restore nextTag(p5State.nextTag);
     readRec(value.module, value.nr);
     if (!readTypeSetting()) return false;
-    static_cast<void>(checkTNode(errors.module, tNode.typeCode == TYP_SYNONYM, false));
+    static_cast<void>(checkTNode(false));
     skipTypes(true);
     return tNode.typeCode != TYP_SYNONYM && tNode.typeCode != TYP_SELECTION &&
            tNode.typeCode != TYP_FIELDLIST;
@@ -73,7 +72,7 @@ bool checkInner(const ValueErrors& errors, const CheckedValue& value) {
 bool checkOpenTypeVal(const ValueErrors& errors, const CheckedValue& value) {
     const bool isOpen = value.rec.valCode == TYP_OPEN || value.rec.valCode == TYP_ANY;
     const bool isSetting = value.rec.refMod == REF_FORMAL;
-    const bool ok = isSetting ? value.rec.ref != 0 && isTypeThere(errors, value)
+    const bool ok = isSetting ? value.rec.ref != 0 && isTypeThere(value)
                               : value.rec.refMod >= 0 && (!isOpen || checkInner(errors, value));
     return ok || failValue(errors, value, invalidValue(TYP_OPEN));
 }

@@ -194,7 +194,7 @@ void checkTypeAssignments() {
         readRec(cMP, nr);
         const TNodeNr next{tNode.next};
         if (tNode.formals == 0)
-            static_cast<void>(checkTNode(cMP, tNode.typeCode == TYP_SYNONYM, true));
+            static_cast<void>(checkTNode(true));
         nr = next;
     }
 }
@@ -314,7 +314,12 @@ int orvo_main(int argc, char** argv) {
     passFourInternal();
     passOver(passFour, 4);
     passFiveInternal();
-    if (allModulesSolved()) passOver(passFive, 5);
+    if (allModulesSolved()) {
+        passOver(passFive, 5);
+        markListElements();
+        markIgnorables();
+        flushRecs(allKinds);
+    }
     initZOV();
     forEachModule(diagnostics);
     const int status = compilationSummary();

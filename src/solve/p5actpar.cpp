@@ -283,10 +283,10 @@ struct Instantiation {
     uint32_t line = 0;
 };
 
-/// Reports what the search has not reached, against `errors` for references outside instances.
-bool reportUnused(const Search& search, const Instantiation& by, ModuleRec* errors) {
+/// Reports what the search has not reached.
+bool reportUnused(const Search& search, const Instantiation& by) {
     bool ok = true;
-    if (by.instance != 0) errors = actErrModPtr(by.module, by.instance);
+    ModuleRec* const errors = actErrModPtr(by.module, by.instance);
     for (const ActPar& par : initActParList(by.module, by.actuals)) {
         if (isUsed(search, by.module, par)) continue;
         recordError(errors, ERR_SEMANTIC, Msg::UnusedActualParameters, by.line,
@@ -298,7 +298,7 @@ bool reportUnused(const Search& search, const Instantiation& by, ModuleRec* erro
 
 } // namespace
 
-bool checkTNodeActuals(ModuleRec* module) {
+bool checkTNodeActuals() {
     if (!isInstantiatedTNode() || tNode.syntax <= 0 || tNode.refMod <= 0 || tNode.ref == 0)
         return true;
     const KeepRec<KIND_TNODE> keepType;
@@ -309,10 +309,10 @@ bool checkTNodeActuals(ModuleRec* module) {
     Search search;
     enterType(search, refModule(own, tNode.refMod), tNode.ref);
     searchInstance(search);
-    return reportUnused(search, by, module);
+    return reportUnused(search, by);
 }
 
-bool checkVNodeActuals(ModuleRec* module) {
+bool checkVNodeActuals() {
     if (vNode.valCode != TYP_SYNONYM || vNode.deferred <= 0 || vNode.refMod <= 0 || vNode.ref == 0)
         return true;
     const KeepRec<KIND_TNODE> keepType;
@@ -327,7 +327,7 @@ bool checkVNodeActuals(ModuleRec* module) {
     // A governor that depends on the parameters was copied with the value.
     enterType(search, refModule(instance.module, signedWord(vNode.govTypeMod)), vNode.govType);
     searchInstance(search);
-    (void)reportUnused(search, by, module);
+    (void)reportUnused(search, by);
     return true;
 }
 

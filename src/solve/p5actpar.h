@@ -7,10 +7,10 @@
 namespace orvo {
 
 /// Reports the actual parameters of the current type record, an instantiated reference, that its
-/// instance does not use (Msg::UnusedActualParameters, "(position) name"), against `module`. True
-/// when all are used and for other types. The record is current again afterwards.
-[[nodiscard]] bool checkTNodeActuals(ModuleRec* module);
+/// instance does not use (Msg::UnusedActualParameters, "(position) name"). True when all are used
+/// and for other types. The record is current again afterwards.
+[[nodiscard]] bool checkTNodeActuals();
 /// The same for the current value record; what is found does not fail the value.
-bool checkVNodeActuals(ModuleRec* module);
+bool checkVNodeActuals();
 
 } // namespace orvo
