@@ -251,15 +251,22 @@ void extendNotedEndpoints(SubRef member) {
     const KeepRec<KIND_SUB> keepSub;
     const TNodeRef type = currentRec<KIND_TNODE>();
     const uint8_t kind = actualKind();
+    EndpointPair own;
     for (const bool upper : {false, true}) {
         readRec(type);
-        Endpoint own;
-        const bool given = endpointOfSub(own, upper, kind, member);
-        readRec(type);
-        EndpointNote* note = noteOf(type);
-        if (given && note != nullptr && note->known[upper] && note->exists[upper])
-            narrow(note->ends[upper], own, upper, endpointKind(kind));
+        own.given[upper] = endpointOfSub(own.ends[upper], upper, kind, member);
     }
+    readRec(type);
+    EndpointNote* const note = noteOf(type);
+    if (note == nullptr) return;
+    EndpointPair series;
+    for (const bool upper : {false, true}) {
+        series.ends[upper] = note->ends[upper];
+        series.given[upper] = note->known[upper] && note->exists[upper];
+        own.given[upper] = own.given[upper] && series.given[upper];
+    }
+    narrowByMember(series, own, endpointKind(kind), isSizeKind(kind));
+    for (const bool upper : {false, true}) note->ends[upper] = series.ends[upper];
 }
 
 void forgetEndpoints(TNodeRef type) {

@@ -29,6 +29,10 @@ struct Request {
 
 bool subEndpoint(const Request& request, SubRef sub, Endpoint& end);
 
+bool isNumber(uint8_t kind) {
+    return kind == TYP_INTEGER || kind == TYP_REAL;
+}
+
 uint8_t includedFlag(bool upper) {
     return upper ? SUBF_UPPER : SUBF_LOWER;
 }
@@ -63,6 +67,38 @@ bool operandsEndpoint(const Request& request, SubRef first, bool wide, Endpoint&
     return true;
 }
 
+/// The value lies between two endpoints, as far as they are given and finite.
+bool isWithin(const VNode& value, const EndpointPair& bounds, uint8_t kind) {
+    for (const bool upper : {false, true}) {
+        const Endpoint& bound = bounds.ends[upper];
+        if (!bounds.given[upper] || testInfinity(bound, upper, kind)) continue;
+        int order = compareNumber(value, bound.value, kind);
+        if (upper) order = -order;
+        if (order < 0 || (order == 0 && bound.flags == 0)) return false;
+    }
+    return true;
+}
+
+/// The members of a series, one after the other.
+bool seriesEndpoint(const Request& request, SubRef first, Endpoint& end) {
+    EndpointPair series;
+    uint32_t left = first.module->nextRecNr[KIND_SUB];
+    for (SubNr nr = first.nr; nr && left != 0; --left) {
+        EndpointPair member;
+        Request asked = request;
+        for (const bool upper : {false, true}) {
+            asked.upper = upper;
+            member.given[upper] = subEndpoint(asked, {first.module, nr}, member.ends[upper]);
+        }
+        narrowByMember(series, member, request.kind, request.ofSize);
+        readRec(first.module, nr);
+        nr = SubNr{subRec.next};
+    }
+    end = series.ends[request.upper];
+    if (!series.given[request.upper]) setInfinity(end, request.upper, request.kind);
+    return true;
+}
+
 bool singleValueEndpoint(const Request& request, VNodeRef value, Endpoint& end) {
     if (!value) return false;
     readRec(value);
@@ -87,8 +123,8 @@ bool subEndpoint(const Request& request, SubRef sub, Endpoint& end) {
     const VNodeRef value{sub.module, VNodeNr{subRec.left}};
     switch (subRec.subKind) {
     case SUB_UNION: return operandsEndpoint(request, operand, true, end);
-    case SUB_INTERSECTION:
-    case SUB_SERIAL: return operandsEndpoint(request, operand, false, end);
+    case SUB_INTERSECTION: return operandsEndpoint(request, operand, false, end);
+    case SUB_SERIAL: return seriesEndpoint(request, operand, end);
     case SUB_SIZE: {
         const Request inner{request.upper, TYP_INTEGER, false, true};
         return request.ofSize && operand && subEndpoint(inner, operand, end);
@@ -115,9 +151,6 @@ bool hasRangeEndpoints(uint8_t kind) {
     case TYP_UNISTR: return true;
     default: return false;
     }
-}
-bool isNumber(uint8_t kind) {
-    return kind == TYP_INTEGER || kind == TYP_REAL;
 }
 
 /// The first or the last character of a string kind, as a string of one.
@@ -170,14 +203,10 @@ bool readRangeParent() {
 /// An explicit endpoint lies inside the parent's range. The current type is the constrained one.
 bool isInsideParent(const VNode& value, uint8_t kind) {
     if (!isNumber(kind) || !readRangeParent()) return true;
-    for (const bool upper : {false, true}) {
-        Endpoint bound;
-        if (!getEndpoint(bound, upper) || testInfinity(bound, upper, kind)) continue;
-        int order = compareNumber(value, bound.value, kind);
-        if (upper) order = -order;
-        if (order < 0 || (order == 0 && bound.flags == 0)) return false;
-    }
-    return true;
+    EndpointPair parent;
+    for (const bool upper : {false, true})
+        parent.given[upper] = getEndpoint(parent.ends[upper], upper);
+    return isWithin(value, parent, kind);
 }
 
 /// MIN or MAX of the current type.
@@ -246,6 +275,21 @@ bool sizeEndpoint(Endpoint& end, bool upper, SubRef sub) {
 
 void narrow(Endpoint& end, const Endpoint& other, bool upper, uint8_t kind) {
     choose(end, other, false, upper, kind);
+}
+
+void narrowByMember(EndpointPair& series, const EndpointPair& member, uint8_t kind, bool ofSize) {
+    const EndpointPair before = series;
+    for (const bool upper : {false, true}) {
+        const Endpoint& own = member.ends[upper];
+        if (!member.given[upper] ||
+            (!ofSize && isNumber(kind) && !isWithin(own.value, before, kind)))
+            continue;
+        if (series.given[upper])
+            narrow(series.ends[upper], own, upper, kind);
+        else
+            series.ends[upper] = own;
+        series.given[upper] = true;
+    }
 }
 
 bool getRangeEndpoint(Endpoint& end, bool upper) {

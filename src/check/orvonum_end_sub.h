@@ -14,4 +14,13 @@ bool sizeEndpoint(Endpoint& end, bool upper, SubRef sub);
 /// Makes `end` the inner one of the two endpoints.
 void narrow(Endpoint& end, const Endpoint& other, bool upper, uint8_t kind);
 
+/// Lower and upper endpoint, as far as they are given.
+struct EndpointPair {
+    Endpoint ends[2];
+    bool given[2] = {};
+};
+/// Narrows the endpoints of a series by those of a further member. A number outside of what the
+/// members before it leave changes nothing on its side.
+void narrowByMember(EndpointPair& series, const EndpointPair& member, uint8_t kind, bool ofSize);
+
 } // namespace orvo

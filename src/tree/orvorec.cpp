@@ -4,6 +4,7 @@
 
 #include "tree/orvorec.h"
 
+#include <cassert>
 #include <cstring>
 #include <new>
 
@@ -70,6 +71,17 @@ RecPage& pageAt(ModuleRec* module, RecKind kind, uint32_t page) {
     return *entry;
 }
 
+/// A buffer that is left for another record holds what the store holds: a change that nobody wrote
+/// would be lost. Who means to lose it calls dropRec.
+void checkLeft([[maybe_unused]] RecKind kind) {
+#ifndef NDEBUG
+    const RecPlace& left = recState.recJustRead[kind];
+    if (recState.writePend[kind].nr != 0) return; // it is written now
+    const void* stored = pageForReading(left.module, kind, left.nr);
+    assert(stored == nullptr || std::memcmp(stored, bufferOf(kind), recSize[kind]) == 0);
+#endif
+}
+
 /// The record just written, read or created is what the buffer holds.
 void bufferHolds(RecKind kind, ModuleRec* module, uint32_t nr) {
     recState.recJustRead[kind] = {module, nr};
@@ -127,6 +139,7 @@ void readRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
     void* buffer = bufferOf(kind);
     if (buffer == nullptr) fatalError(Fatal::ReadRecord);
     const void* stored = findRPos(module, kind, nr);
+    checkLeft(kind);
     flushRecs(kind);
     bufferHolds(kind, module, nr);
     std::memcpy(buffer, stored, recSize[kind]);
@@ -140,9 +153,15 @@ void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
     recState.writePend[kind].nr = 0;
 }
 
+void dropRecKind(RecKind kind) {
+    recState.recJustRead[kind].nr = 0;
+    recState.writePend[kind].nr = 0;
+}
+
 uint32_t newRecKind(RecKind kind) {
     void* buffer = bufferOf(kind);
     if (buffer == nullptr || cMP == nullptr) fatalError(Fatal::WriteRecord);
+    checkLeft(kind);
     flushRecs(kind);
     const uint32_t nr = cMP->nextRecNr[kind];
     if (nr == 0 || nr > maxRecNr) fatalError(Fatal::WriteRecord);
