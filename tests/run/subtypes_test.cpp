@@ -196,13 +196,21 @@ TEST(Subtypes, ExtensionMarkersMarkTheTypeThatTheyExtend) {
             {"A ::= INTEGER (1..5, ...) B ::= A (2) C ::= OCTET STRING (SIZE (1..2, ...))"},
             {"D ::= OCTET STRING (SIZE (1..2)) E ::= IA5String (SIZE (1))(FROM (\"a\", ...))"},
             {"F ::= INTEGER (1..5)((1..3, ..., 4))(2) G ::= INTEGER (1..5)(1..3)"},
+            {"H ::= INTEGER (0..10)(20..30) I ::= INTEGER (0..10)(-5..8)(2..9 | 7)"},
+            // Inner subtypes say nothing about the type that others use as well.
+            {"L ::= SEQUENCE OF INTEGER L1 ::= L (WITH COMPONENT (1..5, ...))"},
+            {"Q ::= SEQUENCE OF IA5String Q1 ::= Q (WITH COMPONENT (SIZE (1, ...)))"},
+            {"Q2 ::= Q (WITH COMPONENT (FROM (\"a\", ...)))"},
+            {"S ::= SEQUENCE { a INTEGER OPTIONAL } S1 ::= S (WITH COMPONENTS { a (1, ...) })"},
         }),
         "m");
     for (const std::string row : {"A", "C", "E", "F"})
         EXPECT_EQ(tree.flags(row), "EXTENSIBLE") << row;
-    for (const std::string row : {"B", "D", "G"}) EXPECT_EQ(tree.flags(row), "") << row;
+    for (const std::string row : {"B", "D", "G", "L.*", "Q.*", "S.a"}) EXPECT_EQ(tree.flags(row), "") << row;
     EXPECT_EQ(tree.bounds("F"), "2..2"); // the parts of the series are together again
     EXPECT_EQ(tree.bounds("G"), "1..3");
+    EXPECT_EQ(tree.bounds("H"), "0..10");
+    EXPECT_EQ(tree.bounds("I"), "2..8");
 }
 
 TEST(Subtypes, DoublingChainsEndInTime) {
