@@ -1,0 +1,45 @@
+#pragma once
+
+// A random legal module as definitions that refer to one another by name.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvo::meta {
+
+struct Definition {
+    std::string name;
+    std::string text; // whole, several lines
+    bool parameterized = false;
+};
+
+struct Project {
+    std::string tagging; // "EXPLICIT", "IMPLICIT", "AUTOMATIC"
+    std::vector<Definition> definitions;
+};
+
+/// A source of numbers that is the same on every host.
+struct Random {
+    uint64_t state;
+    uint64_t next() {
+        uint64_t word = state += 0x9e3779b97f4a7c15U;
+        word = (word ^ (word >> 30)) * 0xbf58476d1ce4e5b9U;
+        word = (word ^ (word >> 27)) * 0x94d049bb133111ebU;
+        return word ^ (word >> 31);
+    }
+    int below(int limit) {
+        return limit <= 0 ? 0 : static_cast<int>(next() % static_cast<uint64_t>(limit));
+    }
+    int64_t between(int64_t low, int64_t high) {
+        return low + static_cast<int64_t>(next() % static_cast<uint64_t>(high - low + 1));
+    }
+    bool chance(int percent) { return below(100) < percent; }
+};
+
+Project generate(uint64_t seed);
+
+/// Identifiers of a text that are no field names and not in strings.
+std::vector<std::string> wordsOf(const std::string& text);
+
+} // namespace orvo::meta
