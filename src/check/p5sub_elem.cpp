@@ -83,7 +83,7 @@ bool subContainedSubtype() {
     const SubRef self = currentRec<KIND_SUB>();
     if (!readSettingType(self.module, VNodeNr{subRec.left})) return false;
     const TNodeRef contained = currentRec<KIND_TNODE>();
-    bool ok = checkTNode(true);
+    bool ok = checkTNode();
     ok &= subtypeCompatible(type.module, type.nr, contained.module, contained.nr);
     readRec(type);
     readRec(self);
@@ -98,7 +98,7 @@ bool subWithComp(ModuleRec* module) {
     if ((tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF) && tNode.ref != 0) {
         readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
         // Values must be of the element type, with what its references add on the way.
-        ok = checkTNode(false);
+        ok = checkTNode();
         readRec(self.module, SubNr{subRec.left});
         ok &= chkSubRec(module, ParentType::Itself);
     }
@@ -206,7 +206,7 @@ bool subUserDefConstr(ModuleRec* module) {
         readRec(parameter);
         nr = vNode.next;
         if (vNode.valCode == TYP_OPEN && vNode.refMod == REF_FORMAL) {
-            ok &= readSettingType(self.module, parameter.nr) && checkTNode(false);
+            ok &= readSettingType(self.module, parameter.nr) && checkTNode();
         } else {
             ok &= checkVNode(module, true, true);
         }
@@ -232,7 +232,7 @@ bool subOpenTypeConstr() {
     const SubRef self = currentRec<KIND_SUB>();
     bool ok = readSettingType(self.module, VNodeNr{subRec.left});
     if (ok) {
-        ok = checkTNode(true);
+        ok = checkTNode();
         skipTypes(true);
         ok &= tNode.typeCode != TYP_SYNONYM && tNode.typeCode != TYP_FIELDLIST &&
               tNode.typeCode != TYP_SELECTION && !isClassCode(tNode.typeCode);

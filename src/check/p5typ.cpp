@@ -42,15 +42,15 @@ bool isReferenceWithTarget() {
     return tNode.typeCode == TYP_SYNONYM && tNode.ref != 0 && tNode.refMod > 0;
 }
 
-bool checkReferencedType(bool ignorable) {
+bool checkReferencedType() {
     const KeepRec<KIND_TNODE> keep;
     ModuleRec* const target = refModule(recState.currTPtr[KIND_TNODE], tNode.refMod);
     if (target == nullptr) return true;
     readRec(target, TNodeNr{tNode.ref});
-    return checkTNode(ignorable);
+    return checkTNode();
 }
 
-bool checkByKind(ModuleRec* module, bool ignorable) {
+bool checkByKind(ModuleRec* module) {
     switch (tNode.typeCode) {
     case TYP_SEQ:
     case TYP_SEQOF:
@@ -59,7 +59,7 @@ bool checkByKind(ModuleRec* module, bool ignorable) {
     case TYP_CHOICE:
     case TYP_CLASS: return tNode.ref == 0 || checkStruType(module);
     case TYP_INSTANCE_OF: return checkEmbeddedType(module);
-    case TYP_SYNONYM: return !isReferenceWithTarget() || checkReferencedType(ignorable);
+    case TYP_SYNONYM: return !isReferenceWithTarget() || checkReferencedType();
     case TYP_FIELDLIST: return !isObjClassFieldTypeTNode() || checkObjClassFieldType(module);
     default: return true;
     }
@@ -96,7 +96,7 @@ bool checkDefaultType() {
     readRec(recState.currTPtr[KIND_TNODE], VNodeNr{tNode.defaultVal});
     if (!readTypeSetting()) return true;
     if (tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_FIELDLIST) return true;
-    return checkTNode(false);
+    return checkTNode();
 }
 
 bool checkDef(ModuleRec* module) {
@@ -135,25 +135,20 @@ bool checkParts(ModuleRec* module) {
     return ok;
 }
 
-/// The driver asks for ignorable marking from each type assignment on, whoever led to it first.
-bool isTypeAssignment() {
-    return magnitude(tNode.compStatus) == TCS_HEADER && tNode.actParRec == 0;
-}
-
 } // namespace
 
 ModuleRec* moduleForTypeErrors() {
     return actErrModPtr(recState.currTPtr[KIND_TNODE], tNode.actParRec);
 }
 
-bool checkTNode(bool ignorable) {
+bool checkTNode() {
     if (stackIsLow()) fatalError(Fatal::NoSpace, "Types are nested too deeply.");
     if (tNode.checkState >= CHECK_RUNNING) return true;
     const TNodeRef self = currentRec<KIND_TNODE>();
     ModuleRec* const module = moduleForTypeErrors();
     tNode.checkState = CHECK_RUNNING;
     writeRec(self);
-    bool ok = checkByKind(module, ignorable);
+    bool ok = checkByKind(module);
     readRec(self);
     checkAndMarkSetTNode(self);
     ok &= checkParts(module);
@@ -163,7 +158,7 @@ bool checkTNode(bool ignorable) {
         readRec(self);
     }
     markRecursion(module);
-    if ((ignorable || isTypeAssignment()) && isTypeTNode()) checkIgnorable();
+    if (isTypeTNode() && !isEnclosed()) checkIgnorable();
     readRec(self);
     checkOptions(module);
     readRec(self);

@@ -29,9 +29,9 @@ struct P5State {
 extern P5State p5State;
 
 /// Checks the current type record and all it contains, once per record and whoever asks first: what
-/// encloses the type and whom its errors are charged to is found from the record. `ignorable` asks
-/// for ignorable marking. Preserving. True when everything is valid.
-[[nodiscard]] bool checkTNode(bool ignorable);
+/// encloses the type and whom its errors are charged to is found from the record. Preserving. True
+/// when everything is valid.
+[[nodiscard]] bool checkTNode();
 /// Whom errors in the current type record are charged to: its module or, inside an instance, who
 /// instantiated.
 [[nodiscard]] ModuleRec* moduleForTypeErrors();
@@ -40,6 +40,8 @@ extern P5State p5State;
 /// Notes for the records of a module what encloses them, once; what is added later is temporary and
 /// stands for the type it refers to.
 void noteEnclosing(ModuleRec* module);
+/// The current type record is a component, alternative, element or field.
+[[nodiscard]] bool isEnclosed();
 /// Makes the innermost structure around the current type record current; false, and nothing is
 /// read, when nothing encloses it.
 [[nodiscard]] bool innerEnclStru();

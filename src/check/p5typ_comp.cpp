@@ -354,7 +354,7 @@ bool checkComponents(ModuleRec* module, StruCounts& counts) {
             counts.markers = 1;
             ok = false;
         }
-        ok &= checkTNode(false);
+        ok &= checkTNode();
         return true;
     });
     forEachComponent(self.module, first, [&] {

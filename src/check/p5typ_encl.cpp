@@ -71,6 +71,13 @@ void noteEnclosing(ModuleRec* module) {
     }
 }
 
+bool isEnclosed() {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    const bool enclosed = holderOf(self.module, self.nr) != 0;
+    readRec(self);
+    return enclosed;
+}
+
 bool innerEnclStru() {
     const TNodeRef self = currentRec<KIND_TNODE>();
     const uint32_t structure = structureAround(self.module, self.nr);

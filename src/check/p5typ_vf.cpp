@@ -309,7 +309,7 @@ void setReferenceVF(ValueField& field) {
     const TNodeRef reference = currentRec<KIND_TNODE>();
     const KeepRec<KIND_TNODE> keep;
     skipTypes(true);
-    static_cast<void>(checkTNode(false)); // its faults are its own
+    static_cast<void>(checkTNode()); // its faults are its own
     field = {tNode.vfKind, tNode.sizeOpt};
     const TNodeRef type = currentRec<KIND_TNODE>();
     if (tNode.checkState == CHECK_RUNNING)

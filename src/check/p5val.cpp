@@ -91,7 +91,7 @@ void checkTypeItself() {
     if (tNode.checkState >= CHECK_RUNNING) return;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
-    static_cast<void>(checkTNode(true));
+    static_cast<void>(checkTNode());
 }
 
 /// Moves from the current reference to the next type on its chain that has a constraint or is no
@@ -216,7 +216,7 @@ bool checkSetItself(const CheckedValue& value) {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     readRec(value.module, value.nr);
-    return !readTypeSetting() || checkTNode(false);
+    return !readTypeSetting() || checkTNode();
 }
 
 /// The current type is open and the value is governed by a type that another field names: it is

@@ -55,7 +55,7 @@ bool isTypeThere(const CheckedValue& value) {
     const KeepRec<KIND_VNODE> keepValue;
     readRec(value.module, value.nr);
     if (!readTypeSetting()) return false;
-    static_cast<void>(checkTNode(false));
+    static_cast<void>(checkTNode());
     skipTypes(true);
     return tNode.typeCode != TYP_SYNONYM && tNode.typeCode != TYP_SELECTION &&
            tNode.typeCode != TYP_FIELDLIST;

@@ -194,7 +194,7 @@ void checkTypeAssignments() {
         readRec(cMP, nr);
         const TNodeNr next{tNode.next};
         if (tNode.formals == 0)
-            static_cast<void>(checkTNode(true));
+            static_cast<void>(checkTNode());
         nr = next;
     }
 }
