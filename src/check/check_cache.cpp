@@ -3,11 +3,8 @@
 namespace orvo {
 
 CheckCache& checkCacheOf(ModuleRec* module) {
-    if (!module->checkCache) module->checkCache.reset(new CheckCache);
+    if (!module->checkCache) module->checkCache = makeOwned<CheckCache>();
     return *module->checkCache;
-}
-void CheckCacheDeleter::operator()(CheckCache* cache) const {
-    delete cache;
 }
 
 } // namespace orvo

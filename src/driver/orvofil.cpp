@@ -89,12 +89,6 @@ void setSourceFileName(ModuleRec* module, std::string_view name) {
     if (module != run.bOfModRList) run.index.unclaimed[std::string(name)].push_back(module);
 }
 
-ModuleRec* getModPtr(ModuleRec* module, uint32_t refNr) {
-    if (module == nullptr || refNr == REF_OWN) return module;
-    const auto found = module->modRefs.byNumber.find(refNr);
-    return found == module->modRefs.byNumber.end() ? nullptr : found->second->module;
-}
-
 const std::string& newStriVal(std::string& dest, std::string_view prefix, size_t len,
                               std::string_view src, std::string_view suffix) {
     return dest = concat(prefix, src.substr(0, len), suffix);

@@ -25,10 +25,6 @@ ModuleRec* findOrCreateModRec(std::string_view filePrefix, std::string_view gene
 /// prefix may claim it later.
 void setSourceFileName(ModuleRec* module, std::string_view name);
 
-/// The module that a reference number of `module` designates: itself for 1, null when there is
-/// none.
-ModuleRec* getModPtr(ModuleRec* module, uint32_t refNr);
-
 /// dest = prefix + the first `len` characters of `src` + suffix.
 const std::string& newStriVal(std::string& dest, std::string_view prefix, size_t len,
                               std::string_view src, std::string_view suffix);

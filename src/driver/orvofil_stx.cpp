@@ -1,9 +1,18 @@
 // The tree file is the records of kinds 0 to 9 one behind the other, nothing between them: the
-// module's own node comes first and holds the counts by which a reader finds the rest. Every
-// integer is written little-endian, so the file is the same on every host. Strings are a 16-bit
-// length in characters, terminator included, and the characters.
+// module's own node comes first and holds the counts by which a reader finds the rest.
 //
-// The counts are those of pass 4. Records made later have higher numbers and stay out of the file.
+// Why so: back ends read much and often, the compiler writes once. Records of fixed size that refer
+// to one another by number are found by computing, in any order, and are written as the passes left
+// them: a number in the file is the number in the store, so nothing is translated. Strings, whose
+// size varies, therefore come last. They carry a terminator, which their 16-bit length counts, so
+// that a back end can use them where they lie. What is in another module is named through a module
+// node of this file: every file is whole by itself, and a back end opens only those it needs.
+//
+// Every integer is written little-endian and every unused byte as zero, field by field: the file is
+// the same on every host, and two runs can be compared.
+//
+// The counts are those of pass 4. Pass 5 annotates records; the few it makes are for itself. They
+// have higher numbers and stay out of the file without anything being numbered anew.
 
 #include "driver/orvofil_stx.h"
 

@@ -17,6 +17,7 @@
 #include "diag/orvomsg.h"
 #include "lex/orvotok.h"
 #include "tree/orvodef.h"
+#include "util/guard.h"
 
 namespace orvo {
 
@@ -155,19 +156,6 @@ struct RecPages;     // storage of one kind (tree/orvorec)
 struct StriCacheRec; // string caches of a module (tree/orvorec_stri)
 struct FindCache;    // what look-ups and walks noted about a module (tree/orvoutil_find)
 struct CheckCache;   // what pass 5 computed once about a module (check/check_cache)
-/// Deleters live with the complete types.
-struct RecPagesDeleter {
-    void operator()(RecPages*) const;
-};
-struct StriCacheDeleter {
-    void operator()(StriCacheRec*) const;
-};
-struct FindCacheDeleter {
-    void operator()(FindCache*) const;
-};
-struct CheckCacheDeleter {
-    void operator()(CheckCache*) const;
-};
 
 enum ParseState : uint8_t { PARSE_NEW = 0, PARSE_ERROR = 1, PARSE_OK = 2 };
 
@@ -199,10 +187,10 @@ struct ModuleRec {
     std::FILE* lstFile = nullptr;     // open during the listing
     std::set<uint32_t> preparedLists; // component lists that solve/solve_ref has prepared
     uint64_t touchedIn = 0;           // the trial parse that has noted the counters
-    std::unique_ptr<RecPages, RecPagesDeleter> recDir[kindCount];
-    std::unique_ptr<StriCacheRec, StriCacheDeleter> striCache;
-    std::unique_ptr<FindCache, FindCacheDeleter> findCache;
-    std::unique_ptr<CheckCache, CheckCacheDeleter> checkCache;
+    Owned<RecPages> recDir[kindCount];
+    Owned<StriCacheRec> striCache;
+    Owned<FindCache> findCache;
+    Owned<CheckCache> checkCache;
 };
 
 enum Verbose : uint8_t { VERBOSE_NONE = 0, VERBOSE_NORMAL = 1, VERBOSE_TOOL = 2 };

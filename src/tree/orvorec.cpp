@@ -6,7 +6,6 @@
 
 #include <cassert>
 #include <cstring>
-#include <new>
 
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvorec_page.h"
@@ -60,8 +59,7 @@ size_t slotSize(RecKind kind) {
 
 RecPage& pageAt(ModuleRec* module, RecKind kind, uint32_t page) {
     auto& dir = module->recDir[kind];
-    if (!dir) dir.reset(new (std::nothrow) RecPages);
-    if (!dir) fatalError(Fatal::NoSpace);
+    if (!dir) dir = makeOwned<RecPages>();
     if (page >= dir->pages.size()) dir->pages.resize(page + size_t{1});
     auto& entry = dir->pages[page];
     if (!entry) {
@@ -89,10 +87,6 @@ void bufferHolds(RecKind kind, ModuleRec* module, uint32_t nr) {
 }
 
 } // namespace
-
-void RecPagesDeleter::operator()(RecPages* pages) const {
-    delete pages;
-}
 
 void* pageForWriting(ModuleRec* module, RecKind kind, uint32_t nr) {
     if (module == nullptr || nr == 0 || nr > maxRecNr || kind >= kindCount)

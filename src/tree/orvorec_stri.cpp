@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -25,9 +24,6 @@ char32_t tempChar32[4] = {};
 struct StriCacheRec {
     AaTable tables[3]; // by kind - KIND_STRI8
 };
-void StriCacheDeleter::operator()(StriCacheRec* caches) const {
-    delete caches;
-}
 
 namespace {
 
@@ -137,8 +133,7 @@ void dropKindFrom(ModuleRec* module, RecKind kind, uint32_t next) {
 
 AaContext* setupStriCaches(ModuleRec* module, RecKind kind) {
     if (!isStriKind(kind)) fatalError(Fatal::Internal);
-    if (!module->striCache) module->striCache.reset(new (std::nothrow) StriCacheRec);
-    if (!module->striCache) fatalError(Fatal::NoSpace);
+    if (!module->striCache) module->striCache = makeOwned<StriCacheRec>();
     return makeTable(module->striCache->tables[kind - KIND_STRI8], kind);
 }
 

@@ -189,11 +189,8 @@ const FlatEntry* entryAt(const FlatIndex& index, uint32_t place) {
 } // namespace
 
 FindCache& findCacheOf(ModuleRec* module) {
-    if (!module->findCache) module->findCache.reset(new FindCache);
+    if (!module->findCache) module->findCache = makeOwned<FindCache>();
     return *module->findCache;
-}
-void FindCacheDeleter::operator()(FindCache* cache) const {
-    delete cache;
 }
 
 void forgetTakenBack(ModuleRec* module) {

@@ -42,4 +42,16 @@ struct FileCloser {
 /// Owner of an open file. Who must know whether closing worked releases it and closes it himself.
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
+/// Deletes an object in the way that its maker noted.
+template <typename T> struct NotedDelete {
+    void (*destroy)(T*) = nullptr;
+    void operator()(T* object) const { destroy(object); }
+};
+/// Owner of an object whose type is complete only where it is made, by makeOwned: records of a low
+/// layer hold what higher ones keep about them.
+template <typename T> using Owned = std::unique_ptr<T, NotedDelete<T>>;
+template <typename T> Owned<T> makeOwned() {
+    return {new T, {[](T* object) { delete object; }}};
+}
+
 } // namespace orvo
