@@ -93,8 +93,7 @@ constexpr struct {
     {"PL ::= {\n&n\nTRUE, &T INTEGER }", "*8 INTEGER value syntax"},
     {"PL ::= {\n&T INTEGER (0..9), &v\n\n55 }",
      "*7 Invalid object; 8 Value out of range constraint(s)"},
-    {"PL ::= {\n&v\n5 }",
-     "*8 Invalid information from object: T; 8 Invalid governing type/class"},
+    {"PL ::= {\n&v\n5 }", "*8 Invalid information from object: T; 8 Invalid governing type/class"},
     {"PL ::= {\n&Vs\n{5} }", "*8 Invalid information from object: T;"
                              " 9 Invalid governing type/class; 9 Element set spec is invalid"},
     {"AL ::= {\n5\nALIAS\nTRUE }", "*10 INTEGER value syntax"},
