@@ -19,4 +19,4 @@ for set in "$corpus"/*/; do
         [ $status -le 1 ] || { echo "$name/$root: exit status $status"; tail -5 "$out/$name/$root.out"; }
     done <"$set/roots.txt"
     (cd "$out/$name/lst" && grep -HE '^ (\*\*\*| \*\*) ERROR|^\*\*\* ERROR' ./*.lst) | sed "s,^\./,$name/,"
-done | tee "$out/found" | diff - "$here/corpus.expected"
+done | diff - <(grep -v '^#' "$here/corpus.expected")

@@ -232,9 +232,6 @@ void openListing() {
     OptionBlock& options = cMP->options;
     cMP->srcFile = fopenTextFileInSearchPathForRd(run.asnSearchPath, options.sourceFileName,
                                                   options.sourceDir);
-    const std::string path = concat(run.lstDir, options.listingFileName);
-    if (isSameFile(concat(options.sourceDir, options.sourceFileName), path))
-        fatalError(Fatal::OpenWrite, path);
     cMP->lstFile = fopenTextFile(run.lstDir, options.listingFileName, "w");
     sayHello(cMP->lstFile, run.timeStamp.version, orvoPatch);
     printNotice(cMP->lstFile, run.timeStamp);

@@ -6,6 +6,8 @@
 
 #include "driver/orvofil.h"
 
+#include <sys/stat.h>
+
 #include <filesystem>
 
 #include "diag/orvoerr_fatal.h"
@@ -40,13 +42,32 @@ ModuleRec* waitingRecord(const std::string& sourceName) {
     return found->second.front();
 }
 
-std::FILE* openFile(const std::string& path, const char* mode) {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) return nullptr;
-    return std::fopen(path.c_str(), mode);
+/// What the file is, whatever path leads to it.
+std::pair<uint64_t, uint64_t> identity(const struct stat& status) {
+    return {status.st_dev, status.st_ino};
+}
+
+std::FILE* openSource(const std::string& path) {
+    std::FILE* file = openFile(path, "r");
+    struct stat status = {};
+    if (file != nullptr && fstat(fileno(file), &status) == 0)
+        run.sourceFiles.insert(identity(status));
+    return file;
+}
+
+bool isSource(const std::string& path) {
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0 && run.sourceFiles.contains(identity(status));
 }
 
 } // namespace
+
+std::FILE* openFile(const std::string& path, const char* mode) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) return nullptr;
+    if (*mode == 'w' && isSource(path)) return nullptr;
+    return std::fopen(path.c_str(), mode);
+}
 
 ModuleRec* newModuleRec() {
     run.modules.push_back(std::make_unique<ModuleRec>());
@@ -119,12 +140,12 @@ std::FILE* fopenTextFileInSearchPathForRd(const std::vector<std::string>& path,
                                           std::string_view name, std::string& directoryOut) {
     for (const std::string& directory : path) {
         if (directory.size() + name.size() > maxPathLength) fatalError(Fatal::OpenRead);
-        std::FILE* file = openFile(concat(directory, name), "r");
+        std::FILE* file = openSource(concat(directory, name));
         if (file == nullptr) continue;
         directoryOut = directory;
         return file;
     }
-    std::FILE* file = openFile(std::string(name), "r");
+    std::FILE* file = openSource(std::string(name));
     if (file == nullptr) fatalError(Fatal::OpenRead, name);
     directoryOut.clear();
     return file;
@@ -140,11 +161,6 @@ void closeFile(std::FILE*& file, std::string_view detail) {
     const bool closed = std::fclose(std::exchange(file, nullptr)) == 0;
     if (!written) fatalError(Fatal::Write, detail);
     if (!closed) fatalError(Fatal::Close, detail);
-}
-
-bool isSameFile(const std::string& one, const std::string& other) {
-    std::error_code ignored;
-    return std::filesystem::equivalent(one, other, ignored);
 }
 
 } // namespace orvo

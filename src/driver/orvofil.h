@@ -36,10 +36,13 @@ inline constexpr size_t maxNameLength = 1024;
 /// is cut.
 std::string setFileName(std::string_view name, std::string_view ext, bool replaceExt);
 
-/// Opens directory + name. Failure, a directory or a path above maxPathLength: fatal 2 when the
+/// Opens a file. Null when it cannot be opened, is a directory or, for writing, is a source of the
+/// run, by whatever path: a listing or tree must not destroy what the run has read or is to list.
+[[nodiscard]] std::FILE* openFile(const std::string& path, const char* mode);
+/// Opens directory + name as openFile does. Failure or a path above maxPathLength: fatal 2 when the
 /// mode begins with "w", else 1.
 std::FILE* fopenTextFile(std::string_view directory, std::string_view name, const char* mode);
-/// Opens a file for reading in the first directory of the path that has it, else as named;
+/// Opens a source for reading in the first directory of the path that has it, else as named;
 /// `directoryOut` is the directory, "" when opened as named. Fatal 1 when it is found nowhere.
 std::FILE* fopenTextFileInSearchPathForRd(const std::vector<std::string>& path,
                                           std::string_view name, std::string& directoryOut);
@@ -48,8 +51,5 @@ void addDirToSearchPath(std::vector<std::string>& path, std::string_view directo
 /// Closes a file; null is ignored. A close that fails (buffered output that could not be written)
 /// is fatal 8 with the detail.
 void closeFile(std::FILE*& file, std::string_view detail);
-
-/// Both names lead to one existing file: writing the one would destroy the other.
-[[nodiscard]] bool isSameFile(const std::string& one, const std::string& other);
 
 } // namespace orvo

@@ -129,9 +129,7 @@ void writeSubTree(TreeFile& tree, ModuleRec* module, RecKind kind) {
 
 void writeTree(ModuleRec* module) {
     const std::string path = concat(run.stxDir, module->generationPrefix, ".stx");
-    if (isSameFile(concat(module->options.sourceDir, module->options.sourceFileName), path))
-        fatalError(Fatal::OpenWrite, path);
-    TreeFile tree{std::fopen(path.c_str(), "wb"), {}};
+    TreeFile tree{openFile(path, "wb"), {}};
     if (tree.file == nullptr) fatalError(Fatal::OpenWrite, path);
     for (int kind = 0; kind < fileKindCount; ++kind)
         writeSubTree(tree, module, static_cast<RecKind>(kind));

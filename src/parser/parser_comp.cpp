@@ -104,28 +104,13 @@ void versionNumber() {
     if (parserState.Inp.code == TOK_COLON) ReadIn();
 }
 
-/// `[[` [number [`:`]] NamedType {`,` NamedType} `]]`. The brackets make no difference to the
-/// alternatives (X.680 (07/2002) 28.1), which stand in the list as if there were none.
-void alternativeGroup() {
-    ReadIn();
-    versionNumber();
-    alternative();
-    while (parserState.Inp.code == TOK_COMMA) {
-        ReadIn();
-        alternative();
-    }
-    expectToken(TOK_RVERSION);
-    if (anotherFollows()) linkNext();
-}
-
 /// The element behind a comma of an alternative list; tells whether it is a marker.
 bool alternativeAfterComma() {
     switch (parserState.Inp.code) {
     case TOK_ELLIPSIS: extensionMarker(); return true;
-    case TOK_LVERSION: alternativeGroup(); break;
-    default: alternative();
+    // No case for `[[`: groups of alternatives are later notation (X.680 (07/2002) 28.1).
+    default: alternative(); return false;
     }
-    return false;
 }
 
 } // namespace
@@ -203,8 +188,7 @@ void MGR999ExtensionAdditionGroup() {
     if (atType(node) && anotherFollows()) linkNext();
 }
 
-/// AlternativeTypeList ::= NamedType
-///     {`,` (NamedType | `...` | `[[` [number [`:`]] NamedType {`,` NamedType} `]]`) | `...`}
+/// AlternativeTypeList ::= NamedType {`,` (NamedType | `...`) | `...`}
 void MGR202AlternativeTypeList() {
     const TNodeNr type = thisTypeNode();
     bool hasMarker = false;

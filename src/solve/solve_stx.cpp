@@ -180,11 +180,12 @@ bool parseVarSettingPassOne(VNodeNr object, Cause& cause) {
     return parseVariableTypeValueField(setting, type, cause);
 }
 
-/// The setting of the field in `tNode`, whose text begins at the cursor, into a new record.
-bool parseFieldSetting(ValueList& settings, VNodeNr object, Cause& cause) {
+/// The setting of the field in `tNode`, whose text begins at the cursor, into a new record of the
+/// line.
+bool parseFieldSetting(ValueList& settings, VNodeNr object, uint32_t line, Cause& cause) {
     const TNodeRef field = currentRec<KIND_TNODE>();
     const uint32_t name = putStri(cMP, getStri(field.module, tNode.name)).nr;
-    settings.append(curToken().line);
+    settings.append(line);
     vNode.name = tNode.name < 0 ? minus(name) : static_cast<int32_t>(name);
     if (isVariabTypeTNode()) return parseVarSettingPassOne(object, cause);
     const bool isType = fieldSort() == FieldSort::Type;
@@ -217,7 +218,8 @@ bool parseSyntaxList(const ObjectClass& objectClass, int32_t first, VNodeNr obje
             continue;
         }
         if (!matches) return false;
-        if (isField(entry) && !parseFieldSetting(settings, object, cause)) return false;
+        if (isField(entry) && !parseFieldSetting(settings, object, curToken().line, cause))
+            return false;
         if (!advance()) break;
         nr = entry.next;
     }
@@ -259,7 +261,8 @@ bool parseDefaultStx(Cause& cause) {
             cause.set(Msg::FieldNameExpected, curTokenText());
             return false;
         }
-        if (!advance() || !parseFieldSetting(settings, object.nr, cause)) return false;
+        const uint32_t line = curToken().line; // what is wrong with a setting stands at its name
+        if (!advance() || !parseFieldSetting(settings, object.nr, line, cause)) return false;
     } while (advance() && curCode() == TOK_COMMA);
     if (curCode() != TOK_RBRACE) {
         cause.set(tokenExpected(TOK_RBRACE));

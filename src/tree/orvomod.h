@@ -215,6 +215,7 @@ struct Run {
     std::string lstDir, stxDir;
     uint8_t firstPrefixLen = 0; // the first PREFIXLEN= value given in the run, 0 = none yet
     std::vector<std::string> asnSearchPath;
+    std::set<std::pair<uint64_t, uint64_t>> sourceFiles; // device and number of each one opened
     TimeStamp timeStamp = {};
     int32_t totalNbStxErrors = 0, totalNbSemErrors = 0, totalNbSymErrors = 0, totalNbWarnings = 0;
     bool isZOV = false;

@@ -89,6 +89,14 @@ constexpr struct {
     {"PL ::= { &Set 5 }", "'{' expected"},
     {"PL ::= { &T INTEGER, &Vs 5 }", "'{' expected"},
     {"PL ::= { &v 5 }", "*7 Invalid information from object: T; 7 Invalid governing type/class"},
+    // What is wrong with a setting stands at its field name, in defined syntax at its text.
+    {"PL ::= {\n&n\nTRUE, &T INTEGER }", "*8 INTEGER value syntax"},
+    {"PL ::= {\n&T INTEGER (0..9), &v\n\n55 }",
+     "*7 Invalid object; 8 Value out of range constraint(s)"},
+    {"PL ::= {\n&v\n5 }", "*8 Invalid information from object: T; 8 Invalid governing type/class"},
+    {"PL ::= {\n&Vs\n{5} }", "*8 Invalid information from object: T;"
+                             " 9 Invalid governing type/class; 9 Element set spec is invalid"},
+    {"AL ::= {\n5\nALIAS\nTRUE }", "*10 INTEGER value syntax"},
     {"TYPE-IDENTIFIER ::= { INTEGER IDENTIFIED BY { 1 2 } }", ""},
     {"TYPE-IDENTIFIER ::= { INTEGER IDENTIFIED { 1 2 } }",
      "*7 'BY' expected; 7 TYPE-IDENTIFIER object syntax"},

@@ -14,11 +14,11 @@ All ::= SET {
     h [7] SEQUENCE SIZE (0..3) OF Colour, i [8] SET OF IA5String, j [9] CHOICE { k NULL, l Colour },
     m [10] OBJECT IDENTIFIER, n [11] EMBEDDED PDV, o [12] CHARACTER STRING, p [13] EXTERNAL,
     q [14] ObjectDescriptor, r [15] UTCTime, s [16] GeneralizedTime, t [17] k < Pick,
-    ..., [[ u [18] T61String, v [19] Plain.&id OPTIONAL ]],
+    ..., [[ 2: u [18] T61String, v [19] Plain.&id OPTIONAL ]],
     w [APPLICATION 20] EXPLICIT [21] INTEGER, y [22] INSTANCE OF TYPE-IDENTIFIER }
 Colour ::= ENUMERATED { red, green(5), ..., blue }
 colour Colour ::= green
-Pick ::= CHOICE { k NULL, ..., [[ 2: z BOOLEAN ]] }
+Pick ::= CHOICE { k NULL, ..., z BOOLEAN }
 More ::= SEQUENCE { COMPONENTS OF Base, last NULL }
 Base ::= SEQUENCE { first BOOLEAN }
 PLAIN ::= CLASS { &id INTEGER UNIQUE, &Type OPTIONAL }

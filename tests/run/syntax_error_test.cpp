@@ -87,6 +87,7 @@ constexpr struct {
     {"T ::= SEQUENCE { a NULL, ..., [[ ... ]] }", "2: valueid is expected after:\n2: } is expected after:\n"},
     {"T ::= SEQUENCE { COMPONENTS B }", "2: OF is expected after:\n"},
     {"T ::= CHOICE { ... }", "2: valueid is expected after:\n"},
+    {"T ::= CHOICE { a NULL, ..., [[ b NULL ]] }\nT ::= ,", "2: valueid is expected after:\n"},
     {"T ::= CHOICE { a NULL OPTIONAL }", "2: } is expected after:\n"},
     {"T ::= INTEGER { 5 }", "2: END is expected after:\n"},
     {"T ::= INTEGER { a, b }", "2: ( is expected after:\n2: ( is expected after:\n"},

@@ -70,7 +70,9 @@ V ::= [3] IMPLICIT [4] Choice
 W ::= [3] EXPLICIT [4] Int
 S ::= SEQUENCE { a [0] Any, b [1] M.Choice, c [2] x < Choice2, d [3] y < Choice2,
     e [4] C.&Type, f [5] C.&id, g [6] TYPE-IDENTIFIER.&Type, h [7] TYPE-IDENTIFIER.&id,
-    i [8] Tagged, j [9] o.&Type }
+    i [8] Tagged, j [9] o.&Type, k [10] ABSTRACT-SYNTAX.&Type, l [11] ABSTRACT-SYNTAX.&property,
+    m [12] TYPE-IDENTIFIER.&Type({Set}) }
+Set TYPE-IDENTIFIER ::= { { Int IDENTIFIED BY { 1 2 } } }
 Choice ::= CHOICE { n NULL }
 Choice2 ::= CHOICE { x Choice, y BOOLEAN }
 Tagged ::= [0] Choice
@@ -95,7 +97,10 @@ o C ::= { &Type Choice, &id 5 })";
                 {"S.g", "[6] EXPLICIT", "[6] EXPLICIT"},
                 {"S.h", "[7] IMPLICIT", "[7] EXPLICIT"},
                 {"S.i", "[8] IMPLICIT", "[8] EXPLICIT"},
-                {"S.j", "[9] EXPLICIT", "[9] EXPLICIT"}};
+                {"S.j", "[9] EXPLICIT", "[9] EXPLICIT"},
+                {"S.k", "[10] EXPLICIT", "[10] EXPLICIT"},
+                {"S.l", "[11] IMPLICIT", "[11] EXPLICIT"},
+                {"S.m", "[12] EXPLICIT", "[12] EXPLICIT"}};
     const RunResult implicitRun = compileBody(body, {}, "IMPLICIT TAGS ");
     const RunResult explicitRun = compileBody(body, {}, "");
     EXPECT_EQ(implicitRun.status + explicitRun.status, 0) << implicitRun.diagnostics("m");
