@@ -130,10 +130,6 @@ bool cutText(std::string& text, bool blanksToo) {
 
 } // namespace
 
-void optionToUpper(std::string& text) {
-    for (size_t at = 1; at < text.size() && text[at] != '='; ++at) text[at] = toUpper(text[at]);
-}
-
 void argumentIgnored(std::string_view text, std::string_view file) {
     if (run.verboseEx < 2) return;
     std::string warning = concat("\nWARNING : Argument ignored: ", text, "\n");

@@ -31,8 +31,6 @@ void parseOneCmdLineOption(std::string_view text, int index, int argc, char** ar
 [[nodiscard]] bool parseFilePrefix(std::string_view name, int& count, std::string_view file);
 /// VERBOSE= value: NONE, NORMAL, TOOL in any case, or 0, 1, 2; sets `verbose`.
 [[nodiscard]] bool verboseOptionOK(std::string_view value);
-/// Converts the name of an option - from the second character to the first "=" - to upper case.
-void optionToUpper(std::string& text);
 /// Warns, from verbosity 2 on, that an argument was ignored, and counts the warning.
 void argumentIgnored(std::string_view text, std::string_view file);
 /// Prints the usage text and ends the process with status 1.

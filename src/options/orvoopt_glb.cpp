@@ -43,18 +43,6 @@ struct Evaluation {
     }
 };
 
-/// Stores the option in the buffer under its name in upper case. Comments for the back ends
-/// ("//...") have no name.
-void normalizeName(ModuleRec* module, TedNr record) {
-    const std::string_view stored = getStri(module, tedRec.text);
-    if (tedText(module).starts_with('/')) return;
-    std::string text(stored);
-    optionToUpper(text);
-    if (text == stored) return;
-    tedRec.text = putStri(module, text).nr;
-    writeRec(module, record);
-}
-
 void warnInconsistentPrefixLen(ModuleRec* module) {
     warn(module, "\nWARNING : Inconsistent PREFIXLEN option values for different modules."
                  "\n          Check option files and ASN.1 module definition files and"
@@ -68,7 +56,6 @@ void evaluatePass1(Evaluation& ev, OptRange range) {
     forEachTedRec(range, [&](TedNr record) {
         readRec(ev.module, record);
         if (tedRec.tedKind == TED_REJECTED) return;
-        normalizeName(ev.module, record);
         const std::string_view option = tedText(ev.module);
         if (!pass1GlobalOptionOK(ev.module, option))
             ev.reject(record, getStri(ev.module, tedRec.text));

@@ -49,7 +49,7 @@ const OptionCase optionCases[] = {
     {"-ALTENCF=0:1", rejected}, {"-ALTMAX=2 -ALTENCF=2:1", rejected}, {"-ALTMAX=2 -ALTENCF=1", rejected}, {"-ALTMAX=1 -ALTENCF=0:8", rejected},
     {"-ALTMAX=8 -ALTDECF=7:7", [](const Block& b) { return b.altDecf[7] == 0x80; }}, {"-ALTDECF=0:", rejected},
     {"-ALLOW", [](const Block& b) { return b.allow; }}, {"-ALLOW=1", rejected},
-    {"$//one -INT=8 $//two", [](const Block& b) { return b.backEndFirst.nr + 2 == b.backEndLast.nr; }}, {"$/one", rejected},
+    {"$//one -INT=8 $//two", [](const Block& b) { return b.backEndFirst.nr + 2 == b.backEndLast.nr; }}, {"$/ONE", rejected},
     {"-BEO=//x", [](const Block& b) { return b.backEndFirst && b.backEndFirst == b.backEndLast; }},
     {"-COMBINE=a:b,c", [](const Block& b) { return b.combine == std::vector<std::string>{"a", "b", "c"}; }},
     {"-COMBINE=long-1.stx:b.stx", [](const Block& b) { return b.combine == std::vector<std::string>{"long-", "b"}; }},

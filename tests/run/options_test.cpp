@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "support/run.h"
+#include "support/tree.h"
 
 namespace orvo::test {
 namespace {
@@ -37,6 +38,40 @@ TEST(Options, RejectedOnesAreReportedOnceAtTheHeader) {
                           "\nWARNING : Option ignored: -STRICTSTANDARDS\n\n");
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(result.has("m.stx"));
+}
+
+/// The option records of a tree, each with its kind: "3 -INT=8".
+std::vector<std::string> optionRecords(const stx::Tree& tree) {
+    std::vector<std::string> records;
+    for (uint32_t nr = 1; nr <= tree.count(stx::TED); ++nr) {
+        const auto record = tree.tedRec(nr);
+        records.push_back(std::to_string(record.tedKind) + " " +
+                          std::string(tree.text(record.text)));
+    }
+    return records;
+}
+
+TEST(Options, AreKeptOnceUnderNamesInUpperCase) {
+    const RunResult run = compile(
+        {{"m.asn", "--$int=u16 $//keepMe $//keepMe=asIs\n"
+                   "M DEFINITIONS ::= BEGIN\nn INTEGER ::= 1 --$vname=one--\n"
+                   "s IA5String ::= \"-int=u16\"\nt IA5String ::= \"$//keepMe\"\nEND\n"},
+         {"o.opt", "-int=u16\n-//keepMe\n-beo=trace\n-int=b d\n"}},
+        {"-Int=u16", "-//keepMe", "-//keepMe=asIs", "-beo=tr", "ace", "-int=b d", "+o.opt"});
+    const TreeFacts tree(run, "m");
+    // what is rejected at once stays as the file has it
+    EXPECT_EQ(optionRecords(tree.tree()),
+              (std::vector<std::string>{"3 $INT=u16", "3 $//KEEPME", "3 $//KEEPME=asIs",
+                                        "3 -INT=u16", "3 -//KEEPME", "3 -//KEEPME=asIs",
+                                        "2 -BEO=tr ace", "0 -INT=b", "3 -INT=u16", "3 -//KEEPME",
+                                        "2 -BEO=trace", "0 -int=b", "3 $VNAME=one"}));
+    EXPECT_EQ(tree.valueText("s") + tree.valueText("t"), "\"-int=u16\"\"$//keepMe\"");
+    size_t spellings = 0; // of a text that is an option and a value
+    for (uint32_t nr = 1; nr <= tree.tree().count(stx::STRI8); ++nr)
+        spellings += tree.tree().text(nr).ends_with("u16") ? 1U : 0U;
+    EXPECT_EQ(spellings, 3U); // $INT=u16, -INT=u16, -int=u16
+    EXPECT_EQ(run.diagnostics("m"), "  ** WARNING  line   2 : $Option(s) ignored: -INT=b\n"
+                                    "  ** WARNING  line   2 : $Option(s) ignored: -int=b\n");
 }
 
 TEST(Options, ScopeOfAnOptionFileHoldsForItsModulesOnly) {
