@@ -112,7 +112,7 @@ bool appendWords(std::string& text, int argc, char** argv, int index) {
     const int last = skipOverMultiPartOptionValue(argc, argv, index);
     while (index < last) {
         const std::string_view word = argv[++index];
-        if (text.size() + 1 + word.size() >= maxOptionLength) return false;
+        if (text.size() + 1 + word.size() > maxOptionLength) return false;
         text += ' ';
         text += word;
     }

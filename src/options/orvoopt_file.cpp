@@ -9,6 +9,7 @@
 #include "diag/orvoerr_hello.h"
 #include "driver/orvofil.h"
 #include "options/orvoopt.h"
+#include "options/orvoopt_glb.h"
 #include "options/orvoopt_val.h"
 #include "tree/orvomod.h"
 #include "tree/orvoutil.h"
@@ -47,13 +48,11 @@ void warn(std::string_view what, std::string_view name) {
 
 /// Follows the scope blocks of a file; the lines themselves are stored as options all the same.
 void trackScope(std::string_view line, std::string_view name, bool& inScope) {
-    if (startsNoCase(line, "-BEGIN-SCOPE")) {
-        if (inScope) warn("Unexpected -BEGIN-SCOPE", name);
-        inScope = true;
-    } else if (startsNoCase(line, "-END-SCOPE")) {
-        if (!inScope) warn("Unexpected -END-SCOPE", name);
-        inScope = false;
-    }
+    const ScopeMark mark = line.front() == '-' ? scopeMark(line.substr(1)) : ScopeMark::None;
+    if (mark == ScopeMark::None) return;
+    if (inScope && mark == ScopeMark::Begin) warn("Unexpected -BEGIN-SCOPE", name);
+    if (!inScope && mark == ScopeMark::End) warn("Unexpected -END-SCOPE", name);
+    inScope = mark == ScopeMark::Begin;
 }
 
 } // namespace

@@ -52,19 +52,20 @@ void warnInconsistentPrefixLen(ModuleRec* module) {
 }
 
 void evaluatePass1(Evaluation& ev, OptRange range) {
-    bool given = false;
+    const uint8_t& prefixLen = ev.module->options.prefixLen;
+    bool differs = false;
     forEachTedRec(range, [&](TedNr record) {
         readRec(ev.module, record);
         if (tedRec.tedKind == TED_REJECTED) return;
         const std::string_view option = tedText(ev.module);
-        if (!pass1GlobalOptionOK(ev.module, option))
+        if (!pass1GlobalOptionOK(ev.module, option)) {
             ev.reject(record, getStri(ev.module, tedRec.text));
-        else if (option.starts_with("PREFIXLEN="))
-            given = true;
+        } else if (option.starts_with("PREFIXLEN=")) {
+            if (run.firstPrefixLen == 0) run.firstPrefixLen = prefixLen;
+            differs |= prefixLen != run.firstPrefixLen;
+        }
     });
-    if (!given) return;
-    if (run.firstPrefixLen == 0) run.firstPrefixLen = ev.module->options.prefixLen;
-    if (run.firstPrefixLen != ev.module->options.prefixLen) warnInconsistentPrefixLen(ev.module);
+    if (differs) warnInconsistentPrefixLen(ev.module);
 }
 
 void evaluatePass2(Evaluation& ev, OptRange range) {
@@ -120,15 +121,12 @@ bool pass2GlobalOptionOK(ModuleRec* module, std::string_view text) {
 bool pass3GlobalOptionOK(ModuleRec* module, TedNr record, uint8_t kind, std::string_view text,
                          bool& inScope) {
     // Scope markers never fail: one that is lost would move the options behind it to other modules.
-    constexpr std::string_view begin = "BEGIN-SCOPE";
-    if (startsNoCase(text, begin)) {
-        text.remove_prefix(std::min(begin.size() + 1, text.size()));
-        inScope = moduleIsInScopeList(module, text);
+    switch (scopeMark(text)) {
+    case ScopeMark::Begin:
+        inScope = moduleIsInScopeList(module, text.substr(text.find('=') + 1));
         return true;
-    }
-    if (startsNoCase(text, "END-SCOPE")) {
-        inScope = true;
-        return true;
+    case ScopeMark::End: inScope = true; return true;
+    case ScopeMark::None: break;
     }
     if (!inScope) return true;
     if (kind == TED_REJECTED || kind == TED_CODE) return false;
@@ -159,6 +157,12 @@ void markInvOpt(ModuleRec* module, TedNr record, uint32_t& rejectedKinds, std::s
         std::fwrite(shown.data(), 1, shown.size(), stderr);
     }
     recordError(module, ERR_WARNING, Msg::OptionsIgnored, line, text);
+}
+
+ScopeMark scopeMark(std::string_view text) {
+    if (startsNoCase(text, "BEGIN-SCOPE=")) return ScopeMark::Begin;
+    const bool isEnd = equalNoCase(text.substr(0, text.find('=')), "END-SCOPE");
+    return isEnd ? ScopeMark::End : ScopeMark::None;
 }
 
 bool moduleIsInScopeList(const ModuleRec* module, std::string_view list) {

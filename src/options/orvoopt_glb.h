@@ -67,6 +67,9 @@ void checkGlobalOptions(ModuleRec* module, uint32_t& rejectedKinds, OptRange ran
 void markInvOpt(ModuleRec* module, TedNr record, uint32_t& rejectedKinds, std::string_view text,
                 uint32_t line);
 
+/// What an option, given without its lead-in character, does to the scope.
+enum class ScopeMark : uint8_t { None, Begin, End };
+ScopeMark scopeMark(std::string_view text);
 /// Tells whether one of the names of the list, separated by ":", is the module's file prefix
 /// (before it has one: the default prefix of its name).
 bool moduleIsInScopeList(const ModuleRec* module, std::string_view list);

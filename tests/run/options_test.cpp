@@ -86,6 +86,30 @@ TEST(Options, ScopeOfAnOptionFileHoldsForItsModulesOnly) {
     EXPECT_EQ(result.diagnostics("zz"), explicitTags);
 }
 
+TEST(Options, WhatOnlyBeginsLikeAScopeMarkIsUnknown) {
+    const RunResult result =
+        compile({module("M", "m.asn"),
+                 {"o.opt", "-begin-scope=other\n-END-SCOPEY\n-EXPLICIT=2\n-END-SCOPE\n"
+                           "-BEGIN-SCOPEX=m\n-END-SCOPEY=m\n-begin-scope\n-EXPLICIT=1\n"}},
+                {"-VERBOSE=NONE", "+o.opt"});
+    const std::string ignored = "  ** WARNING  line   1 : $Option(s) ignored: ";
+    EXPECT_EQ(result.diagnostics("m"), ignored + "-BEGIN-SCOPEX=m\n" + ignored + "-END-SCOPEY=m\n" +
+                                           ignored + "-BEGIN-SCOPE\n" + explicitTags);
+    EXPECT_EQ(result.err, "\nWARNING : Option ignored: -BEGIN-SCOPEX=m\n"
+                          "\nWARNING : Option ignored: -END-SCOPEY=m\n"
+                          "\nWARNING : Option ignored: -BEGIN-SCOPE\n\n");
+}
+
+TEST(Options, PartsOfAValueMayAddUpTo1024Characters) {
+    for (const size_t more : {0U, 1U}) {
+        SCOPED_TRACE(more);
+        const std::string part = "-BEO=" + std::string(1000, 'a'), rest(18 + more, 'b');
+        const RunResult run = compile({module("M", "m.asn")}, {part, rest, "-V=1"});
+        EXPECT_EQ(optionRecords(TreeFacts(run, "m").tree()),
+                  std::vector<std::string>{more == 0 ? "2 " + part + " " + rest : "0 " + part});
+    }
+}
+
 TEST(Options, PrefixOptionHasItsModuleCompiledUnderItsNames) {
     const RunResult result = compile({module("Main", "main.asn"), module("My-Other", "other.asn")},
                                      {"-PREFIX=My-Other:other:gen", "-PREFIX=Main:main"});
@@ -94,15 +118,31 @@ TEST(Options, PrefixOptionHasItsModuleCompiledUnderItsNames) {
     EXPECT_TRUE(result.has("other.lst"));
 }
 
-TEST(Options, PrefixLengthsThatDifferAreReportedForTheLaterModule) {
-    const RunResult result =
-        compile({module("Main", "main.asn", "--$PREFIXLEN=6--", "IMPORTS T FROM Other;"),
-                 module("Other", "other.asn", "--$PREFIXLEN=7--")});
-    EXPECT_EQ(result.err, "\nWARNING : Inconsistent PREFIXLEN option values for different modules."
-                          "\n          Check option files and ASN.1 module definition files and"
-                          "\n          delete all the PREFIXLEN options. Give only the highest"
-                          "\n          option value once for ORVO on the command line or in one"
-                          "\n          option file.\n");
+TEST(Options, PrefixLengthsThatDifferFromTheFirstAreReportedOnceForAModule) {
+    const std::string warning =
+        "\nWARNING : Inconsistent PREFIXLEN option values for different modules."
+        "\n          Check option files and ASN.1 module definition files and"
+        "\n          delete all the PREFIXLEN options. Give only the highest"
+        "\n          option value once for ORVO on the command line or in one"
+        "\n          option file.\n";
+    const struct {
+        std::string main, other;
+        std::vector<std::string> options;
+        std::string warnings;
+    } cases[] = {{"--$PREFIXLEN=6--", "--$PREFIXLEN=7--", {}, warning},
+                 {"--$PREFIXLEN=6--", "", {}, ""},
+                 {"--$PREFIXLEN=6--", "", {"-PREFIXLEN=7"}, warning + warning},
+                 {"--$PREFIXLEN=6 $PREFIXLEN=7 $PREFIXLEN=8 $PREFIXLEN=6--", "", {}, warning},
+                 {"", "--$PREFIXLEN=7--", {"-PREFIXLEN=6"}, warning},
+                 {"--$PREFIXLEN=6 $PREFIXLEN=6--", "", {"-PREFIXLEN=6"}, ""}};
+    for (const auto& [main, other, options, warnings] : cases) {
+        SCOPED_TRACE(main + other);
+        const RunResult result = compile({module("Main", "main.asn", main, "IMPORTS T FROM Other;"),
+                                          module("Other", "other.asn", other)},
+                                         options);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.err, warnings);
+    }
 }
 
 TEST(Options, CommentsAreTakenAtEveryKindOfNode) {
