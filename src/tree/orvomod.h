@@ -213,6 +213,18 @@ struct ModIndex {
     std::unordered_map<std::string, std::deque<ModuleRec*>> unclaimed; // by source file name
 };
 
+/// What modules store of an option of the command line or of an option file.
+struct StoredOption {
+    bool isStored = false;
+    uint8_t kind = 0; // TED_OPTION, TED_BEO or TED_REJECTED
+    std::string text;
+};
+/// A line of an option file that says something.
+struct OptionLine {
+    std::string line; // as it stands there
+    StoredOption option;
+};
+
 /// State of the run as a whole.
 struct Run {
     ModuleRec* bOfModRList = nullptr; // module list, in order of compilation
@@ -226,6 +238,7 @@ struct Run {
     bool strict_standard = false;
     std::string lstDir, stxDir;
     uint8_t firstPrefixLen = 0; // the first PREFIXLEN= value given in the run, 0 = none yet
+    std::unordered_map<std::string, std::vector<OptionLine>> optionFiles; // by name
     std::vector<std::string> asnSearchPath;
     TimeStamp timeStamp = {};
     int32_t totalNbStxErrors = 0, totalNbSemErrors = 0, totalNbSymErrors = 0, totalNbWarnings = 0;

@@ -89,7 +89,7 @@ TEST(Options, ScopeOfAnOptionFileHoldsForItsModulesOnly) {
 TEST(Options, WhatOnlyBeginsLikeAScopeMarkIsUnknown) {
     const RunResult result =
         compile({module("M", "m.asn"),
-                 {"o.opt", "-begin-scope=other\n-END-SCOPEY\n-EXPLICIT=2\n-END-SCOPE\n"
+                 {"o.opt", "-begin-scope=other\n-END-SCOPEY\n-EXPLICIT=2\n-END-SCOPE x\n"
                            "-BEGIN-SCOPEX=m\n-END-SCOPEY=m\n-begin-scope\n-EXPLICIT=1\n"}},
                 {"-VERBOSE=NONE", "+o.opt"});
     const std::string ignored = "  ** WARNING  line   1 : $Option(s) ignored: ";
