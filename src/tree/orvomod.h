@@ -93,13 +93,18 @@ enum FixKind : int {
     FIX_VALUE2 = 9,
 };
 
+/// The modules that PREFIX= options map, by module reference.
+using PrefixMap = std::unordered_map<std::string, ModuleRec*>;
+
 /// Option values of a module; the initial values are the defaults.
 struct OptionBlock {
     std::string sourceDir;       // search path directory of the source, "" when opened as named
     bool sourceDirKnown = false; // sourceDir has been set by opening the source
     std::string sourceFileName;
     std::string listingFileName;
-    ModRefList prefixTable;     // module references that PREFIX= maps
+    PrefixMap prefixes; // PREFIX= of the module's comments
+    // PREFIX= of the command line, which goes before; shared by the modules that have the same.
+    std::shared_ptr<const PrefixMap> sharedPrefixes;
     OptRange range;             // the module's options
     uint32_t entryCount = 0;    // type assignments marked with ENTRY
     uint32_t exportedTypes = 0; // exported type assignments
@@ -225,6 +230,14 @@ struct OptionLine {
     StoredOption option;
 };
 
+/// The PREFIX= options of the command line that were evaluated last: each module has the same, as a
+/// rule, and takes over what they map.
+struct SharedPrefixes {
+    uint8_t prefixLen = 0;
+    std::vector<const char*> options; // shared copies of their texts; empty = evaluate anew
+    std::shared_ptr<const PrefixMap> modules;
+};
+
 /// State of the run as a whole.
 struct Run {
     ModuleRec* bOfModRList = nullptr; // module list, in order of compilation
@@ -239,6 +252,7 @@ struct Run {
     std::string lstDir, stxDir;
     uint8_t firstPrefixLen = 0; // the first PREFIXLEN= value given in the run, 0 = none yet
     std::unordered_map<std::string, std::vector<OptionLine>> optionFiles; // by name
+    SharedPrefixes sharedPrefixes;
     std::vector<std::string> asnSearchPath;
     TimeStamp timeStamp = {};
     int32_t totalNbStxErrors = 0, totalNbSemErrors = 0, totalNbSymErrors = 0, totalNbWarnings = 0;
