@@ -3,7 +3,8 @@
 // integer is written little-endian, so the file is the same on every host. Strings are a 16-bit
 // length in characters, terminator included, and the characters.
 //
-// The counts are those of pass 4. Records made later have higher numbers and stay out of the file.
+// The counts are those of pass 4. Records made later have higher numbers and stay out of the file,
+// unless pass 5 has switched options off: their records name texts that were added then.
 
 #include "driver/orvofil_stx.h"
 
@@ -101,6 +102,14 @@ template <typename Text> void putString(std::string& out, Text text) {
     putNumber(out, 0, sizeof(typename Text::value_type));
 }
 
+/// Takes what pass 5 has added to options and strings into the file.
+void countAgain(ModuleRec* module) {
+    readRec(module, MNodeNr{1});
+    for (const RecKind kind : {KIND_TED, KIND_STRI8})
+        mNode.recCount[kind] = module->nextRecNr[kind] - 1;
+    writeRec(module, MNodeNr{1});
+}
+
 /// Records of one kind, in number order.
 void writeSubTree(TreeFile& tree, ModuleRec* module, RecKind kind) {
     readRec(module, MNodeNr{1});
@@ -122,6 +131,7 @@ void writeTree(ModuleRec* module) {
     const std::string path = concat(run.stxDir, module->generationPrefix, ".stx");
     if (isSameFile(concat(module->options.sourceDir, module->options.sourceFileName), path))
         fatalError(Fatal::OpenWrite, path);
+    if (module->optionsDisabled) countAgain(module);
     TreeFile tree{std::fopen(path.c_str(), "wb"), {}};
     if (tree.file == nullptr) fatalError(Fatal::OpenWrite, path);
     for (int kind = 0; kind < fileKindCount; ++kind)

@@ -197,6 +197,7 @@ struct ModuleRec {
     uint8_t importsState = 0, exportsState = 0; // 0 no clause, 1 empty, 2 a list
     uint8_t tagDefault = 1;                     // 1 explicit, 2 implicit or automatic
     bool automaticTags = false, extensibilityImplied = false;
+    bool optionsDisabled = false; // pass 5 has switched off options of types
     int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;
     int32_t nbRecorded = 0;           // diagnostics recorded, kept or not
     std::vector<ErrRec> errors;       // sorted by line, then order of recording

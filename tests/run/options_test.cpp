@@ -177,5 +177,57 @@ TEST(Options, CommentsThatTheirPlaceDoesNotAllowAreReported) {
                                        "  ** WARNING  line   7 : $Option(s) ignored\n");
 }
 
+/// An option of a type that turns out wrong is switched off in its own record, also where others
+/// have the same text or, as instances of one definition, the same records.
+TEST(Options, SwitchedOffOnesStandInTheTreeBesideThoseThatHold) {
+    const std::string head = " DEFINITIONS ::= BEGIN\n", end = "END\n";
+    const std::string definitions =
+        "P {T} ::= SEQUENCE { id T, a ANY DEFINED BY id --$ANY=E:one $BEO=x $ANY=E:two--, b T }\n"
+        "S ::= SEQUENCE { id INTEGER, a ANY DEFINED BY id --$ANY=E:one-- }\n"
+        "R ::= SEQUENCE { id OBJECT IDENTIFIER, a ANY DEFINED BY id --$ANY=E:one-- }\n"
+        "E ::= NULL --$ENTRY--\none INTEGER ::= 1\ntwo INTEGER ::= 2\n"
+        "t IA5String ::= \"$ANY=E:one\"\no OBJECT IDENTIFIER ::= { 2 7 77 }\n";
+    const std::string x = "X ::= P {INTEGER}\n", y = "Y ::= P {OBJECT IDENTIFIER}\n",
+                      z = "Z ::= P {OBJECT IDENTIFIER}\n";
+    for (const std::string& uses : {x + y + z, y + x + z, y + z + x}) {
+        const SourceFile user = {"m.asn", "M" + head + "IMPORTS P{} FROM N;\n" + uses + end};
+        for (const bool imported : {false, true}) {
+            SCOPED_TRACE(uses + (imported ? "imported" : ""));
+            const SourceFile file = {"n.asn",
+                                     "N" + head + definitions + (imported ? "" : uses) + end};
+            const RunResult run =
+                compile(imported ? std::vector{user, file} : std::vector{file, user});
+            const TreeFacts tree(run, imported ? "m" : "n"), own(run, "n");
+            EXPECT_EQ(tree.options("X.a"), "$ANY=E:one $BEO=x $ANY=E:two");
+            EXPECT_EQ(tree.options("Y.a"), "?ANY=E:one $BEO=x ?ANY=E:two");
+            EXPECT_EQ(tree.options("Z.a"), "?ANY=E:one $BEO=x ?ANY=E:two");
+            EXPECT_EQ(own.options("S.a"), "$ANY=E:one");
+            EXPECT_EQ(own.options("R.a"), "?ANY=E:one");
+            EXPECT_EQ(own.valueText("t"), "\"$ANY=E:one\"");
+        }
+    }
+}
+
+/// Strings that the last checks add are counted with the texts of options that were switched off,
+/// and stay out of the file otherwise.
+TEST(Options, SwitchedOffOnesHaveTheStringsCountedAgain) {
+    for (const bool fits : {true, false}) {
+        SCOPED_TRACE(fits);
+        const RunResult run =
+            compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n"
+                               "S ::= SEQUENCE { id INTEGER, a ANY DEFINED BY id --$ANY=E:" +
+                                   std::string(fits ? "one" : "o") +
+                                   "-- }\nE ::= NULL --$ENTRY--\none INTEGER ::= 1\n"
+                                   "o OBJECT IDENTIFIER ::= { 2 7 77 }\nEND\n"}});
+        const TreeFacts facts(run, "m");
+        const stx::Tree& tree = facts.tree();
+        const uint32_t source = tree.mNode(1).srcFile; // the last one of the passes before
+        EXPECT_EQ(tree.text(source), "m.asn");
+        EXPECT_EQ(tree.count(stx::STRI8), fits ? source : source + 2);
+        EXPECT_EQ(tree.text(source + 1), fits ? "" : "?ANY=E:o");
+        EXPECT_EQ(tree.hasText(facts.value("o").node().stri), !fits);
+    }
+}
+
 } // namespace
 } // namespace orvo::test
