@@ -1,9 +1,11 @@
 // ANY and its classifier, and options of types whose validity depends on other types.
 
 #include <string>
+#include <utility>
 
 #include "check/p5typ_int.h"
 #include "diag/orvoerr.h"
+#include "driver/orvofil_fix.h"
 #include "options/orvoopt_loc.h"
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
@@ -177,18 +179,47 @@ std::string_view anyOptionFault(ModuleRec* module, std::string_view value) {
     return {};
 }
 
+/// Gives an instance option records of its own: those it has are its definition's, and the other
+/// instances' too.
+void separateOptions() {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    const CurrentModule inModule(self.module);
+    OptRange copies;
+    for (uint32_t nr = tNode.tedFirst; nr <= tNode.tedLast; ++nr) {
+        readRec(self.module, TedNr{nr});
+        addTedRec(copies, tedRec.tedKind, getStri(self.module, StriNr{tedRec.text}));
+    }
+    tNode.tedFirst = static_cast<uint32_t>(copies.first);
+    tNode.tedLast = static_cast<uint32_t>(copies.last);
+    writeRec(self);
+}
+
+/// Switches an option of the current node off. The tree was counted before.
+void disableOption(ModuleRec* own, TedNr record) {
+    readRec(own, record);
+    const std::string_view text = getStri(own, StriNr{tedRec.text});
+    tedRec.text = putStri(own, "?" + std::string(text.substr(1))).nr;
+    writeRec(own, record);
+    own->optionsDisabled = true;
+}
+
 void checkAnyDefByOption(ModuleRec* module) {
     constexpr std::string_view option = "$ANY=";
     ModuleRec* const own = recState.currTPtr[KIND_TNODE];
     const KeepRec<KIND_TED> keep;
+    bool shared = tNode.actParRec != 0;
     for (uint32_t nr = tNode.tedFirst; nr != 0 && nr <= tNode.tedLast; ++nr) {
         readRec(own, TedNr{nr});
         const std::string_view text = getStri(own, StriNr{tedRec.text});
         if (!text.starts_with(option)) continue;
         const std::string_view fault = anyOptionFault(own, text.substr(option.size()));
         if (fault.empty()) continue;
-        tedRec.text = putStri(own, "?" + std::string(text.substr(1))).nr;
-        writeRec(own, TedNr{nr});
+        if (std::exchange(shared, false)) {
+            const uint32_t place = nr - tNode.tedFirst;
+            separateOptions();
+            nr = tNode.tedFirst + place;
+        }
+        disableOption(own, TedNr{nr});
         recordTNodeError(module, ERR_WARNING, Msg::OptionsIgnored, fault);
     }
 }

@@ -56,8 +56,26 @@ void dropPicRecs(ModRefList& list, size_t keep) {
 
 // ---- option records -------------------------------------------------------------------------
 
+void optionToUpper(std::string& text) {
+    for (size_t at = 1; at < text.size() && text[at] != '='; ++at) text[at] = toUpper(text[at]);
+}
+
+namespace {
+
+/// String number of an option text. The name is converted before the text becomes a string: those
+/// of a module are shared with its names and values, which keep their spelling.
+StriNr putOption(uint8_t kind, std::string_view text) {
+    const std::string_view name = text.substr(0, text.find('='));
+    if (kind == TED_REJECTED || std::ranges::none_of(name, isLower)) return putStri(cMP, text);
+    std::string converted(text);
+    optionToUpper(converted);
+    return putStri(cMP, converted);
+}
+
+} // namespace
+
 TedNr addTedRec(OptRange& range, uint8_t kind, std::string_view text) {
-    const StriNr stri = putStri(cMP, text);
+    const StriNr stri = putOption(kind, text);
     const TedNr nr = newRec<KIND_TED>();
     tedRec.tedKind = kind;
     tedRec.text = stri.nr;

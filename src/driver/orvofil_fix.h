@@ -28,8 +28,11 @@ void dropPicRecs(ModRefList& list, size_t keep);
 // ---- option records
 // ---------------------------------------------------------------------------------
 
+/// Converts the name of an option - from the second character to the first "=" - to upper case.
+void optionToUpper(std::string& text);
 /// Stores an option text, lead-in character included, as a record of the current module and extends
-/// the range. The records of one range must be added without others of the kind in between.
+/// the range. Its name is converted to upper case unless the option is rejected. The records of one
+/// range must be added without others of the kind in between.
 TedNr addTedRec(OptRange& range, uint8_t kind, std::string_view text);
 /// Text of the option record in the buffer without its lead-in character.
 std::string_view tedText(ModuleRec* module);

@@ -12,7 +12,8 @@
 // the same on every host, and two runs can be compared.
 //
 // The counts are those of pass 4. Pass 5 annotates records; the few it makes are for itself. They
-// have higher numbers and stay out of the file without anything being numbered anew.
+// have higher numbers and stay out of the file without anything being numbered anew, unless it has
+// switched options off: their records name texts that were added then.
 
 #include "driver/orvofil_stx.h"
 
@@ -110,6 +111,14 @@ template <typename Text> void putString(std::string& out, Text text) {
     putNumber(out, 0, sizeof(typename Text::value_type));
 }
 
+/// Takes what pass 5 has added to options and strings into the file.
+void countAgain(ModuleRec* module) {
+    readRec(module, MNodeNr{1});
+    for (const RecKind kind : {KIND_TED, KIND_STRI8})
+        mNode.recCount[kind] = module->nextRecNr[kind] - 1;
+    writeRec(module, MNodeNr{1});
+}
+
 /// Records of one kind, in number order.
 void writeSubTree(TreeFile& tree, ModuleRec* module, RecKind kind) {
     readRec(module, MNodeNr{1});
@@ -129,6 +138,7 @@ void writeSubTree(TreeFile& tree, ModuleRec* module, RecKind kind) {
 
 void writeTree(ModuleRec* module) {
     const std::string path = concat(run.stxDir, module->generationPrefix, ".stx");
+    if (module->optionsDisabled) countAgain(module);
     TreeFile tree{openFile(path, "wb"), {}};
     if (tree.file == nullptr) fatalError(Fatal::OpenWrite, path);
     for (int kind = 0; kind < fileKindCount; ++kind)

@@ -112,7 +112,7 @@ bool appendWords(std::string& text, int argc, char** argv, int index) {
     const int last = skipOverMultiPartOptionValue(argc, argv, index);
     while (index < last) {
         const std::string_view word = argv[++index];
-        if (text.size() + 1 + word.size() >= maxOptionLength) return false;
+        if (text.size() + 1 + word.size() > maxOptionLength) return false;
         text += ' ';
         text += word;
     }
@@ -129,10 +129,6 @@ bool cutText(std::string& text, bool blanksToo) {
 }
 
 } // namespace
-
-void optionToUpper(std::string& text) {
-    for (size_t at = 1; at < text.size() && text[at] != '='; ++at) text[at] = toUpper(text[at]);
-}
 
 void argumentIgnored(std::string_view text, std::string_view file) {
     if (run.verboseEx < 2) return;
@@ -205,28 +201,30 @@ void parseCmdLineOptions(int argc, char** argv, uint32_t& kinds, OptRange& range
         const std::string_view argument = argv[i];
         if (argument.starts_with('+')) handleOptionFile(argument.substr(1), kinds, range);
         if (!argument.starts_with('-')) continue;
-        parseOneCmdLineOption(argument, i, argc, argv, kinds, range);
+        storeOption(optionToStore(argument, i, argc, argv), kinds, range);
         if (takesWords(argument)) i = skipOverMultiPartOptionValue(argc, argv, i);
     }
 }
 
-void parseOneCmdLineOption(std::string_view text, int index, int argc, char** argv, uint32_t& kinds,
-                           OptRange& range) {
+StoredOption optionToStore(std::string_view text, int index, int argc, char** argv) {
     const std::string upper = upperName(text);
     // What only begins like an option without value is another one, and must be reported.
-    if (beginsWithOneOf(upper, phaseOneValues) || upper == strictStandard) return;
+    if (beginsWithOneOf(upper, phaseOneValues) || upper == strictStandard) return {};
+    StoredOption option{true, TED_OPTION, std::string(text.substr(0, maxOptionLength))};
     bool good = text.size() <= maxOptionLength;
-    std::string option(text.substr(0, maxOptionLength));
-    if (argv != nullptr) {
-        optionToUpper(option);
-        if (takesWords(text)) good &= appendWords(option, argc, argv, index);
-    }
-    good &= cutText(option, !beginsWithOneOf(upper, blankTakers));
-    uint8_t kind = TED_OPTION;
-    if (upper.starts_with("-BEO=")) kind = TED_BEO;
-    if (!good) kind = TED_REJECTED;
-    addTedRec(range, kind, option);
-    kinds |= 1U << kind;
+    if (argv != nullptr && takesWords(text)) good &= appendWords(option.text, argc, argv, index);
+    good &= cutText(option.text, !beginsWithOneOf(upper, blankTakers));
+    if (upper.starts_with("-BEO=")) option.kind = TED_BEO;
+    if (!good) option.kind = TED_REJECTED;
+    // What a file has is reported as it stands there when it is rejected at once.
+    if (good || argv != nullptr) optionToUpper(option.text);
+    return option;
+}
+
+void storeOption(const StoredOption& option, uint32_t& kinds, OptRange& range) {
+    if (!option.isStored) return;
+    addTedRec(range, option.kind, option.text);
+    kinds |= 1U << option.kind;
 }
 
 } // namespace orvo

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "lex/orvotok.h"
+#include "tree/orvomod.h"
 
 namespace orvo {
 
@@ -21,18 +22,17 @@ void parseCmdLineOptions(int argc, char** argv, uint32_t& kinds, OptRange& range
 /// Evaluates an option (with its "-") of phase one; false when it is one of them and its value is
 /// bad.
 [[nodiscard]] bool parseSelectedCmdLineOpts(std::string_view text);
-/// Stores one option as an option record. `argv` supplies the arguments behind `index` that belong
-/// to the value of -BEO= and -INFO=; null for option files.
-void parseOneCmdLineOption(std::string_view text, int index, int argc, char** argv, uint32_t& kinds,
-                           OptRange& range);
+/// What modules store of an option, nothing of one of phase one. `argv` supplies the arguments
+/// behind `index` that belong to the value of -BEO= and -INFO=; null for option files.
+[[nodiscard]] StoredOption optionToStore(std::string_view text, int index, int argc, char** argv);
+/// Stores an option as a record of the current module.
+void storeOption(const StoredOption& option, uint32_t& kinds, OptRange& range);
 /// A file name of the command line (or of the option file named `file`, when its data() is not
 /// null); the first goes to the current module, `count` counts them. False when the name is not
 /// acceptable.
 [[nodiscard]] bool parseFilePrefix(std::string_view name, int& count, std::string_view file);
 /// VERBOSE= value: NONE, NORMAL, TOOL in any case, or 0, 1, 2; sets `verbose`.
 [[nodiscard]] bool verboseOptionOK(std::string_view value);
-/// Converts the name of an option - from the second character to the first "=" - to upper case.
-void optionToUpper(std::string& text);
 /// Warns, from verbosity 2 on, that an argument was ignored, and counts the warning.
 void argumentIgnored(std::string_view text, std::string_view file);
 /// Prints the usage text and ends the process with status 1.

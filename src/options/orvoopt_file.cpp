@@ -1,5 +1,6 @@
-// Option files are read as often as the command line. A line that is not an option of the phase at
-// hand is passed over silently, so the two phases share the rules for what a line is.
+// Option files are used as often as the command line but read once: what their lines are and how
+// modules store them is the same every time. A line that is not an option of the phase at hand is
+// passed over silently.
 
 #include "options/orvoopt_file.h"
 
@@ -9,6 +10,7 @@
 #include "diag/orvoerr_hello.h"
 #include "driver/orvofil.h"
 #include "options/orvoopt.h"
+#include "options/orvoopt_glb.h"
 #include "options/orvoopt_val.h"
 #include "tree/orvomod.h"
 #include "tree/orvoutil.h"
@@ -33,9 +35,27 @@ bool isEndMarker(std::string_view line) {
     return startsNoCase(line, "-END-OF-OPTIONS");
 }
 
-void closeOptionFile(std::FILE* file, std::string_view name) {
+/// The lines of a file up to its end marker.
+std::vector<OptionLine> readOptionFile(std::string_view name) {
+    std::FILE* file = openOptionFile(name);
+    std::vector<OptionLine> lines;
+    std::string line;
+    while (readOptionFileLine(file, line)) {
+        if (line.empty() || isComment(line)) continue;
+        if (isEndMarker(line)) break;
+        StoredOption option;
+        if (!isFileName(line)) option = optionToStore(line, 0, 0, nullptr);
+        lines.push_back({line, std::move(option)});
+    }
     if (std::ferror(file) != 0) fatalError(Fatal::Read, name);
     std::fclose(file);
+    return lines;
+}
+
+const std::vector<OptionLine>& optionLines(std::string_view name) {
+    const auto [place, isNew] = run.optionFiles.try_emplace(std::string(name));
+    if (isNew) place->second = readOptionFile(name);
+    return place->second;
 }
 
 void warn(std::string_view what, std::string_view name) {
@@ -46,14 +66,13 @@ void warn(std::string_view what, std::string_view name) {
 }
 
 /// Follows the scope blocks of a file; the lines themselves are stored as options all the same.
-void trackScope(std::string_view line, std::string_view name, bool& inScope) {
-    if (startsNoCase(line, "-BEGIN-SCOPE")) {
-        if (inScope) warn("Unexpected -BEGIN-SCOPE", name);
-        inScope = true;
-    } else if (startsNoCase(line, "-END-SCOPE")) {
-        if (!inScope) warn("Unexpected -END-SCOPE", name);
-        inScope = false;
-    }
+void trackScope(std::string_view option, std::string_view name, bool& inScope) {
+    if (!option.starts_with('-')) return;
+    const ScopeMark mark = scopeMark(option.substr(1));
+    if (mark == ScopeMark::None) return;
+    if (inScope && mark == ScopeMark::Begin) warn("Unexpected -BEGIN-SCOPE", name);
+    if (!inScope && mark == ScopeMark::End) warn("Unexpected -END-SCOPE", name);
+    inScope = mark == ScopeMark::Begin;
 }
 
 } // namespace
@@ -74,36 +93,28 @@ bool readOptionFileLine(std::FILE* file, std::string& line) {
 }
 
 bool parseOptionFilePartially(std::string_view name, int& count) {
-    std::FILE* file = openOptionFile(name);
     bool good = true;
-    std::string line;
-    while (readOptionFileLine(file, line)) {
-        if (line.empty() || isComment(line)) continue;
-        if (isEndMarker(line)) break;
+    for (const OptionLine& row : optionLines(name)) {
+        const std::string_view line = row.line;
         if (isFileName(line)) {
             good &= parseFilePrefix(line, count, name);
-        } else if (line.front() == '-' && !parseSelectedCmdLineOpts(line)) {
-            argumentIgnored(std::string_view(line).substr(1), name);
+        } else if (line.starts_with('-') && !parseSelectedCmdLineOpts(line)) {
+            argumentIgnored(line.substr(1), name);
             good = false;
         }
     }
-    closeOptionFile(file, name);
     return good;
 }
 
 void handleOptionFile(std::string_view name, uint32_t& kinds, OptRange& range) {
-    std::FILE* file = openOptionFile(name);
     if (run.verbose == VERBOSE_NORMAL && run.verboseEx >= 3)
         printProgress(concat("option file  : ", name));
     bool inScope = false;
-    std::string line;
-    while (readOptionFileLine(file, line)) {
-        if (line.empty() || isComment(line) || isFileName(line)) continue;
-        if (isEndMarker(line)) break;
-        trackScope(line, name, inScope);
-        parseOneCmdLineOption(line, 0, 0, nullptr, kinds, range);
+    for (const auto& [line, option] : optionLines(name)) {
+        if (!option.isStored) continue;
+        trackScope(option.text, name, inScope);
+        storeOption(option, kinds, range);
     }
-    closeOptionFile(file, name);
     if (inScope) warn("-END-SCOPE expected", name);
 }
 

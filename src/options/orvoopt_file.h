@@ -9,7 +9,8 @@
 
 namespace orvo {
 
-/// Phase one over an option file: file names and selected options. False when a line is bad.
+/// Phase one over an option file: file names and selected options. False when a line is bad. The
+/// file is read when it is asked for first (fatal 1 and 6), and its lines are kept.
 [[nodiscard]] bool parseOptionFilePartially(std::string_view file, int& count);
 /// Phase two over an option file: stores its options as records of the current module.
 void handleOptionFile(std::string_view file, uint32_t& kinds, OptRange& range);

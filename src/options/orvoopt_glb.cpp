@@ -6,7 +6,8 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <unordered_set>
+#include <ranges>
+#include <utility>
 
 #include "diag/orvoerr.h"
 #include "driver/orvofil.h"
@@ -30,30 +31,50 @@ void warn(ModuleRec* module, std::string_view text) {
     ++module->nbWarnings;
 }
 
+/// An option record under evaluation.
+struct OptionEntry {
+    TedNr record;
+    uint8_t kind; // TED_REJECTED: was so before the evaluation
+    std::string_view stored;
+    const GlbOption* row; // null for an unknown one
+    bool rejected = false;
+
+    std::string_view text() const { return stored.substr(stored.empty() ? 0 : 1); }
+    bool isOf(OptStage stage) const {
+        return kind != TED_REJECTED && !rejected && row != nullptr && row->stage == stage;
+    }
+};
+
 /// What checkGlobalOptions carries through its passes.
 struct Evaluation {
     ModuleRec* module;
     uint32_t& rejectedKinds;
     uint32_t line;
-    std::unordered_set<uint32_t> rejected = {}; // record numbers
+    std::vector<OptionEntry> entries = {};
+    bool anyRejected = false;
 
-    void reject(TedNr record, std::string_view text) {
-        rejected.insert(record.nr);
-        markInvOpt(module, record, rejectedKinds, text, line);
+    void reject(OptionEntry& entry) {
+        entry.rejected = anyRejected = true;
+        markInvOpt(module, entry.record, rejectedKinds, entry.stored, line);
     }
 };
 
-/// Stores the option in the buffer under its name in upper case. Comments for the back ends
-/// ("//...") have no name.
-void normalizeName(ModuleRec* module, TedNr record) {
-    const std::string_view stored = getStri(module, tedRec.text);
-    if (tedText(module).starts_with('/')) return;
-    std::string text(stored);
-    optionToUpper(text);
-    if (text == stored) return;
-    tedRec.text = putStri(module, text).nr;
-    writeRec(module, record);
+void collectEntries(Evaluation& ev, OptRange range) {
+    forEachTedRec(range, [&ev](TedNr record) {
+        readRec(ev.module, record);
+        OptionEntry entry{record, tedRec.tedKind, getStri(ev.module, tedRec.text), nullptr};
+        entry.row = findGlbOption(entry.text());
+        ev.entries.push_back(entry);
+    });
 }
+
+/// Checks the value of an option with the check of its row.
+bool checkRow(const Evaluation& ev, const OptionEntry& entry) {
+    const OptUse use{ev.module->options, ev.module, entry.record};
+    return entry.row->check(use, *entry.row, entry.text().substr(entry.row->name.size()));
+}
+
+// ---- PREFIXLEN= -----------------------------------------------------------------------------
 
 void warnInconsistentPrefixLen(ModuleRec* module) {
     warn(module, "\nWARNING : Inconsistent PREFIXLEN option values for different modules."
@@ -63,100 +84,122 @@ void warnInconsistentPrefixLen(ModuleRec* module) {
                  "\n          option file.\n");
 }
 
-void evaluatePass1(Evaluation& ev, OptRange range) {
-    bool given = false;
-    forEachTedRec(range, [&](TedNr record) {
-        readRec(ev.module, record);
-        if (tedRec.tedKind == TED_REJECTED) return;
-        normalizeName(ev.module, record);
-        const std::string_view option = tedText(ev.module);
-        if (!pass1GlobalOptionOK(ev.module, option))
-            ev.reject(record, getStri(ev.module, tedRec.text));
-        else if (option.starts_with("PREFIXLEN="))
-            given = true;
-    });
-    if (!given) return;
-    if (run.firstPrefixLen == 0) run.firstPrefixLen = ev.module->options.prefixLen;
-    if (run.firstPrefixLen != ev.module->options.prefixLen) warnInconsistentPrefixLen(ev.module);
+void evaluatePass1(Evaluation& ev) {
+    const uint8_t& prefixLen = ev.module->options.prefixLen;
+    bool differs = false;
+    for (OptionEntry& entry : ev.entries) {
+        if (!entry.isOf(OptStage::Pass1)) continue;
+        if (!checkRow(ev, entry)) {
+            ev.reject(entry);
+            continue;
+        }
+        if (run.firstPrefixLen == 0) run.firstPrefixLen = prefixLen;
+        differs |= prefixLen != run.firstPrefixLen;
+    }
+    if (differs) warnInconsistentPrefixLen(ev.module);
 }
 
-void evaluatePass2(Evaluation& ev, OptRange range) {
-    forEachTedRec(range, [&](TedNr record) {
-        readRec(ev.module, record);
-        if (tedRec.tedKind == TED_REJECTED) return;
-        const std::string_view stored = getStri(ev.module, tedRec.text);
-        if (!pass2GlobalOptionOK(ev.module, tedText(ev.module))) ev.reject(record, stored);
-    });
+// ---- PREFIX= --------------------------------------------------------------------------------
+
+bool isComment(const OptionEntry& entry) {
+    return entry.stored.starts_with('$');
 }
 
-void evaluatePass3(Evaluation& ev, OptRange range) {
+void evaluatePrefixes(Evaluation& ev, std::span<OptionEntry> entries) {
+    for (OptionEntry& entry : entries)
+        if (entry.isOf(OptStage::Pass2) && !checkRow(ev, entry)) ev.reject(entry);
+}
+
+/// The same PREFIX= options with the same PREFIXLEN= lead to the same modules, once the first
+/// module on the list has its prefix: until then it may claim one (driver/orvofil).
+bool firstModuleIsSettled() {
+    return run.bOfModRList == nullptr || !run.bOfModRList->filePrefix.empty();
+}
+
+/// Evaluates the PREFIX= options of the command line, or takes over what they mapped for the module
+/// before.
+void evaluateSharedPrefixes(Evaluation& ev, std::span<OptionEntry> entries) {
+    OptionBlock& block = ev.module->options;
+    SharedPrefixes& shared = run.sharedPrefixes;
+    std::vector<const char*> texts;
+    for (const OptionEntry& entry : entries)
+        if (entry.isOf(OptStage::Pass2)) texts.push_back(entry.stored.data());
+    if (texts.empty()) return;
+    if (shared.prefixLen == block.prefixLen && shared.options == texts) {
+        block.sharedPrefixes = shared.modules;
+        return;
+    }
+    const bool settled = firstModuleIsSettled();
+    const int32_t warningsBefore = ev.module->nbWarnings;
+    PrefixMap own = std::exchange(block.prefixes, {});
+    evaluatePrefixes(ev, entries);
+    std::swap(own, block.prefixes);
+    if (shared.modules == nullptr || *shared.modules != own)
+        shared.modules = std::make_shared<const PrefixMap>(std::move(own));
+    block.sharedPrefixes = shared.modules;
+    // What is said of the options is said for each module.
+    if (!settled || ev.module->nbWarnings != warningsBefore) texts.clear();
+    shared.prefixLen = block.prefixLen;
+    shared.options = std::move(texts);
+}
+
+/// The comments of the module stand in front of the command line.
+void evaluatePass2(Evaluation& ev) {
+    const std::span<OptionEntry> all(ev.entries);
+    const auto lastComment = std::ranges::find_if(std::views::reverse(all), isComment);
+    const auto comments = static_cast<size_t>(lastComment.base() - all.begin());
+    evaluatePrefixes(ev, all.first(comments));
+    evaluateSharedPrefixes(ev, all.subspan(comments));
+}
+
+// ---- all others -----------------------------------------------------------------------------
+
+/// An option in scope that is no scope mark.
+bool isValid(const Evaluation& ev, const OptionEntry& entry) {
+    if (entry.kind == TED_REJECTED || entry.kind == TED_CODE) return false;
+    const std::string_view text = entry.text();
+    const size_t equals = text.find('=');
+    const bool hasValue = equals != std::string_view::npos && equals + 1 != text.size();
+    switch (entry.row != nullptr ? entry.row->stage : OptStage::Value) {
+    case OptStage::Startup:
+    case OptStage::Any: return checkRow(ev, entry);
+    case OptStage::Pass1:
+    case OptStage::Pass2: return true;
+    case OptStage::Scope:
+    case OptStage::Value: break;
+    }
+    if (hasValue && entry.kind == TED_BEO) return true;
+    if (!hasValue || entry.row == nullptr || entry.kind != TED_OPTION) return isRCSKeyWord(text);
+    return checkRow(ev, entry);
+}
+
+/// Scope markers never fail: one that is lost would move the options behind it to other modules.
+void evaluatePass3(Evaluation& ev) {
     bool inScope = true;
-    forEachTedRec(range, [&](TedNr record) {
-        if (ev.rejected.contains(record.nr)) return;
-        readRec(ev.module, record);
-        const std::string_view stored = getStri(ev.module, tedRec.text);
-        const std::string_view option = tedText(ev.module);
-        if (!pass3GlobalOptionOK(ev.module, record, tedRec.tedKind, option, inScope))
-            ev.reject(record, stored);
-    });
-}
-
-/// Checks the value of an option with the check of its row.
-bool checkRow(const GlbOption& row, ModuleRec* module, TedNr record, std::string_view text) {
-    const OptUse use{module->options, module, record};
-    return row.check(use, row, text.substr(row.name.size()));
-}
-
-/// One option of one of the first two passes; options of other passes are no concern of theirs.
-bool checkIfOfStage(OptStage stage, ModuleRec* module, std::string_view text) {
-    const GlbOption* row = findGlbOption(text);
-    return row == nullptr || row->stage != stage || checkRow(*row, module, {}, text);
+    for (OptionEntry& entry : ev.entries) {
+        if (entry.rejected) continue;
+        const std::string_view text = entry.text();
+        switch (scopeMark(text)) {
+        case ScopeMark::Begin:
+            inScope = moduleIsInScopeList(ev.module, text.substr(text.find('=') + 1));
+            break;
+        case ScopeMark::End: inScope = true; break;
+        case ScopeMark::None:
+            if (inScope && !isValid(ev, entry)) ev.reject(entry);
+            break;
+        }
+    }
 }
 
 } // namespace
 
 void checkGlobalOptions(ModuleRec* module, uint32_t& rejectedKinds, OptRange range, uint32_t line) {
     Evaluation ev{module, rejectedKinds, line};
-    evaluatePass1(ev, range);
-    evaluatePass2(ev, range);
-    evaluatePass3(ev, range);
-    if (!ev.rejected.empty()) std::fputc('\n', stderr);
-}
-
-bool pass1GlobalOptionOK(ModuleRec* module, std::string_view text) {
-    return checkIfOfStage(OptStage::Pass1, module, text);
-}
-bool pass2GlobalOptionOK(ModuleRec* module, std::string_view text) {
-    return checkIfOfStage(OptStage::Pass2, module, text);
-}
-
-bool pass3GlobalOptionOK(ModuleRec* module, TedNr record, uint8_t kind, std::string_view text,
-                         bool& inScope) {
-    // Scope markers never fail: one that is lost would move the options behind it to other modules.
-    constexpr std::string_view begin = "BEGIN-SCOPE";
-    if (startsNoCase(text, begin)) {
-        text.remove_prefix(std::min(begin.size() + 1, text.size()));
-        inScope = moduleIsInScopeList(module, text);
-        return true;
-    }
-    if (startsNoCase(text, "END-SCOPE")) {
-        inScope = true;
-        return true;
-    }
-    if (!inScope) return true;
-    if (kind == TED_REJECTED || kind == TED_CODE) return false;
-
-    const GlbOption* row = findGlbOption(text);
-    if (row != nullptr && row->stage == OptStage::Startup)
-        return checkRow(*row, module, record, text);
-    if (row != nullptr && (row->stage == OptStage::Pass1 || row->stage == OptStage::Pass2))
-        return true;
-    if (row != nullptr && row->stage == OptStage::Any) return checkRow(*row, module, record, text);
-    const size_t equals = text.find('=');
-    if (equals == std::string_view::npos || equals + 1 == text.size()) return isRCSKeyWord(text);
-    if (kind == TED_BEO) return true;
-    if (row == nullptr || kind != TED_OPTION) return isRCSKeyWord(text);
-    return checkRow(*row, module, record, text);
+    collectEntries(ev, range);
+    evaluatePass1(ev);
+    evaluatePass2(ev);
+    evaluatePass3(ev);
+    if (ev.anyRejected) std::fputc('\n', stderr);
 }
 
 void markInvOpt(ModuleRec* module, TedNr record, uint32_t& rejectedKinds, std::string_view text,
@@ -172,6 +215,12 @@ void markInvOpt(ModuleRec* module, TedNr record, uint32_t& rejectedKinds, std::s
         std::fwrite(shown.data(), 1, shown.size(), stderr);
     }
     recordError(module, ERR_WARNING, Msg::OptionsIgnored, line, text);
+}
+
+ScopeMark scopeMark(std::string_view text) {
+    if (startsNoCase(text, "BEGIN-SCOPE=")) return ScopeMark::Begin;
+    const bool isEnd = equalNoCase(text.substr(0, text.find('=')), "END-SCOPE");
+    return isEnd ? ScopeMark::End : ScopeMark::None;
 }
 
 bool moduleIsInScopeList(const ModuleRec* module, std::string_view list) {
@@ -222,11 +271,18 @@ bool prefixOptOK(ModuleRec* module, std::string_view value) {
     const std::string_view file = checkPrefixOptionPart(module, "file prefix", parts[1], true);
     const std::string_view generation =
         checkPrefixOptionPart(module, "generation prefix", parts[2], ownGeneration);
-    ModRefList& table = module->options.prefixTable;
-    ModRef* ref = findPicRec(table, reference);
-    if (ref == nullptr) ref = createPicRec(table, reference);
-    ref->module = findOrCreateModRec(file, generation, reference);
+    module->options.prefixes[reference] = findOrCreateModRec(file, generation, reference);
     return true;
+}
+
+ModuleRec* mappedModule(const OptionBlock& options, std::string_view reference) {
+    const std::string key(reference);
+    for (const PrefixMap* map : {options.sharedPrefixes.get(), &options.prefixes}) {
+        if (map == nullptr) continue;
+        const auto found = map->find(key);
+        if (found != map->end()) return found->second;
+    }
+    return nullptr;
 }
 
 bool isRCSKeyWord(std::string_view text) {

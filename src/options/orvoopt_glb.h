@@ -57,21 +57,21 @@ const GlbOption* findGlbOption(std::string_view text);
 /// bits are set in `rejectedKinds`, and each is reported as a warning at `line`.
 void checkGlobalOptions(ModuleRec* module, uint32_t& rejectedKinds, OptRange range, uint32_t line);
 
-/// One option by pass: `text` is without its lead-in character. False = rejected.
-[[nodiscard]] bool pass1GlobalOptionOK(ModuleRec* module, std::string_view text);
-[[nodiscard]] bool pass2GlobalOptionOK(ModuleRec* module, std::string_view text);
-[[nodiscard]] bool pass3GlobalOptionOK(ModuleRec* module, TedNr record, uint8_t kind,
-                                       std::string_view text, bool& inScope);
 /// Rejects an option: kind 0, warning 11 and a line on standard error. `text` includes the lead-in
 /// character.
 void markInvOpt(ModuleRec* module, TedNr record, uint32_t& rejectedKinds, std::string_view text,
                 uint32_t line);
 
+/// What an option, given without its lead-in character, does to the scope.
+enum class ScopeMark : uint8_t { None, Begin, End };
+ScopeMark scopeMark(std::string_view text);
 /// Tells whether one of the names of the list, separated by ":", is the module's file prefix
 /// (before it has one: the default prefix of its name).
 bool moduleIsInScopeList(const ModuleRec* module, std::string_view list);
-/// PREFIX=: maps a module reference to a module record.
+/// PREFIX=: maps a module reference to a module record in the module's own map.
 [[nodiscard]] bool prefixOptOK(ModuleRec* module, std::string_view value);
+/// The module that a reference is mapped to by PREFIX=; null when there is none.
+ModuleRec* mappedModule(const OptionBlock& options, std::string_view reference);
 /// Cuts a file or generation prefix to PREFIXLEN= characters, with a warning when `warn` is set.
 std::string_view checkPrefixOptionPart(ModuleRec* module, std::string_view what,
                                        std::string_view part, bool warn);

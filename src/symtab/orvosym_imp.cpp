@@ -84,8 +84,7 @@ void handleModuleId(int32_t name, bool hasObjId, uint32_t line, uint32_t& optFla
 }
 
 ModuleRec* nameToModPtr(std::string_view name) {
-    const ModRef* mapped = findPicRec(cMP->options.prefixTable, name);
-    if (mapped != nullptr && mapped->module != nullptr) return mapped->module;
+    if (ModuleRec* const mapped = mappedModule(cMP->options, name)) return mapped;
     const std::string prefix = str2prefix(name);
     return findOrCreateModRec(prefix, prefix, name);
 }

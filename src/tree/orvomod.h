@@ -94,13 +94,18 @@ enum FixKind : int {
     FIX_VALUE2 = 9,
 };
 
+/// The modules that PREFIX= options map, by module reference.
+using PrefixMap = std::unordered_map<std::string, ModuleRec*>;
+
 /// Option values of a module; the initial values are the defaults.
 struct OptionBlock {
     std::string sourceDir;       // search path directory of the source, "" when opened as named
     bool sourceDirKnown = false; // sourceDir has been set by opening the source
     std::string sourceFileName;
     std::string listingFileName;
-    ModRefList prefixTable;     // module references that PREFIX= maps
+    PrefixMap prefixes; // PREFIX= of the module's comments
+    // PREFIX= of the command line, which goes before; shared by the modules that have the same.
+    std::shared_ptr<const PrefixMap> sharedPrefixes;
     OptRange range;             // the module's options
     uint32_t entryCount = 0;    // type assignments marked with ENTRY
     uint32_t exportedTypes = 0; // exported type assignments
@@ -180,6 +185,7 @@ struct ModuleRec {
     uint8_t importsState = 0, exportsState = 0; // 0 no clause, 1 empty, 2 a list
     uint8_t tagDefault = 1;                     // 1 explicit, 2 implicit or automatic
     bool automaticTags = false, extensibilityImplied = false;
+    bool optionsDisabled = false; // pass 5 has switched off options of types
     int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;
     int32_t nbRecorded = 0;           // diagnostics recorded, kept or not
     std::vector<ErrRec> errors;       // sorted by line, then order of recording
@@ -201,6 +207,26 @@ struct ModIndex {
     std::unordered_map<std::string, std::deque<ModuleRec*>> unclaimed; // by source file name
 };
 
+/// What modules store of an option of the command line or of an option file.
+struct StoredOption {
+    bool isStored = false;
+    uint8_t kind = 0; // TED_OPTION, TED_BEO or TED_REJECTED
+    std::string text;
+};
+/// A line of an option file that says something.
+struct OptionLine {
+    std::string line; // as it stands there
+    StoredOption option;
+};
+
+/// The PREFIX= options of the command line that were evaluated last: each module has the same, as a
+/// rule, and takes over what they map.
+struct SharedPrefixes {
+    uint8_t prefixLen = 0;
+    std::vector<const char*> options; // shared copies of their texts; empty = evaluate anew
+    std::shared_ptr<const PrefixMap> modules;
+};
+
 /// State of the run as a whole.
 struct Run {
     ModuleRec* bOfModRList = nullptr; // module list, in order of compilation
@@ -214,6 +240,8 @@ struct Run {
     bool strict_standard = false;
     std::string lstDir, stxDir;
     uint8_t firstPrefixLen = 0; // the first PREFIXLEN= value given in the run, 0 = none yet
+    std::unordered_map<std::string, std::vector<OptionLine>> optionFiles; // by name
+    SharedPrefixes sharedPrefixes;
     std::vector<std::string> asnSearchPath;
     std::set<std::pair<uint64_t, uint64_t>> sourceFiles; // device and number of each one opened
     TimeStamp timeStamp = {};

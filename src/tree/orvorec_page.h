@@ -17,7 +17,8 @@ namespace orvo {
 /// What the storage holds for a string: its shared copy.
 struct StriSlot {
     const void* text; // NUL-terminated
-    size_t length;    // characters, without the terminator
+    uint32_t length;  // characters, without the terminator
+    uint32_t next;    // string of the same bucket, with a lower number; 0 = none
 };
 
 /// Records per page. Small enough that a module with few records of a kind costs little.

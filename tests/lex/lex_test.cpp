@@ -225,8 +225,8 @@ TEST_F(OptionCommentTest, FirstCommandOfAModuleIsAnOption) {
         {"--$ALLOW-- M", "3$ALLOW; flags 8"},
         {"--$ALLOW$XREF--", "3$ALLOW; flags 9"}, // the second is a directive of no known name
         {"--$allow $Xref=No-- M", "3$ALLOW; 3$XREF=No; flags 8"},
-        {"--$INFO some text --", "3$INFO some text; flags 8"},
-        {"--$BEO a b--", "2$BEO a b; flags 4"},
+        {"--$INFO some text --", "3$INFO SOME TEXT; flags 8"},
+        {"--$BEO a b--", "2$BEO A B; flags 4"},
         {"--$SKIP--", "3$SKIP; flags 8"},
         {"--", "flags 0"}};
     for (const auto& [source, options] : cases)
@@ -242,8 +242,9 @@ TEST_F(OptionCommentTest, LaterCommandsAreOptionsOrDirectivesByTheirForm) {
                                     {"--$BEO=a  b  \nx", "2$BEO=a  b; flags 4"},
                                     {"--$info=a b-c--", "3$INFO=a b-c; flags 8"},
                                     {"--$A-B=c-d-- e", "3$A-B=c-d; flags 8"},
-                                    {"--$//a b--", "3$//a b; flags 8"},
-                                    {"--$/ab c--", "3$/b; flags 8"},
+                                    {"--$//a b--", "3$//A B; flags 8"},
+                                    {"--$//a b=c d--", "3$//A B=c d; flags 8"},
+                                    {"--$/ab c--", "3$/B; flags 8"},
                                     {"--$/--x", "3$/; flags 8"},
                                     {"--$X=\x01\xFF--", "3$X=~~; flags 8"},
                                     {"--$X=a\tb--", "3$X=a; flags 8"},

@@ -28,14 +28,16 @@ const OptionCase optionCases[] = {
     {"-PREFIXLEN=32", [](const Block& b) { return b.prefixLen == 32; }},
     {"-PREFIXLEN=0", rejected}, {"-PREFIXLEN=33", rejected}, {"-PREFIXLEN=", rejected},
     {"-prefixlen=7", [](const Block& b) { return b.prefixLen == 7; }},
-    {"-PREFIX=My-Mod:mm", [](const Block& b) { return findPicRec(b.prefixTable, "My_Mod")->module->filePrefix == "mm"; }},
-    {"-PREFIX=My-Mod:nn:g_p", [](const Block& b) { return findPicRec(b.prefixTable, "My_Mod")->module->generationPrefix == "g_p"; }},
-    {"-PREFIX=Mod", [](const Block& b) { return findPicRec(b.prefixTable, "Mod")->module->filePrefix == "Mod"; }},
-    {"-PREFIX=Mod::gen", [](const Block& b) { return findPicRec(b.prefixTable, "Mod")->module->filePrefix == "Mod"; }},
+    {"-PREFIX=My-Mod:mm", [](const Block& b) { return mappedModule(b, "My_Mod")->filePrefix == "mm"; }},
+    {"-PREFIX=My-Mod:nn:g_p", [](const Block& b) { return mappedModule(b, "My_Mod")->generationPrefix == "g_p"; }},
+    {"-PREFIX=Mod", [](const Block& b) { return mappedModule(b, "Mod")->filePrefix == "Mod"; }},
+    {"-PREFIX=Mod::gen", [](const Block& b) { return mappedModule(b, "Mod")->filePrefix == "Mod"; }},
     {"-PREFIX=mod:mm", rejected}, {"-PREFIX=", rejected}, {"-PREFIX=M:a:b:c", rejected},
     {"-PREFIX=M:a.b", rejected}, {"-PREFIX=M:a:b.c", rejected}, {"-PREFIX=My_Mod:mm", rejected},
     {"-BEGIN-SCOPE=other -INT=x", accepted}, {"-begin-scope=other -end-scope -INT=x", rejected},
-    {"-END-SCOPE", accepted}, {"-BEGIN-SCOPE=x", accepted},
+    {"-END-SCOPE", accepted}, {"-BEGIN-SCOPE=x", accepted}, {"-BEGIN-SCOPE", rejected}, {"-BEGIN-SCOPEX=other", rejected},
+    {"-BEGIN-SCOPEX=my -INT=x", rejected}, {"-BEGIN-SCOPE=other -END-SCOPE= -INT=x", rejected}, {"-END-SCOPEY", rejected},
+    {"-BEGIN-SCOPE=other -END-SCOPEY -INT=x", accepted}, {"-BEGIN-SCOPE=other -BEGIN-SCOPE -INT=x", accepted},
     {"-TPREF=x -TPREF=", [](const Block& b) { return b.naming[FIX_TYPE].head.fixPref.empty(); }},
     {"-ENTRY=X-PDU:PDU", [](const Block& b) { return findFixRecByEntryTypeName(b.entry, "X_PDU")->fixConv == "PDU" && findFixRecByEntryTypeName(b.entry, "Y") == nullptr; }},
     {"-ENTRY=X:012:x_name", [](const Block& b) { return findFixRecByEntryTypeName(b.entry, "X")->fixName == "x_name"; }},
@@ -49,7 +51,7 @@ const OptionCase optionCases[] = {
     {"-ALTENCF=0:1", rejected}, {"-ALTMAX=2 -ALTENCF=2:1", rejected}, {"-ALTMAX=2 -ALTENCF=1", rejected}, {"-ALTMAX=1 -ALTENCF=0:8", rejected},
     {"-ALTMAX=8 -ALTDECF=7:7", [](const Block& b) { return b.altDecf[7] == 0x80; }}, {"-ALTDECF=0:", rejected},
     {"-ALLOW", [](const Block& b) { return b.allow; }}, {"-ALLOW=1", rejected},
-    {"$//one -INT=8 $//two", [](const Block& b) { return b.backEndFirst.nr + 2 == b.backEndLast.nr; }}, {"$/one", rejected},
+    {"$//one -INT=8 $//two", [](const Block& b) { return b.backEndFirst.nr + 2 == b.backEndLast.nr; }}, {"$/ONE", rejected},
     {"-BEO=//x", [](const Block& b) { return b.backEndFirst && b.backEndFirst == b.backEndLast; }},
     {"-COMBINE=a:b,c", [](const Block& b) { return b.combine == std::vector<std::string>{"a", "b", "c"}; }},
     {"-COMBINE=long-1.stx:b.stx", [](const Block& b) { return b.combine == std::vector<std::string>{"long-", "b"}; }},
@@ -210,13 +212,14 @@ TEST_F(GlobalOptions, RejectedValuesLeaveTheSettingsAlone) {
         packModWords(a.options, after);
         EXPECT_TRUE(std::ranges::equal(before, after)) << row.text;
         EXPECT_TRUE(std::ranges::equal(a.options.codeGen, OptionBlock().codeGen)) << row.text;
-        EXPECT_TRUE(a.options.combine.empty() && a.options.prefixTable.refs.empty()) << row.text;
+        EXPECT_TRUE(a.options.combine.empty()) << row.text;
+        EXPECT_TRUE(a.options.sharedPrefixes == nullptr || a.options.sharedPrefixes->empty());
     }
 }
 
 TEST_F(GlobalOptions, PrefixIsCutToTheLengthGivenAnywhere) {
     EXPECT_TRUE(evaluate(a, {{"-PREFIX=My-Mod:mm"}, {"-PREFIXLEN=1"}}));
-    const ModuleRec* mapped = findPicRec(a.options.prefixTable, "My_Mod")->module;
+    const ModuleRec* mapped = mappedModule(a.options, "My_Mod");
     EXPECT_EQ(mapped->filePrefix, "m");
     EXPECT_EQ(mapped->generationPrefix, "m");
     EXPECT_EQ(mapped->moduleName, "My_Mod");
@@ -227,8 +230,43 @@ TEST_F(GlobalOptions, PrefixIsCutToTheLengthGivenAnywhere) {
     EXPECT_TRUE(evaluate(a, {{"-PREFIX=M:f:gen"}, {"-PREFIXLEN=2"}, {"-PREFIX=M:ff"}}));
     EXPECT_NE(printed().find("A generation prefix 'gen' is longer than 2 characters."),
               std::string::npos);
-    EXPECT_EQ(a.options.prefixTable.refs.size(), 1U);
-    EXPECT_EQ(findPicRec(a.options.prefixTable, "M")->module->filePrefix, "ff");
+    EXPECT_EQ(a.options.sharedPrefixes->size(), 1U);
+    EXPECT_EQ(mappedModule(a.options, "M")->filePrefix, "ff");
+}
+
+TEST_F(GlobalOptions, PrefixesOfTheCommandLineAreSharedByTheModulesThatHaveTheSame) {
+    const Option x{"-PREFIX=Xx:x"}, y{"-PREFIX=Yy:y"};
+    const struct {
+        std::vector<Option> options;
+        const char* prefixes; // of Xx, Yy and Zz
+        bool shared;          // with a module that has x and y
+    } cases[] = {{{x, y}, "xy-", true},
+                 {{{"$PREFIX=Yy:c"}, {"$PREFIX=Zz:z"}, x, {"-INT=8"}, y}, "xyz", true},
+                 {{y, x}, "xy-", true},
+                 {{x, {"$PREFIX=Yy:c"}, y}, "xy-", false}, // as nobody can write them
+                 {{x, {"-PREFIX=Yy:n"}}, "xn-", false},
+                 {{x, {"-PREFIX=Yy:n"}, y, {"-PREFIX=zz:z"}}, "xy-", true}, // one is rejected
+                 {{x}, "x--", false},
+                 {{{"$PREFIX=Xx:x"}, {"$PREFIX=Yy:y"}}, "xy-", false}};
+    for (const auto& [options, prefixes, shared] : cases) {
+        EXPECT_TRUE(evaluate(a, {x, y}));
+        for (int time = 0; time < 2; ++time) {
+            evaluate(b, options);
+            std::string found;
+            for (const char* name : {"Xx", "Yy", "Zz"}) {
+                const ModuleRec* mapped = mappedModule(b.options, name);
+                found += mapped != nullptr ? mapped->filePrefix : "-";
+            }
+            EXPECT_EQ(found, prefixes);
+            EXPECT_EQ(a.options.sharedPrefixes == b.options.sharedPrefixes, shared) << prefixes;
+            EXPECT_EQ(b.errors.size(), options.size() == 4 ? 1U : 0U);
+        }
+    }
+    printed();
+    for (ModuleRec* module : {&a, &b}) { // what is said of an option is said for each module
+        EXPECT_TRUE(evaluate(*module, {{"-PREFIX=Xx:xxxxxxxx"}}));
+        EXPECT_TRUE(printed().starts_with("\nWARNING : A file prefix 'xxxxxxxx' is longer"));
+    }
 }
 
 TEST(ModuleWords, HoldTheOptionsInTheirPlaces) {

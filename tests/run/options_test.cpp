@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "support/run.h"
+#include "support/tree.h"
 
 namespace orvo::test {
 namespace {
@@ -39,6 +40,40 @@ TEST(Options, RejectedOnesAreReportedOnceAtTheHeader) {
     EXPECT_TRUE(result.has("m.stx"));
 }
 
+/// The option records of a tree, each with its kind: "3 -INT=8".
+std::vector<std::string> optionRecords(const stx::Tree& tree) {
+    std::vector<std::string> records;
+    for (uint32_t nr = 1; nr <= tree.count(stx::TED); ++nr) {
+        const auto record = tree.tedRec(nr);
+        records.push_back(std::to_string(record.tedKind) + " " +
+                          std::string(tree.text(record.text)));
+    }
+    return records;
+}
+
+TEST(Options, AreKeptOnceUnderNamesInUpperCase) {
+    const RunResult run = compile(
+        {{"m.asn", "--$int=u16 $//keepMe $//keepMe=asIs\n"
+                   "M DEFINITIONS ::= BEGIN\nn INTEGER ::= 1 --$vname=one--\n"
+                   "s IA5String ::= \"-int=u16\"\nt IA5String ::= \"$//keepMe\"\nEND\n"},
+         {"o.opt", "-int=u16\n-//keepMe\n-beo=trace\n-int=b d\n"}},
+        {"-Int=u16", "-//keepMe", "-//keepMe=asIs", "-beo=tr", "ace", "-int=b d", "+o.opt"});
+    const TreeFacts tree(run, "m");
+    // what is rejected at once stays as the file has it
+    EXPECT_EQ(optionRecords(tree.tree()),
+              (std::vector<std::string>{"3 $INT=u16", "3 $//KEEPME", "3 $//KEEPME=asIs",
+                                        "3 -INT=u16", "3 -//KEEPME", "3 -//KEEPME=asIs",
+                                        "2 -BEO=tr ace", "0 -INT=b", "3 -INT=u16", "3 -//KEEPME",
+                                        "2 -BEO=trace", "0 -int=b", "3 $VNAME=one"}));
+    EXPECT_EQ(tree.valueText("s") + tree.valueText("t"), "\"-int=u16\"\"$//keepMe\"");
+    size_t spellings = 0; // of a text that is an option and a value
+    for (uint32_t nr = 1; nr <= tree.tree().count(stx::STRI8); ++nr)
+        spellings += tree.tree().text(nr).ends_with("u16") ? 1U : 0U;
+    EXPECT_EQ(spellings, 3U); // $INT=u16, -INT=u16, -int=u16
+    EXPECT_EQ(run.diagnostics("m"), "  ** WARNING  line   2 : $Option(s) ignored: -INT=b\n"
+                                    "  ** WARNING  line   2 : $Option(s) ignored: -int=b\n");
+}
+
 TEST(Options, ScopeOfAnOptionFileHoldsForItsModulesOnly) {
     const RunResult result = compile(
         {module("Xx", "x.asn", "", "IMPORTS T FROM Yy T FROM Zz;"),
@@ -51,6 +86,30 @@ TEST(Options, ScopeOfAnOptionFileHoldsForItsModulesOnly) {
     EXPECT_EQ(result.diagnostics("zz"), explicitTags);
 }
 
+TEST(Options, WhatOnlyBeginsLikeAScopeMarkIsUnknown) {
+    const RunResult result =
+        compile({module("M", "m.asn"),
+                 {"o.opt", "-begin-scope=other\n-END-SCOPEY\n-EXPLICIT=2\n-END-SCOPE x\n"
+                           "-BEGIN-SCOPEX=m\n-END-SCOPEY=m\n-begin-scope\n-EXPLICIT=1\n"}},
+                {"-VERBOSE=NONE", "+o.opt"});
+    const std::string ignored = "  ** WARNING  line   1 : $Option(s) ignored: ";
+    EXPECT_EQ(result.diagnostics("m"), ignored + "-BEGIN-SCOPEX=m\n" + ignored + "-END-SCOPEY=m\n" +
+                                           ignored + "-BEGIN-SCOPE\n" + explicitTags);
+    EXPECT_EQ(result.err, "\nWARNING : Option ignored: -BEGIN-SCOPEX=m\n"
+                          "\nWARNING : Option ignored: -END-SCOPEY=m\n"
+                          "\nWARNING : Option ignored: -BEGIN-SCOPE\n\n");
+}
+
+TEST(Options, PartsOfAValueMayAddUpTo1024Characters) {
+    for (const size_t more : {0U, 1U}) {
+        SCOPED_TRACE(more);
+        const std::string part = "-BEO=" + std::string(1000, 'a'), rest(18 + more, 'b');
+        const RunResult run = compile({module("M", "m.asn")}, {part, rest, "-V=1"});
+        EXPECT_EQ(optionRecords(TreeFacts(run, "m").tree()),
+                  std::vector<std::string>{more == 0 ? "2 " + part + " " + rest : "0 " + part});
+    }
+}
+
 TEST(Options, PrefixOptionHasItsModuleCompiledUnderItsNames) {
     const RunResult result = compile({module("Main", "main.asn"), module("My-Other", "other.asn")},
                                      {"-PREFIX=My-Other:other:gen", "-PREFIX=Main:main"});
@@ -59,15 +118,31 @@ TEST(Options, PrefixOptionHasItsModuleCompiledUnderItsNames) {
     EXPECT_TRUE(result.has("other.lst"));
 }
 
-TEST(Options, PrefixLengthsThatDifferAreReportedForTheLaterModule) {
-    const RunResult result =
-        compile({module("Main", "main.asn", "--$PREFIXLEN=6--", "IMPORTS T FROM Other;"),
-                 module("Other", "other.asn", "--$PREFIXLEN=7--")});
-    EXPECT_EQ(result.err, "\nWARNING : Inconsistent PREFIXLEN option values for different modules."
-                          "\n          Check option files and ASN.1 module definition files and"
-                          "\n          delete all the PREFIXLEN options. Give only the highest"
-                          "\n          option value once for ORVO on the command line or in one"
-                          "\n          option file.\n");
+TEST(Options, PrefixLengthsThatDifferFromTheFirstAreReportedOnceForAModule) {
+    const std::string warning =
+        "\nWARNING : Inconsistent PREFIXLEN option values for different modules."
+        "\n          Check option files and ASN.1 module definition files and"
+        "\n          delete all the PREFIXLEN options. Give only the highest"
+        "\n          option value once for ORVO on the command line or in one"
+        "\n          option file.\n";
+    const struct {
+        std::string main, other;
+        std::vector<std::string> options;
+        std::string warnings;
+    } cases[] = {{"--$PREFIXLEN=6--", "--$PREFIXLEN=7--", {}, warning},
+                 {"--$PREFIXLEN=6--", "", {}, ""},
+                 {"--$PREFIXLEN=6--", "", {"-PREFIXLEN=7"}, warning + warning},
+                 {"--$PREFIXLEN=6 $PREFIXLEN=7 $PREFIXLEN=8 $PREFIXLEN=6--", "", {}, warning},
+                 {"", "--$PREFIXLEN=7--", {"-PREFIXLEN=6"}, warning},
+                 {"--$PREFIXLEN=6 $PREFIXLEN=6--", "", {"-PREFIXLEN=6"}, ""}};
+    for (const auto& [main, other, options, warnings] : cases) {
+        SCOPED_TRACE(main + other);
+        const RunResult result = compile({module("Main", "main.asn", main, "IMPORTS T FROM Other;"),
+                                          module("Other", "other.asn", other)},
+                                         options);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.err, warnings);
+    }
 }
 
 TEST(Options, CommentsAreTakenAtEveryKindOfNode) {
@@ -100,6 +175,58 @@ TEST(Options, CommentsThatTheirPlaceDoesNotAllowAreReported) {
                                        "  ** WARNING  line   5 : $Option(s) ignored\n"
                                        "  ** WARNING  line   5 : $Option(s) ignored\n"
                                        "  ** WARNING  line   7 : $Option(s) ignored\n");
+}
+
+/// An option of a type that turns out wrong is switched off in its own record, also where others
+/// have the same text or, as instances of one definition, the same records.
+TEST(Options, SwitchedOffOnesStandInTheTreeBesideThoseThatHold) {
+    const std::string head = " DEFINITIONS ::= BEGIN\n", end = "END\n";
+    const std::string definitions =
+        "P {T} ::= SEQUENCE { id T, a ANY DEFINED BY id --$ANY=E:one $BEO=x $ANY=E:two--, b T }\n"
+        "S ::= SEQUENCE { id INTEGER, a ANY DEFINED BY id --$ANY=E:one-- }\n"
+        "R ::= SEQUENCE { id OBJECT IDENTIFIER, a ANY DEFINED BY id --$ANY=E:one-- }\n"
+        "E ::= NULL --$ENTRY--\none INTEGER ::= 1\ntwo INTEGER ::= 2\n"
+        "t IA5String ::= \"$ANY=E:one\"\no OBJECT IDENTIFIER ::= { 2 7 77 }\n";
+    const std::string x = "X ::= P {INTEGER}\n", y = "Y ::= P {OBJECT IDENTIFIER}\n",
+                      z = "Z ::= P {OBJECT IDENTIFIER}\n";
+    for (const std::string& uses : {x + y + z, y + x + z, y + z + x}) {
+        const SourceFile user = {"m.asn", "M" + head + "IMPORTS P{} FROM N;\n" + uses + end};
+        for (const bool imported : {false, true}) {
+            SCOPED_TRACE(uses + (imported ? "imported" : ""));
+            const SourceFile file = {"n.asn",
+                                     "N" + head + definitions + (imported ? "" : uses) + end};
+            const RunResult run =
+                compile(imported ? std::vector{user, file} : std::vector{file, user});
+            const TreeFacts tree(run, imported ? "m" : "n"), own(run, "n");
+            EXPECT_EQ(tree.options("X.a"), "$ANY=E:one $BEO=x $ANY=E:two");
+            EXPECT_EQ(tree.options("Y.a"), "?ANY=E:one $BEO=x ?ANY=E:two");
+            EXPECT_EQ(tree.options("Z.a"), "?ANY=E:one $BEO=x ?ANY=E:two");
+            EXPECT_EQ(own.options("S.a"), "$ANY=E:one");
+            EXPECT_EQ(own.options("R.a"), "?ANY=E:one");
+            EXPECT_EQ(own.valueText("t"), "\"$ANY=E:one\"");
+        }
+    }
+}
+
+/// Strings that the last checks add are counted with the texts of options that were switched off,
+/// and stay out of the file otherwise.
+TEST(Options, SwitchedOffOnesHaveTheStringsCountedAgain) {
+    for (const bool fits : {true, false}) {
+        SCOPED_TRACE(fits);
+        const RunResult run =
+            compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n"
+                               "S ::= SEQUENCE { id INTEGER, a ANY DEFINED BY id --$ANY=E:" +
+                                   std::string(fits ? "one" : "o") +
+                                   "-- }\nE ::= NULL --$ENTRY--\none INTEGER ::= 1\n"
+                                   "o OBJECT IDENTIFIER ::= { 2 7 77 }\nEND\n"}});
+        const TreeFacts facts(run, "m");
+        const stx::Tree& tree = facts.tree();
+        const uint32_t source = tree.mNode(1).srcFile; // the last one of the passes before
+        EXPECT_EQ(tree.text(source), "m.asn");
+        EXPECT_EQ(tree.count(stx::STRI8), fits ? source : source + 2);
+        EXPECT_EQ(tree.text(source + 1), fits ? "" : "?ANY=E:o");
+        EXPECT_EQ(tree.hasText(facts.value("o").node().stri), !fits);
+    }
 }
 
 } // namespace

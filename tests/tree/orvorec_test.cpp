@@ -50,6 +50,11 @@ TEST_F(Store, StringsTakenBackGiveTheirNumbersAway) {
     EXPECT_EQ(getStri(&a, 3).data(), shared);
     EXPECT_EQ(putStri(&a, "kept").nr, 1U);
     EXPECT_EQ(putStri16(&a, u"kept").nr, 1U);
+    for (uint32_t nr = 4; nr <= 1000; ++nr) EXPECT_EQ(putStri(&a, std::to_string(nr)).nr, nr);
+    dropStriFrom(&a, 600, 1, 1);
+    for (uint32_t nr = 4; nr <= 1000; ++nr)
+        EXPECT_EQ(findStri(&a, std::to_string(nr)).nr, nr < 600 ? nr : 0U);
+    EXPECT_EQ(putStri(&a, "1000").nr, 600U);
 }
 
 TEST_F(StoreDeathTest, StringsThatAreNotThere) {

@@ -329,11 +329,7 @@ Link Tree::linkOf(Kind kind, uint32_t nr, const Field& field) const {
         if (field.offset == 8) return value < 0 ? ownLink(VNODE, -value) : Link{};
         return ownLink(TAG, value);
     case SUB: return linkOfSub(nr, field, value);
-    case TED: {
-        Link link = stringLink(value);
-        link.optional = true;
-        return link;
-    }
+    case TED: return stringLink(value);
     case SNODE: return linkOfSNode(nr, field, value);
     case STRI8:
     case STRI16:
