@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -102,8 +101,7 @@ const void* allocateUniqStri(const void* text, size_t length, uint64_t hash, Rec
 // ---- the index of a module ------------------------------------------------------------------
 
 std::vector<uint32_t>& headsOf(ModuleRec* module, RecKind kind) {
-    if (!module->striCache) module->striCache.reset(new (std::nothrow) StriCacheRec);
-    if (!module->striCache) fatalError(Fatal::NoSpace);
+    if (!module->striCache) module->striCache = makeOwned<StriCacheRec>();
     return module->striCache->heads[kind - KIND_STRI8];
 }
 
