@@ -12,7 +12,6 @@
 #include "diag/orvoerr.h"
 #include "driver/orvofil.h"
 #include "driver/orvofil_fix.h"
-#include "options/orvoopt.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil.h"
 #include "util/ascii.h"
