@@ -169,6 +169,17 @@ TEST(CheckValues, EveryConstraintIsMetOrNot) {
     });
 }
 
+TEST(CheckValues, DefinitionsMayStandInAnyOrder) {
+    // A string in itself has no end.
+    const std::vector<std::string> size = {"Value out of single value constraint(s)",
+                                           "Value out of size constraint(s)"};
+    expectFindingsInAnyOrder({{"s1 IA5String ::= { \"a\", s2 }"},
+                              {"s2 IA5String ::= { \"bc\", s1 }"},
+                              {"x IA5String (SIZE (3)) ::= s1", size},
+                              {"y IA5String (SIZE (3)) ::= s2", size},
+                              {"z IA5String (FROM (\"abc\")) ::= s2"}});
+}
+
 TEST(CheckValues, BoundsOfAnotherModuleAreComparedByTheirText) {
     // The string numbers of the two modules differ.
     const SourceFile other = {"n.asn", "N DEFINITIONS ::= BEGIN EXPORTS lo, hi;\n"
