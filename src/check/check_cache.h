@@ -17,9 +17,10 @@
 
 namespace orvo {
 
-/// Endpoints of a type record, for the reference and constraint it had then: checks take a
-/// constraint off a record, or hang another on a temporary one, and put the record back.
+/// Endpoints of a type record, for the reference and constraint it had then: checks hang another on
+/// a temporary record.
 struct EndpointNote {
+    SubRef seriesEnd; // the last member that was counted of a series which is under check
     int32_t constraint = 0;
     int32_t refMod = 0;
     uint32_t ref = 0;

@@ -106,8 +106,7 @@ bool readNextConstrained() {
             found = note->second;
             break;
         }
-        const bool isDone = tNode.checkState == static_cast<int16_t>(CHECK_DONE);
-        if (isDone) passed.push_back(type);
+        passed.push_back(type);
         if (tNode.constraint > 0 || !isReferenceType(tNode.typeCode)) {
             found = type;
             break;
@@ -310,6 +309,7 @@ bool checkInstance(const ValueErrors& errors, VNodeRef at) {
 
 bool checkRecord(const ValueErrors& errors, VNodeRef at, bool constrain) {
     const ValueNesting nesting;
+    const Restore series(seriesView, {});
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;

@@ -41,7 +41,7 @@ template <typename Fn> void forEachOperand(SubRef first, Fn&& fn) {
     uint32_t left = first.module->nextRecNr[KIND_SUB];
     for (SubNr nr = first.nr; nr && left != 0; --left) {
         readRec(first.module, nr);
-        const SubNr next{subRec.next};
+        const SubNr next = nextOperand();
         if (!fn(SubRef{first.module, nr})) return;
         nr = next;
     }

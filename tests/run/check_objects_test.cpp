@@ -138,8 +138,8 @@ TEST(CheckObjects, BuiltinTypesHaveTheirComponents) {
 TEST(CheckObjects, WhatDoublesSixtyTimesEnds) {
     std::vector<Line> lines = {{"T0 ::= INTEGER (0..5)"},      {"U0 ::= INTEGER (0..5)"},
                                {"L0 ::= SEQUENCE OF INTEGER"}, {"l0 L0 ::= { 1, 1 }"},
-                               {"R0 ::= SEQUENCE { x NULL }"}, {"r0 R0 ::= { x NULL }"},
-                               {"s0 IA5String ::= \"ab\""}};
+                               {"V0 ::= INTEGER (V60 | 5)"},   {"R0 ::= SEQUENCE { x NULL }"},
+                               {"r0 R0 ::= { x NULL }"},       {"s0 IA5String ::= \"ab\""}};
     std::string inner = "(0..5)";
     for (int i = 1; i <= 60; ++i) {
         const std::string own = std::to_string(i), last = std::to_string(i - 1);
@@ -150,6 +150,7 @@ TEST(CheckObjects, WhatDoublesSixtyTimesEnds) {
         };
         of("T# ::= INTEGER (T@ | T@)");
         of("U# ::= INTEGER (U@ ^ U@)");
+        of("V# ::= INTEGER (V@ | V@)");
         of("L# ::= SEQUENCE OF L@");
         of("l# L# ::= { l@, l@ }");
         of("R# ::= SEQUENCE { a R@, b R@ }");
@@ -161,6 +162,7 @@ TEST(CheckObjects, WhatDoublesSixtyTimesEnds) {
         {"t1 T60 ::= 3"},
         {"t2 T60 ::= 9", {"Value out of union constraint(s)"}},
         {"u1 U60 ::= 3"},
+        {"v1 V60 ::= 5"},
         {"l L59 " + inner + " ::= l59"},
         {"r R60 (r60) ::= { a r59, b r59 }"},
         {"str1 IA5String (FROM (\"a\"..\"c\")) ::= s60"},

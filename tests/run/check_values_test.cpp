@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/findings.h"
+#include "support/tree.h"
 
 namespace orvo::test {
 namespace {
@@ -170,6 +171,10 @@ TEST(CheckValues, EveryConstraintIsMetOrNot) {
 }
 
 TEST(CheckValues, DefinitionsMayStandInAnyOrder) {
+    const std::string c = "C ::= INTEGER (0..9) (CONSTRAINED BY {D}) (5..8)\n";
+    const std::string d = "D ::= SEQUENCE { e INTEGER (0..20 ^ C) DEFAULT 6 }\n";
+    for (const std::string& body : {c + d, d + c})
+        EXPECT_EQ(TreeFacts(compile({moduleM(body)}), "m").bounds("D.e"), "5..8");
     // A string in itself has no end.
     const std::vector<std::string> size = {"Value out of single value constraint(s)",
                                            "Value out of size constraint(s)"};
