@@ -81,6 +81,9 @@ class ValueNesting {
 // ---- p5val_stru
 /// The current type has components, the value is one of its kind.
 [[nodiscard]] bool checkValWithComps(const ValueErrors& errors, const CheckedValue& value);
+/// Makes the definition that the built-in module has for a kind the current type; false when there
+/// is none.
+bool readBuiltinType(uint8_t kind);
 
 // ---- p5val_form
 [[nodiscard]] bool checkEnumVal(const ValueErrors& errors, const CheckedValue& value);

@@ -179,15 +179,6 @@ bool checkSOfVal(const ValueErrors& errors, const CheckedValue& value) {
     return ok || failValue(errors, value, invalidValue(kind));
 }
 
-/// Makes the definition that the built-in module has for a kind the current type; false when there
-/// is none.
-bool readBuiltinType(uint8_t kind) {
-    if (run.iso8824MP == nullptr) return false;
-    readRec(run.iso8824MP, TNodeNr{kind});
-    skipTypes(true);
-    return tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_CLASS;
-}
-
 bool checkISO8824StruVal(const ValueErrors& errors, const CheckedValue& value) {
     const KeepRec<KIND_TNODE> keep;
     return !readBuiltinType(value.rec.valCode) || checkStruVal(errors, value);
@@ -236,6 +227,13 @@ bool checkExtVal(const ValueErrors& errors, const CheckedValue& value) {
 }
 
 } // namespace
+
+bool readBuiltinType(uint8_t kind) {
+    if (run.iso8824MP == nullptr) return false;
+    readRec(run.iso8824MP, TNodeNr{kind});
+    skipTypes(true);
+    return tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_CLASS;
+}
 
 bool checkValWithComps(const ValueErrors& errors, const CheckedValue& value) {
     switch (tNode.typeCode) {

@@ -63,6 +63,55 @@ TEST(CheckObjects, ValuesStandInTheTable) {
     });
 }
 
+TEST(CheckObjects, ObjectsOfBuiltinClassesStandInTables) {
+    expectFindings({
+        {"Set TYPE-IDENTIFIER ::= { { INTEGER IDENTIFIED BY {1 2 3} } | o }"},
+        {"o TYPE-IDENTIFIER ::= { T IDENTIFIED BY id }"},
+        {"T ::= SEQUENCE { a INTEGER (0..5) }"},
+        {"id OBJECT IDENTIFIER ::= { 2 5 }"},
+        {"S ::= SEQUENCE { id TYPE-IDENTIFIER.&id ({Set}), val TYPE-IDENTIFIER.&Type "
+         "({Set}{@id}) }"},
+        {"a1 S ::= { id {1 2 3}, val INTEGER : 5 }"},
+        {"a2 S ::= { id {2 5}, val T : { a 4 } }"},
+        {"a3 S ::= { id {2 5}, val INTEGER : 4 }", {relation, invalidSeq}},
+        {"a4 S ::= { id {2 6}, val INTEGER : 4 }", {table, relation, invalidSeq}},
+        {"C ::= CLASS { &t TYPE-IDENTIFIER }"},
+        {"In C ::= { { &t o } }"},
+        {"U ::= SEQUENCE { id C.&t.&id ({In}) }"},
+        {"b1 U ::= { id id }"},
+        {"b2 U ::= { id {1 2 3} }", {table, invalidSeq}},
+        {"Abs ABSTRACT-SYNTAX ::= { { NULL IDENTIFIED BY {1 2} } | { NULL IDENTIFIED BY {1 3}"},
+        {"  HAS PROPERTY {handles-invalid-encodings} } }"},
+        {"V ::= SEQUENCE { id ABSTRACT-SYNTAX.&id ({Abs}), p ABSTRACT-SYNTAX.&property "
+         "({Abs}{@id}) }"},
+        {"c1 V ::= { id {1 2}, p {} }"}, // by default
+        {"c2 V ::= { id {1 3}, p {handles-invalid-encodings} }"},
+        {"c3 V ::= { id {1 3}, p {} }", {relation, invalidSeq}},
+    });
+}
+
+TEST(CheckObjects, TablesAreLookedIntoByField) {
+    // The components that the relation refers to have the same number in their modules.
+    const std::string head = " DEFINITIONS AUTOMATIC TAGS ::= BEGIN ";
+    const SourceFile n = {"n.asn", "N" + head +
+                                       "IMPORTS C, Set FROM K;\n"
+                                       "A ::= SEQUENCE { id C.&id ({Set}) } END\n"};
+    const SourceFile o = {"o.asn", "O" + head +
+                                       "IMPORTS C, Set FROM K;\n"
+                                       "B ::= SEQUENCE { code C.&code ({Set}) } END\n"};
+    const SourceFile k = {"k.asn", "K" + head +
+                                       "C ::= CLASS { &id INTEGER UNIQUE, &code INTEGER, &T }\n"
+                                       "WITH SYNTAX { &id &code &T }\n"
+                                       "Set C ::= { { 1 10 INTEGER } | { 2 20 BOOLEAN } } END\n"};
+    expectFindings(
+        {{"IMPORTS A FROM N B FROM O C, Set FROM K;"},
+         {"S ::= SEQUENCE { a A OPTIONAL, b B OPTIONAL, val C.&T ({Set}{@a.id, @b.code}) }"},
+         {"v1 S ::= { b { code 10 }, val INTEGER : 5 }"},
+         {"v2 S ::= { a { id 1 }, val INTEGER : 5 }"},
+         {"v3 S ::= { a { id 1 }, b { code 20 }, val INTEGER : 5 }", {relation, invalidSeq}}},
+        {}, {n, o, k});
+}
+
 TEST(CheckObjects, RelationsStartAtTheOutermostOrInnermostValue) {
     expectFindings({
         {"C ::= CLASS { &id INTEGER UNIQUE, &T } WITH SYNTAX { &id &T }"},
