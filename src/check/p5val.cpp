@@ -261,14 +261,13 @@ bool checkAgainstType(const ValueErrors& errors, const CheckedValue& value, bool
     return isSet(value) ? checkSetItself(value) : checkSingleVal(errors, value, constrain);
 }
 
-namespace {
-
-/// Who an error in the current value is charged to: inside an instance who instantiated.
 ModuleRec* moduleForErrors(ModuleRec* caller) {
     ModuleRec* own = recState.currTPtr[KIND_VNODE];
     if (vNode.actParRec != 0) return actErrModPtr(own, vNode.actParRec);
     return vNode.formals != 0 ? caller : own;
 }
+
+namespace {
 
 /// Component relations do not reach beyond an assignment: the value is one, or a structured value
 /// whose type is a type assignment.

@@ -48,8 +48,7 @@ struct P5ValState {
     bool inPermittedAlphabet = false;     // the value is a character
     bool outerWithComps = false;          // a type nearer to the value has a WITH COMPONENTS
     bool sorrySaid = false;
-    uint32_t objIdNesting = 0; // object identifiers that are prefixes of others
-    uint32_t nesting = 0;      // of value checks
+    uint32_t nesting = 0; // of value checks
     uint64_t temporaries = 0;
     // Verdicts of the outermost check: a value against a contained type or an inner constraint.
     // Values and types that refer twice to the next level meet the same pair again and again.
@@ -75,6 +74,8 @@ class ValueNesting {
 [[nodiscard]] bool checkAgainstSub(const ValueErrors& errors, const CheckedValue& value);
 /// Checks the value of a record against its governing type, once per record.
 [[nodiscard]] bool checkRecord(const ValueErrors& errors, VNodeRef at, bool constrain);
+/// Who an error in the current value is charged to: inside an instance who instantiated.
+ModuleRec* moduleForErrors(ModuleRec* caller);
 /// The constraint, one of a type, is or contains WITH COMPONENTS.
 [[nodiscard]] bool hasWithComps(SubRef sub);
 

@@ -171,6 +171,17 @@ TEST(CheckValues, EveryConstraintIsMetOrNot) {
 }
 
 TEST(CheckValues, DefinitionsMayStandInAnyOrder) {
+    const std::string invalidOid = "Invalid OBJECT IDENTIFIER value";
+    const std::string prefix = "Invalid OBJECT IDENTIFIER prefix";
+    const std::string defaultValue = "Invalid default value";
+    expectFindingsInAnyOrder(
+        {{"o OBJECT IDENTIFIER ::= { p 5 }", {prefix, invalidOid}},
+         {"p OBJECT IDENTIFIER ::= { 1 }",
+          {"Value of OBJECT IDENTIFIER out of range: Too few object identifier components.",
+           invalidOid}},
+         {"T ::= SEQUENCE { x OBJECT IDENTIFIER DEFAULT { p 7 } }",
+          {prefix, invalidOid, defaultValue}},
+         {"q OBJECT IDENTIFIER ({1 2} | {1 3}) ::= p", {invalidOid}}});
     const std::string c = "C ::= INTEGER (0..9) (CONSTRAINED BY {D}) (5..8)\n";
     const std::string d = "D ::= SEQUENCE { e INTEGER (0..20 ^ C) DEFAULT 6 }\n";
     for (const std::string& body : {c + d, d + c})
