@@ -184,6 +184,7 @@ CheckedValue withoutType(const CheckedValue& value) {
     if (!isWritten) return value;
     CheckedValue inner = checkedValue({value.module, VNodeNr{value.rec.ref}});
     inner.isReference = true; // its type shall be compatible with the one of the table
+    inner.isOwn = false;
     return inner;
 }
 
@@ -247,11 +248,13 @@ bool objectAgrees(const ValueErrors& errors, VNodeRef object, const FieldPath& p
 /// Where a reference of a component relation leads.
 enum class Reached { Value, Absent, Nowhere };
 
-/// The value that encloses the one under check on the stack.
+/// The innermost or outermost value that encloses the one under check.
 bool readEnclosing(const CheckedValue& value, bool innermost) {
-    readRec(value.module, value.nr);
-    return innermost ? innerEnclStru(p5ValState.struValueStack)
-                     : outerEnclStru(p5ValState.struValueStack);
+    const CheckedValue* enclosing = value.enclosing;
+    while (enclosing != nullptr && !innermost && enclosing->enclosing != nullptr)
+        enclosing = enclosing->enclosing;
+    if (enclosing != nullptr) readRec(enclosing->module, enclosing->nr);
+    return enclosing != nullptr;
 }
 
 /// The n-th element of the list in `vNode`, from 1.

@@ -112,6 +112,43 @@ TEST(CheckObjects, TablesAreLookedIntoByField) {
         {}, {n, o, k});
 }
 
+TEST(CheckObjects, ValuesBringTheirSurroundings) {
+    expectFindingsInAnyOrder({
+        {"C ::= CLASS { &id INTEGER UNIQUE, &T, &p Pair OPTIONAL } WITH SYNTAX { &id &T [&p] }"},
+        {"Pair ::= SEQUENCE { a INTEGER }"},
+        {"Set C ::= { { 1 INTEGER { a 1 } } | { 2 BOOLEAN { a 2 } } }"},
+        {"In ::= SEQUENCE { id C.&id ({Set}), val C.&T ({Set}{@id}), p C.&p ({Set}{@id}) OPTIONAL "
+         "}"},
+        {"Out ::= SEQUENCE { id C.&id ({Set}), in In DEFAULT { id 2, val BOOLEAN : TRUE }, any "
+         "TYPE-IDENTIFIER.&Type OPTIONAL }"},
+        {"K ::= CLASS { &in In, &In In DEFAULT {i | { id 2, val BOOLEAN : FALSE }} }"},
+        {"k K ::= { &in { id 1, val INTEGER : 7, p { a 1 } } }"},
+        {"i In ::= k.&in"},
+        {"v Out ::= { id 2, in k.&in, any In : { id 1, val INTEGER : 1 } }"},
+        {"w Out ::= { id 2, any SEQUENCE { id C.&id ({Set}), x C.&T ({Set}{@id}) } : { id 1, x "
+         "INTEGER : 1 } }"},
+        {"x In ::= { id 1, val INTEGER : 1, p { a 2 } }", {relation, invalidSeq}},
+    });
+}
+
+TEST(CheckObjects, ObjectsAnswerForTheirSettings) {
+    expectFindingsInAnyOrder({
+        {"C ::= CLASS { &id INTEGER (0..9), &T OPTIONAL, &v &T OPTIONAL }"},
+        {"o C ::= { &id 10 }", {range, invalidObject}},
+        {"Set C ::= { o | p | q }"},
+        {"p C ::= o"},
+        {"q C ::= { &id 1, &T INTEGER (0..3), &v 7 }", {range, invalidObject}},
+        {"L ::= SEQUENCE OF INTEGER (0..3)"},
+        {"r C ::= { &id 2, &T L, &v { 5 } }", {range, "Invalid SEQUENCE OF value", invalidObject}},
+        {"D ::= CLASS { &o C DEFAULT o }"},
+        // The value that the relation refers to is checked after it.
+        {"S ::= SEQUENCE { id C.&id ({Set2}{@t}), t C.&T ({Set2}) }"},
+        {"Set2 C ::= { { &id 2, &T L } | { &id 3, &T NULL } }"},
+        {"s S ::= { id 2, t L : { 5 } }",
+         {range, "Invalid SEQUENCE OF value", "Invalid Open type value", invalidSeq}},
+    });
+}
+
 TEST(CheckObjects, RelationsStartAtTheOutermostOrInnermostValue) {
     expectFindings({
         {"C ::= CLASS { &id INTEGER UNIQUE, &T } WITH SYNTAX { &id &T }"},
