@@ -4,6 +4,7 @@
 // more by then, except where an entry says how it is told to be stale.
 
 #include <cstdint>
+#include <map>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -17,9 +18,10 @@
 
 namespace orvo {
 
-/// Endpoints of a type record, for the reference and constraint it had then: checks take a
-/// constraint off a record, or hang another on a temporary one, and put the record back.
+/// Endpoints of a type record, for the reference and constraint it had then: checks hang another on
+/// a temporary record.
 struct EndpointNote {
+    SubRef seriesEnd; // the last member that was counted of a series which is under check
     int32_t constraint = 0;
     int32_t refMod = 0;
     uint32_t ref = 0;
@@ -35,6 +37,8 @@ struct UnionIndex {
     std::vector<SubNr> others;
 };
 
+/// Names of the fields that an object class field type goes through.
+using FieldPath = std::vector<std::string>;
 /// What an object set holds for a field of its class.
 struct TableEntry {
     VNodeRef object;
@@ -60,7 +64,7 @@ struct CheckCache {
     std::unordered_map<uint32_t, std::u32string>
         alphabets;                                   // single value in FROM -> characters, sorted
     std::unordered_map<uint32_t, UnionIndex> unions; // large unions of simple values
-    std::unordered_map<uint64_t, TableIndex> tables; // table constraint and column
+    std::map<std::pair<uint32_t, FieldPath>, TableIndex> tables; // table constraint and fields
     TypeNotes types;
 };
 

@@ -1,12 +1,13 @@
 // Endpoints of types. The endpoint of a reference is that of its own constraint within that of the
-// type it refers to. What was computed for a type is kept once its checks are done: while they run,
-// parts of its constraint may be cut off for a time. A chain of references is walked with a list,
-// not by recursion; contained subtypes recurse, and their types have been checked before.
+// type it refers to. What was computed for a type is kept once its checks are done and those of all
+// types that it depends on: while they run, a series may count in part. A chain of references is
+// walked with a list, not by recursion; contained subtypes recurse.
 
 #include "check/orvonum_end.h"
 
 #include <algorithm>
 #include <limits>
+#include <map>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -47,7 +48,8 @@ bool none(Endpoint& end) {
     return false;
 }
 
-/// The kept endpoint of the current type, null when it is not known or the record has changed.
+/// The kept endpoint of the current type, null when it is not known, the record has changed, or
+/// another part of a series counted.
 EndpointNote* noteOf(TNodeRef type) {
     auto& notes = checkCacheOf(type.module).endpoints;
     const auto found = notes.find(type.nr.nr);
@@ -55,7 +57,7 @@ EndpointNote* noteOf(TNodeRef type) {
     EndpointNote& note = found->second;
     const bool same = note.constraint == tNode.constraint && note.refMod == tNode.refMod &&
                       note.ref == tNode.ref && note.typeCode == tNode.typeCode;
-    return same ? &note : nullptr;
+    return same && (!note.seriesEnd || note.seriesEnd == seriesView.last) ? &note : nullptr;
 }
 
 void keepEndpoint(TNodeRef type, const Endpoint& end, bool exists, bool upper) {
@@ -97,44 +99,68 @@ bool baseEndpoint(Endpoint& end, bool upper) {
     return true;
 }
 
-/// The types from the current one along its references to the first whose endpoint is known, or the
-/// last. Returns whether it is known; then `end` and `exists` are its endpoint.
-bool collectChain(std::vector<TNodeRef>& chain, Endpoint& end, bool& exists, bool upper) {
-    do {
-        const TNodeRef type = currentRec<KIND_TNODE>();
-        const EndpointNote* note = noteOf(type);
-        if (note != nullptr && note->known[upper]) {
-            end = note->ends[upper];
-            exists = note->exists[upper];
-            return true;
-        }
-        chain.push_back(type);
-    } while (chain.size() < maxLinks && followTypeRef(true));
-    return false;
-}
-
 uint8_t actualKind() {
     const KeepRec<KIND_TNODE> keep;
     skipTypes(true);
     return tNode.typeCode;
 }
 
+using EndpointKey = std::tuple<ModuleRec*, uint32_t, bool>;
+struct KnownEndpoint {
+    Endpoint end;
+    bool exists = false;
+};
 /// The endpoints that are being computed: a type that contains itself as a subtype has no endpoint
-/// there.
+/// there. What depends on that, or on types under check, holds in this computation alone.
 struct EndpointState {
-    std::set<std::tuple<ModuleRec*, uint32_t, bool>> running;
+    std::set<EndpointKey> running;
+    std::map<EndpointKey, KnownEndpoint> forNow;
+    uint64_t unsettled = 0; // such dependencies met so far
 };
 EndpointState endpointState;
+
+bool isDone() {
+    return tNode.checkState == static_cast<int16_t>(CHECK_DONE);
+}
+
+/// The endpoint of the current type, if it is known.
+bool knownEndpoint(KnownEndpoint& known, bool upper) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const EndpointNote* note = noteOf(type);
+    if (note != nullptr && note->known[upper]) {
+        known = {note->ends[upper], note->exists[upper]};
+        if (!isDone()) ++endpointState.unsettled;
+        return true;
+    }
+    const auto found = endpointState.forNow.find({type.module, type.nr.nr, upper});
+    if (found == endpointState.forNow.end()) return false;
+    known = found->second;
+    ++endpointState.unsettled;
+    return true;
+}
+
+/// The types from the current one along its references to the first whose endpoint is known, or the
+/// last. Returns whether it is known.
+bool collectChain(std::vector<TNodeRef>& chain, KnownEndpoint& known, bool upper) {
+    do {
+        if (knownEndpoint(known, upper)) return true;
+        chain.push_back(currentRec<KIND_TNODE>());
+    } while (chain.size() < maxLinks && followTypeRef(true));
+    return false;
+}
 
 /// Notes an endpoint as being computed while the scope lasts.
 class RunningEndpoint {
   public:
     RunningEndpoint(TNodeRef type, bool upper)
-        : place_(endpointState.running.insert({type.module, type.nr.nr, upper})) {}
+        : place_(endpointState.running.insert({type.module, type.nr.nr, upper})) {
+        if (!isNew()) ++endpointState.unsettled;
+    }
     RunningEndpoint(const RunningEndpoint&) = delete;
     RunningEndpoint& operator=(const RunningEndpoint&) = delete;
     ~RunningEndpoint() {
-        if (place_.second) endpointState.running.erase(place_.first);
+        if (isNew()) endpointState.running.erase(place_.first);
+        if (endpointState.running.empty()) endpointState.forNow.clear();
     }
     [[nodiscard]] bool isNew() const { return place_.second; }
 
@@ -150,22 +176,28 @@ bool computeEndpoint(Endpoint& end, bool upper, bool keepAll) {
     const TNodeRef asked = currentRec<KIND_TNODE>();
     const RunningEndpoint running(asked, upper);
     if (!running.isNew()) return false;
+    const uint64_t settled = endpointState.unsettled;
     const uint8_t kind = actualKind();
     std::vector<TNodeRef> chain;
-    bool exists = false;
-    bool known = collectChain(chain, end, exists, upper);
-    for (size_t i = chain.size(); i-- != 0; known = true) {
-        readRec(chain[i]);
-        if (!known) {
-            exists = baseEndpoint(end, upper);
-        } else if (Endpoint own; exists && ownEndpoint(own, upper, kind)) {
-            narrow(end, own, upper, endpointKind(kind));
+    KnownEndpoint known;
+    bool isKnown = collectChain(chain, known, upper);
+    for (size_t i = chain.size(); i-- != 0; isKnown = true) {
+        const TNodeRef type = chain[i];
+        readRec(type);
+        if (!isKnown) {
+            known.exists = baseEndpoint(known.end, upper);
+        } else if (Endpoint own; known.exists && ownEndpoint(own, upper, kind)) {
+            narrow(known.end, own, upper, endpointKind(kind));
         }
-        readRec(chain[i]);
-        if (tNode.checkState == static_cast<int16_t>(CHECK_DONE) || (keepAll && chain[i] == asked))
-            keepEndpoint(chain[i], end, exists, upper);
+        readRec(type);
+        if (!isDone() && !(keepAll && type == asked)) ++endpointState.unsettled;
+        if (endpointState.unsettled == settled)
+            keepEndpoint(type, known.end, known.exists, upper);
+        else
+            endpointState.forNow[{type.module, type.nr.nr, upper}] = known;
     }
-    return exists;
+    end = known.end;
+    return known.exists;
 }
 
 /// The number of an item of an enumeration, the current value: false without one.
@@ -243,6 +275,7 @@ void noteEndpoints() {
     forgetEndpoints(currentRec<KIND_TNODE>());
     Endpoint end;
     for (const bool upper : {false, true}) static_cast<void>(computeEndpoint(end, upper, true));
+    if (EndpointNote* note = noteOf(currentRec<KIND_TNODE>())) note->seriesEnd = seriesView.last;
 }
 
 void extendNotedEndpoints(SubRef member) {
@@ -267,6 +300,9 @@ void extendNotedEndpoints(SubRef member) {
     }
     narrowByMember(series, own, endpointKind(kind), isSizeKind(kind));
     for (const bool upper : {false, true}) note->ends[upper] = series.ends[upper];
+    if (!seriesView.last) return;
+    readRec(seriesView.last);
+    if (subRec.next == member.nr.nr) note->seriesEnd.nr = member.nr;
 }
 
 void forgetEndpoints(TNodeRef type) {

@@ -44,8 +44,18 @@ void setInfinity(Endpoint& end, bool plus, uint8_t kind);
 /// that side. Preserving.
 [[nodiscard]] bool getSizeEndpoint(Endpoint& end, bool upper);
 
-/// Notes the endpoints of the current type as its constraint gives them now, a series that is cut
-/// off behind some member; `extendNotedEndpoints` takes the next member in. So a long series is not
+/// The members of a series of constraints are checked one after another, each against the type as
+/// the ones before it leave it: what is asked about the constraint then ends behind `last`. The
+/// check of another type or value sees every series whole.
+struct SeriesView {
+    SubRef last;
+};
+extern SeriesView seriesView;
+/// The operand behind the current constraint record; none behind the last one that counts.
+SubNr nextOperand();
+
+/// Notes the endpoints of the current type as its constraint gives them now, a series that ends
+/// behind some member; `extendNotedEndpoints` takes the next member in. So a long series is not
 /// walked anew for each member that is checked against the ones before it. Preserving.
 void noteEndpoints();
 void extendNotedEndpoints(SubRef member);

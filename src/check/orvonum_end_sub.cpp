@@ -53,7 +53,7 @@ bool operandsEndpoint(const Request& request, SubRef first, bool wide, Endpoint&
     uint32_t left = first.module->nextRecNr[KIND_SUB];
     for (SubNr nr = first.nr; nr && left != 0; --left) {
         readRec(first.module, nr);
-        const SubNr next{subRec.next};
+        const SubNr next = nextOperand();
         if (Endpoint operand; subEndpoint(request, {first.module, nr}, operand)) {
             if (given)
                 choose(end, operand, wide, request.upper, request.kind);
@@ -92,7 +92,7 @@ bool seriesEndpoint(const Request& request, SubRef first, Endpoint& end) {
         }
         narrowByMember(series, member, request.kind, request.ofSize);
         readRec(first.module, nr);
-        nr = SubNr{subRec.next};
+        nr = nextOperand();
     }
     end = series.ends[request.upper];
     if (!series.given[request.upper]) setInfinity(end, request.upper, request.kind);
@@ -169,7 +169,8 @@ void setStringInfinity(Endpoint& end, bool plus, uint8_t kind, ModuleRec* module
 }
 
 /// The current type, or the one behind it on its chain of references, that is the first with a
-/// range in its constraint; none when there is none. The types on the way are noted.
+/// range in its constraint; none when there is none. The types on the way are noted, but not those
+/// that lead to a type under check, whose constraint may count in part.
 TNodeRef firstWithRange() {
     std::vector<TNodeRef> passed;
     TNodeRef found;
@@ -181,7 +182,10 @@ TNodeRef firstWithRange() {
             found = note->second;
             break;
         }
-        if (tNode.checkState == static_cast<int16_t>(CHECK_DONE)) passed.push_back(type);
+        if (tNode.checkState == static_cast<int16_t>(CHECK_DONE))
+            passed.push_back(type);
+        else
+            passed.clear();
         if (tNode.constraint > 0) {
             readRec(type.module, SubNr{magnitude(tNode.constraint)});
             if (isRangeInSub()) found = type;
@@ -265,6 +269,12 @@ bool rangeEndpoint(Endpoint& end, bool upper) {
 
 } // namespace
 
+SeriesView seriesView;
+
+SubNr nextOperand() {
+    return currentRec<KIND_SUB>() == seriesView.last ? SubNr() : SubNr{subRec.next};
+}
+
 bool getNumberEndpoint(Endpoint& end, bool upper, SubRef sub, uint8_t kind) {
     return subEndpoint({upper, kind, false, false}, sub, end);
 }
@@ -307,7 +317,7 @@ bool isRangeInSub() {
     uint32_t left = module->nextRecNr[KIND_SUB];
     for (SubNr nr{subRec.left}; nr && left != 0; --left) {
         readRec(module, nr);
-        const SubNr next{subRec.next};
+        const SubNr next = nextOperand();
         if (isRangeInSub()) return true;
         nr = next;
     }

@@ -18,10 +18,13 @@ namespace orvo {
 
 namespace {
 
-/// Sum of two lengths, saturating.
+/// Length of a list that contains itself.
+constexpr uint64_t endless = std::numeric_limits<uint64_t>::max();
+
+/// Sum of two lengths, saturating below endless.
 uint64_t sumOf(uint64_t a, uint64_t b) {
-    constexpr uint64_t most = std::numeric_limits<uint64_t>::max();
-    return a > most - b ? most : a + b;
+    if (a == endless || b == endless) return endless;
+    return a >= endless - b ? endless - 1 : a + b;
 }
 
 bool isSegmentList(const VNode& value) {
@@ -57,11 +60,11 @@ bool readSegment(OpenSegments& list) {
     return true;
 }
 
-/// Characters of a list of segments. The length of a list that is still being counted reads as 0:
-/// one that contains itself adds nothing.
+/// Characters of a list of segments. The length of a list that is still being counted reads as
+/// endless, and so does that of every list which leads to it.
 uint64_t lengthOfSegments(ModuleRec* module, VNodeNr first) {
     const auto noteOf = [](ModuleRec* owner, VNodeNr list) {
-        return checkCacheOf(owner).segmentLengths.try_emplace(list.nr, 0);
+        return checkCacheOf(owner).segmentLengths.try_emplace(list.nr, endless);
     };
     if (const auto [note, isNew] = noteOf(module, first); !isNew) return note->second;
     const KeepRec<KIND_VNODE> keep;
@@ -80,8 +83,10 @@ uint64_t lengthOfSegments(ModuleRec* module, VNodeNr first) {
             ModuleRec* inner = recState.currTPtr[KIND_VNODE];
             const VNodeNr innerFirst{vNode.ref};
             const auto [note, isNew] = noteOf(inner, innerFirst);
-            added = note->second;
-            if (isNew) open.push_back(openSegments(inner, innerFirst));
+            if (isNew)
+                open.push_back(openSegments(inner, innerFirst));
+            else
+                added = note->second;
         }
         open.back().length = sumOf(open.back().length, added);
     }
@@ -104,7 +109,7 @@ void appendLeaf(ModuleRec* module, const VNode& leaf, std::u32string& chars) {
 }
 
 /// Calls fn(module, leaf) for the leaves of a list in order, until it returns false. With `once` a
-/// list that was walked before is passed over.
+/// list that was walked before is passed over; an endless one always is.
 template <typename Fn> void forEachLeaf(ModuleRec* module, VNodeNr first, bool once, Fn&& fn) {
     const KeepRec<KIND_VNODE> keep;
     std::vector<OpenSegments> open{openSegments(module, first)};
@@ -121,8 +126,9 @@ template <typename Fn> void forEachLeaf(ModuleRec* module, VNodeNr first, bool o
             continue;
         }
         const VNodeNr list{vNode.ref};
-        if (once && !walked.insert({inner, list.nr}).second) continue;
-        if (lengthOfSegments(inner, list) != 0) open.push_back(openSegments(inner, list));
+        const uint64_t length = lengthOfSegments(inner, list);
+        if ((once || length == endless) && !walked.insert({inner, list.nr}).second) continue;
+        if (length != 0) open.push_back(openSegments(inner, list));
     }
 }
 

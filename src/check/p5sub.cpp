@@ -9,6 +9,7 @@
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
 #include "tree/types.h"
+#include "util/guard.h"
 
 namespace orvo {
 
@@ -53,7 +54,7 @@ SubRef currentSub() {
 }
 
 /// The operands of the current operator, in order; the first one that fails ends the walk.
-bool subUnionIntersection(ModuleRec* module, ParentType parent) {
+bool subOperands(ModuleRec* module, ParentType parent) {
     const SubRef self = currentSub();
     bool ok = true;
     uint32_t left = nextRec<KIND_SUB>(self.module).nr;
@@ -66,63 +67,17 @@ bool subUnionIntersection(ModuleRec* module, ParentType parent) {
     return ok;
 }
 
-/// Cuts the link behind a constraint record while the scope lasts.
-class CutLink {
+/// Lets a series end behind one of its members while the scope lasts. Within what such an end hides
+/// already, another one changes nothing.
+class SeriesEnd {
   public:
-    explicit CutLink(SubRef sub) : sub_(sub) {
-        readRec(sub_);
-        next_ = subRec.next;
-        subRec.next = 0;
-        writeRec(sub_);
-    }
-    CutLink(const CutLink&) = delete;
-    CutLink& operator=(const CutLink&) = delete;
-    ~CutLink() {
-        readRec(sub_);
-        subRec.next = next_;
-        writeRec(sub_);
+    explicit SeriesEnd(SubRef member) : view_(seriesView) {
+        if (!seriesView.last) seriesView.last = member;
     }
 
   private:
-    SubRef sub_;
-    uint32_t next_ = 0;
+    Restore<SeriesView> view_;
 };
-
-bool subExcept(ModuleRec* module, ParentType parent) {
-    const SubRef self = currentSub();
-    const SubRef first{self.module, SubNr{subRec.left}};
-    readRec(first);
-    const SubRef second{self.module, SubNr{subRec.next}};
-    bool ok = chkSubRec(module, parent);
-    if (ok && second) {
-        const CutLink cut(first);
-        readRec(second);
-        ok = chkSubRec(module, parent);
-    }
-    readRec(self);
-    return ok;
-}
-
-/// ALL EXCEPT takes values from the whole type: its own constraint is off while they are checked.
-bool subAllExcept(ModuleRec* module, ParentType parent) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    const SubRef self = currentSub();
-    const int32_t constraint = tNode.constraint;
-    const bool isWhole =
-        constraint == static_cast<int32_t>(self.nr.nr) && type.module == self.module;
-    if (isWhole) {
-        tNode.constraint = 0;
-        writeRec(type);
-    }
-    readRec(self);
-    const bool ok = subUnionIntersection(module, parent);
-    readRec(type);
-    if (isWhole) {
-        tNode.constraint = constraint;
-        writeRec(type);
-    }
-    return ok;
-}
 
 /// A temporary reference to the constrained type, the parent of a further constraint of a series.
 class TemporaryReference {
@@ -164,7 +119,7 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
     bool ok = chkSubRec(module, parent);
     uint32_t left = nextRec<KIND_SUB>(self.module).nr;
     if (ok && member) {
-        const CutLink cut(before);
+        const SeriesEnd end(before);
         readRec(type);
         noteEndpoints();
     }
@@ -173,7 +128,7 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
         const SubRef next{self.module, SubNr{subRec.next}};
         readRec(type);
         const TemporaryReference temporary(type);
-        const CutLink cut(before);
+        const SeriesEnd end(before);
         readRec(temporary.ref());
         readRec(member);
         ok = chkSubRec(module, ParentType::Referenced);
@@ -195,10 +150,10 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
 bool checkByKind(ModuleRec* module, ParentType parent) {
     switch (subRec.subKind) {
     case SUB_UNION:
-    case SUB_INTERSECTION: return subUnionIntersection(module, parent);
+    case SUB_INTERSECTION:
+    case SUB_EXCEPT:
+    case SUB_ALL_EXCEPT: return subOperands(module, parent);
     case SUB_SERIAL: return subCatenation(module, parent);
-    case SUB_EXCEPT: return subExcept(module, parent);
-    case SUB_ALL_EXCEPT: return subAllExcept(module, parent);
     case SUB_RANGE: return subRange();
     case SUB_PERMITTED_ALPHABET: return subPermittedAlphabet(module, parent);
     case SUB_SIZE: return subSizeConstr(module, parent);

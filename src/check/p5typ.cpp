@@ -18,6 +18,7 @@
 #include "solve/solve_stx.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
+#include "util/guard.h"
 #include "util/stack.h"
 
 namespace orvo {
@@ -148,6 +149,7 @@ bool checkTNode() {
     ModuleRec* const module = moduleForTypeErrors();
     tNode.checkState = CHECK_RUNNING;
     writeRec(self);
+    const Restore series(seriesView, {});
     bool ok = checkByKind(module);
     readRec(self);
     checkAndMarkSetTNode(self);

@@ -1,6 +1,8 @@
 // The walk over a value: every record is checked once against its governing type, whoever comes
 // first, so that a value is reported once, at its own line. A value that is given by reference is
-// checked against the type that is expected where it is used.
+// checked against the type that is expected where it is used; what it holds has its check where the
+// value stands. An actual parameter is checked nowhere else: what it holds is checked by whoever
+// comes to it first.
 
 #include "check/p5val.h"
 
@@ -30,25 +32,68 @@ ValueNesting::~ValueNesting() {
     if (--p5ValState.nesting == 0) p5ValState.verdicts.clear();
 }
 
+namespace {
+
+/// Links of one chain of references; more is a cycle.
+constexpr size_t maxLinks = 1000000;
+
+/// The current value, a reference, leads to a value that no other check comes to: an actual
+/// parameter or what is made from one, or the value of a setting whose type stands beside it.
+/// Assignments answer for themselves, and who instantiates a value for the instance.
+bool leadsToUncheckedValue() {
+    const KeepRec<KIND_VNODE> keep;
+    bool isUnchecked = false;
+    for (size_t left = maxLinks; left != 0; --left) {
+        ModuleRec* module = recState.currTPtr[KIND_VNODE];
+        if (vNode.valCode == TYP_FIELDLIST && vNode.deferred > 0)
+            readRec(module, VNodeNr{vNode.ref}); // the object
+        if (vNode.valCode != TYP_SYNONYM) return isUnchecked;
+        const bool isBesideType = (vNode.vflags & VF_VARIABLE) != 0;
+        ModuleRec* target = refModule(module, vNode.refMod);
+        if (target == nullptr || vNode.ref == 0) return false;
+        readRec(target, VNodeNr{vNode.ref});
+        if (isBesideType || vNode.valStatus == VST_ACTUAL)
+            isUnchecked = true;
+        else if (!isUnchecked || vNode.actParRec == 0)
+            return false;
+    }
+    return false;
+}
+
+} // namespace
+
 CheckedValue checkedValue(VNodeRef at) {
     const KeepRec<KIND_VNODE> keep;
     readRec(at);
     CheckedValue value;
+    value.at = value.told = at;
     value.line = vNode.line;
     value.isVariable = (vNode.vflags & VF_VARIABLE) != 0;
     value.isReference = vNode.valCode == TYP_SYNONYM || vNode.valCode == TYP_FIELDLIST;
+    value.isOwn = !value.isReference || leadsToUncheckedValue();
     if (value.isReference) skipValues(true);
     const VNodeRef found = currentRec<KIND_VNODE>();
     value.module = found.module;
     value.nr = found.nr;
     value.rec = vNode;
-    value.id = (uint64_t{found.module->handle} << 32) | found.nr.nr;
+    value.id = idOf(found);
     return value;
+}
+
+CheckedValue partAt(const CheckedValue& whole, VNodeNr nr) {
+    CheckedValue part = checkedValue({whole.module, nr});
+    part.isOwn = part.isOwn && whole.isOwn;
+    if (whole.isReference || whole.told != whole.at) {
+        part.told = whole.told;
+        part.line = whole.line;
+    }
+    return part;
 }
 
 CheckedValue partOf(const CheckedValue& whole, uint8_t kind) {
     CheckedValue part;
     part.module = whole.module;
+    part.told = whole.told;
     part.line = whole.line;
     part.rec.valCode = kind;
     part.id = ~++p5ValState.temporaries;
@@ -63,10 +108,6 @@ bool failValue(const ValueErrors& errors, const CheckedValue& value, Msg code,
                std::string_view detail) {
     reportValue(errors, value, code, detail);
     return false;
-}
-
-void recordVNodeError(ModuleRec* module, VNodeRef value, Msg code) {
-    reportValue({module, true}, checkedValue(value), code);
 }
 
 namespace {
@@ -106,8 +147,7 @@ bool readNextConstrained() {
             found = note->second;
             break;
         }
-        const bool isDone = tNode.checkState == static_cast<int16_t>(CHECK_DONE);
-        if (isDone) passed.push_back(type);
+        passed.push_back(type);
         if (tNode.constraint > 0 || !isReferenceType(tNode.typeCode)) {
             found = type;
             break;
@@ -133,27 +173,24 @@ bool meetsOwnConstraint(const ValueErrors& errors, const CheckedValue& value, TN
     return checkAgainstSub(errors, value);
 }
 
+bool checkAgainstBase(const ValueErrors& errors, const CheckedValue& value, bool constrain);
+
 /// The current type is a reference: the value shall be one of the type that it refers to,
 /// constraints included, and meet the reference's own constraint.
-bool checkValNodeWithSynonymGovernor(const ValueErrors& errors, const CheckedValue& value,
+bool checkValNodeWithSynonymGovernor(const ValueErrors& errors, CheckedValue& value,
                                      bool constrain) {
     std::vector<TNodeRef> references;
+    std::vector<bool> isRestricted;
     do {
         references.push_back(currentRec<KIND_TNODE>());
+        isRestricted.push_back(value.isRestricted);
+        const SubRef sub = constraintOf(references.back());
+        value.isRestricted = value.isRestricted || (sub && hasWithComps(sub));
         if (!readNextConstrained()) return false;
     } while (isReferenceType(tNode.typeCode));
-    const TNodeRef base = currentRec<KIND_TNODE>();
-    const Restore outer(p5ValState.outerWithComps);
-    std::vector<bool> outerWithComps;
-    for (const TNodeRef& type : references) {
-        outerWithComps.push_back(p5ValState.outerWithComps);
-        const SubRef sub = constraintOf(type);
-        p5ValState.outerWithComps = p5ValState.outerWithComps || (sub && hasWithComps(sub));
-    }
-    readRec(base);
-    if (!checkAgainstType(errors, value, true)) return false;
+    if (!checkAgainstBase(errors, value, true)) return false;
     for (size_t i = references.size(); i-- != 0;) {
-        p5ValState.outerWithComps = outerWithComps[i];
+        value.isRestricted = isRestricted[i];
         if (!meetsOwnConstraint(errors, value, references[i], constrain || i != 0)) return false;
     }
     return true;
@@ -183,7 +220,7 @@ bool isOfKind(const CheckedValue& value) {
     if (kind == TYP_ENUM) return valCode == TYP_INTEGER;
     if (kind == TYP_BITSTR || kind == TYP_OCTSTR)
         return valCode == TYP_BITSTR || valCode == TYP_OCTSTR;
-    const bool mayDiffer = value.isReference || p5ValState.inPermittedAlphabet;
+    const bool mayDiffer = value.isReference || value.isCharacter;
     return mayDiffer && isStringKind(kind) && isStringKind(valCode);
 }
 
@@ -212,7 +249,8 @@ bool checkSingleVal(const ValueErrors& errors, const CheckedValue& value, bool c
 }
 
 /// A value set or object set: what it holds is the constraint of its type record.
-bool checkSetItself(const CheckedValue& value) {
+bool checkSetItself(const ValueErrors& errors, const CheckedValue& value) {
+    if (!checksParts(errors, value)) return true;
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     readRec(value.module, value.nr);
@@ -227,72 +265,63 @@ bool hasTypeBeside(const CheckedValue& value) {
            value.rec.valCode != TYP_FIELDLIST;
 }
 
-/// Keeps a structured value on the stack of those that enclose others.
-class EnclosingValue {
-  public:
-    explicit EnclosingValue(const CheckedValue& value) {
-        const KeepRec<KIND_VNODE> keep;
-        readRec(value.module, value.nr);
-        addFstNode(p5ValState.struValueStack);
-    }
-    EnclosingValue(const EnclosingValue&) = delete;
-    EnclosingValue& operator=(const EnclosingValue&) = delete;
-    ~EnclosingValue() { delFstNode(p5ValState.struValueStack); }
-};
+bool checkAgainstBase(const ValueErrors& errors, const CheckedValue& value, bool constrain) {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    if (hasTypeBeside(value))
+        return !checksParts(errors, value) || checkRecord(errors, {value.module, value.nr}, true);
+    if (value.isReference && !checkSynonymValNode(errors, value)) return false;
+    const bool isWhole = value.rec.valCode == tNode.typeCode && hasComponents(tNode.typeCode);
+    if (!isSet(value) && isWhole && !checkValWithComps(errors, value)) return false;
+    readRec(type);
+    checkTypeItself();
+    readRec(type);
+    return isSet(value) ? checkSetItself(errors, value) : checkSingleVal(errors, value, constrain);
+}
 
 } // namespace
+
+bool checksParts(const ValueErrors& errors, const CheckedValue& value) {
+    return value.isOwn && errors.report;
+}
 
 bool checkAgainstType(const ValueErrors& errors, const CheckedValue& value, bool constrain) {
     const ValueNesting nesting;
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
-    if (isReferenceType(tNode.typeCode))
-        return checkValNodeWithSynonymGovernor(errors, value, constrain);
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    if (hasTypeBeside(value)) return checkRecord(errors, {value.module, value.nr}, true);
-    if (value.isReference && !checkSynonymValNode(errors, value)) return false;
-    if (!isSet(value) && value.rec.valCode == tNode.typeCode && hasComponents(tNode.typeCode)) {
-        const EnclosingValue enclosing(value);
-        if (!checkValWithComps(errors, value)) return false;
-    }
-    readRec(type);
-    checkTypeItself();
-    readRec(type);
-    return isSet(value) ? checkSetItself(value) : checkSingleVal(errors, value, constrain);
+    CheckedValue onChain = value;
+    onChain.isRestricted = false;
+    return isReferenceType(tNode.typeCode)
+               ? checkValNodeWithSynonymGovernor(errors, onChain, constrain)
+               : checkAgainstBase(errors, onChain, constrain);
 }
 
-namespace {
-
-/// Who an error in the current value is charged to: inside an instance who instantiated.
 ModuleRec* moduleForErrors(ModuleRec* caller) {
     ModuleRec* own = recState.currTPtr[KIND_VNODE];
     if (vNode.actParRec != 0) return actErrModPtr(own, vNode.actParRec);
     return vNode.formals != 0 ? caller : own;
 }
 
-/// Component relations do not reach beyond an assignment: the value is one, or a structured value
-/// whose type is a type assignment.
-bool beginsStack(const CheckedValue& value) {
-    if (vNode.valStatus == VST_HEADER) return true;
+namespace {
+
+/// Component relations do not reach beyond an assignment: it is a structured value whose type is a
+/// type assignment.
+bool isOutermost(const CheckedValue& value) {
     if (value.rec.valCode < TYP_SEQ || value.rec.valCode > TYP_CHOICE) return false;
     const KeepRec<KIND_TNODE> keep;
     skipTypes(true);
     return magnitude(tNode.compStatus) == TCS_HEADER;
 }
 
-bool checkGoverned(const ValueErrors& errors, VNodeRef at, bool constrain) {
+bool checkGoverned(const ValueErrors& errors, VNodeRef at, bool constrain,
+                   const CheckedValue* enclosing) {
     readRec(at);
     const ValueErrors own{moduleForErrors(errors.module), errors.report};
-    const CheckedValue value = checkedValue(at);
-    if (!beginsStack(value)) return checkAgainstType(own, value, constrain);
-    const Restore stack(p5ValState.struValueStack, NodeList{NODES_VALUE});
+    CheckedValue value = checkedValue(at);
+    value.enclosing = enclosing;
+    value.isOutermost = value.isReference || isOutermost(value);
     return checkAgainstType(own, value, constrain);
 }
-
-} // namespace
-
-namespace {
 
 /// The current value, at `at`, is a reference with actual parameters: its instance, which no
 /// assignment leads to, and the use of the parameters.
@@ -308,8 +337,10 @@ bool checkInstance(const ValueErrors& errors, VNodeRef at) {
 
 } // namespace
 
-bool checkRecord(const ValueErrors& errors, VNodeRef at, bool constrain) {
+bool checkRecord(const ValueErrors& errors, VNodeRef at, bool constrain,
+                 const CheckedValue* enclosing) {
     const ValueNesting nesting;
+    const Restore series(seriesView, {});
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
@@ -318,13 +349,12 @@ bool checkRecord(const ValueErrors& errors, VNodeRef at, bool constrain) {
     ModuleRec* governor = refModule(at.module, static_cast<int32_t>(vNode.govTypeMod));
     if (governor == nullptr || vNode.govType == 0) return true;
     const TNodeRef type{governor, TNodeNr{vNode.govType}};
-    readRec(type);
-    checkTypeItself();
-    readRec(at);
     vNode.checkState = CHECK_RUNNING;
     writeRec(at);
     readRec(type);
-    bool ok = checkGoverned(errors, at, constrain);
+    checkTypeItself();
+    readRec(type);
+    bool ok = checkGoverned(errors, at, constrain, enclosing);
     ok &= checkInstance(errors, at);
     readRec(at);
     vNode.checkState = CHECK_DONE;
@@ -338,11 +368,6 @@ bool checkVNode(ModuleRec* module, bool report, bool constrain) {
 
 bool checkValNode(ModuleRec* module, VNodeRef value, bool report, bool constrain) {
     return checkAgainstType({module, report}, checkedValue(value), constrain);
-}
-
-bool checkValConstr(ModuleRec* module, VNodeRef value, bool report) {
-    const ValueNesting nesting;
-    return checkAgainstSub({module, report}, checkedValue(value));
 }
 
 } // namespace orvo

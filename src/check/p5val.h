@@ -2,7 +2,6 @@
 
 // Checks of values: their form, and their place in the constraints of their type.
 
-#include "diag/orvomsg.h"
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
 
@@ -14,9 +13,5 @@ namespace orvo {
 [[nodiscard]] bool checkVNode(ModuleRec* module, bool report, bool constrain);
 /// Checks the current value against the current type. `value` is the record that findings stand at.
 [[nodiscard]] bool checkValNode(ModuleRec* module, VNodeRef value, bool report, bool constrain);
-/// Checks the current value against the current constraint record of the current type.
-[[nodiscard]] bool checkValConstr(ModuleRec* module, VNodeRef value, bool report);
-/// Records a semantic error at the line of a value.
-void recordVNodeError(ModuleRec* module, VNodeRef value, Msg code);
 
 } // namespace orvo

@@ -12,7 +12,6 @@
 #include "check/p5val_int.h"
 #include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
-#include "util/guard.h"
 
 namespace orvo {
 
@@ -29,6 +28,11 @@ bool failConstr(const ValueErrors& errors, const CheckedValue& value, uint8_t su
     return failValue(errors, value, valueOutOfConstraint(nameIndex(subKind)));
 }
 
+/// Tells the records apart that values stand at.
+uint64_t placeOf(const CheckedValue& value) {
+    return value.at ? idOf(value.at) : value.id;
+}
+
 SubRef currentSub() {
     return currentRec<KIND_SUB>();
 }
@@ -41,7 +45,7 @@ template <typename Fn> void forEachOperand(SubRef first, Fn&& fn) {
     uint32_t left = first.module->nextRecNr[KIND_SUB];
     for (SubNr nr = first.nr; nr && left != 0; --left) {
         readRec(first.module, nr);
-        const SubNr next{subRec.next};
+        const SubNr next = nextOperand();
         if (!fn(SubRef{first.module, nr})) return;
         nr = next;
     }
@@ -99,7 +103,7 @@ bool isLong(SubRef self) {
 bool valUnion(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef self = currentSub();
     const ValueErrors tried = silent(errors);
-    if (!p5ValState.inPermittedAlphabet && isSimple(value.rec.valCode) && isLong(self)) {
+    if (!value.isCharacter && isSimple(value.rec.valCode) && isLong(self)) {
         const UnionIndex& index = unionIndexOf(self);
         const auto same = index.values.find(hashOfValue(value.module, value.rec));
         if (same != index.values.end() && meetsOneOf(tried, value, self.module, same->second))
@@ -184,12 +188,11 @@ bool valRange(const CheckedValue& value) {
 bool valPermittedAlphabet(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef inner = operandsOf(currentSub());
     if (!inner || !isStringKind(value.rec.valCode)) return false;
-    const bool isCharacter = p5ValState.inPermittedAlphabet;
-    const Restore inAlphabet(p5ValState.inPermittedAlphabet, true);
     for (const char32_t character : distinctChars(value.module, value.rec)) {
         CheckedValue part = partOf(value, value.rec.valCode);
         // An alphabet inside an alphabet is about the same character again.
-        if (isCharacter) part.id = value.id;
+        if (value.isCharacter) part.id = value.id;
+        part.isCharacter = true;
         part.rec.val.str.striLen = 1;
         part.rec.val.str.stri = scratchStri;
         tempChar[0] = static_cast<char>(character);
@@ -261,13 +264,36 @@ bool valSingleValue(const CheckedValue& value) {
     if (subRec.left == 0) return false;
     CheckedValue operand = checkedValue({sub.module, VNodeNr{subRec.left}});
     if (operand.id == value.id) return true;
-    if (p5ValState.inPermittedAlphabet) return isInAlphabet(sub, value, operand);
+    if (value.isCharacter) return isInAlphabet(sub, value, operand);
     const uint8_t kind = value.rec.valCode;
     const auto isBits = [](uint8_t code) { return code == TYP_BITSTR || code == TYP_OCTSTR; };
     if (isBits(kind) && isBits(operand.rec.valCode)) return equalBits(value, operand);
     if (isStringKind(kind) && isSameWidth(kind, operand.rec.valCode)) operand.rec.valCode = kind;
     return kind == operand.rec.valCode &&
            compareValue(value.module, value.rec, operand.module, operand.rec) == 0;
+}
+
+/// A verdict that was reached before in this check, or the one that `decide` reaches now. What
+/// fails is reported at each record that findings stand at.
+template <typename Fn> bool rememberedVerdict(const ValueErrors& errors, const CheckedValue& value,
+                                              VerdictKey key, Fn&& decide) {
+    std::map<VerdictKey, bool>& verdicts = p5ValState.verdicts;
+    key.place = placeOf(value);
+    key.enclosing = value.enclosing != nullptr ? placeOf(*value.enclosing) : 0;
+    key.isReference = value.isReference;
+    key.seriesEnd = seriesView.last ? idOf(seriesView.last) : 0;
+    if (errors.report) {
+        const auto known = verdicts.find(key);
+        if (known != verdicts.end() && known->second) return true;
+        key.told = idOf(value.told);
+    }
+    const auto [note, isNew] = verdicts.try_emplace(key, false);
+    if (!isNew) return note->second;
+    const bool ok = decide();
+    verdicts[key] = ok;
+    key.told = 0;
+    verdicts[key] = ok;
+    return ok;
 }
 
 bool valContainedSubtype(const ValueErrors& errors, const CheckedValue& value) {
@@ -277,8 +303,7 @@ bool valContainedSubtype(const ValueErrors& errors, const CheckedValue& value) {
     readRec(recState.currTPtr[KIND_SUB], VNodeNr{subRec.left});
     if (!readTypeSetting()) return false;
     const TNodeRef type = currentRec<KIND_TNODE>();
-    const Restore own(p5ValState.outerWithComps, false);
-    return rememberedVerdict(value, type.module, type.nr.nr, errors.report,
+    return rememberedVerdict(errors, value, {.against = idOf(type), .isInner = false},
                              [&] { return checkAgainstType(errors, value, true); });
 }
 
@@ -288,8 +313,9 @@ bool checkElements(const ValueErrors& errors, const CheckedValue& value, SubRef 
     bool met = true;
     uint32_t left = value.module->nextRecNr[KIND_VNODE];
     for (VNodeNr nr{value.rec.ref}; nr && left != 0; --left) {
-        const CheckedValue element = checkedValue({value.module, nr});
-        met &= rememberedVerdict(element, inner.module, minusWord(inner.nr.nr), errors.report, [&] {
+        CheckedValue element = partAt(value, nr);
+        element.enclosing = value.enclosing; // where the constraint stands, not in the list
+        met &= rememberedVerdict(errors, element, {.against = idOf(inner), .isInner = true}, [&] {
             readRec(inner);
             return checkAgainstSub(errors, element);
         });
@@ -305,7 +331,6 @@ bool valWithComp(const ValueErrors& errors, const CheckedValue& value) {
     if ((tNode.typeCode != TYP_SEQOF && tNode.typeCode != TYP_SETOF) || tNode.ref == 0 || !inner)
         return false;
     readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
-    const Restore own(p5ValState.outerWithComps, false);
     return checkElements(errors, value, inner);
 }
 
@@ -350,7 +375,7 @@ bool valWithComps(const CheckedValue& value) {
     std::set<std::string_view> named;
     bool met = presencesAreKept(value, operandsOf(self), named);
     // What a type nearer to the value restricts again is not asked for here.
-    if (!isFull || p5ValState.outerWithComps) return met;
+    if (!isFull || value.isRestricted) return met;
     readRestrictedStructure();
     if (tNode.ref == 0) return met;
     for (const FlatEntry& entry :

@@ -50,21 +50,23 @@ bool checkBitStriVal(const ValueErrors& errors, const CheckedValue& value) {
 namespace {
 
 /// The type setting resolves to a type, which is checked with it.
-bool isTypeThere(const CheckedValue& value) {
+bool isTypeThere(const ValueErrors& errors, const CheckedValue& value) {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     readRec(value.module, value.nr);
     if (!readTypeSetting()) return false;
-    static_cast<void>(checkTNode());
+    if (checksParts(errors, value)) static_cast<void>(checkTNode());
     skipTypes(true);
     return tNode.typeCode != TYP_SYNONYM && tNode.typeCode != TYP_SELECTION &&
            tNode.typeCode != TYP_FIELDLIST;
 }
 
-/// A value written as Type : value holds that value, which is checked with it.
+/// A value written as Type : value holds that value, which is checked with it. Relations in its
+/// type begin there, as that type is no part of another.
 bool checkInner(const ValueErrors& errors, const CheckedValue& value) {
     if (value.rec.refMod != REF_UNRESOLVED || value.rec.ref == 0) return true;
-    return checkRecord(errors, {value.module, VNodeNr{value.rec.ref}}, true);
+    return !checksParts(errors, value) ||
+           checkRecord(errors, {value.module, VNodeNr{value.rec.ref}}, true);
 }
 
 } // namespace
@@ -72,7 +74,7 @@ bool checkInner(const ValueErrors& errors, const CheckedValue& value) {
 bool checkOpenTypeVal(const ValueErrors& errors, const CheckedValue& value) {
     const bool isOpen = value.rec.valCode == TYP_OPEN || value.rec.valCode == TYP_ANY;
     const bool isSetting = value.rec.refMod == REF_FORMAL;
-    const bool ok = isSetting ? value.rec.ref != 0 && isTypeThere(value)
+    const bool ok = isSetting ? value.rec.ref != 0 && isTypeThere(errors, value)
                               : value.rec.refMod >= 0 && (!isOpen || checkInner(errors, value));
     return ok || failValue(errors, value, invalidValue(TYP_OPEN));
 }

@@ -7,7 +7,6 @@
 
 #include "check/p5val_int.h"
 #include "tree/orvoutil_find.h"
-#include "util/guard.h"
 #include "util/text.h"
 
 namespace orvo {
@@ -68,30 +67,18 @@ std::string placeOfComp(size_t count) {
     return concat(std::to_string(count), suffix, " component");
 }
 
-/// What the checks of the object identifier that a component refers to stored in it.
-StriVal checkedPrefix(const ValueErrors& errors, const CheckedValue& component) {
-    const Restore nesting(p5ValState.objIdNesting, p5ValState.objIdNesting + 1);
-    const VNodeRef prefix{component.module, component.nr};
-    static_cast<void>(checkRecord(errors, prefix, true));
-    readRec(prefix);
-    if (vNode.val.str.stri == 0 && vNode.val.str.striLen == 0 &&
-        vNode.checkState != static_cast<uint16_t>(CHECK_RUNNING)) {
-        // No type that governs it asked for the check of its arcs.
-        static_cast<void>(checkObjIdVal(errors, checkedValue(prefix)));
-        readRec(prefix);
-    }
-    return vNode.val.str;
-}
+bool settleObjId(VNodeRef at, ModuleRec* caller);
 
 /// The first component is an object identifier: its arcs are taken over.
 bool addPrefix(const ValueErrors& errors, const CheckedValue& component, ObjIdArcs& arcs) {
     arcs.prefixAlone = true;
-    const StriVal found = checkedPrefix(errors, component);
-    if (found.striLen == invalidObjId || found.stri == 0) {
+    const VNodeRef prefix{component.module, component.nr};
+    if (!settleObjId(prefix, errors.module)) {
         arcs.count = 2;
         return failValue(errors, component, Msg::InvalidObjIdPrefix);
     }
-    const std::string_view text = getStri(component.module, int64_t{found.stri});
+    readRec(prefix);
+    const std::string_view text = getStri(component.module, int64_t{vNode.val.str.stri});
     arcs.count = 0;
     for (size_t from = 0; from < text.size(); ++from) {
         const size_t end = std::min(text.find(',', from), text.size());
@@ -133,46 +120,51 @@ bool isLengthValid(const ValueErrors& errors, const CheckedValue& value, const O
         text = "An object identifier prefix without additional components.";
     else
         return true;
-    if (p5ValState.objIdNesting == 0) reportValue(errors, value, Msg::ObjIdOutOfRange, text);
-    return false;
+    return failValue(errors, value, Msg::ObjIdOutOfRange, text);
 }
 
 /// Keeps the arcs, or that there are none.
-void storeArcs(const CheckedValue& value, const ObjIdArcs& arcs, bool ok) {
+void storeArcs(VNodeRef at, const ObjIdArcs& arcs, bool ok) {
     const std::string_view text = std::string_view(arcs.text).substr(0, arcs.text.size() - 1);
-    const uint32_t stri = ok ? putStri(value.module, text).nr : 0;
-    readRec(value.module, value.nr);
+    const uint32_t stri = ok ? putStri(at.module, text).nr : 0;
+    readRec(at);
     vNode.val.str = {};
     vNode.val.str.striLen = ok ? static_cast<uint16_t>(arcs.count) : invalidObjId;
     vNode.val.str.stri = stri;
-    writeRec(value.module, value.nr);
+    writeRec(at);
+}
+
+/// Finds the arcs of an object identifier, once, whoever needs them first; what is wrong is
+/// reported where they are written. False when there are none.
+bool settleObjId(VNodeRef at, ModuleRec* caller) {
+    const ValueNesting nesting;
+    const KeepRec<KIND_VNODE> keep;
+    readRec(at);
+    const StriVal known = vNode.val.str;
+    if (known.striLen == invalidObjId || known.stri != 0) return known.stri != 0;
+    const ValueErrors errors{moduleForErrors(caller), true};
+    const CheckedValue value = checkedValue(at);
+    ObjIdArcs arcs;
+    storeArcs(at, arcs, false); // one that begins with itself
+    bool ok = true;
+    uint32_t left = at.module->nextRecNr[KIND_VNODE];
+    for (VNodeNr nr{value.rec.ref}; nr && left != 0; --left) {
+        ++arcs.entries;
+        ok &= checkObjIdComp(errors, checkedValue({at.module, nr}), arcs);
+        readRec(at.module, nr);
+        nr = {vNode.next};
+    }
+    ok &= isLengthValid(errors, value, arcs);
+    storeArcs(at, arcs, ok);
+    return ok || failValue(errors, value, invalidValue(TYP_OBJID));
 }
 
 } // namespace
 
 bool checkObjIdVal(const ValueErrors& errors, const CheckedValue& value) {
-    const KeepRec<KIND_VNODE> keep;
     if (value.rec.valCode != TYP_OBJID || !value.nr) return true;
-    if (value.isReference) {
-        // Its components are reported where they stand.
-        static_cast<void>(checkRecord(errors, {value.module, value.nr}, true));
-        readRec(value.module, value.nr);
-    }
-    const StriVal known = value.isReference ? vNode.val.str : value.rec.val.str;
-    if (known.striLen == invalidObjId) return failValue(errors, value, invalidValue(TYP_OBJID));
-    if (known.stri != 0) return true;
-    ObjIdArcs arcs;
-    bool ok = true;
-    uint32_t left = value.module->nextRecNr[KIND_VNODE];
-    for (VNodeNr nr{value.rec.ref}; nr && left != 0; --left) {
-        ++arcs.entries;
-        ok &= checkObjIdComp(errors, checkedValue({value.module, nr}), arcs);
-        readRec(value.module, nr);
-        nr = {vNode.next};
-    }
-    ok &= isLengthValid(errors, value, arcs);
-    storeArcs(value, arcs, ok);
-    return ok || failValue(errors, value, invalidValue(TYP_OBJID));
+    if (settleObjId({value.module, value.nr}, errors.module)) return true;
+    return value.isReference && failValue(errors, value, invalidValue(TYP_OBJID));
 }
 
 } // namespace orvo

@@ -61,6 +61,13 @@ Structure structureOf(uint8_t kind) {
     }
 }
 
+/// The value as its components and elements see it.
+CheckedValue holderOf(const CheckedValue& value) {
+    CheckedValue holder = value;
+    if (value.isOutermost) holder.enclosing = nullptr;
+    return holder;
+}
+
 /// Checks a setting of an object whose type another field names against that type.
 bool checkVariableSetting(const ValueErrors& errors, const Components& object, VNodeRef at) {
     const KeepRec<KIND_TNODE> keepType;
@@ -85,8 +92,18 @@ std::string_view nameAt(VNodeRef at) {
     return vNode.name == 0 ? std::string_view() : getStri(at.module, vNode.name);
 }
 
-bool checkStruValComps(const ValueErrors& errors, const Structure& structure,
-                       const Components& components) {
+/// Settings do not relate to the object around them.
+bool checkComponent(const ValueErrors& errors, const CheckedValue& holder,
+                    const Structure& structure, const Components& components, VNodeRef at) {
+    if (!structure.isObject()) return checkRecord(errors, at, true, &holder);
+    return isVariableSetting(at) ? checkVariableSetting(errors, components, at)
+                                 : checkRecord(errors, at, true);
+}
+
+bool checkStruValComps(const ValueErrors& errors, const CheckedValue& value,
+                       const Structure& structure, const Components& components) {
+    const CheckedValue holder = holderOf(value);
+    const bool checkThem = checksParts(errors, value);
     bool ok = true;
     for (size_t place = 0; place < components.records.size(); ++place) {
         const VNodeRef at{components.module, components.records[place]};
@@ -94,11 +111,9 @@ bool checkStruValComps(const ValueErrors& errors, const Structure& structure,
         if (!name.empty() && components.find(name, 0) < place) {
             const Msg code =
                 structure.isObject() ? Msg::DuplicateFieldSetting : Msg::DuplicateComponentValue;
-            ok = failValue(errors, checkedValue(at), code);
+            ok = failValue(errors, partAt(value, at.nr), code);
         }
-        const bool isVariable = structure.isObject() && isVariableSetting(at);
-        ok &= isVariable ? checkVariableSetting(errors, components, at)
-                         : checkRecord(errors, at, true);
+        if (checkThem) ok &= checkComponent(errors, holder, structure, components, at);
     }
     return ok;
 }
@@ -156,7 +171,7 @@ bool isCompatible(const CheckedValue& value) {
 
 bool checkParts(const ValueErrors& errors, const CheckedValue& value, const Structure& structure) {
     const Components components = componentsOf(value);
-    bool ok = checkStruValComps(errors, structure, components);
+    bool ok = checkStruValComps(errors, value, structure, components);
     if (structure.kind != TYP_CHOICE)
         ok &= checkStruValMandOpt(errors, value, structure, components);
     return ok;
@@ -171,21 +186,13 @@ bool checkStruVal(const ValueErrors& errors, const CheckedValue& value) {
 bool checkSOfVal(const ValueErrors& errors, const CheckedValue& value) {
     const uint8_t kind = tNode.typeCode;
     bool ok = isCompatible(value);
-    if (ok) {
+    if (ok && checksParts(errors, value)) {
+        const CheckedValue holder = holderOf(value);
         const Components elements = componentsOf(value);
         for (const VNodeNr nr : elements.records)
-            ok &= checkRecord(errors, {elements.module, nr}, true);
+            ok &= checkRecord(errors, {elements.module, nr}, true, &holder);
     }
     return ok || failValue(errors, value, invalidValue(kind));
-}
-
-/// Makes the definition that the built-in module has for a kind the current type; false when there
-/// is none.
-bool readBuiltinType(uint8_t kind) {
-    if (run.iso8824MP == nullptr) return false;
-    readRec(run.iso8824MP, TNodeNr{kind});
-    skipTypes(true);
-    return tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_CLASS;
 }
 
 bool checkISO8824StruVal(const ValueErrors& errors, const CheckedValue& value) {
@@ -236,6 +243,13 @@ bool checkExtVal(const ValueErrors& errors, const CheckedValue& value) {
 }
 
 } // namespace
+
+bool readBuiltinType(uint8_t kind) {
+    if (run.iso8824MP == nullptr) return false;
+    readRec(run.iso8824MP, TNodeNr{kind});
+    skipTypes(true);
+    return tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_CLASS;
+}
 
 bool checkValWithComps(const ValueErrors& errors, const CheckedValue& value) {
     switch (tNode.typeCode) {

@@ -12,16 +12,12 @@
 #include "check/p5val_int.h"
 #include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
-#include "util/guard.h"
 
 namespace orvo {
 
 namespace {
 
 enum NameIndex { tableName = 12, componentRelationName = 14 };
-
-/// Names of the fields that an object class field type goes through.
-using FieldPath = std::vector<std::string>;
 
 /// Said once a run.
 void sorry() {
@@ -72,7 +68,7 @@ struct Collecting {
 };
 
 bool isObjectSetting() {
-    return (vNode.vflags & VF_SET) == 0 && vNode.valCode == TYP_CLASS;
+    return (vNode.vflags & VF_SET) == 0 && isClassCode(vNode.valCode);
 }
 
 /// The default that the class of an object has for a field.
@@ -82,6 +78,8 @@ VNodeRef classDefault(ModuleRec* module, const VNode& object, std::string_view n
     if (governor == nullptr || object.govType == 0) return {};
     readRec(governor, TNodeNr{object.govType});
     skipTypes(true);
+    if (tNode.typeCode != TYP_CLASS && isClassCode(tNode.typeCode))
+        static_cast<void>(readBuiltinType(tNode.typeCode));
     if (tNode.typeCode != TYP_CLASS || tNode.ref == 0) return {};
     if (!findTypeCompById(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}, name)) return {};
     return {recState.currTPtr[KIND_TNODE], VNodeNr{tNode.defaultVal}};
@@ -164,10 +162,8 @@ void collectFromType(Collecting& collecting, TNodeRef set) {
 }
 
 /// The objects of the set in a table constraint with their settings for the fields of `path`.
-/// `column` is the component whose type the path is; none for the constrained type itself.
-const TableIndex& objSetFieldsToList(SubRef sub, const FieldPath& path, TNodeNr column) {
-    const uint64_t key = (uint64_t{sub.nr.nr} << 32) | column.nr;
-    const auto [note, isNew] = checkCacheOf(sub.module).tables.try_emplace(key);
+const TableIndex& objSetFieldsToList(SubRef sub, const FieldPath& path) {
+    const auto [note, isNew] = checkCacheOf(sub.module).tables.try_emplace({sub.nr.nr, path});
     if (!isNew) return note->second;
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
@@ -188,6 +184,7 @@ CheckedValue withoutType(const CheckedValue& value) {
     if (!isWritten) return value;
     CheckedValue inner = checkedValue({value.module, VNodeNr{value.rec.ref}});
     inner.isReference = true; // its type shall be compatible with the one of the table
+    inner.isOwn = false;
     return inner;
 }
 
@@ -251,11 +248,13 @@ bool objectAgrees(const ValueErrors& errors, VNodeRef object, const FieldPath& p
 /// Where a reference of a component relation leads.
 enum class Reached { Value, Absent, Nowhere };
 
-/// The value that encloses the one under check on the stack.
+/// The innermost or outermost value that encloses the one under check.
 bool readEnclosing(const CheckedValue& value, bool innermost) {
-    readRec(value.module, value.nr);
-    return innermost ? innerEnclStru(p5ValState.struValueStack)
-                     : outerEnclStru(p5ValState.struValueStack);
+    const CheckedValue* enclosing = value.enclosing;
+    while (enclosing != nullptr && !innermost && enclosing->enclosing != nullptr)
+        enclosing = enclosing->enclosing;
+    if (enclosing != nullptr) readRec(enclosing->module, enclosing->nr);
+    return enclosing != nullptr;
 }
 
 /// The n-th element of the list in `vNode`, from 1.
@@ -304,7 +303,6 @@ Reached valAt(ModuleRec* module, SNodeNr& entry) {
 struct Related {
     CheckedValue value;
     FieldPath path;
-    TNodeNr column;
 };
 
 /// The values that the references of a component relation lead to; false when one leads nowhere.
@@ -327,8 +325,8 @@ bool relatedValues(const CheckedValue& value, ModuleRec* module, SNodeNr entry,
         const VNodeRef at = currentRec<KIND_VNODE>();
         ModuleRec* owner = refModule(at.module, static_cast<int32_t>(vNode.govTypeMod));
         if (reached == Reached::Absent || owner == nullptr || vNode.govType == 0) continue;
-        Related found{checkedValue(at), {}, TNodeNr{vNode.govType}};
-        readRec(owner, found.column);
+        Related found{checkedValue(at), {}};
+        readRec(owner, TNodeNr{vNode.govType});
         if (fieldPath(found.path)) related.push_back(std::move(found));
     }
     return true;
@@ -339,7 +337,7 @@ std::vector<VNodeRef> compressOsfList(const ValueErrors& errors, SubRef sub,
                                       const std::vector<Related>& related) {
     std::vector<VNodeRef> objects;
     const Related& first = related.front();
-    const TableIndex& table = objSetFieldsToList(sub, first.path, first.column);
+    const TableIndex& table = objSetFieldsToList(sub, first.path);
     forEachAgreeing(errors, table, first.value, [&](const TableEntry& entry) {
         objects.push_back(entry.object);
         return true;
@@ -376,7 +374,7 @@ bool valTableConstr(const ValueErrors& errors, const CheckedValue& value) {
     FieldPath path;
     if (subRec.left == 0 || !fieldPath(path))
         return failValue(errors, value, valueOutOfConstraint(tableName));
-    const TableIndex& table = objSetFieldsToList(sub, path, {});
+    const TableIndex& table = objSetFieldsToList(sub, path);
     if (table.met) return true;
     const SNodeNr list{relation > 0 ? magnitude(relation) : 0};
     if (list && relationHolds(errors, value, sub, list, path, table)) return true;

@@ -63,6 +63,92 @@ TEST(CheckObjects, ValuesStandInTheTable) {
     });
 }
 
+TEST(CheckObjects, ObjectsOfBuiltinClassesStandInTables) {
+    expectFindings({
+        {"Set TYPE-IDENTIFIER ::= { { INTEGER IDENTIFIED BY {1 2 3} } | o }"},
+        {"o TYPE-IDENTIFIER ::= { T IDENTIFIED BY id }"},
+        {"T ::= SEQUENCE { a INTEGER (0..5) }"},
+        {"id OBJECT IDENTIFIER ::= { 2 5 }"},
+        {"S ::= SEQUENCE { id TYPE-IDENTIFIER.&id ({Set}), val TYPE-IDENTIFIER.&Type "
+         "({Set}{@id}) }"},
+        {"a1 S ::= { id {1 2 3}, val INTEGER : 5 }"},
+        {"a2 S ::= { id {2 5}, val T : { a 4 } }"},
+        {"a3 S ::= { id {2 5}, val INTEGER : 4 }", {relation, invalidSeq}},
+        {"a4 S ::= { id {2 6}, val INTEGER : 4 }", {table, relation, invalidSeq}},
+        {"C ::= CLASS { &t TYPE-IDENTIFIER }"},
+        {"In C ::= { { &t o } }"},
+        {"U ::= SEQUENCE { id C.&t.&id ({In}) }"},
+        {"b1 U ::= { id id }"},
+        {"b2 U ::= { id {1 2 3} }", {table, invalidSeq}},
+        {"Abs ABSTRACT-SYNTAX ::= { { NULL IDENTIFIED BY {1 2} } | { NULL IDENTIFIED BY {1 3}"},
+        {"  HAS PROPERTY {handles-invalid-encodings} } }"},
+        {"V ::= SEQUENCE { id ABSTRACT-SYNTAX.&id ({Abs}), p ABSTRACT-SYNTAX.&property "
+         "({Abs}{@id}) }"},
+        {"c1 V ::= { id {1 2}, p {} }"}, // by default
+        {"c2 V ::= { id {1 3}, p {handles-invalid-encodings} }"},
+        {"c3 V ::= { id {1 3}, p {} }", {relation, invalidSeq}},
+    });
+}
+
+TEST(CheckObjects, TablesAreLookedIntoByField) {
+    // The components that the relation refers to have the same number in their modules.
+    const std::string head = " DEFINITIONS AUTOMATIC TAGS ::= BEGIN ";
+    const SourceFile n = {"n.asn", "N" + head +
+                                       "IMPORTS C, Set FROM K;\n"
+                                       "A ::= SEQUENCE { id C.&id ({Set}) } END\n"};
+    const SourceFile o = {"o.asn", "O" + head +
+                                       "IMPORTS C, Set FROM K;\n"
+                                       "B ::= SEQUENCE { code C.&code ({Set}) } END\n"};
+    const SourceFile k = {"k.asn", "K" + head +
+                                       "C ::= CLASS { &id INTEGER UNIQUE, &code INTEGER, &T }\n"
+                                       "WITH SYNTAX { &id &code &T }\n"
+                                       "Set C ::= { { 1 10 INTEGER } | { 2 20 BOOLEAN } } END\n"};
+    expectFindings(
+        {{"IMPORTS A FROM N B FROM O C, Set FROM K;"},
+         {"S ::= SEQUENCE { a A OPTIONAL, b B OPTIONAL, val C.&T ({Set}{@a.id, @b.code}) }"},
+         {"v1 S ::= { b { code 10 }, val INTEGER : 5 }"},
+         {"v2 S ::= { a { id 1 }, val INTEGER : 5 }"},
+         {"v3 S ::= { a { id 1 }, b { code 20 }, val INTEGER : 5 }", {relation, invalidSeq}}},
+        {}, {n, o, k});
+}
+
+TEST(CheckObjects, ValuesBringTheirSurroundings) {
+    expectFindingsInAnyOrder({
+        {"C ::= CLASS { &id INTEGER UNIQUE, &T, &p Pair OPTIONAL } WITH SYNTAX { &id &T [&p] }"},
+        {"Pair ::= SEQUENCE { a INTEGER }"},
+        {"Set C ::= { { 1 INTEGER { a 1 } } | { 2 BOOLEAN { a 2 } } }"},
+        {"In ::= SEQUENCE { id C.&id ({Set}), val C.&T ({Set}{@id}), p C.&p ({Set}{@id}) OPTIONAL "
+         "}"},
+        {"Out ::= SEQUENCE { id C.&id ({Set}), in In DEFAULT { id 2, val BOOLEAN : TRUE }, any "
+         "TYPE-IDENTIFIER.&Type OPTIONAL }"},
+        {"K ::= CLASS { &in In, &In In DEFAULT {i | { id 2, val BOOLEAN : FALSE }} }"},
+        {"k K ::= { &in { id 1, val INTEGER : 7, p { a 1 } } }"},
+        {"i In ::= k.&in"},
+        {"v Out ::= { id 2, in k.&in, any In : { id 1, val INTEGER : 1 } }"},
+        {"w Out ::= { id 2, any SEQUENCE { id C.&id ({Set}), x C.&T ({Set}{@id}) } : { id 1, x "
+         "INTEGER : 1 } }"},
+        {"x In ::= { id 1, val INTEGER : 1, p { a 2 } }", {relation, invalidSeq}},
+    });
+}
+
+TEST(CheckObjects, ObjectsAnswerForTheirSettings) {
+    expectFindingsInAnyOrder({
+        {"C ::= CLASS { &id INTEGER (0..9), &T OPTIONAL, &v &T OPTIONAL }"},
+        {"o C ::= { &id 10 }", {range, invalidObject}},
+        {"Set C ::= { o | p | q }"},
+        {"p C ::= o"},
+        {"q C ::= { &id 1, &T INTEGER (0..3), &v 7 }", {range, invalidObject}},
+        {"L ::= SEQUENCE OF INTEGER (0..3)"},
+        {"r C ::= { &id 2, &T L, &v { 5 } }", {range, "Invalid SEQUENCE OF value", invalidObject}},
+        {"D ::= CLASS { &o C DEFAULT o }"},
+        // The value that the relation refers to is checked after it.
+        {"S ::= SEQUENCE { id C.&id ({Set2}{@t}), t C.&T ({Set2}) }"},
+        {"Set2 C ::= { { &id 2, &T L } | { &id 3, &T NULL } }"},
+        {"s S ::= { id 2, t L : { 5 } }",
+         {range, "Invalid SEQUENCE OF value", "Invalid Open type value", invalidSeq}},
+    });
+}
+
 TEST(CheckObjects, RelationsStartAtTheOutermostOrInnermostValue) {
     expectFindings({
         {"C ::= CLASS { &id INTEGER UNIQUE, &T } WITH SYNTAX { &id &T }"},
@@ -138,8 +224,8 @@ TEST(CheckObjects, BuiltinTypesHaveTheirComponents) {
 TEST(CheckObjects, WhatDoublesSixtyTimesEnds) {
     std::vector<Line> lines = {{"T0 ::= INTEGER (0..5)"},      {"U0 ::= INTEGER (0..5)"},
                                {"L0 ::= SEQUENCE OF INTEGER"}, {"l0 L0 ::= { 1, 1 }"},
-                               {"R0 ::= SEQUENCE { x NULL }"}, {"r0 R0 ::= { x NULL }"},
-                               {"s0 IA5String ::= \"ab\""}};
+                               {"V0 ::= INTEGER (V60 | 5)"},   {"R0 ::= SEQUENCE { x NULL }"},
+                               {"r0 R0 ::= { x NULL }"},       {"s0 IA5String ::= \"ab\""}};
     std::string inner = "(0..5)";
     for (int i = 1; i <= 60; ++i) {
         const std::string own = std::to_string(i), last = std::to_string(i - 1);
@@ -150,6 +236,7 @@ TEST(CheckObjects, WhatDoublesSixtyTimesEnds) {
         };
         of("T# ::= INTEGER (T@ | T@)");
         of("U# ::= INTEGER (U@ ^ U@)");
+        of("V# ::= INTEGER (V@ | V@)");
         of("L# ::= SEQUENCE OF L@");
         of("l# L# ::= { l@, l@ }");
         of("R# ::= SEQUENCE { a R@, b R@ }");
@@ -161,6 +248,7 @@ TEST(CheckObjects, WhatDoublesSixtyTimesEnds) {
         {"t1 T60 ::= 3"},
         {"t2 T60 ::= 9", {"Value out of union constraint(s)"}},
         {"u1 U60 ::= 3"},
+        {"v1 V60 ::= 5"},
         {"l L59 " + inner + " ::= l59"},
         {"r R60 (r60) ::= { a r59, b r59 }"},
         {"str1 IA5String (FROM (\"a\"..\"c\")) ::= s60"},

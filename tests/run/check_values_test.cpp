@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/findings.h"
+#include "support/tree.h"
 
 namespace orvo::test {
 namespace {
@@ -163,10 +164,72 @@ TEST(CheckValues, EveryConstraintIsMetOrNot) {
         {"g3 PrintableString ::= \"a'b?\""},
         {"g4 PrintableString ::= \"a@b\"", {alphabet}},
         {"h1 BMPString (FROM (\"a\"..\"b\")) ::= \"ab\""},
+        {"W ::= IA5String (SIZE (1)) (FROM (\"a\"..\"b\"))"},
+        {"j1 IA5String (FROM (W)) ::= \"abba\""}, // the size is no character
         {"i1 ObjectDescriptor (FROM (\"ab\")) ::= \"aba\""},
         {"i2 ObjectDescriptor (FROM (\"ab\")) ::= \"c\"", {single, alphabet}},
         {"h2 UniversalString (FROM (\"a\"..\"b\")) ::= \"c\"", {range, alphabet}},
     });
+}
+
+TEST(CheckValues, EveryRecordIsReported) {
+    const std::string inner = "Value out of WITH COMPONENT constraint(s)";
+    const SourceFile other = {"n.asn", "N DEFINITIONS ::= BEGIN\nl L ::= { 3, 9 }\n"
+                                       "L ::= SEQUENCE OF INTEGER\nEND\n"};
+    expectFindings({{"IMPORTS L, l FROM N;"},
+                    {"a L (WITH COMPONENT (0..5)) ::= { n, n }", {range, range, inner}},
+                    {"n INTEGER ::= 6"},
+                    // What a value behind a reference holds is reported at the reference.
+                    {"b L (WITH COMPONENT (0..5)) ::= l", {range, inner}},
+                    {"LL ::= SEQUENCE OF L"},
+                    {"c LL (WITH COMPONENT (WITH COMPONENT (0..5))) ::= { l, l }",
+                     {range, inner, range, inner, inner}}},
+                   {}, {other});
+}
+
+TEST(CheckValues, DefinitionsMayStandInAnyOrder) {
+    const std::string invalidOid = "Invalid OBJECT IDENTIFIER value";
+    const std::string prefix = "Invalid OBJECT IDENTIFIER prefix";
+    const std::string defaultValue = "Invalid default value";
+    // A value answers for what it holds, and so do defaults and actual parameters.
+    expectFindingsInAnyOrder({{"S ::= SEQUENCE { a INTEGER (0..5), d D DEFAULT { a 9 } }",
+                               {range, invalidSeq, defaultValue}},
+                              {"D ::= SEQUENCE { a INTEGER (0..8), s S OPTIONAL }"},
+                              {"v1 S ::= { a 6 }", {range, invalidSeq}},
+                              {"v2 S ::= v1"},
+                              {"v3 D ::= { a 4, s v2 }"},
+                              {"v4 D ({ a 4, s v1 }) ::= v3"},
+                              {"P {S : x} ::= SEQUENCE { s S DEFAULT x }"},
+                              {"Q ::= P {{ a 7 }}", {range, invalidSeq, defaultValue}},
+                              {"p {INTEGER : i} S ::= { a i }"},
+                              {"v5 S ::= p { 8 }", {range, invalidSeq}},
+                              {"R ::= P {v5}"},
+                              {"U ::= P {p { 9 }}", {range, invalidSeq, defaultValue}}});
+    expectFindingsInAnyOrder(
+        {{"o OBJECT IDENTIFIER ::= { p 5 }", {prefix, invalidOid}},
+         {"p OBJECT IDENTIFIER ::= { 1 }",
+          {"Value of OBJECT IDENTIFIER out of range: Too few object identifier components.",
+           invalidOid}},
+         {"T ::= SEQUENCE { x OBJECT IDENTIFIER DEFAULT { p 7 } }",
+          {prefix, invalidOid, defaultValue}},
+         {"q OBJECT IDENTIFIER ({1 2} | {1 3}) ::= p", {invalidOid}}});
+    // While a constraint is checked, the type in which it stands is no other.
+    expectFindingsInAnyOrder({{"T ::= INTEGER (ALL EXCEPT v)"},
+                              {"v A ::= 5", {"Value out of ALL EXPECT constraint(s)"}},
+                              {"A ::= T"},
+                              {"w A ::= 6"}});
+    const std::string c = "C ::= INTEGER (0..9) (CONSTRAINED BY {D}) (5..8)\n";
+    const std::string d = "D ::= SEQUENCE { e INTEGER (0..20 ^ C) DEFAULT 6 }\n";
+    for (const std::string& body : {c + d, d + c})
+        EXPECT_EQ(TreeFacts(compile({moduleM(body)}), "m").bounds("D.e"), "5..8");
+    // A string in itself has no end.
+    const std::vector<std::string> size = {"Value out of single value constraint(s)",
+                                           "Value out of size constraint(s)"};
+    expectFindingsInAnyOrder({{"s1 IA5String ::= { \"a\", s2 }"},
+                              {"s2 IA5String ::= { \"bc\", s1 }"},
+                              {"x IA5String (SIZE (3)) ::= s1", size},
+                              {"y IA5String (SIZE (3)) ::= s2", size},
+                              {"z IA5String (FROM (\"abc\")) ::= s2"}});
 }
 
 TEST(CheckValues, BoundsOfAnotherModuleAreComparedByTheirText) {
@@ -223,6 +286,30 @@ TEST(CheckValues, InnerSubtypesRestrictPresence) {
         {"b1 C (WITH COMPONENTS { ..., a ABSENT }) ::= b : NULL"},
         {"b2 C (WITH COMPONENTS { ..., a ABSENT }) ::= a : 1", {out}},
         {"b3 C (WITH COMPONENTS { ..., a PRESENT }) ::= b : NULL", {out}},
+    });
+}
+
+TEST(CheckValues, FullSpecificationsHoldForEachPart) {
+    const std::string out = "Value out of WITH COMPONENTS constraint(s)";
+    expectFindings({
+        {"S ::= SEQUENCE { a INTEGER OPTIONAL, b INTEGER OPTIONAL }"},
+        {"F ::= S (WITH COMPONENTS { a })"},
+        {"G ::= F (WITH COMPONENTS { a, b })"},
+        {"g G ::= { b 1 }"}, // the list nearest to the value counts
+        {"T ::= SEQUENCE { f F OPTIONAL, c CHOICE { f F, n NULL } OPTIONAL,"},
+        {"  l SEQUENCE OF F OPTIONAL, any TYPE-IDENTIFIER.&Type OPTIONAL, x NULL OPTIONAL }"},
+        {"R ::= T (WITH COMPONENTS { f, c, l, any })"},
+        {"r1 R ::= { f { a 1 }, c f : { a 1 }, l { { a 1 } }, any F : { a 2 } }"},
+        {"r2 R ::= { x NULL }", {out}},
+        {"r3 R ::= { f { b 1 } }", {out, invalidSeq}},
+        {"r4 R ::= { c f : { b 1 } }", {out, "Invalid CHOICE value", invalidSeq}},
+        {"r5 R ::= { l { { b 1 } } }", {out, "Invalid SEQUENCE OF value", invalidSeq}},
+        {"r6 R ::= { any F : { b 1 } }", {out, "Invalid Open type value", invalidSeq}},
+        {"C ::= CLASS { &Type }"},
+        {"Set C ::= { { &Type F } }"},
+        {"U ::= SEQUENCE { v C.&Type ({Set}), x NULL OPTIONAL } (WITH COMPONENTS { v })"},
+        {"u1 U ::= { v F : { a 1 } }"},
+        {"u2 U ::= { v S : { b 1 } }", {"Value out of table constraint(s)", invalidSeq}},
     });
 }
 

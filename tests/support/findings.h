@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,18 @@ inline void expectFindings(const std::vector<Line>& lines,
     const RunResult result = compileLines(lines, options, others);
     EXPECT_EQ(result.diagnostics("m"), expected);
     EXPECT_EQ(result.status, expected.empty() ? 0 : 1) << result.err;
+}
+
+/// The same with the definitions, one a line, in many orders.
+inline void expectFindingsInAnyOrder(std::vector<Line> lines) {
+    for (const bool reversed : {false, true}) {
+        if (reversed) std::ranges::reverse(lines);
+        for (size_t first = 0; first < lines.size(); ++first) {
+            SCOPED_TRACE(lines.front().source);
+            expectFindings(lines);
+            std::ranges::rotate(lines, lines.begin() + 1);
+        }
+    }
 }
 
 struct ErrorCase {
