@@ -52,6 +52,7 @@ enum class LinkNote : uint8_t { Entered, Ends, Cyclic };
 
 struct TypeNotes {
     std::unordered_map<uint32_t, SeenTag> seenTags;
+    std::unordered_map<uint32_t, bool> leadsToSet; // references on long ways
     std::unordered_map<uint32_t, IncludedComps> included;
     std::unordered_map<uint32_t, AlternativeTags> alternativeTags;
     std::unordered_map<uint32_t, CycleNote> cycles;
