@@ -199,13 +199,14 @@ void FindCacheDeleter::operator()(FindCache* cache) const {
 void forgetTakenBack(ModuleRec* module) {
     if (!module->findCache) return;
     FindCache& cache = *module->findCache;
-    const auto forgetFrom = [](auto& notes, uint32_t nr) {
+    const auto forgetFrom = [](auto& notes, const auto& nr) {
         notes.erase(notes.lower_bound(nr), notes.end());
     };
-    forgetFrom(cache.typeJumps, module->nextRecNr[KIND_TNODE]);
+    forgetFrom(cache.typeJumps, NoteKey{module->nextRecNr[KIND_TNODE], false});
+    forgetFrom(cache.lastNames, module->nextRecNr[KIND_SNODE]);
     forgetFrom(cache.typeChains, module->nextRecNr[KIND_TNODE]);
     forgetFrom(cache.flatLists, module->nextRecNr[KIND_TNODE]);
-    forgetFrom(cache.valueJumps, module->nextRecNr[KIND_VNODE]);
+    forgetFrom(cache.valueJumps, NoteKey{module->nextRecNr[KIND_VNODE], false});
     forgetFrom(cache.valueChains, module->nextRecNr[KIND_VNODE]);
     forgetFrom(cache.govChains, module->nextRecNr[KIND_VNODE]);
     // A chain may have lost its end only; its index is made again when it is needed.

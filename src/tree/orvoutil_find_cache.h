@@ -7,6 +7,7 @@
 #include <map>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "tree/orvodef.h"
@@ -44,10 +45,14 @@ struct GovIndex {
     uint32_t last = 0;
 };
 
+/// Record number, and what the note depends on besides.
+using NoteKey = std::pair<uint32_t, bool>;
+
 /// The maps are ordered by record number: what is taken back is a suffix.
 struct FindCache {
-    std::map<uint32_t, Jump<KIND_TNODE>> typeJumps;
-    std::map<uint32_t, Jump<KIND_VNODE>> valueJumps;
+    std::map<NoteKey, Jump<KIND_TNODE>> typeJumps;  // fields of classes followed too
+    std::map<NoteKey, Jump<KIND_VNODE>> valueJumps; // fields of objects followed too
+    std::map<uint32_t, uint32_t> lastNames; // first entry of a long chain of field names -> last
     std::map<uint32_t, ChainIndex> typeChains;
     std::map<uint32_t, ChainIndex> valueChains;
     std::map<uint32_t, FlatIndex> flatLists;
