@@ -12,7 +12,6 @@
 
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
-#include "tree/orvoutil.h"
 #include "tree/orvoutil_find.h"
 
 namespace orvo {
@@ -55,8 +54,9 @@ struct FindCache {
     std::map<uint32_t, uint32_t> lastNames; // first entry of a long chain of field names -> last
     std::map<uint32_t, ChainIndex> typeChains;
     std::map<uint32_t, ChainIndex> valueChains;
-    std::map<uint32_t, FlatIndex> flatLists;
-    FlatIndex unsettledList; // the one made last of records that may still change
+    std::map<uint32_t, IncludedList> included;
+    std::map<NoteKey, FlatIndex> flatLists; // the list as COMPONENTS OF includes it
+    FlatIndex unsettledList;                // the one made last of records that may still change
     std::map<uint32_t, GovIndex> govChains;
 };
 
