@@ -207,11 +207,17 @@ TEST(References, ChainsMayBeLong) {
                                "v INTEGER (5) ::= o0.&id\nw o0.&T ::= TRUE"),
         chain(longest, "C# ::= CLASS { &f C$.&f, &A }",
               "C" + last(longest) + " ::= CLASS { &f INTEGER }\nv C0.&f ::= 5"),
+        chain(longest, "S# ::= SEQUENCE { COMPONENTS OF S$ }",
+              "S" + last(longest) +
+                  " ::= SEQUENCE { a NULL, b INTEGER }\n"
+                  "v S0 ::= { a NULL, b 5 }"),
         namedField(length) + chain(length, "U# ::= T v# U# ::= 5", ""),
         withFields + backward(chain(length, "o# C ::= { &id o$.&id, &T o$.&T }",
                                     "o" + last(length) + " C ::= { &id 5, &T BOOLEAN }")),
         backward(chain(length, "C# ::= CLASS { &f C$.&f, &A }",
                        "C" + last(length) + " ::= CLASS { &f INTEGER }")),
+        backward(chain(length, "S# ::= SEQUENCE { COMPONENTS OF S$ }\nv# S# ::= { a NULL }",
+                       "S" + last(length) + " ::= SEQUENCE { a NULL }")),
     };
     for (const std::string& body : bodies) {
         SCOPED_TRACE(body.substr(0, body.find('\n', body.find("::= CLASS { &id") + 1)));
@@ -256,6 +262,43 @@ TEST(References, LeadToTheSameEndFromEverywhere) {
         std::vector<Finding> findings;
         for (const std::string& text : row.found) findings.push_back({line, text});
         EXPECT_EQ(diagnosticsOf(body + row.line), listed(findings));
+    }
+}
+
+// Levels that add nothing are passed over, in whichever module they stand; those that add
+// something, or hide it behind a marker, are not.
+TEST(References, ComponentsAreFoundThroughLevelsThatAddNone) {
+    const std::string first = "First DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                              "IMPORTS B1, B3 FROM Secnd;\n"
+                              "A0 ::= SEQUENCE { a NULL, b INTEGER, ..., c NULL }\n"
+                              "A2 ::= SEQUENCE { COMPONENTS OF B1, ..., d NULL }\n"
+                              "A4 ::= SEQUENCE { COMPONENTS OF E, COMPONENTS OF B3 }\n"
+                              "E ::= SEQUENCE { ..., e NULL }\n"
+                              "T ::= SEQUENCE { COMPONENTS OF A4, COMPONENTS OF E, f NULL }\n"
+                              "v T ::= { a NULL, b 5, f NULL }\n"
+                              "w A4 ::= { a NULL }\n";
+    const SourceFile second = {"secnd.asn", "Secnd DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                                            "IMPORTS A0, A2, A4 FROM First;\n"
+                                            "B1 ::= SEQUENCE { COMPONENTS OF A0 }\n"
+                                            "B3 ::= SEQUENCE { COMPONENTS OF A2 }\n"
+                                            "v A2 ::= { a NULL, b 5, d NULL }\n"
+                                            "w A4 ::= { b 5, a NULL }\n"
+                                            "END\n"};
+    const auto compileInOrder = [&](bool inOrder, const std::string& last) {
+        const SourceFile whole{"first.asn", first + last + "END\n"};
+        return inOrder ? compile({whole, second}) : compile({second, whole});
+    };
+    for (const bool inOrder : {true, false}) {
+        SCOPED_TRACE(inOrder);
+        const RunResult run = compileInOrder(inOrder, "");
+        EXPECT_EQ(run.diagnostics("first"),
+                  listed({{9, "Mandatory component value missing: component 'b'"},
+                          {9, "Invalid SEQUENCE value"}}));
+        EXPECT_EQ(run.diagnostics("secnd"),
+                  listed({{6, "Component values out of order"}, {6, "Invalid SEQUENCE value"}}));
+        const RunResult hidden = compileInOrder(inOrder, "x A4 ::= { a NULL, b 5, d NULL }\n");
+        EXPECT_EQ(hidden.diagnostics("first"),
+                  listed({{10, "Invalid component identifier: d"}, {10, "SEQUENCE value syntax"}}));
     }
 }
 
