@@ -7,6 +7,9 @@
 
 #include "check/p5typ.h"
 
+#include <vector>
+
+#include "check/check_cache.h"
 #include "check/orvonum_end.h"
 #include "check/p5sub.h"
 #include "check/p5typ_int.h"
@@ -38,6 +41,8 @@ namespace {
 
 /// Links of one chain of references; more is a cycle.
 constexpr size_t maxLinks = 1000000;
+/// Shorter ways to a set are walked again rather than noted.
+constexpr size_t shortWay = 8;
 
 bool isReferenceWithTarget() {
     return tNode.typeCode == TYP_SYNONYM && tNode.ref != 0 && tNode.refMod > 0;
@@ -66,17 +71,35 @@ bool checkByKind(ModuleRec* module) {
     }
 }
 
-/// A reference to a set is a set too. The first type on the way whose checks are done tells it for
-/// those behind it.
-void checkAndMarkSetTNode(TNodeRef self) {
-    if (isSetTNode()) return;
-    bool isSet = false;
-    for (size_t left = maxLinks; !isSet && left != 0; --left) {
+/// The current type, or a type on the way from it, is a set. What the types on the way lead to is
+/// noted when they are many: those behind a field need not have been checked.
+bool leadsToSet() {
+    std::vector<TNodeRef> passed;
+    bool isSet = isSetTNode();
+    while (!isSet && passed.size() < maxLinks) {
         if (tNode.typeCode != TYP_SYNONYM && tNode.typeCode != TYP_FIELDLIST) break;
+        const TNodeRef here = currentRec<KIND_TNODE>();
+        const auto& notes = checkCacheOf(here.module).types.leadsToSet;
+        if (const auto note = notes.find(here.nr.nr); note != notes.end()) {
+            isSet = note->second;
+            break;
+        }
+        passed.push_back(here);
         if (!followTypeRef(true)) break;
         isSet = isSetTNode();
         if (tNode.checkState == CHECK_DONE) break;
     }
+    if (passed.size() >= shortWay)
+        for (const TNodeRef& type : passed)
+            checkCacheOf(type.module).types.leadsToSet[type.nr.nr] = isSet;
+    return isSet;
+}
+
+/// A reference to a set is a set too. The first type on the way whose checks are done tells it for
+/// those behind it.
+void checkAndMarkSetTNode(TNodeRef self) {
+    if (isSetTNode()) return;
+    const bool isSet = leadsToSet();
     readRec(self);
     if (!isSet) return;
     tNode.nodeFlags |= NF_SET;

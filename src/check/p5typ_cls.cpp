@@ -1,13 +1,13 @@
 // Field specifications of classes, INSTANCE OF, and types that fields of classes give (X.681
 // (07/2002) clauses 9 and 14, annexes A and C).
 
+#include <vector>
+
 #include "check/check_cache.h"
 #include "check/p5typ_int.h"
 #include "diag/orvoerr.h"
-#include "diag/orvoerr_fatal.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
-#include "util/stack.h"
 
 namespace orvo {
 
@@ -45,31 +45,51 @@ bool validFieldOptionalitySpec(ModuleRec* module) {
     return false;
 }
 
-bool checkLinkField();
+/// A class whose mandatory fields are being followed.
+struct LinkLevel {
+    TNodeRef classNode;
+    uint32_t field; // the next one
+    uint32_t left;  // fields it may still have: a broken chain must not be endless
+};
 
-/// Mandatory fields lead from the current class to a class from which they lead back to it.
+/// The class that the current field names, when it is mandatory and names one; it is current then.
+TNodeRef linkedClass() {
+    if (magnitude(tNode.compStatus) == TCS_OPTIONAL) return {};
+    skipTypes(true);
+    return tNode.typeCode == TYP_CLASS ? currentRec<KIND_TNODE>() : TNodeRef{};
+}
+
+/// Mandatory fields lead from the current class to a class from which they lead back to it. The
+/// verdict is noted for all classes on the way: one that is entered and not left yet is met again.
 bool leadsToCycle() {
-    if (stackIsLow()) fatalError(Fatal::NoSpace, "Classes refer to one another too deeply.");
-    const TNodeRef classNode = currentRec<KIND_TNODE>();
-    auto& links = checkCacheOf(classNode.module).types.links;
-    const auto [note, isNew] = links.try_emplace(classNode.nr.nr, LinkNote::Entered);
-    if (!isNew) return note->second != LinkNote::Ends;
+    std::vector<LinkLevel> levels;
     bool cyclic = false;
-    uint32_t left = nextRec<KIND_TNODE>(classNode.module).nr;
-    for (uint32_t field = tNode.ref; field != 0 && !cyclic && left-- != 0;) {
-        readRec(classNode.module, TNodeNr{field});
-        field = tNode.next;
-        cyclic = !checkLinkField();
+    const auto enter = [&](TNodeRef classNode) {
+        auto& links = checkCacheOf(classNode.module).types.links;
+        const auto [note, isNew] = links.try_emplace(classNode.nr.nr, LinkNote::Entered);
+        cyclic = !isNew && note->second != LinkNote::Ends;
+        const uint32_t limit = nextRec<KIND_TNODE>(classNode.module).nr;
+        if (isNew) levels.push_back({classNode, tNode.ref, limit});
+    };
+    enter(currentRec<KIND_TNODE>());
+    while (!levels.empty()) {
+        LinkLevel& level = levels.back();
+        if (cyclic || level.field == 0 || level.left-- == 0) {
+            checkCacheOf(level.classNode.module).types.links[level.classNode.nr.nr] =
+                cyclic ? LinkNote::Cyclic : LinkNote::Ends;
+            levels.pop_back();
+            continue;
+        }
+        readRec(level.classNode.module, TNodeNr{level.field});
+        level.field = tNode.next;
+        if (const TNodeRef next = linkedClass()) enter(next);
     }
-    links[classNode.nr.nr] = cyclic ? LinkNote::Cyclic : LinkNote::Ends;
     return cyclic;
 }
 
-/// The current field is not mandatory, or names no such class.
+/// The current field is not mandatory, or names no class that leads to a cycle.
 bool checkLinkField() {
-    if (magnitude(tNode.compStatus) == TCS_OPTIONAL) return true;
-    skipTypes(true);
-    return tNode.typeCode != TYP_CLASS || !leadsToCycle();
+    return !linkedClass() || !leadsToCycle();
 }
 
 /// An object of the class would need another one, and that another, without end. The class that is

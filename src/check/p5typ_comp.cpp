@@ -4,7 +4,8 @@
 // COMPONENTS OF brings in the components of the type it names up to that type's first extension
 // marker; extension addition groups stand in place. What such a type brings in is summed up once
 // per type, and so are the tags of an untagged CHOICE, so that types that name one another level by
-// level cost one walk each. A list longer than fieldSize can count is cut.
+// level cost one walk each; levels that only pass on what they include are passed over. A list
+// longer than fieldSize can count is cut.
 
 #include <algorithm>
 #include <unordered_set>
@@ -15,7 +16,6 @@
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvorec.h"
-#include "tree/orvoutil.h"
 #include "tree/orvoutil_find.h"
 #include "util/stack.h"
 
@@ -43,45 +43,12 @@ template <typename Fn> bool forEachComponent(ModuleRec* module, uint32_t first, 
     return true;
 }
 
-/// The structure that the current COMPONENTS OF entry names becomes the current type record.
-bool readIncludedType() {
-    skipTypes(true);
-    return tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_SET;
-}
-
 bool isListType() {
     return tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
 }
 
 bool isCompOf() {
     return magnitude(tNode.compStatus) == TCS_COMPOF;
-}
-
-/// Sums up what the current structure brings in through COMPONENTS OF. One that includes itself
-/// brings nothing in at the second meeting.
-IncludedComps includedBy() {
-    needStack();
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    auto& included = checkCacheOf(type.module).types.included;
-    const auto [known, isNew] = included.try_emplace(type.nr.nr);
-    if (!isNew) return known->second;
-    const KeepRec<KIND_TNODE> keep;
-    IncludedComps sum;
-    forEachComponent(type.module, tNode.ref, [&] {
-        if (tNode.typeCode == TYP_EXTENSION_MARKER) return false;
-        if (!isCompOf()) {
-            sum.optional |= magnitude(tNode.compStatus) == TCS_OPTIONAL;
-            sum.mandatory |= tNode.compStatus == TCS_MANDATORY;
-            sum.entries = std::min(sum.entries + 1, maxEntries + 1);
-        } else if (readIncludedType()) {
-            const IncludedComps nested = includedBy();
-            sum.optional |= nested.optional;
-            sum.mandatory |= nested.mandatory;
-            sum.entries = std::min(sum.entries + nested.entries, maxEntries + 1);
-        }
-        return true;
-    });
-    return included[type.nr.nr] = sum;
 }
 
 /// What is counted over the entries of a structure.
@@ -98,9 +65,7 @@ void checkOptCompsAndExtMarks(StruCounts& counts) {
         return;
     }
     if (isCompOf()) {
-        const KeepRec<KIND_TNODE> keep;
-        if (!readIncludedType()) return;
-        const IncludedComps sum = includedBy();
+        const IncludedList sum = includedList();
         counts.optional |= sum.optional;
         counts.mandatory |= sum.mandatory;
         return;
@@ -141,7 +106,7 @@ struct EntryList {
     int32_t nextAutomatic = 0;
     bool tooLong = false;
     bool ok = true;
-    NodeList including{NODES_TYPE}; // the structures that are being expanded
+    OpenLists open; // the structure's own list and those that are being expanded in it
     std::vector<CompEntry> entries;
 };
 
@@ -260,24 +225,23 @@ void addEntry(EntryList& list, TNodeRef bringer) {
 }
 
 /// Appends the components from `first` on; `bringer` is the COMPONENTS OF entry that brings them
-/// in. A type that is being expanded or checked brings nothing.
-void addEntries(EntryList& list, ModuleRec* module, uint32_t first, TNodeRef bringer) {
+/// in. An inclusion that leads back into what is being built brings nothing.
+void addEntries(EntryList& list, TNodeRef first, TNodeRef bringer) {
     needStack();
-    forEachComponent(module, first, [&] {
+    if (!list.open.insert({first.module, first.nr.nr}).second) return;
+    forEachComponent(first.module, first.nr.nr, [&] {
         if (tNode.typeCode == TYP_EXTENSION_MARKER) return !bringer;
         if (isCompOf()) {
             const TNodeRef entry = bringer ? bringer : currentRec<KIND_TNODE>();
-            if (!readIncludedType() || includedBy().entries == 0) return true;
-            const TNodeRef type = currentRec<KIND_TNODE>();
-            if (!pushNodeUnique(list.including)) return true;
-            addEntries(list, type.module, tNode.ref, entry);
-            delFstNode(list.including);
+            const IncludedList sum = includedList(list.open);
+            if (sum.places != 0) addEntries(list, sum.base, entry);
             return !list.tooLong;
         }
         list.tooLong = list.entries.size() == maxEntries;
         if (!list.tooLong) addEntry(list, bringer);
         return !list.tooLong;
     });
+    list.open.erase({first.module, first.nr.nr});
 }
 
 /// The flat list of the current structure.
@@ -288,9 +252,8 @@ EntryList dynaListForComps(ModuleRec* errors) {
     list.kind = tNode.typeCode;
     list.line = tNode.line;
     list.automatic = isAutomatic();
-    addFstNode(list.including);
     const KeepRec<KIND_TNODE> keep;
-    addEntries(list, list.structure.module, tNode.ref, {});
+    addEntries(list, {list.structure.module, TNodeNr{tNode.ref}}, {});
     return list;
 }
 

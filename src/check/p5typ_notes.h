@@ -27,13 +27,6 @@ inline uint64_t keyOf(const TNodeRef& type) {
     return uint64_t{type.module->handle} << 32 | type.nr.nr;
 }
 
-/// What the components of a structure that COMPONENTS OF names come to.
-struct IncludedComps {
-    bool optional = false;
-    bool mandatory = false;
-    size_t entries = 0; // at most one more than a component list may have
-};
-
 /// The tags by which values of an untagged CHOICE may begin: those of its alternatives, in order,
 /// the alternatives of untagged CHOICEs among them in place. No tag stands twice.
 struct AlternativeTags {
@@ -54,7 +47,7 @@ struct TypeNotes {
     std::vector<uint32_t> enclosing; // TNode -> the structure or group that it stands in; 0 = none
     std::unordered_map<uint32_t, uint32_t> outermost; // structure -> the outermost around it
     std::unordered_map<uint32_t, SeenTag> seenTags;
-    std::unordered_map<uint32_t, IncludedComps> included;
+    std::unordered_map<uint32_t, bool> leadsToSet; // references on long ways
     std::unordered_map<uint32_t, AlternativeTags> alternativeTags;
     std::unordered_map<uint32_t, CycleNote> cycles;
     std::unordered_map<uint32_t, bool> leadsToEnd;   // some way on from the type ends recursion

@@ -72,6 +72,131 @@ uint32_t addPlaces(uint32_t a, uint32_t b) {
                                                         : a + b;
 }
 
+/// The list of the structure that the current COMPONENTS OF entry includes; none when it includes
+/// nothing. The entry is read away.
+TNodeRef readIncludedFirst() {
+    skipTypes(false);
+    if ((tNode.typeCode != TYP_SEQ && tNode.typeCode != TYP_SET) || tNode.ref == 0) return {};
+    return {recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}};
+}
+
+NodeRef nodeOf(TNodeRef list) {
+    return {list.module, list.nr.nr};
+}
+
+const IncludedList* notedInclusion(TNodeRef first) {
+    const auto& notes = findCacheOf(first.module).included;
+    const auto note = notes.find(first.nr.nr);
+    return note == notes.end() ? nullptr : &note->second;
+}
+
+// ---- what lists bring in
+
+/// Sums up a list and those that it includes, each once, with a stack of its own: levels of
+/// COMPONENTS OF may be as many as a module has types.
+class InclusionSum {
+  public:
+    explicit InclusionSum(const OpenLists& open) : open_(open) {}
+    IncludedList of(TNodeRef first) {
+        enter(first, false);
+        while (!levels_.empty()) {
+            Level& level = levels_.back();
+            if (!level.next || level.left-- == 0)
+                leave();
+            else
+                take(level);
+        }
+        return result_.sum;
+    }
+
+  private:
+    struct Result {
+        IncludedList sum;
+        uint32_t sources = 0; // components of its own, and lists with components that it includes
+        bool isFinal = true;  // whoever asks, and whenever
+        bool isOpen = true;
+    };
+    struct Level {
+        TNodeRef list;
+        TNodeNr next;
+        bool isGroup;  // an extension addition group, in place
+        uint32_t left; // entries it may still have: a broken chain must not be endless
+        Result result;
+    };
+
+    void enter(TNodeRef list, bool isGroup) {
+        levels_.push_back({list, list.nr, isGroup, list.module->nextRecNr[KIND_TNODE], {}});
+        if (!isGroup) known_[nodeOf(list)] = {};
+    }
+    void take(Level& level) {
+        const TNodeRef entry{level.list.module, level.next};
+        readRec(entry);
+        level.next = {tNode.next};
+        if (isMarker()) {
+            level.next = {};
+            level.result.sum.hasMarker = true;
+        } else if (isGroup()) {
+            enter({entry.module, TNodeNr{tNode.ref}}, true);
+        } else if (isCompOf()) {
+            if (tNode.checkState == CHECK_NEW) level.result.isFinal = false;
+            if (const TNodeRef first = readIncludedFirst()) include(first);
+        } else {
+            IncludedList& sum = level.result.sum;
+            sum.places = addPlaces(sum.places, 1);
+            sum.optional |= magnitude(tNode.compStatus) == TCS_OPTIONAL;
+            sum.mandatory |= tNode.compStatus == TCS_MANDATORY;
+            sum.base = {};
+            ++level.result.sources;
+        }
+    }
+    void include(TNodeRef first) {
+        if (const IncludedList* noted = notedInclusion(first)) return add({*noted, 1, true, false});
+        const auto known = known_.find(nodeOf(first));
+        if (known == known_.end() && !open_.contains(nodeOf(first))) return enter(first, false);
+        if (known == known_.end() || known->second.isOpen)
+            levels_.back().result.isFinal = false;
+        else
+            add(known->second);
+    }
+    /// What the level that is left, or a list known before, adds to the level that is the last now.
+    void add(const Result& part) {
+        Result& result = levels_.back().result;
+        result.isFinal = result.isFinal && part.isFinal;
+        if (part.sum.places == 0) return;
+        result.sum.places = addPlaces(result.sum.places, part.sum.places);
+        result.sum.optional |= part.sum.optional;
+        result.sum.mandatory |= part.sum.mandatory;
+        result.sum.base = result.sources == 0 ? part.sum.base : TNodeRef{};
+        result.sources += part.sources;
+    }
+    void leave() {
+        const Level level = std::move(levels_.back());
+        levels_.pop_back();
+        result_ = level.result;
+        if (!level.isGroup) {
+            if (result_.sources != 1 || !result_.sum.base) result_.sum.base = level.list;
+            result_.sources = 1;
+            result_.isOpen = false;
+            known_[nodeOf(level.list)] = result_;
+            if (result_.isFinal)
+                findCacheOf(level.list.module).included[level.list.nr.nr] = result_.sum;
+        }
+        if (!levels_.empty()) add(result_);
+    }
+
+    const OpenLists& open_;
+    std::vector<Level> levels_;
+    std::unordered_map<NodeRef, Result, NodeRefHash> known_; // lists that were entered
+    Result result_;
+};
+
+IncludedList sumUp(TNodeRef first, const OpenLists& open) {
+    if (const IncludedList* noted = notedInclusion(first)) return *noted;
+    return InclusionSum(open).of(first);
+}
+
+// ---- lists with what they include in place
+
 /// A list on the way from the outermost to the one being walked.
 struct OpenList {
     ModuleRec* module;
@@ -83,31 +208,33 @@ struct OpenList {
     uint32_t before;
 };
 
-using ListKey = std::pair<ModuleRec*, uint32_t>; // module and first component
 constexpr uint32_t stillOpen = std::numeric_limits<uint32_t>::max();
 
 struct Flattening {
     FlatIndex index;
     std::vector<OpenList> open;
-    std::map<ListKey, uint32_t> places; // of the lists that were closed
-    bool settled = true;                // nothing on the way can still change
+    std::unordered_map<NodeRef, uint32_t, NodeRefHash> places; // of the lists that were closed
+    bool settled = true; // nothing on the way can still change
 };
 
 void openList(Flattening& flat, TNodeRef first, bool included, TNodeNr groupNode) {
     flat.open.push_back({first.module, first.nr, first.nr, included, groupNode,
                          first.module->nextRecNr[KIND_TNODE], flat.index.count});
-    if (!groupNode) flat.places[{first.module, first.nr.nr}] = stillOpen;
+    if (!groupNode) flat.places[nodeOf(first)] = stillOpen;
 }
 
-/// The current COMPONENTS OF entry: opens the list that it includes. A list that was included
-/// before brings no new names, its places count; one that is still open is a cycle, and brings
-/// nothing.
+/// The current COMPONENTS OF entry: opens the list that it includes, past those that only pass on
+/// what they include. A list that was included before brings no new names, its places count; one
+/// that is still open is a cycle, and brings nothing.
 void includeList(Flattening& flat) {
     if (tNode.checkState == CHECK_NEW) flat.settled = false;
-    skipTypes(false);
-    if ((tNode.typeCode != TYP_SEQ && tNode.typeCode != TYP_SET) || tNode.ref == 0) return;
-    const TNodeRef first{recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}};
-    const auto known = flat.places.find({first.module, first.nr.nr});
+    TNodeRef first = readIncludedFirst();
+    if (!first) return;
+    if (const IncludedList* noted = notedInclusion(first)) {
+        if (noted->places == 0) return;
+        first = noted->base;
+    }
+    const auto known = flat.places.find(nodeOf(first));
     if (known == flat.places.end()) return openList(flat, first, true, {});
     if (known->second == stillOpen) return;
     flat.index.entries.push_back({addPlaces(flat.index.count, 1), first, true});
@@ -132,9 +259,9 @@ void closeList(Flattening& flat) {
     flat.open.pop_back();
 }
 
-Flattening flatten(ModuleRec* module, TNodeNr first) {
+Flattening flatten(TNodeRef first, bool included) {
     Flattening flat;
-    openList(flat, {module, first}, false, {});
+    openList(flat, first, included, {});
     while (!flat.open.empty()) {
         OpenList& list = flat.open.back();
         if (!list.next || list.left-- == 0) {
@@ -156,14 +283,19 @@ Flattening flatten(ModuleRec* module, TNodeNr first) {
     return flat;
 }
 
-/// The index of a list: the kept one, or one made into `made`.
-FlatIndex& flatIndexOf(ModuleRec* module, TNodeNr first, Flattening& made) {
-    auto& lists = findCacheOf(module).flatLists;
-    const auto kept = lists.find(first.nr);
-    if (kept != lists.end()) return kept->second;
-    made = flatten(module, first);
+/// The index of a list: the kept one, or one made into `made`. A list that only passes on what it
+/// includes has that one's index.
+FlatIndex& flatIndexOf(TNodeRef first, bool included, Flattening& made) {
+    auto& lists = findCacheOf(first.module).flatLists;
+    const NoteKey key{first.nr.nr, included};
+    if (const auto kept = lists.find(key); kept != lists.end()) return kept->second;
+    const IncludedList sum = sumUp(first, {});
+    const bool isSettled = notedInclusion(first) != nullptr;
+    if (isSettled && sum.base != first && (included || !sum.hasMarker))
+        return flatIndexOf(sum.base, true, made);
+    made = flatten(first, included);
     if (!made.settled) return made.index;
-    return lists.emplace(first.nr, std::move(made.index)).first->second;
+    return lists.emplace(key, std::move(made.index)).first->second;
 }
 
 /// Place of a component record; 0 when the list does not have it.
@@ -193,16 +325,24 @@ FindCache& findCacheOf(ModuleRec* module) {
     return *module->findCache;
 }
 
+IncludedList includedList(const OpenLists& open) {
+    const KeepRec<KIND_TNODE> keep;
+    const TNodeRef first = readIncludedFirst();
+    return first ? sumUp(first, open) : IncludedList{};
+}
+
 void forgetTakenBack(ModuleRec* module) {
     if (!module->findCache) return;
     FindCache& cache = *module->findCache;
-    const auto forgetFrom = [](auto& notes, uint32_t nr) {
+    const auto forgetFrom = [](auto& notes, const auto& nr) {
         notes.erase(notes.lower_bound(nr), notes.end());
     };
-    forgetFrom(cache.typeJumps, module->nextRecNr[KIND_TNODE]);
+    forgetFrom(cache.typeJumps, NoteKey{module->nextRecNr[KIND_TNODE], false});
+    forgetFrom(cache.lastNames, module->nextRecNr[KIND_SNODE]);
     forgetFrom(cache.typeChains, module->nextRecNr[KIND_TNODE]);
-    forgetFrom(cache.flatLists, module->nextRecNr[KIND_TNODE]);
-    forgetFrom(cache.valueJumps, module->nextRecNr[KIND_VNODE]);
+    forgetFrom(cache.included, module->nextRecNr[KIND_TNODE]);
+    forgetFrom(cache.flatLists, NoteKey{module->nextRecNr[KIND_TNODE], false});
+    forgetFrom(cache.valueJumps, NoteKey{module->nextRecNr[KIND_VNODE], false});
     forgetFrom(cache.valueChains, module->nextRecNr[KIND_VNODE]);
     forgetFrom(cache.govChains, module->nextRecNr[KIND_VNODE]);
     // A chain may have lost its end only; its index is made again when it is needed.
@@ -244,7 +384,7 @@ bool findTypeCompById(ModuleRec* module, TNodeNr first, std::string_view name, u
     if (position != nullptr) *position = 0;
     if (!nr) return false;
     Flattening made;
-    const FlatIndex& index = flatIndexOf(module, first, made);
+    const FlatIndex& index = flatIndexOf({module, first}, false, made);
     const auto found = index.byName.find(name);
     if (found == index.byName.end()) return false;
     const FlatEntry& entry = index.entries[found->second];
@@ -254,9 +394,10 @@ bool findTypeCompById(ModuleRec* module, TNodeNr first, std::string_view name, u
 }
 
 bool findByInd(ModuleRec* module, TNodeNr first, uint32_t& position) {
-    while (first) {
+    TNodeRef list{module, first};
+    for (bool included = false; list; included = true) {
         Flattening made;
-        const FlatIndex& index = flatIndexOf(module, first, made);
+        const FlatIndex& index = flatIndexOf(list, included, made);
         const FlatEntry* entry = entryAt(index, position);
         if (entry == nullptr) {
             position -= std::min(position, index.count);
@@ -268,8 +409,7 @@ bool findByInd(ModuleRec* module, TNodeNr first, uint32_t& position) {
             return true;
         }
         position -= entry->place - 1;
-        module = entry->component.module;
-        first = entry->component.nr;
+        list = entry->component;
     }
     return false;
 }
@@ -280,7 +420,7 @@ bool findTypeCompByInd(ModuleRec* module, TNodeNr first, uint32_t position) {
 
 const std::vector<FlatEntry>& flatComponents(ModuleRec* module, TNodeNr first) {
     Flattening made;
-    FlatIndex& index = flatIndexOf(module, first, made);
+    FlatIndex& index = flatIndexOf({module, first}, false, made);
     if (&index != &made.index) return index.entries;
     FlatIndex& kept = findCacheOf(module).unsettledList;
     kept = std::move(made.index);
@@ -298,7 +438,7 @@ bool findTypeCompByNr(ModuleRec* module, TNodeNr first, TNodeRef component, uint
     }
     if (!nr) return false;
     Flattening made;
-    FlatIndex& index = flatIndexOf(module, first, made);
+    FlatIndex& index = flatIndexOf({module, first}, false, made);
     const uint32_t place = placeOf(index, component);
     position = place != 0 ? place : index.count;
     if (place != 0) readRec(component);

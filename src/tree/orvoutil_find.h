@@ -6,11 +6,13 @@
 
 #include <cstdint>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
 #include "tree/orvorec.h"
+#include "tree/orvoutil.h"
 
 namespace orvo {
 
@@ -55,6 +57,21 @@ struct FlatEntry {
 /// The flattened list. It stays what it is until the next call, and as long as the module when all
 /// of the list is solved.
 const std::vector<FlatEntry>& flatComponents(ModuleRec* module, TNodeNr first);
+
+/// What COMPONENTS OF brings in of a list: its components up to the first extension marker, what
+/// the list includes itself in place.
+struct IncludedList {
+    uint32_t places = 0;   // components, saturating
+    bool optional = false; // one of them may be absent
+    bool mandatory = false;
+    bool hasMarker = false; // the list has an extension marker
+    TNodeRef base;          // the list itself; the base of the list that all comes from when there
+                            // is only one that brings something in, and no component beside it
+};
+using OpenLists = std::unordered_set<NodeRef, NodeRefHash>; // first components
+/// Sums up what the current COMPONENTS OF entry brings in. An inclusion that leads back into one of
+/// the lists that are being built, `open`, ends there and adds nothing. Preserving.
+IncludedList includedList(const OpenLists& open = {});
 
 /// For the current value, a setting of an object whose settings begin at `firstSetting`: reads the
 /// type that governs it, references followed. False when there is none. The value is preserved.

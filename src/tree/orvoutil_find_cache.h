@@ -7,11 +7,11 @@
 #include <map>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
-#include "tree/orvoutil.h"
 #include "tree/orvoutil_find.h"
 
 namespace orvo {
@@ -44,14 +44,19 @@ struct GovIndex {
     uint32_t last = 0;
 };
 
+/// Record number, and what the note depends on besides.
+using NoteKey = std::pair<uint32_t, bool>;
+
 /// The maps are ordered by record number: what is taken back is a suffix.
 struct FindCache {
-    std::map<uint32_t, Jump<KIND_TNODE>> typeJumps;
-    std::map<uint32_t, Jump<KIND_VNODE>> valueJumps;
+    std::map<NoteKey, Jump<KIND_TNODE>> typeJumps;  // fields of classes followed too
+    std::map<NoteKey, Jump<KIND_VNODE>> valueJumps; // fields of objects followed too
+    std::map<uint32_t, uint32_t> lastNames; // first entry of a long chain of field names -> last
     std::map<uint32_t, ChainIndex> typeChains;
     std::map<uint32_t, ChainIndex> valueChains;
-    std::map<uint32_t, FlatIndex> flatLists;
-    FlatIndex unsettledList; // the one made last of records that may still change
+    std::map<uint32_t, IncludedList> included;
+    std::map<NoteKey, FlatIndex> flatLists; // the list as COMPONENTS OF includes it
+    FlatIndex unsettledList;                // the one made last of records that may still change
     std::map<uint32_t, GovIndex> govChains;
 };
 

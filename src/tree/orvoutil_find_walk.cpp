@@ -2,7 +2,9 @@
 // hold their solution: a module reference and a record number, negated for a value. Chains of
 // references may be as long as a module has assignments, so a walk of more than jumpStride links
 // notes every jumpStride-th record on its way with the end it leads to, and later walks go there at
-// once. Only walks over solved records, which do not change any more, are noted.
+// once. Only walks over solved records, which do not change any more, are noted. Fields are links
+// like any other: a walk that follows them has notes of its own. Where a long chain of names ends
+// is noted too.
 
 #include "tree/orvoutil_find.h"
 #include "tree/orvoutil_find_cache.h"
@@ -12,16 +14,21 @@ namespace orvo {
 namespace {
 
 constexpr uint32_t jumpStride = 32;
-/// Class field types that lead to class field types; more is a cycle that is not yet broken.
-constexpr int maxFieldSteps = 10000;
 
 /// Reads the last entry of a field name chain; false when there is none.
 bool readLastEntry(ModuleRec* module, SNodeNr first) {
+    SNodeNr nr = first;
     uint32_t left = module->nextRecNr[KIND_SNODE];
-    for (SNodeNr nr = first; nr && left != 0; --left) {
+    for (uint32_t names = 1; nr && left != 0; --left, ++names) {
         readRec(module, nr);
-        if (sNode.next <= 0) return true;
+        if (sNode.next <= 0) {
+            if (names > jumpStride) findCacheOf(module).lastNames[first.nr] = nr.nr;
+            return true;
+        }
         nr = {static_cast<uint32_t>(sNode.next)};
+        if (names != jumpStride) continue;
+        const auto& notes = findCacheOf(module).lastNames;
+        if (const auto note = notes.find(first.nr); note != notes.end()) nr = {note->second};
     }
     return false;
 }
@@ -47,7 +54,7 @@ template <> bool isReference<KIND_TNODE>() {
            tNode.typeCode == TYP_FIELDLIST;
 }
 template <> bool isReference<KIND_VNODE>() {
-    return vNode.valCode == TYP_SYNONYM;
+    return vNode.valCode == TYP_SYNONYM || vNode.valCode == TYP_FIELDLIST;
 }
 
 template <RecKind K> bool isSolved();
@@ -66,8 +73,9 @@ template <> bool isCaught<KIND_VNODE>() {
     return false;
 }
 
-template <RecKind K> bool step();
-template <> bool step<KIND_TNODE>() {
+/// `fields`: class fields of types, or object fields of values, are followed too.
+template <RecKind K> bool step(bool fields);
+template <> bool step<KIND_TNODE>(bool fields) {
     ModuleRec* module = recState.currTPtr[KIND_TNODE];
     if (tNode.typeCode == TYP_SYNONYM) {
         ModuleRec* target = refModule(module, tNode.refMod);
@@ -80,13 +88,23 @@ template <> bool step<KIND_TNODE>() {
         readRec(module, SNodeNr{static_cast<uint32_t>(tNode.syntax)});
         return sNode.value > 0 && readSolvedType(module);
     }
-    return tNode.typeCode == TYP_FIELDLIST && tNode.refMod == REF_OBJECT && skipFieldList();
+    if (tNode.typeCode != TYP_FIELDLIST) return false;
+    return (fields || tNode.refMod == REF_OBJECT) && skipFieldList();
 }
-template <> bool step<KIND_VNODE>() {
-    if (vNode.valCode != TYP_SYNONYM) return false;
-    ModuleRec* target = refModule(recState.currTPtr[KIND_VNODE], vNode.refMod);
-    if (target == nullptr || vNode.ref == 0) return false;
-    readRec(target, VNodeNr{vNode.ref});
+template <> bool step<KIND_VNODE>(bool fields) {
+    ModuleRec* module = recState.currTPtr[KIND_VNODE];
+    if (vNode.valCode == TYP_SYNONYM) {
+        ModuleRec* target = refModule(module, vNode.refMod);
+        if (target == nullptr || vNode.ref == 0) return false;
+        readRec(target, VNodeNr{vNode.ref});
+        return true;
+    }
+    if (!fields || vNode.valCode != TYP_FIELDLIST || vNode.deferred <= 0) return false;
+    const KeepRec<KIND_SNODE> keepEntry;
+    if (!readLastEntry(module, SNodeNr{static_cast<uint32_t>(vNode.deferred)})) return false;
+    ModuleRec* target = refModule(module, static_cast<int32_t>(sNode.module));
+    if (target == nullptr || sNode.value >= 0) return false;
+    readRec(target, VNodeNr{magnitude(sNode.value)});
     return true;
 }
 
@@ -98,15 +116,15 @@ template <RecKind K> struct Trail {
     void catchInstance(RecRef<K> caught) {
         if (caught) instance.resize(at.size(), caught);
     }
-    void note(RecRef<K> end) {
+    void note(RecRef<K> end, bool fields) {
         instance.resize(at.size());
         for (size_t i = 0; i < at.size(); ++i)
-            jumpsOf<K>(at[i].module)[at[i].nr.nr] = {end, instance[i]};
+            jumpsOf<K>(at[i].module)[{at[i].nr.nr, fields}] = {end, instance[i]};
     }
 };
 
 /// Walks to the end of the chain of references and returns the first instantiating one.
-template <RecKind K> RecRef<K> walk() {
+template <RecKind K> RecRef<K> walk(bool fields) {
     RecRef<K> first; // instantiating reference
     Trail<K> trail;
     RecRef<K> mark = currentRec<K>(); // passed again: a cycle
@@ -119,7 +137,7 @@ template <RecKind K> RecRef<K> walk() {
         const RecRef<K> here = currentRec<K>();
         if (steps >= jumpStride) {
             auto& jumps = jumpsOf<K>(here.module);
-            if (const auto jump = jumps.find(here.nr.nr); jump != jumps.end()) {
+            if (const auto jump = jumps.find({here.nr.nr, fields}); jump != jumps.end()) {
                 meet(jump->second.instance);
                 readRec(jump->second.end);
                 break;
@@ -128,14 +146,14 @@ template <RecKind K> RecRef<K> walk() {
         }
         if (isCaught<K>()) meet(here);
         if (isReference<K>() && !isSolved<K>()) trail = {};
-        if (!step<K>()) break;
+        if (!step<K>(fields)) break;
         if (currentRec<K>() == mark) return first;
         if (++steps == lap) {
             mark = currentRec<K>();
             lap *= 2;
         }
     }
-    trail.note(currentRec<K>());
+    trail.note(currentRec<K>(), fields);
     return first;
 }
 
@@ -165,33 +183,20 @@ bool skipFieldList() {
 }
 
 bool followTypeRef(bool classFieldTypes) {
-    if (step<KIND_TNODE>()) return true;
-    return classFieldTypes && tNode.typeCode == TYP_FIELDLIST && skipFieldList();
+    return step<KIND_TNODE>(classFieldTypes);
 }
 
 void skipTypesCatchInst(bool classFieldTypes, NodeContext* instance) {
-    for (int fields = 0; fields < maxFieldSteps; ++fields) {
-        const TNodeRef caught = walk<KIND_TNODE>();
-        if (instance != nullptr && instance->nr == 0 && caught)
-            *instance = {caught.module, caught.nr.nr};
-        if (!classFieldTypes || tNode.typeCode != TYP_FIELDLIST || !skipFieldList()) return;
-    }
+    const TNodeRef caught = walk<KIND_TNODE>(classFieldTypes);
+    if (instance != nullptr && instance->nr == 0 && caught)
+        *instance = {caught.module, caught.nr.nr};
 }
 void skipTypes(bool classFieldTypes) {
-    skipTypesCatchInst(classFieldTypes, nullptr);
+    walk<KIND_TNODE>(classFieldTypes);
 }
 
 void skipValues(bool fields) {
-    for (int steps = 0; steps < maxFieldSteps; ++steps) {
-        walk<KIND_VNODE>();
-        if (!fields || vNode.valCode != TYP_FIELDLIST || vNode.deferred <= 0) return;
-        ModuleRec* module = recState.currTPtr[KIND_VNODE];
-        const KeepRec<KIND_SNODE> keepEntry;
-        if (!readLastEntry(module, SNodeNr{static_cast<uint32_t>(vNode.deferred)})) return;
-        ModuleRec* target = refModule(module, static_cast<int32_t>(sNode.module));
-        if (target == nullptr || sNode.value >= 0) return;
-        readRec(target, VNodeNr{magnitude(sNode.value)});
-    }
+    walk<KIND_VNODE>(fields);
 }
 
 } // namespace orvo

@@ -1,6 +1,8 @@
 // Solving of references: chains, cycles, selection types, COMPONENTS OF, fields of classes and
 // objects, defaults, and all of it across modules and instances.
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "support/cases.h"
@@ -165,28 +167,139 @@ std::string chain(int count, const std::string& link, const std::string& end) {
     return body + end;
 }
 
+/// The lines of a text in the opposite order.
+std::string backward(const std::string& text) {
+    std::string turned;
+    for (size_t end = text.size(); end != std::string::npos;) {
+        const size_t begin = end == 0 ? std::string::npos : text.rfind('\n', end - 1);
+        const size_t first = begin == std::string::npos ? 0 : begin + 1;
+        turned += text.substr(first, end - first) + "\n";
+        end = begin;
+    }
+    return turned;
+}
+
+const std::string withFields = "C ::= CLASS { &id INTEGER, &T }\n";
+
+/// T, reached through the field of a class again and again.
+std::string namedField(int times) {
+    std::string text = "N ::= CLASS { &n N OPTIONAL, &f INTEGER (0..9) }\nT ::= N";
+    for (int i = 0; i < times; ++i) text += ".&n";
+    return text + ".&f\n";
+}
+
 TEST(References, ChainsMayBeLong) {
-    constexpr int length = 20000;
-    const std::string last = std::to_string(length);
+    constexpr int length = 20000, longest = 100000;
+    const auto last = [](int count) { return std::to_string(count); };
     const std::string bodies[] = {
-        chain(length, "T# ::= T$", "T" + last + " ::= INTEGER"),
-        chain(length, "v# INTEGER ::= v$", "v" + last + " INTEGER ::= 1"),
+        chain(length, "T# ::= T$", "T" + last(length) + " ::= INTEGER"),
+        chain(length, "v# INTEGER ::= v$", "v" + last(length) + " INTEGER ::= 1"),
         chain(length, "v# T ::= { a v$ }",
-              "v" + last + " T ::= { }\nT ::= SEQUENCE { a T OPTIONAL }"),
-        chain(length, "T# ::= SEQUENCE { a# NULL, COMPONENTS OF T$ }",
-              "T" + last + " ::= SEQUENCE { z NULL }"),
-        chain(length, "T# ::= a < C# C# ::= CHOICE { a T$ }", "T" + last + " ::= INTEGER"),
+              "v" + last(length) + " T ::= { }\nT ::= SEQUENCE { a T OPTIONAL }"),
+        // Each level has the components of all levels behind it.
+        chain(2000, "T# ::= SEQUENCE { a# NULL, COMPONENTS OF T$ }",
+              "T2000 ::= SEQUENCE { z NULL }"),
+        chain(length, "T# ::= a < C# C# ::= CHOICE { a T$ }", "T" + last(length) + " ::= INTEGER"),
+        chain(length, "L# ::= CLASS { &obj L$, &A }", "L" + last(length) + " ::= CLASS { &A }"),
+        withFields + chain(longest, "o# C ::= { &id o$.&id, &T o$.&T }",
+                           "o" + last(longest) +
+                               " C ::= { &id 5, &T BOOLEAN }\n"
+                               "v INTEGER (5) ::= o0.&id\nw o0.&T ::= TRUE"),
+        chain(longest, "C# ::= CLASS { &f C$.&f, &A }",
+              "C" + last(longest) + " ::= CLASS { &f INTEGER }\nv C0.&f ::= 5"),
+        chain(longest, "S# ::= SEQUENCE { COMPONENTS OF S$ }",
+              "S" + last(longest) +
+                  " ::= SEQUENCE { a NULL, b INTEGER }\n"
+                  "v S0 ::= { a NULL, b 5 }"),
+        namedField(length) + chain(length, "U# ::= T v# U# ::= 5", ""),
+        withFields + backward(chain(length, "o# C ::= { &id o$.&id, &T o$.&T }",
+                                    "o" + last(length) + " C ::= { &id 5, &T BOOLEAN }")),
+        backward(chain(length, "C# ::= CLASS { &f C$.&f, &A }",
+                       "C" + last(length) + " ::= CLASS { &f INTEGER }")),
+        backward(chain(length, "S# ::= SEQUENCE { COMPONENTS OF S$ }\nv# S# ::= { a NULL }",
+                       "S" + last(length) + " ::= SEQUENCE { a NULL }")),
     };
     for (const std::string& body : bodies) {
-        SCOPED_TRACE(body.substr(0, body.find('\n')));
+        SCOPED_TRACE(body.substr(0, body.find('\n', body.find("::= CLASS { &id") + 1)));
         const RunResult run = compile({moduleM(body)});
+        EXPECT_EQ(run.status, 0); // in time
         EXPECT_EQ(run.err, "");
         EXPECT_EQ(run.diagnostics("m"), "");
     }
     // As long a cycle: each of its values is reported, 500 of them with text.
-    const RunResult run =
-        compile({moduleM(chain(length, "v# INTEGER ::= v$", "v" + last + " INTEGER ::= v0"))});
+    const RunResult run = compile(
+        {moduleM(chain(length, "v# INTEGER ::= v$", "v" + last(length) + " INTEGER ::= v0"))});
     EXPECT_NE(run.out.find("Semantic errors   : 20001\n"), std::string::npos);
+}
+
+// A walk that has passed many links is noted on its way; from there others come to the same end,
+// and to the field that a walk is to stop at.
+TEST(References, LeadToTheSameEndFromEverywhere) {
+    const std::string body =
+        withFields +
+        chain(100, "o# C ::= { &id o$.&id, &T o$.&T }",
+              "o100 C ::= { &id 5, &T INTEGER (0..9) }\n") +
+        chain(100, "v# INTEGER (5) ::= o#.&id w# o#.&T ::= 7", "") +
+        chain(100, "K# ::= CLASS { &f K$.&f, &A }", "K100 ::= CLASS { &f INTEGER (0..9) }\n") +
+        chain(100, "U# ::= K#.&f x# U# ::= 8", "") + chain(100, "R# ::= R$", "R100 ::= K0.&f\n") +
+        chain(100, "Y# ::= SEQUENCE { r R# ({S}) } y# Y# ::= { r 6 }", "") +
+        "k K0 ::= { &f 6, &A NULL }\nS K0 ::= { k }\n" + namedField(100) +
+        chain(100, "D# ::= D$", "D100 ::= T\n") + chain(100, "Z# ::= D# z# Z# ::= 8", "");
+    EXPECT_EQ(diagnosticsOf(body), "");
+    const std::string range = "Value out of range constraint(s)",
+                      table = "Value out of table constraint(s)";
+    const struct {
+        const char* line; // the first behind the body
+        std::vector<std::string> found;
+    } wrong[] = {{"a INTEGER (0..4) ::= o37.&id", {range}},
+                 {"a o41.&T ::= 10", {range}},
+                 {"a U3 ::= 10", {range}},
+                 {"a Y50 ::= { r 7 }", {table, "Invalid SEQUENCE value"}},
+                 {"a Z61 ::= 10", {range}}};
+    const int line = static_cast<int>(std::ranges::count(body, '\n')) + 2;
+    for (const auto& row : wrong) {
+        SCOPED_TRACE(row.line);
+        std::vector<Finding> findings;
+        for (const std::string& text : row.found) findings.push_back({line, text});
+        EXPECT_EQ(diagnosticsOf(body + row.line), listed(findings));
+    }
+}
+
+// Levels that add nothing are passed over, in whichever module they stand; those that add
+// something, or hide it behind a marker, are not.
+TEST(References, ComponentsAreFoundThroughLevelsThatAddNone) {
+    const std::string first = "First DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                              "IMPORTS B1, B3 FROM Secnd;\n"
+                              "A0 ::= SEQUENCE { a NULL, b INTEGER, ..., c NULL }\n"
+                              "A2 ::= SEQUENCE { COMPONENTS OF B1, ..., d NULL }\n"
+                              "A4 ::= SEQUENCE { COMPONENTS OF E, COMPONENTS OF B3 }\n"
+                              "E ::= SEQUENCE { ..., e NULL }\n"
+                              "T ::= SEQUENCE { COMPONENTS OF A4, COMPONENTS OF E, f NULL }\n"
+                              "v T ::= { a NULL, b 5, f NULL }\n"
+                              "w A4 ::= { a NULL }\n";
+    const SourceFile second = {"secnd.asn", "Secnd DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                                            "IMPORTS A0, A2, A4 FROM First;\n"
+                                            "B1 ::= SEQUENCE { COMPONENTS OF A0 }\n"
+                                            "B3 ::= SEQUENCE { COMPONENTS OF A2 }\n"
+                                            "v A2 ::= { a NULL, b 5, d NULL }\n"
+                                            "w A4 ::= { b 5, a NULL }\n"
+                                            "END\n"};
+    const auto compileInOrder = [&](bool inOrder, const std::string& last) {
+        const SourceFile whole{"first.asn", first + last + "END\n"};
+        return inOrder ? compile({whole, second}) : compile({second, whole});
+    };
+    for (const bool inOrder : {true, false}) {
+        SCOPED_TRACE(inOrder);
+        const RunResult run = compileInOrder(inOrder, "");
+        EXPECT_EQ(run.diagnostics("first"),
+                  listed({{9, "Mandatory component value missing: component 'b'"},
+                          {9, "Invalid SEQUENCE value"}}));
+        EXPECT_EQ(run.diagnostics("secnd"),
+                  listed({{6, "Component values out of order"}, {6, "Invalid SEQUENCE value"}}));
+        const RunResult hidden = compileInOrder(inOrder, "x A4 ::= { a NULL, b 5, d NULL }\n");
+        EXPECT_EQ(hidden.diagnostics("first"),
+                  listed({{10, "Invalid component identifier: d"}, {10, "SEQUENCE value syntax"}}));
+    }
 }
 
 } // namespace

@@ -39,6 +39,15 @@ TEST(ComponentLists, HaveOneMarkerAndDistinctIdentifiers) {
         {"T ::= SEQUENCE { COMPONENTS OF U, b NULL, c SEQUENCE { a NULL, b NULL } }\n"
          "U ::= SEQUENCE { a NULL, ..., b NULL }",
          {}},
+        {"T ::= SEQUENCE { a NULL, b SEQUENCE { COMPONENTS OF T, c NULL OPTIONAL } OPTIONAL }", {}},
+        {"T ::= SEQUENCE { a NULL, b SEQUENCE { COMPONENTS OF T,\n a BOOLEAN } OPTIONAL,\n"
+         " d SET OF SEQUENCE { b BOOLEAN,\n COMPONENTS OF T }, ..., e BOOLEAN }",
+         {{3, twice("a")}, {5, twice("b")}}},
+        {"T ::= SEQUENCE { COMPONENTS OF U, x NULL }\n"
+         "U ::= SEQUENCE { y SEQUENCE { x BOOLEAN,\n COMPONENTS OF V, z REAL } OPTIONAL }\nV ::= T",
+         {{4, twice("x")}}},
+        {"T ::= SET { a [0] NULL,\n b [1] SET { c [0] NULL, COMPONENTS OF T } OPTIONAL }",
+         {{3, "Non-distinct tag: [0]"}}},
         {"C ::= CLASS { &a NULL, &A,\n &a BOOLEAN }", {{3, twice("a")}}},
         {"T ::= SEQUENCE { aaaaaaaabb NULL, aaaaaaaacc NULL }",
          {{2, twice("aaaaaaaacc")}},
@@ -208,7 +217,8 @@ K ::= CLASS { &id INTEGER UNIQUE, &Type OPTIONAL }
 L ::= SEQUENCE { ... }
 M ::= SEQUENCE { a Same }
 Same ::= Set
-Set INTEGER ::= { 1 | 2 })");
+Set INTEGER ::= { 1 | 2 }
+N ::= SEQUENCE { a NULL, b SEQUENCE { COMPONENTS OF N, c NULL OPTIONAL } OPTIONAL, ..., d NULL })");
     ASSERT_EQ(run.diagnostics("m"), "");
     const TreeFacts tree(run, "m");
     constexpr struct {
@@ -228,7 +238,9 @@ Set INTEGER ::= { 1 | 2 })");
                 {"J", 2, "OPTIONALS INDETERMINATE_TAG MANDATORY"},
                 {"K", 2, "OPTIONALS MANDATORY"},
                 {"K.id", 0, "UNIQUE"},
-                {"L", 1, "OPTIONALS EXTENSIBLE"}};
+                {"L", 1, "OPTIONALS EXTENSIBLE"},
+                {"N", 4, "OPTIONALS RECURSIVE MANDATORY EXTENSIBLE"},
+                {"N.b", 3, "OPTIONALS RECURSIVE MANDATORY"}}; // a, b and c
     for (const auto& row : rows) {
         SCOPED_TRACE(row.path);
         EXPECT_EQ(tree.node(row.path).fieldSize, row.fieldSize);
