@@ -141,7 +141,7 @@ bool checkParts(ModuleRec* module) {
     const TNodeRef self = currentRec<KIND_TNODE>();
     bool ok = true;
     std::vector<VNodeNr> numberless;
-    if (tNode.namedVals != 0) numberless = numberItems();
+    if (tNode.typeCode == TYP_ENUM) numberless = numberItems();
     if (tNode.constraint > 0) ok &= checkSubRec(module);
     readRec(self);
     if (tNode.namedVals != 0) checkNamedList(module, numberless);
