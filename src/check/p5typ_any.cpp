@@ -87,8 +87,9 @@ bool findClassifyingComp(std::string_view name, bool& before) {
     return true;
 }
 
-/// DEFINED BY in a component of the structure that encloses it.
+/// DEFINED BY in a component of the structure that encloses it; the governor of a value has none.
 bool checkDefinedBy(ModuleRec* module) {
+    if (!isEnclosed()) return false;
     const KeepRec<KIND_TNODE> keep;
     const TNodeRef any = currentRec<KIND_TNODE>();
     const uint32_t line = tNode.line;
@@ -103,15 +104,12 @@ bool checkDefinedBy(ModuleRec* module) {
     return checkClassifyingComp(module, line) && before;
 }
 
-/// The current record stands in the SEQUENCE or SET that encloses it; a class field, or the
-/// governor of a value, does not.
+/// The current record stands in a SEQUENCE or SET; a class field, or the governor of a value, does
+/// not.
 bool isInStructure() {
     const KeepRec<KIND_TNODE> keep;
-    const TNodeRef self = currentRec<KIND_TNODE>();
-    if (!isComponent() || !innerEnclStru()) return false;
-    uint32_t position = 0;
-    return (tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_SET) &&
-           findTypeCompByNr(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}, self, position);
+    return isComponent() && innerEnclStru() &&
+           (tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_SET);
 }
 
 } // namespace
