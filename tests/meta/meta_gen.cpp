@@ -130,6 +130,8 @@ struct Gen {
     std::vector<Class> classes;
     int names = 0, tags = 0, groups = 0, ids = 0;
     std::map<int, const Object*> rows = {}; // the object chosen for a group
+    int nesting = 0;                        // of values
+    bool hopeless = false; // a value without end, or one that only the type's own name can give
 };
 
 bool isAutomatic(const Gen& gen) {
@@ -341,6 +343,18 @@ std::string textOf(Gen& gen, const Type* type) {
 
 std::string valueOf(Gen& gen, const Type* type, int depth, Domain domain = {});
 
+/// Counts values in values: a list that may not be empty, of itself, has no end.
+class Nested {
+  public:
+    explicit Nested(Gen& gen) : gen_(gen) { gen_.hopeless |= ++gen_.nesting > 500; }
+    Nested(const Nested&) = delete;
+    Nested& operator=(const Nested&) = delete;
+    ~Nested() { --gen_.nesting; }
+
+  private:
+    Gen& gen_;
+};
+
 void narrow(Domain& domain, const Type* type) {
     domain.lo = std::max(domain.lo, type->lo);
     domain.hi = std::min(domain.hi, type->hi);
@@ -493,10 +507,16 @@ std::string rowValue(Gen& gen, const Type* type, int depth) {
     const Type* open = typeOf(gen, type->cls, row);
     if (!row.name.empty()) // the text of the type may still lack DEFAULT values
         return openValue(gen, open, row.name + "." + fieldName(gen, type->cls, "Type"), depth);
-    return openValue(gen, open, textOf(gen, open), depth);
+    // Items of an enumeration that is written again are others.
+    const std::string written = textOf(gen, open);
+    gen.hopeless |= written.find("ENUMERATED") != std::string::npos;
+    return openValue(gen, open, written, depth);
 }
 
 std::string valueOf(Gen& gen, const Type* type, int depth, Domain domain) {
+    const Nested nested(gen);
+    gen.hopeless |= type == nullptr; // of an object that has no type
+    if (gen.hopeless) return "NULL";
     narrow(domain, type);
     if (const Type* next = step(gen, type)) {
         if (!type->inner.empty()) {
@@ -1294,6 +1314,7 @@ Project generate(uint64_t seed) {
         project.definitions.push_back({name, name + " " + defAt(gen, at).name +
                                                  " ::= " + valueOf(gen, defAt(gen, at).type, 0)});
     }
+    if (gen.hopeless) project.definitions.clear();
     return project;
 }
 

@@ -1,5 +1,7 @@
-// orvo_meta FIRST-SEED COUNT [--keep DIR] [--reduce]
+// orvo_meta FIRST-SEED COUNT [--keep DIR] [--reduce] [--mask FIELD]
 // Compiles random legal modules in several arrangements; all must come to the same.
+// orvo_meta --try
+// Tries the comparison of trees.
 
 #include <cstdio>
 #include <cstdlib>
@@ -9,6 +11,7 @@
 #include <string>
 
 #include "meta_run.h"
+#include "meta_try.h"
 
 // A report of a sanitizer must not look like the status of a module with errors.
 extern "C" const char* __asan_default_options() {
@@ -196,6 +199,7 @@ void keep(const std::string& folder, const Project& project,
 } // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::string(argv[1]) == "--try") return tryComparison() ? 0 : 1;
     if (argc < 3) {
         std::fprintf(stderr, "usage: orvo_meta FIRST-SEED COUNT [--keep DIR] [--reduce]\n");
         return 2;
@@ -213,6 +217,7 @@ int main(int argc, char** argv) {
     uint64_t failed = 0;
     for (uint64_t seed = firstSeed; seed < firstSeed + count; ++seed) {
         const Project project = generate(seed);
+        if (project.definitions.empty()) continue;
         Random random{seed * 7919};
         const std::vector<Arrangement> arrangements = arrangementsOf(project, random);
         const Verdict verdict = judge(project, arrangements);

@@ -37,6 +37,7 @@ struct Random {
     bool chance(int percent) { return below(100) < percent; }
 };
 
+/// The legal project of a seed; without definitions when it came to nothing.
 Project generate(uint64_t seed);
 
 /// Identifiers of a text that are no field names and not in strings.

@@ -109,18 +109,15 @@ void readListing(const std::string& path, const std::vector<std::pair<std::strin
     }
 }
 
-struct Folder {
-    std::string path = "/tmp/orvometaXXXXXX";
-    Folder() {
-        if (mkdtemp(path.data()) == nullptr) std::exit(2);
-    }
-    ~Folder() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
-};
-
 } // namespace
+
+TreeFolder::TreeFolder() {
+    if (mkdtemp(path.data()) == nullptr) std::exit(2);
+}
+TreeFolder::~TreeFolder() {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+}
 
 std::vector<std::string> wordsOf(const std::string& text) {
     std::vector<std::string> words;
@@ -175,9 +172,11 @@ std::vector<std::pair<std::string, std::string>> modulesOf(const Project& projec
     return files;
 }
 
-Outcome compile(const Project& project, const Arrangement& arrangement) {
-    Outcome outcome;
-    const Folder folder;
+namespace {
+
+/// Compiles the modules of an arrangement in the folder; status of the process, 100 and more when
+/// it did not end by itself.
+int compileIn(const TreeFolder& folder, const Project& project, const Arrangement& arrangement) {
     std::vector<std::string> arguments{"orvo", "-V=1"};
     std::string root;
     for (const auto& [name, text] : modulesOf(project, arrangement)) {
@@ -193,7 +192,22 @@ Outcome compile(const Project& project, const Arrangement& arrangement) {
     if (child == 0) compileInChild(folder.path, arguments);
     int status = 0;
     waitpid(child, &status, 0);
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
+}
+
+} // namespace
+
+TreeFolder::TreeFolder(const Project& project) : TreeFolder() {
+    Arrangement asWritten{"as written", {{}}, 0};
+    for (size_t at = 0; at < project.definitions.size(); ++at)
+        asWritten.modules[0].push_back(static_cast<int>(at));
+    compileIn(*this, project, asWritten);
+}
+
+Outcome compile(const Project& project, const Arrangement& arrangement) {
+    Outcome outcome;
+    const TreeFolder folder;
+    outcome.status = compileIn(folder, project, arrangement);
     if (outcome.status > 1) {
         std::ifstream file(folder.path + "/err");
         outcome.trouble = std::string(std::istreambuf_iterator<char>(file), {}).substr(0, 2000);

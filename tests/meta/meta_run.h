@@ -28,6 +28,16 @@ struct Difference {
     std::string first, other;
 };
 
+/// A folder that is removed again, with the listings and trees of a project in one module, ma.
+struct TreeFolder {
+    std::string path = "/tmp/orvometaXXXXXX";
+    TreeFolder();
+    explicit TreeFolder(const Project& project);
+    TreeFolder(const TreeFolder&) = delete;
+    TreeFolder& operator=(const TreeFolder&) = delete;
+    ~TreeFolder();
+};
+
 std::vector<Arrangement> arrangementsOf(const Project& project, Random& random);
 /// The modules of an arrangement: file names and texts, the root first.
 std::vector<std::pair<std::string, std::string>> modulesOf(const Project& project,
