@@ -18,8 +18,6 @@ namespace orvo {
 
 namespace {
 
-enum NameIndex { tableName = 12, componentRelationName = 14 };
-
 /// Names of the fields that an object class field type goes through.
 using FieldPath = std::vector<std::string>;
 
@@ -261,7 +259,7 @@ bool readEnclosing(const CheckedValue& value, bool innermost) {
 /// The n-th element of the list in `vNode`, from 1.
 Reached valAtElement(uint64_t number) {
     ModuleRec* module = recState.currTPtr[KIND_VNODE];
-    if (vNode.valCode != TYP_SEQOF && vNode.valCode != TYP_SETOF) return Reached::Nowhere;
+    if (!is(vNode.valCode, TypeClass::List)) return Reached::Nowhere;
     uint64_t place = 0;
     for (VNodeNr nr{vNode.ref}; nr && place < module->nextRecNr[KIND_VNODE];) {
         readRec(module, nr);
@@ -280,7 +278,7 @@ Reached valAtCompId(ModuleRec* module) {
     std::string name;
     if (!fieldName(module, name)) return Reached::Nowhere;
     const uint8_t kind = vNode.valCode;
-    if (kind != TYP_SEQ && kind != TYP_SET && kind != TYP_CHOICE) return Reached::Nowhere;
+    if (!is(kind, TypeClass::Members)) return Reached::Nowhere;
     ModuleRec* owner = recState.currTPtr[KIND_VNODE];
     return findValueCompById(owner, VNodeNr{vNode.ref}, name) ? Reached::Value : Reached::Absent;
 }
@@ -375,7 +373,7 @@ bool valTableConstr(const ValueErrors& errors, const CheckedValue& value) {
     }
     FieldPath path;
     if (subRec.left == 0 || !fieldPath(path))
-        return failValue(errors, value, valueOutOfConstraint(tableName));
+        return failValue(errors, value, valueOutOfConstraint(SUBNAME_TABLE));
     const TableIndex& table = objSetFieldsToList(sub, path, {});
     if (table.met) return true;
     const SNodeNr list{relation > 0 ? magnitude(relation) : 0};
@@ -383,7 +381,7 @@ bool valTableConstr(const ValueErrors& errors, const CheckedValue& value) {
     const bool agrees = anyAgrees(errors, table, value);
     if (agrees && !list) return true;
     return failValue(errors, value,
-                     valueOutOfConstraint(agrees ? componentRelationName : tableName));
+                     valueOutOfConstraint(agrees ? SUBNAME_COMPONENT_RELATION : SUBNAME_TABLE));
 }
 
 } // namespace orvo
