@@ -29,12 +29,10 @@ bool isHead() {
     return magnitude(tNode.compStatus) == TCS_HEADER;
 }
 bool isString() {
-    return tNode.typeCode == TYP_BITSTR || tNode.typeCode == TYP_OCTSTR ||
-           (tNode.typeCode >= TYP_NUMSTR && tNode.typeCode <= TYP_CHASTR) ||
-           tNode.typeCode == TYP_OBJDESCR;
+    return is(tNode.typeCode, TypeClass::LengthOption) && !is(tNode.typeCode, TypeClass::List);
 }
 bool isList() {
-    return tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
+    return is(tNode.typeCode, TypeClass::List);
 }
 void setFlag(uint32_t flag, bool on) {
     if (on)
@@ -66,7 +64,7 @@ template <uint8_t... codes> bool typeIs() {
     return ((tNode.typeCode == codes) || ...);
 }
 bool isStringOrList() {
-    return isString() || isList();
+    return is(tNode.typeCode, TypeClass::LengthOption);
 }
 bool sizeOK(std::string_view value) {
     return intSizeOptionOK(value, false, tNode.sizeOpt);

@@ -33,7 +33,7 @@ constexpr TokenSet typeStart = {TOK_ANY,     TOK_BIT,      TOK_BOOLEAN,     TOK_
                                 TOK_TYPEID,  TOK_VALUEID,  TOK_COMPONENTID, TOK_MODULEID};
 
 bool isCollectionOf(uint8_t code) {
-    return code == TYP_SEQOF || code == TYP_SETOF;
+    return is(code, TypeClass::List);
 }
 
 /// Stores the text of the type's constraint and attaches the options before the current token.

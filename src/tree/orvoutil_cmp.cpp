@@ -47,12 +47,11 @@ struct OpenPair {
 };
 
 bool isStru(uint8_t kind) {
-    return kind == TYP_SEQ || kind == TYP_SET || kind == TYP_CHOICE || kind == TYP_EMB_PDV ||
-           kind == TYP_CHASTR || kind == TYP_EXTERNAL_1990 || kind == TYP_EXTERNAL_1994 ||
+    return is(kind, TypeClass::Members) || is(kind, TypeClass::Associated) ||
            kind == TYP_INSTANCE_OF;
 }
 bool isList(uint8_t kind) {
-    return kind == TYP_SEQOF || kind == TYP_SETOF;
+    return is(kind, TypeClass::List);
 }
 
 /// An entry of a list with the value that it stands for.

@@ -162,7 +162,7 @@ template <typename Words> std::string wordsJson(const Words& words) {
 std::string bitsJson(const Field& field, int64_t value) {
     std::string out = "{\"bits\":" + std::to_string(value) + ",\"names\":[";
     bool first = true;
-    for (const stx::CodeName& row : field.names) {
+    for (const stx::CodeName& row : field.names()) {
         if ((value & row.code) == 0) continue;
         out += (first ? "\"" : ",\"") + std::string(row.name) + '"';
         first = false;
@@ -190,7 +190,7 @@ std::string fieldJson(const Tree& tree, Kind kind, uint32_t nr, const Field& fie
     case Sense::Plain: break;
     case Sense::Code:
     case Sense::Names: {
-        const std::string_view name = stx::codeName(field.names, value);
+        const std::string_view name = stx::codeName(field.names(), value);
         return "{\"code\":" + std::to_string(value) +
                ",\"name\":" + (name.empty() ? "null" : jsonText(name)) + '}';
     }
