@@ -298,7 +298,7 @@ int compareLists(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
     return equalLists(state, kind, {modA, VNodeNr{a.ref}}, {modB, VNodeNr{b.ref}}) ? 0 : -1;
 }
 
-// ---- object identifiers
+// ---- object identifiers -------------------------------------------------------------------------
 
 /// The arcs of a value in decimal, joined by commas; what the checks stored, or worked out when
 /// they have not come to the value yet. Empty when the value is not valid.
@@ -344,7 +344,7 @@ std::string textOfObjId(ModuleRec* module, const VNode& value) {
     return text;
 }
 
-// ---- hashes
+// ---- hashes -------------------------------------------------------------------------------------
 
 constexpr uint32_t maxHashDepth = 8;
 

@@ -175,8 +175,7 @@ template <typename Fn> int choose(Gen& gen, int from, Fn&& suits) {
     return list[static_cast<size_t>(gen.random.below(static_cast<int>(list.size())))];
 }
 
-// ---- what a type comes to
-// ---------------------------------------------------------------------------------
+// ---- what a type comes to -----------------------------------------------------------------------
 
 Type* instantiate(Gen& gen, const Type* instance);
 
@@ -250,8 +249,7 @@ Type* instantiate(Gen& gen, const Type* instance) {
     return instance->target;
 }
 
-// ---- notation of types
-// ------------------------------------------------------------------------------------
+// ---- notation of types --------------------------------------------------------------------------
 
 std::string textOf(Gen& gen, const Type* type);
 
@@ -338,8 +336,7 @@ std::string textOf(Gen& gen, const Type* type) {
     return "";
 }
 
-// ---- values
-// -----------------------------------------------------------------------------------------
+// ---- values -------------------------------------------------------------------------------------
 
 std::string valueOf(Gen& gen, const Type* type, int depth, Domain domain = {});
 
@@ -574,8 +571,7 @@ std::string valueOf(Gen& gen, const Type* type, int depth, Domain domain) {
     }
 }
 
-// ---- building types
-// ---------------------------------------------------------------------------------
+// ---- building types -----------------------------------------------------------------------------
 
 Type* anyType(Gen& gen, int at, int depth, bool soft);
 
@@ -901,8 +897,7 @@ Type* anyType(Gen& gen, int at, int depth, bool soft) {
     return type;
 }
 
-// ---- classes, objects, sets
-// ----------------------------------------------------------------------------
+// ---- classes, objects, sets ---------------------------------------------------------------------
 
 char presence(Gen& gen, const char* from) {
     const std::string list = from;
@@ -1038,8 +1033,7 @@ std::string setText(Gen& gen, const Planned& planned) {
     return text + "}";
 }
 
-// ---- parameterized definitions
-// -------------------------------------------------------------------------
+// ---- parameterized definitions ------------------------------------------------------------------
 
 void buildParameterized(Gen& gen, int at) {
     Planned& planned = defAt(gen, at);
@@ -1170,8 +1164,7 @@ Type* instance(Gen& gen, int at, int depth, bool soft) {
     return type;
 }
 
-// ---- the whole
-// ------------------------------------------------------------------------------------
+// ---- the whole ----------------------------------------------------------------------------------
 
 void planAll(Gen& gen) {
     gen.classes.push_back({});

@@ -1,10 +1,10 @@
-#include "stxdump.h"
-
-#include <string>
-
 // The same facts as the text, with every field of every record. Strings hold arbitrary bytes: those
 // that are UTF-8 are decoded, of all others every byte counts as the character of that code; "hex"
 // beside a text that is not plain ASCII gives the bytes themselves.
+
+#include "stxdump.h"
+
+#include <string>
 
 namespace stxdump {
 

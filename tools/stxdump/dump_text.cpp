@@ -1,7 +1,7 @@
-#include "stxdump.h"
-
 // One line per field: name, number, meaning. Links are printed with the kind and name of the record
 // that they lead to, so that the text can be searched in either direction.
+
+#include "stxdump.h"
 
 namespace stxdump {
 
