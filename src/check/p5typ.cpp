@@ -165,6 +165,10 @@ ModuleRec* moduleForTypeErrors() {
     return actErrModPtr(recState.currTPtr[KIND_TNODE], tNode.actParRec);
 }
 
+bool isTypeDefinition() {
+    return magnitude(tNode.compStatus) == TCS_HEADER && tNode.actParRec == 0;
+}
+
 bool checkTNode() {
     if (stackIsLow()) fatalError(Fatal::NoSpace, "Types are nested too deeply.");
     if (tNode.checkState >= CHECK_RUNNING) return true;
@@ -189,7 +193,7 @@ bool checkTNode() {
     readRec(self);
     tNode.checkState = CHECK_DONE;
     writeRec(self);
-    return ok;
+    return ok || isTypeDefinition();
 }
 
 } // namespace orvo

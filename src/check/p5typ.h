@@ -30,8 +30,11 @@ extern P5State p5State;
 
 /// Checks the current type record and all it contains, once per record and whoever asks first: what
 /// encloses the type and whom its errors are charged to is found from the record. Preserving. True
-/// when everything is valid.
+/// when everything is valid. A type assignment answers for its faults itself: they do not count for
+/// those who lead to it, of whom only the first would hear of them.
 [[nodiscard]] bool checkTNode();
+/// The current type record is a type or set assignment as written, no instance.
+[[nodiscard]] bool isTypeDefinition();
 /// Whom errors in the current type record are charged to: its module or, inside an instance, who
 /// instantiated.
 [[nodiscard]] ModuleRec* moduleForTypeErrors();

@@ -355,7 +355,7 @@ bool checkRecord(const ValueErrors& errors, VNodeRef at, bool constrain,
     readRec(at);
     vNode.checkState = CHECK_DONE;
     writeRec(at);
-    return ok;
+    return ok || vNode.valStatus == VST_HEADER; // an assignment answers for its faults itself
 }
 
 bool checkVNode(ModuleRec* module, bool report, bool constrain) {

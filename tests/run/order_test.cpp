@@ -82,6 +82,30 @@ TEST(Order, FaultsBelongToTheModuleThatHoldsTheRecord) {
     EXPECT_FALSE(run.has("n.stx"));
 }
 
+TEST(Order, FaultsOfADefinitionDoNotCountForItsUsers) {
+    const std::vector<SourceFile> files = {
+        {"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS T, C, S FROM N;\n"
+                  "A ::= SEQUENCE { t T OPTIONAL }\nU ::= INTEGER (T)\n"
+                  "V ::= SEQUENCE { i C.&id({S}) }\nW ::= C.&Type (T)\nEND\n"},
+        {"n.asn", "N DEFINITIONS ::= BEGIN\nT ::= INTEGER (5..1)\n"
+                  "C ::= CLASS { &id INTEGER (1..3), &Type OPTIONAL }\n"
+                  "S C ::= { {&id 7} }\nEND\n"}};
+    for (const bool backwards : {false, true}) {
+        SCOPED_TRACE(backwards);
+        const std::string first = backwards ? "n" : "m", second = backwards ? "m" : "n";
+        const RunResult run =
+            runOrvo(files, {"-PREFIX=M:m:m", "-PREFIX=N:n:n", first + ".asn", second + ".asn"});
+        EXPECT_EQ(run.diagnostics("m"), "");
+        EXPECT_EQ(run.diagnostics("n"), listed({{2, "Invalid range constraint(s)"},
+                                                {4, "Value out of range constraint(s)"},
+                                                {4, "Invalid object"},
+                                                {4, "Invalid set element"}}));
+        const TreeFacts tree(run, "m");
+        EXPECT_EQ(tree.valueField("A"), "(24, 6)");
+        EXPECT_EQ(tree.bounds("A.t"), "MIN..MAX");
+    }
+}
+
 TEST(Order, WhatIsCopiedFromATypeIsSettledFirst) {
     std::vector<std::string> definitions = {
         "R1 ::= Sel", "R2 ::= F", "R3 ::= O", "Sel ::= a < Ch", "F ::= C.&id", "O ::= o.&T",
