@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -132,12 +133,15 @@ bool errStruValMandComp(const ValueErrors& errors, const CheckedValue& value,
     return true;
 }
 
-/// The components of an extension addition group may be left out together.
-bool isGroupAbsent(const std::vector<FlatEntry>& entries, TNodeNr group,
-                   const Components& components) {
-    return group && std::ranges::none_of(entries, [&](const FlatEntry& entry) {
-               return entry.group == group && components.find(entry.name, 0) != Components::none;
-           });
+/// The extension addition groups of which the value has a component; the components of others are
+/// left out together.
+std::unordered_set<uint32_t> presentGroups(const std::vector<FlatEntry>& entries,
+                                           const Components& components) {
+    std::unordered_set<uint32_t> groups;
+    for (const FlatEntry& entry : entries)
+        if (entry.group && components.find(entry.name, 0) != Components::none)
+            groups.insert(entry.group.nr);
+    return groups;
 }
 
 bool checkStruValMandOpt(const ValueErrors& errors, const CheckedValue& value,
@@ -145,6 +149,7 @@ bool checkStruValMandOpt(const ValueErrors& errors, const CheckedValue& value,
     const TNodeRef type = currentRec<KIND_TNODE>();
     const std::vector<FlatEntry>& entries = flatComponents(type.module, TNodeNr{tNode.ref});
     readRec(type);
+    const std::unordered_set<uint32_t> groups = presentGroups(entries, components);
     bool ok = true;
     size_t next = 0; // where the value of the next component may stand
     for (const FlatEntry& entry : entries) {
@@ -155,7 +160,7 @@ bool checkStruValMandOpt(const ValueErrors& errors, const CheckedValue& value,
             continue;
         }
         if (entry.compStatus != TCS_MANDATORY) continue;
-        if (isGroupAbsent(entries, entry.group, components)) continue;
+        if (entry.group && !groups.contains(entry.group.nr)) continue;
         ok = false;
         if (!errStruValMandComp(errors, value, structure, components, entry.name)) break;
     }
