@@ -91,7 +91,9 @@ bool isStructural(const Rec& rec, const Field& field) {
     if (rec.kind == TNODE) return name != "ref" || rec.tree->tNode(rec.nr).typeCode != TYP_SYNONYM;
     if (rec.kind == VNODE) {
         if (name == "govType") return false;
-        return name != "ref" || rec.tree->vNode(rec.nr).valCode != TYP_SYNONYM;
+        const VNode value = rec.tree->vNode(rec.nr); // of a field's set: the set is the object's
+        const bool isSetByName = value.valCode == TYP_OPEN && value.refMod > 0;
+        return name != "ref" || (value.valCode != TYP_SYNONYM && !isSetByName);
     }
     if (rec.kind == SUB) return name != "typeNr";
     if (rec.kind == SNODE) return rec.tree->sNode(rec.nr).token == TOK_LBRACKET;
@@ -271,7 +273,10 @@ bool addDump(Dump& dump, Trees& trees, const std::string& path, std::string& err
     const MNode self = tree->mNode(1);
     std::vector<std::string>& own = dump["(module)"];
     std::string words = "automaticTags=" + std::to_string(self.automaticTags);
-    for (const uint32_t word : self.modWords) words += " " + std::to_string(word);
+    for (const uint32_t word : std::span(self.modWords).first(5))
+        words += " " + std::to_string(word);
+    // the last word counts the types marked ENTRY, of all modules together always as many
+    dump["(entries)"].resize(dump["(entries)"].size() + self.modWords[5], "entry");
     if (std::ranges::find(own, words) == own.end()) own.push_back(words);
     return true;
 }

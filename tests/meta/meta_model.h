@@ -12,6 +12,7 @@ struct Definition {
     std::string name;
     std::string text; // whole, several lines
     bool parameterized = false;
+    std::string glue = {}; // the definition that it must share a module with
 };
 
 struct Project {

@@ -156,7 +156,14 @@ std::vector<Arrangement> arrangementsOf(const Project& project, Random& random) 
     for (int count = 2; count <= 3; ++count) {
         shuffle(order, random);
         std::vector<std::vector<int>> modules(static_cast<size_t>(count));
-        for (const int nr : order) modules[static_cast<size_t>(random.below(count))].push_back(nr);
+        std::map<std::string, size_t> homes;
+        for (const Definition& definition : project.definitions)
+            homes[definition.name] = static_cast<size_t>(random.below(count));
+        for (const int nr : order) {
+            const Definition& definition = project.definitions[static_cast<size_t>(nr)];
+            const bool isGlued = !definition.glue.empty();
+            modules[homes[isGlued ? definition.glue : definition.name]].push_back(nr);
+        }
         for (int root = 0; root < count; ++root)
             list.push_back({"split over " + std::to_string(count) + ", root " + fileNames[root],
                             modules, root});
