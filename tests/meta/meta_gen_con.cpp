@@ -289,8 +289,7 @@ void constrain(Gen& gen, Type* type, int depth) {
     case Kind::Bits:
     case Kind::Octets:
     case Kind::Text:
-        if (gen.random.chance(30))
-            return constrainValues(gen, type, {valueOf(gen, type, 0), valueOf(gen, type, 0)});
+        if (gen.random.chance(30)) return constrainValues(gen, type, {valueOf(gen, type, 0)});
         if (base->kind == Kind::Text && gen.random.chance(40)) {
             type->domain.letters = before.letters.substr(0, 2);
             type->constraint = "(FROM (\"" + type->domain.letters + "\"))";
@@ -310,8 +309,13 @@ void constrain(Gen& gen, Type* type, int depth) {
         break;
     default: return;
     }
-    type->constraint = "(" + sizes(gen, domain) + ")";
     type->domain = domain;
+    if (base->kind == Kind::List && before.lo <= 0) { // its elements may lead back
+        type->domain.hi = gen.random.between(0, std::min<int64_t>(before.hi, 3));
+        type->constraint = "(SIZE (0.." + number(gen, type->domain.hi) + "))";
+        return;
+    }
+    type->constraint = "(" + sizes(gen, type->domain) + ")";
 }
 
 } // namespace orvo::meta

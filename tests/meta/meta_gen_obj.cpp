@@ -83,7 +83,12 @@ std::string classText(Gen& gen, int nr) {
             cls.value == 'D' ? valueOf(gen, cls.valueType, 2) : "");
     if (cls.variable != ' ') add("var", "VAR", fieldName(gen, nr, "Type"), 'O', "");
     if (cls.vals != ' ') add("Vals", "VALS", "INTEGER", cls.vals, "{1..5 | 7}");
-    if (cls.other >= 0) add("obj", "OBJ", className(gen, cls.other), 'O', "");
+    const int object = choose(
+        gen, -1, [&cls](const Planned& planned) { return isOf(planned, Plan::Object, cls.other); });
+    const bool hasDefault = object >= 0 && gen.random.chance(40);
+    if (cls.other >= 0)
+        add("obj", "OBJ", className(gen, cls.other), hasDefault ? 'D' : 'O',
+            hasDefault ? defAt(gen, object).name : "");
     if (cls.other >= 0) add("Objs", "OBJS", className(gen, cls.other), 'O', "");
     return "CLASS {\n    " + fields + " }" + (cls.syntax ? " WITH SYNTAX {" + syntax + " }" : "");
 }
@@ -330,8 +335,7 @@ Type* instance(Gen& gen, int at, int depth, bool soft) {
         type->actual = static_cast<int>(gen.defs.size()) - 1;
         gen.defs.back().plan = Plan::Ready;
         gen.defs.back().cls = planned.cls;
-        for (int left = 1 + gen.random.below(2); left > 0; --left)
-            defAt(gen, type->actual).elements.push_back({-1, ownObject(gen, planned.cls)});
+        buildSet(gen, gen.defs.back(), at);
         break;
     case Template::OfObject:
         type->actual = choose(gen, -1, [&](const Planned& other) {

@@ -278,7 +278,13 @@ void include(Gen& gen, int at, bool soft, Type* into) {
         if (planned.plan != Plan::Type || !planned.built) return false;
         for (const Type* on = planned.type; on != nullptr; on = step(gen, on))
             if (on->kind == Kind::FieldType) return false; // refused for what it is
-        return actual(gen, planned.type)->kind == into->kind;
+        const Type* end = actual(gen, planned.type);
+        if (gen.structures > 0) // "@" would begin at what encloses this one
+            for (const Component& component : allComponents(gen, end))
+                if (component.type->constraint.find("}{@i") != std::string::npos ||
+                    component.type->constraint.find("}{@h") != std::string::npos)
+                    return false;
+        return end->kind == into->kind;
     });
     const bool encloses = soft && gen.structures == 1 && gen.outermost == into->kind;
     if (encloses && defAt(gen, at).plan == Plan::Type && gen.random.chance(50)) target = at;

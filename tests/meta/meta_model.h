@@ -18,6 +18,8 @@ struct Definition {
 struct Project {
     std::string tagging; // "EXPLICIT", "IMPLICIT", "AUTOMATIC"
     std::vector<Definition> definitions;
+    bool isFaulty = false;
+    std::string faulty = {}, mark = {}; // the definition that is, a piece of the line that is
 };
 
 /// A source of numbers that is the same on every host.
@@ -39,7 +41,11 @@ struct Random {
 };
 
 Project generate(uint64_t seed);
+/// Plants one fault in a definition; at times none that can be named, only something is missing.
+void plantFault(Project& project, Random& random);
 
+/// Texts with one thing less: an item of a list, a constraint, what follows a component's type.
+std::vector<std::string> smallerTexts(const std::string& text);
 /// Identifiers of a text that are no field names and not in strings.
 std::vector<std::string> wordsOf(const std::string& text);
 

@@ -259,8 +259,24 @@ void compareFindings(const std::string& what, const std::vector<std::string>& fi
 
 } // namespace
 
-std::vector<Difference> differences(const Outcome& first, const Arrangement& arrangement,
-                                    const Outcome& other) {
+std::vector<std::string> foundAtFault(const Project& project, const Outcome& outcome) {
+    std::vector<std::string> list;
+    const auto found = outcome.findings.find(project.faulty);
+    for (const Definition& definition : project.definitions) {
+        if (definition.name != project.faulty || found == outcome.findings.end()) continue;
+        const auto end = definition.text.begin() +
+                         static_cast<std::ptrdiff_t>(
+                             std::min(definition.text.find(project.mark), definition.text.size()));
+        const std::string line =
+            " +" + std::to_string(std::count(definition.text.begin(), end, '\n')) + " ";
+        for (const std::string& finding : found->second)
+            if (finding.find(line) != std::string::npos) list.push_back(finding);
+    }
+    return list;
+}
+
+std::vector<Difference> differences(const Project& project, const Outcome& first,
+                                    const Arrangement& arrangement, const Outcome& other) {
     std::vector<Difference> list;
     const std::string& with = arrangement.name;
     if (first.status != other.status)
@@ -268,10 +284,14 @@ std::vector<Difference> differences(const Outcome& first, const Arrangement& arr
             {with, "exit status", std::to_string(first.status), std::to_string(other.status)});
     if (first.trouble != other.trouble)
         list.push_back({with, "trouble", first.trouble, other.trouble});
+    if (project.isFaulty)
+        compareFindings("fault in " + project.faulty, foundAtFault(project, first),
+                        foundAtFault(project, other), with, list);
     std::set<std::string> names;
     for (const auto* findings : {&first.findings, &other.findings})
         for (const auto& [name, lines] : *findings) names.insert(name);
     for (const std::string& name : names) {
+        if (project.isFaulty && first.status != 0) break;
         const auto one = first.findings.find(name), two = other.findings.find(name);
         const std::vector<std::string> none;
         compareFindings("findings of " + name, one == first.findings.end() ? none : one->second,

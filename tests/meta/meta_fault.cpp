@@ -1,0 +1,177 @@
+// One fault in a project: a faulty line more, a line less, another value.
+
+#include <algorithm>
+
+#include "meta_model.h"
+
+namespace orvo::meta {
+namespace {
+
+// $Ty and the like stand for any definition of that kind, $Me for the one that gets the fault.
+const char* const faultyComponents[] = {
+    "INTEGER (0..5) DEFAULT 9",
+    "[3000000] INTEGER",
+    "[$va] INTEGER",
+    "[UNIVERSAL 5] NULL",
+    "[$va] IMPLICIT ANY",
+    "INTEGER (5..1)",
+    "INTEGER (1..10 | 30..20)",
+    "INTEGER ($Ty)",
+    "INTEGER (SIZE (1))",
+    "INTEGER ($va)",
+    "INTEGER {fn(1), fm(1)}",
+    "INTEGER ({$Os})",
+    "INTEGER --$INT=U7--",
+    "IA5String (FROM (\"ab\"..\"c\"))",
+    "OCTET STRING (SIZE (-1..5))",
+    "BIT STRING {fb(-1)}",
+    "BIT STRING {fb(1)} DEFAULT '0101'B",
+    "OBJECT IDENTIFIER DEFAULT {1}",
+    "OBJECT IDENTIFIER DEFAULT {$va}",
+    "UTCTime DEFAULT \"9913312359Z\"",
+    "REAL DEFAULT {mantissa 5, base 3, exponent 1}",
+    "ENUMERATED {fe, ff(0), fg(0)}",
+    "ENUMERATED {fe, ff} DEFAULT fx",
+    "ANY DEFINED BY nix",
+    "SEQUENCE {fa [1] NULL OPTIONAL, fb [1] NULL}",
+    "SEQUENCE {fa NULL, fa NULL}",
+    "SEQUENCE {COMPONENTS OF $Ty, fa $Ty}",
+    "SEQUENCE {..., fa NULL, ...}",
+    "SEQUENCE {fa INTEGER OPTIONAL, fb $Ty} (WITH COMPONENTS {fb PRESENT})",
+    "SET {fa ANY, fb NULL}",
+    "CHOICE {fa $Ty, fb $Ty}",
+    "SEQUENCE OF $Me",
+    "SEQUENCE (SIZE (0..5)) OF INTEGER DEFAULT {1, TRUE}",
+    "$Me",
+    "SET {fa $Me}",
+    "nix < $Ty",
+    "$CLS",
+    "INSTANCE OF $CLS",
+    "TYPE-IDENTIFIER.&id ({$Os})",
+    "TYPE-IDENTIFIER.&Type ({$Os}{@nix})",
+    "TYPE-IDENTIFIER.&Type DEFAULT $ob.&Type : 5",
+    "$ob.&Type DEFAULT 5",
+    "$ob.&Type (5 | 6)",
+    "$Pa {5}",
+    "$Pa {INTEGER (5..1)}",
+    "$Pa {{$ob}}",
+    "$Ty (0..MAX)",
+    "$Ty ($Ty)",
+    "$Ty (WITH COMPONENTS {..., nix PRESENT})",
+    "$Ty (WITH COMPONENTS {})",
+    "$Ty (SIZE (0..1))(SIZE (5))",
+    "$Ty DEFAULT {}",
+    "$Ty DEFAULT 77",
+    "$Ty DEFAULT $va",
+    "$Ty DEFAULT \"abc\"",
+    "$Vs DEFAULT 9999"};
+const char* const faultyFields[] = {"&fx $CLS",
+                                    "&fx INTEGER DEFAULT TRUE",
+                                    "&fx INTEGER UNIQUE DEFAULT 5",
+                                    "&fx $Ty DEFAULT {}",
+                                    "&fx $Ty DEFAULT $va",
+                                    "&fx $CLS DEFAULT $ob",
+                                    "&Fx $CLS DEFAULT {$ob}",
+                                    "&Fx INTEGER DEFAULT {5..1}",
+                                    "&Fx INTEGER DEFAULT {TRUE}",
+                                    "&Fx DEFAULT INTEGER (5..1)",
+                                    "&Fx DEFAULT $Ty (0..MAX)",
+                                    "&fx &Fx"};
+const char* const faultyElements[] = {"$ob", "$va", "$Ty", "{}", "5..1", "TRUE", "nix"};
+const char* const faultyValues[] = {"{}", "TRUE", "77", "-9999", "$va", "\"abc\"", "$ob", "{1}"};
+
+template <typename List> auto& oneOf(Random& random, List&& list) {
+    return list[static_cast<size_t>(random.below(static_cast<int>(std::size(list))))];
+}
+
+std::string filled(const Project& project, Random& random, const std::string& pattern,
+                   const std::string& me) {
+    std::string text;
+    for (size_t at = 0; at < pattern.size(); ++at) {
+        size_t end = at + 1;
+        while (end < pattern.size() && std::isalpha(static_cast<unsigned char>(pattern[end])) != 0)
+            ++end;
+        const std::string stem = pattern.substr(at + 1, end - at - 1);
+        if (pattern[at] != '$' || stem == "INT") {
+            text += pattern[at];
+            continue;
+        }
+        std::vector<std::string> names;
+        for (const Definition& definition : project.definitions)
+            if (definition.name.starts_with(stem)) names.push_back(definition.name);
+        text += stem == "Me" ? me : names.empty() ? "Nix" : oneOf(random, names);
+        at = end - 1;
+    }
+    return text;
+}
+
+/// Where an entry of a list of components or fields begins, on a line of its own.
+std::vector<size_t> entriesOf(const std::string& text, bool fields) {
+    std::vector<size_t> list;
+    for (size_t at = text.find("\n    , "); at != std::string::npos;
+         at = text.find("\n    , ", at + 1))
+        if ((text[at + 7] == '&') == fields && text[at + 7] != '[') list.push_back(at);
+    return list;
+}
+
+/// The word in front of the brace that encloses the place.
+bool isInChoice(const std::string& text, size_t at) {
+    for (int depth = 0; at-- > 0;) {
+        if (text[at] == '}') ++depth;
+        if (text[at] == '{' && depth-- == 0)
+            return at > 6 && text.compare(at - 7, 6, "CHOICE") == 0;
+    }
+    return false;
+}
+
+} // namespace
+
+void plantFault(Project& project, Random& random) {
+    project.isFaulty = true;
+    for (int tries = 0; tries < 100; ++tries) {
+        project.faulty = project.mark = "";
+        Definition& definition = oneOf(random, project.definitions);
+        const std::string& name = definition.name;
+        std::string& text = definition.text;
+        if (definition.parameterized) continue; // it is found where it is used
+        const auto fill = [&](const auto& patterns) {
+            return filled(project, random, oneOf(random, patterns), name);
+        };
+        const bool isClass = name.starts_with("CLS"), isObject = name.starts_with("ob");
+        const std::vector<size_t> entries = entriesOf(text, isClass);
+        if (random.chance(15)) { // not where it shows
+            const std::vector<std::string> smaller = smallerTexts(text);
+            if (smaller.empty()) continue;
+            text = oneOf(random, smaller);
+            return;
+        }
+        project.faulty = name;
+        project.mark = name + " ";
+        if (name.starts_with("va")) {
+            const size_t at = text.find("::=");
+            if (at == std::string::npos) continue;
+            text.erase(at);
+            text += "::= " + fill(faultyValues);
+            return;
+        }
+        if (name.starts_with("Os") || name.starts_with("Vs")) {
+            text.insert(text.find("::= {") + 5, fill(faultyElements) + " | ");
+            return;
+        }
+        if (isObject && entries.empty()) { // a setting less
+            const size_t line = text.find("\n    ", text.find("\n    ") + 1);
+            if (line == std::string::npos) continue;
+            text.erase(line, text.find_first_of("\n}", line + 5) - line);
+            return;
+        }
+        if (entries.empty()) continue;
+        const size_t at = oneOf(random, entries);
+        project.mark = isClass ? fill(faultyFields) : "fx " + fill(faultyComponents);
+        const bool isOptional = !isClass && !isInChoice(text, at) && random.chance(70) &&
+                                project.mark.find("DEFAULT") == std::string::npos;
+        text.insert(at, "\n    , " + project.mark + (isOptional ? " OPTIONAL" : ""));
+        return;
+    }
+}
+
+} // namespace orvo::meta
