@@ -176,7 +176,7 @@ Type* simpleType(Gen& gen);
 Type* anyType(Gen& gen, int at, int depth, bool soft);
 std::string oidValue(Gen& gen);
 /// Components that belong to one row of a table.
-void addRow(Gen& gen, int cls, int set, const std::string& setText, Type* to, int depth);
+void addRow(Gen& gen, int cls, int set, const std::string& setText, Type* to, bool isNested);
 void tagComponents(Gen& gen, Type* type);
 void addOption(Gen& gen, Type* type, bool head);
 

@@ -272,7 +272,7 @@ void buildParameterized(Gen& gen, int at) {
         add(limited, oneOfText(gen, "MO"));
         break;
     }
-    case Template::OfObjectSet: addRow(gen, planned.cls, -2, "Fs", type, 0); break;
+    case Template::OfObjectSet: addRow(gen, planned.cls, -2, "Fs", type, false); break;
     case Template::OfObject: {
         Type* open = make(gen, Kind::ObjectType);
         open->cls = planned.cls;

@@ -248,7 +248,7 @@ Type* list(Gen& gen, int at, int depth, bool soft) {
 
 // ---- component lists
 
-void addRow(Gen& gen, int cls, int set, const std::string& setText, Type* to, int depth) {
+void addRow(Gen& gen, int cls, int set, const std::string& setText, Type* to, bool isNested) {
     Component id{fresh(gen, "i"), make(gen, Kind::FieldType)};
     Component open{fresh(gen, "o"), make(gen, Kind::OpenType)};
     id.type->row = open.type->row = ++gen.rowCount;
@@ -256,7 +256,7 @@ void addRow(Gen& gen, int cls, int set, const std::string& setText, Type* to, in
     id.type->set = open.type->set = set;
     id.type->constraint = "({" + setText + "})";
     // "@" alone begins at the outermost structure of the text, "@." at the innermost
-    std::string path = depth > 0 || gen.random.chance(30) ? "@." : "@";
+    std::string path = isNested || gen.random.chance(30) ? "@." : "@";
     if (gen.random.chance(25)) {
         Component header{fresh(gen, "h"), make(gen, Kind::Sequence)};
         path += header.id + ".";
@@ -329,7 +329,9 @@ Type* structure(Gen& gen, int at, int depth, bool soft) {
     if (type->kind == Kind::Sequence && gen.random.chance(25)) {
         const int set =
             choose(gen, -1, [](const Planned& planned) { return planned.plan == Plan::ObjectSet; });
-        if (set >= 0) addRow(gen, defAt(gen, set).cls, set, defAt(gen, set).name, type, depth);
+        // in a value the outermost structure is that of a type assignment
+        const bool isNested = depth > 0 || defAt(gen, at).plan != Plan::Type;
+        if (set >= 0) addRow(gen, defAt(gen, set).cls, set, defAt(gen, set).name, type, isNested);
     }
     const int count = static_cast<int>(type->components.size());
     if (gen.random.chance(20)) type->marker = 1 + gen.random.below(count - (choice ? 1 : 0));
