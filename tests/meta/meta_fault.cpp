@@ -1,84 +1,53 @@
 // One fault in a project: a faulty line more, a line less, another value.
 
 #include <algorithm>
+#include <cctype>
+#include <string_view>
 
 #include "meta_model.h"
 
 namespace orvo::meta {
 namespace {
 
-// $Ty and the like stand for any definition of that kind, $Me for the one that gets the fault.
-const char* const faultyComponents[] = {
-    "INTEGER (0..5) DEFAULT 9",
-    "[3000000] INTEGER",
-    "[$va] INTEGER",
-    "[UNIVERSAL 5] NULL",
-    "[$va] IMPLICIT ANY",
-    "INTEGER (5..1)",
-    "INTEGER (1..10 | 30..20)",
-    "INTEGER ($Ty)",
-    "INTEGER (SIZE (1))",
-    "INTEGER ($va)",
-    "INTEGER {fn(1), fm(1)}",
-    "INTEGER ({$Os})",
-    "INTEGER --$INT=U7--",
-    "IA5String (FROM (\"ab\"..\"c\"))",
-    "OCTET STRING (SIZE (-1..5))",
-    "BIT STRING {fb(-1)}",
-    "BIT STRING {fb(1)} DEFAULT '0101'B",
-    "OBJECT IDENTIFIER DEFAULT {1}",
-    "OBJECT IDENTIFIER DEFAULT {$va}",
-    "UTCTime DEFAULT \"9913312359Z\"",
-    "REAL DEFAULT {mantissa 5, base 3, exponent 1}",
-    "ENUMERATED {fe, ff(0), fg(0)}",
-    "ENUMERATED {fe, ff} DEFAULT fx",
-    "ANY DEFINED BY nix",
-    "SEQUENCE {fa [1] NULL OPTIONAL, fb [1] NULL}",
-    "SEQUENCE {fa NULL, fa NULL}",
-    "SEQUENCE {COMPONENTS OF $Ty, fa $Ty}",
-    "SEQUENCE {..., fa NULL, ...}",
-    "SEQUENCE {fa INTEGER OPTIONAL, fb $Ty} (WITH COMPONENTS {fb PRESENT})",
-    "SET {fa ANY, fb NULL}",
-    "CHOICE {fa $Ty, fb $Ty}",
-    "SEQUENCE OF $Me",
-    "SEQUENCE (SIZE (0..5)) OF INTEGER DEFAULT {1, TRUE}",
-    "$Me",
-    "SET {fa $Me}",
-    "nix < $Ty",
-    "$CLS",
-    "INSTANCE OF $CLS",
-    "TYPE-IDENTIFIER.&id ({$Os})",
-    "TYPE-IDENTIFIER.&Type ({$Os}{@nix})",
-    "TYPE-IDENTIFIER.&Type DEFAULT $ob.&Type : 5",
-    "$ob.&Type DEFAULT 5",
-    "$ob.&Type (5 | 6)",
-    "$Pa {5}",
-    "$Pa {INTEGER (5..1)}",
-    "$Pa {{$ob}}",
-    "$Ty (0..MAX)",
-    "$Ty ($Ty)",
-    "$Ty (WITH COMPONENTS {..., nix PRESENT})",
-    "$Ty (WITH COMPONENTS {})",
-    "$Ty (SIZE (0..1))(SIZE (5))",
-    "$Ty DEFAULT {}",
-    "$Ty DEFAULT 77",
-    "$Ty DEFAULT $va",
-    "$Ty DEFAULT \"abc\"",
-    "$Vs DEFAULT 9999"};
-const char* const faultyFields[] = {"&fx $CLS",
-                                    "&fx INTEGER DEFAULT TRUE",
-                                    "&fx INTEGER UNIQUE DEFAULT 5",
-                                    "&fx $Ty DEFAULT {}",
-                                    "&fx $Ty DEFAULT $va",
-                                    "&fx $CLS DEFAULT $ob",
-                                    "&Fx $CLS DEFAULT {$ob}",
-                                    "&Fx INTEGER DEFAULT {5..1}",
-                                    "&Fx INTEGER DEFAULT {TRUE}",
-                                    "&Fx DEFAULT INTEGER (5..1)",
-                                    "&Fx DEFAULT $Ty (0..MAX)",
-                                    "&fx &Fx"};
-const char* const faultyElements[] = {"$ob", "$va", "$Ty", "{}", "5..1", "TRUE", "nix"};
-const char* const faultyValues[] = {"{}", "TRUE", "77", "-9999", "$va", "\"abc\"", "$ob", "{1}"};
+// Separated by ~. $Ty and the like stand for any definition of that kind, $Me for the one that gets
+// the fault.
+constexpr std::string_view faultyComponents = R"(
+INTEGER (0..5) DEFAULT 9 ~ [3000000] INTEGER ~ [$va] INTEGER ~ [UNIVERSAL 5] NULL ~
+[$va] IMPLICIT ANY ~ INTEGER (5..1) ~ INTEGER (1..10 | 30..20) ~ INTEGER ($Ty) ~
+INTEGER (SIZE (1)) ~ INTEGER ($va) ~ INTEGER {fn(1), fm(1)} ~ INTEGER ({$Os}) ~
+INTEGER --$INT=U7-- ~ IA5String (FROM ("ab".."c")) ~ OCTET STRING (SIZE (-1..5)) ~
+BIT STRING {fb(-1)} ~ BIT STRING {fb(1)} DEFAULT '0101'B ~ OBJECT IDENTIFIER DEFAULT {1} ~
+OBJECT IDENTIFIER DEFAULT {$va} ~ UTCTime DEFAULT "9913312359Z" ~
+REAL DEFAULT {mantissa 5, base 3, exponent 1} ~ ENUMERATED {fe, ff(0), fg(0)} ~
+ENUMERATED {fe, ff} DEFAULT fx ~ ANY DEFINED BY nix ~
+SEQUENCE {fa [1] NULL OPTIONAL, fb [1] NULL} ~ SEQUENCE {fa NULL, fa NULL} ~
+SEQUENCE {COMPONENTS OF $Ty, fa $Ty} ~ SEQUENCE {..., fa NULL, ...} ~
+SEQUENCE {fa INTEGER OPTIONAL, fb $Ty} (WITH COMPONENTS {fb PRESENT}) ~ SET {fa ANY, fb NULL} ~
+CHOICE {fa $Ty, fb $Ty} ~ SEQUENCE OF $Me ~ SEQUENCE (SIZE (0..5)) OF INTEGER DEFAULT {1, TRUE} ~
+$Me ~ SET {fa $Me} ~ nix < $Ty ~ $CLS ~ INSTANCE OF $CLS ~ TYPE-IDENTIFIER.&id ({$Os}) ~
+TYPE-IDENTIFIER.&Type ({$Os}{@nix}) ~ TYPE-IDENTIFIER.&Type DEFAULT $ob.&Type : 5 ~
+$ob.&Type DEFAULT 5 ~ $ob.&Type (5 | 6) ~ $Pa {5} ~ $Pa {INTEGER (5..1)} ~ $Pa {{$ob}} ~
+$Ty (0..MAX) ~ $Ty ($Ty) ~ $Ty (WITH COMPONENTS {..., nix PRESENT}) ~ $Ty (WITH COMPONENTS {}) ~
+$Ty (SIZE (0..1))(SIZE (5)) ~ $Ty DEFAULT {} ~ $Ty DEFAULT 77 ~ $Ty DEFAULT $va ~
+$Ty DEFAULT "abc" ~ $Vs DEFAULT 9999)";
+constexpr std::string_view faultyFields = R"(
+&fx $CLS ~ &fx INTEGER DEFAULT TRUE ~ &fx INTEGER UNIQUE DEFAULT 5 ~ &fx $Ty DEFAULT {} ~
+&fx $Ty DEFAULT $va ~ &fx $CLS DEFAULT $ob ~ &Fx $CLS DEFAULT {$ob} ~
+&Fx INTEGER DEFAULT {5..1} ~ &Fx INTEGER DEFAULT {TRUE} ~ &Fx DEFAULT INTEGER (5..1) ~
+&Fx DEFAULT $Ty (0..MAX) ~ &fx &Fx)";
+constexpr std::string_view faultyElements = R"(
+$ob ~ $va ~ $Ty ~ {} ~ 5..1 ~ TRUE ~ nix)";
+constexpr std::string_view faultyValues = R"(
+{} ~ TRUE ~ 77 ~ -9999 ~ $va ~ "abc" ~ $ob ~ {1})";
+
+/// One of those that are separated by "~".
+std::string oneOfTable(Random& random, std::string_view table) {
+    for (auto left = random.below(static_cast<int>(std::ranges::count(table, '~')) + 1); left > 0;
+         --left)
+        table.remove_prefix(table.find('~') + 2);
+    table.remove_prefix(table.front() == '\n' ? 1 : 0);
+    return std::string(table.substr(0, table.find(" ~")));
+}
 
 template <typename List> auto& oneOf(Random& random, List&& list) {
     return list[static_cast<size_t>(random.below(static_cast<int>(std::size(list))))];
@@ -134,12 +103,12 @@ void plantFault(Project& project, Random& random) {
         const std::string& name = definition.name;
         std::string& text = definition.text;
         if (definition.parameterized) continue; // it is found where it is used
-        const auto fill = [&](const auto& patterns) {
-            return filled(project, random, oneOf(random, patterns), name);
+        const auto fill = [&](std::string_view table) {
+            return filled(project, random, oneOfTable(random, table), name);
         };
         const bool isClass = name.starts_with("CLS"), isObject = name.starts_with("ob");
         const std::vector<size_t> entries = entriesOf(text, isClass);
-        if (random.chance(15)) { // not where it shows
+        if (random.chance(8)) { // not where it shows
             const std::vector<std::string> smaller = smallerTexts(text);
             if (smaller.empty()) continue;
             text = oneOf(random, smaller);

@@ -145,6 +145,7 @@ struct Gen {
     bool inObject = false; // a value of another object here might lead back to this one
     int structures = 0;    // that enclose the one being built
     Kind outermost = Kind::Fixed;
+    bool includesSelf = false; // COMPONENTS OF the structure that encloses
 };
 
 inline Planned& defAt(Gen& gen, int nr) {

@@ -288,6 +288,7 @@ void include(Gen& gen, int at, bool soft, Type* into) {
     });
     const bool encloses = soft && gen.structures == 1 && gen.outermost == into->kind;
     if (encloses && defAt(gen, at).plan == Plan::Type && gen.random.chance(50)) target = at;
+    gen.includesSelf = gen.includesSelf || target == at;
     if (target < 0) return;
     Component included{"", make(gen, Kind::Reference), 'M', "", true};
     included.type->def = target;
@@ -330,7 +331,7 @@ Type* structure(Gen& gen, int at, int depth, bool soft) {
         const int set =
             choose(gen, -1, [](const Planned& planned) { return planned.plan == Plan::ObjectSet; });
         // in a value the outermost structure is that of a type assignment
-        const bool isNested = depth > 0 || defAt(gen, at).plan != Plan::Type;
+        const bool isNested = depth > 0 || gen.includesSelf || defAt(gen, at).plan != Plan::Type;
         if (set >= 0) addRow(gen, defAt(gen, set).cls, set, defAt(gen, set).name, type, isNested);
     }
     const int count = static_cast<int>(type->components.size());
