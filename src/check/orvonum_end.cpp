@@ -27,8 +27,7 @@ namespace {
 constexpr size_t maxLinks = 1000000;
 
 bool isSizeKind(uint8_t kind) {
-    return kind == TYP_BITSTR || kind == TYP_OCTSTR || kind == TYP_SEQOF || kind == TYP_SETOF ||
-           (kind >= TYP_NUMSTR && kind <= TYP_UNISTR) || kind == TYP_OBJDESCR;
+    return is(kind, TypeClass::Sized);
 }
 bool isNumberKind(uint8_t kind) {
     return kind == TYP_INTEGER || kind == TYP_REAL;

@@ -33,9 +33,8 @@ bool isSegmentList(const VNode& value) {
 }
 
 uint32_t leafLength(const VNode& leaf) {
-    const bool isString = leaf.valCode == TYP_BITSTR || leaf.valCode == TYP_OCTSTR ||
-                          (leaf.valCode >= TYP_NUMSTR && leaf.valCode <= TYP_UTCTIME) ||
-                          leaf.valCode == TYP_OBJDESCR;
+    const bool isString =
+        is(leaf.valCode, TypeClass::Bits) || is(leaf.valCode, TypeClass::StringGroup);
     return isString ? leaf.val.str.striLen : 0;
 }
 

@@ -128,7 +128,7 @@ uint64_t getAnyStringLength() {
     skipValues(true);
     ModuleRec* module = recState.currTPtr[KIND_VNODE];
     const VNode value = vNode;
-    const bool isBits = value.valCode == TYP_BITSTR || value.valCode == TYP_OCTSTR;
+    const bool isBits = is(value.valCode, TypeClass::Bits);
     if (tNode.typeCode == TYP_BITSTR && isBits) return bitLength(module, value, highestNamedBit());
     if (tNode.typeCode == TYP_OCTSTR) return octetLength(module, value);
     return makeRestrCharStriSeg(module, value, nullptr);

@@ -13,23 +13,13 @@
 
 namespace orvo {
 
-int subNameIndex(uint8_t subKind) {
-    switch (subKind) {
-    case SUB_TABLE: return 12;
-    case SUB_USER_DEFINED: return 13;
-    case SUB_EXCEPTION: return 15;
-    case SUB_OPEN_TYPE: return 16;
-    default: return subKind >= SUB_RANGE ? subKind - SUB_RANGE + 5 : subKind - SUB_UNION;
-    }
-}
-
 void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail) {
     recordError(module, ERR_SEMANTIC, code, subRec.line, detail);
 }
 
 void subError(ModuleRec* module, Msg code, uint32_t line) {
     if (isSetTNode()) {
-        if (code == invalidConstraint(subNameIndex(SUB_SINGLE_VALUE))) {
+        if (code == invalidConstraint(SUBNAME_SINGLE_VALUE)) {
             code = Msg::InvalidSetElement;
         } else {
             const KeepRec<KIND_TNODE> keep;
@@ -168,12 +158,6 @@ bool checkByKind(ModuleRec* module, ParentType parent) {
     }
 }
 
-bool isKnownKind(uint8_t kind) {
-    return (kind >= SUB_UNION && kind <= SUB_ALL_EXCEPT) ||
-           (kind >= SUB_RANGE && kind <= SUB_TABLE) ||
-           (kind >= SUB_USER_DEFINED && kind <= SUB_EXTENSION_MARKER) || kind == SUB_CONTENTS;
-}
-
 } // namespace
 
 bool chkSubRec(ModuleRec* module, ParentType parent) {
@@ -181,7 +165,7 @@ bool chkSubRec(ModuleRec* module, ParentType parent) {
     const SubRef self = currentSub();
     const uint8_t kind = subRec.subKind;
     const uint32_t line = subRec.line;
-    if (!isKnownKind(kind)) return false;
+    if (!isSubKind(kind)) return false;
     if (kind == SUB_EXTENSION_MARKER) {
         markExtensible(parent);
         return true;
@@ -192,8 +176,7 @@ bool chkSubRec(ModuleRec* module, ParentType parent) {
     readRec(self);
     if (ok || kind == SUB_TABLE) return ok;
     subError(module,
-             kind == SUB_EXCEPTION ? Msg::InvalidExceptionValue
-                                   : invalidConstraint(subNameIndex(kind)),
+             kind == SUB_EXCEPTION ? Msg::InvalidExceptionValue : invalidConstraint(subName(kind)),
              line);
     return false;
 }

@@ -10,17 +10,13 @@ namespace orvo {
 
 namespace {
 
-bool isCharacterValue(uint8_t valCode) {
-    return (valCode >= TYP_NUMSTR && valCode <= TYP_UNISTR) || valCode == TYP_OBJDESCR;
-}
-
 /// The value at an end of a range is one character.
 bool isOneCharacter(ModuleRec* module, uint32_t value) {
     if (value == 0) return true; // MIN and MAX
     const KeepRec<KIND_VNODE> keep;
     readRec(module, VNodeNr{value});
     skipValues(true);
-    return isCharacterValue(vNode.valCode) &&
+    return is(vNode.valCode, TypeClass::Characters) &&
            makeRestrCharStriSeg(recState.currTPtr[KIND_VNODE], vNode, nullptr) == 1;
 }
 
@@ -36,7 +32,7 @@ bool validValueInPermittedAlphabet(ModuleRec* module, uint32_t value) {
     const KeepRec<KIND_VNODE> keep;
     readRec(module, VNodeNr{value});
     skipValues(true);
-    return isCharacterValue(vNode.valCode) || isHexCharacter();
+    return is(vNode.valCode, TypeClass::Characters) || isHexCharacter();
 }
 
 /// The constraint in `subRec`, inside FROM.

@@ -95,7 +95,7 @@ bool subWithComp(ModuleRec* module) {
     const SubRef self = currentRec<KIND_SUB>();
     skipTypes(true);
     bool ok = false;
-    if ((tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF) && tNode.ref != 0) {
+    if (is(tNode.typeCode, TypeClass::List) && tNode.ref != 0) {
         readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
         // Values must be of the element type, with what its references add on the way.
         ok = checkTNode();
@@ -174,9 +174,7 @@ bool subWithComps(ModuleRec* module) {
     const SubRef self = currentRec<KIND_SUB>();
     skipTypes(true);
     const uint8_t code = tNode.typeCode;
-    const bool isAssociated = code == TYP_EMB_PDV || code == TYP_CHASTR ||
-                              code == TYP_EXTERNAL_1990 || code == TYP_EXTERNAL_1994;
-    if (isAssociated && run.iso8824MP != nullptr) {
+    if (is(code, TypeClass::Associated) && run.iso8824MP != nullptr) {
         readRec(run.iso8824MP, TNodeNr{code});
         skipTypes(true);
     }

@@ -27,8 +27,6 @@ void markExtensible(ParentType parent);
 void subError(ModuleRec* module, Msg code, uint32_t line);
 /// Reports at the line of the current constraint record.
 void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail = {});
-/// Index of a constraint kind in the names of messages.
-int subNameIndex(uint8_t subKind);
 
 // ---- p5sub_elem
 [[nodiscard]] bool subRange();

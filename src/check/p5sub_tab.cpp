@@ -12,8 +12,6 @@ namespace orvo {
 
 namespace {
 
-enum NameIndex { TableName = 12, ComponentRelationName = 14 };
-
 /// The current type takes its values from a column of a table.
 bool isTableColumn() {
     if (isObjClassFieldTypeTNode()) return true;
@@ -58,11 +56,11 @@ bool solveAtCompId(int32_t token, std::string_view name) {
     const TNodeNr first{tNode.ref};
     if (!first) return false;
     if (token == TOK_NUMBER) {
-        if (kind != TYP_SEQOF && kind != TYP_SETOF) return false;
+        if (!is(kind, TypeClass::List)) return false;
         readRec(module, first);
         return true;
     }
-    if (kind != TYP_SEQ && kind != TYP_SET && kind != TYP_CHOICE) return false;
+    if (!is(kind, TypeClass::Members)) return false;
     return findTypeCompById(module, first, name);
 }
 
@@ -125,7 +123,7 @@ bool solveAt(ModuleRec* errors, SNodeNr list) {
     bool ok = true;
     while (list) {
         const bool solved = solveReference(errors, self.module, type, list);
-        if (!solved) recordSubRecError(errors, invalidConstraint(ComponentRelationName));
+        if (!solved) recordSubRecError(errors, invalidConstraint(SUBNAME_COMPONENT_RELATION));
         ok &= solved;
     }
     readRec(type);
@@ -138,13 +136,13 @@ bool solveAt(ModuleRec* errors, SNodeNr list) {
 bool subTableConstr(ModuleRec* module) {
     const SubRef self = currentRec<KIND_SUB>();
     if (!isTableColumn()) {
-        recordSubRecError(module, invalidConstraint(TableName),
+        recordSubRecError(module, invalidConstraint(SUBNAME_TABLE),
                           "Table constraint can be associated only with an ObjectClassFieldType.");
         return false;
     }
     bool ok = checkTable(VNodeNr{subRec.left});
     if (!ok)
-        recordSubRecError(module, invalidConstraint(TableName),
+        recordSubRecError(module, invalidConstraint(SUBNAME_TABLE),
                           "The ObjectSet in the table constraint is invalid.");
     const int32_t relation = signedWord(subRec.right);
     if (relation < 0) {

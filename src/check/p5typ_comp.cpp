@@ -43,10 +43,6 @@ template <typename Fn> bool forEachComponent(ModuleRec* module, uint32_t first, 
     return true;
 }
 
-bool isListType() {
-    return tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
-}
-
 bool isCompOf() {
     return magnitude(tNode.compStatus) == TCS_COMPOF;
 }
@@ -118,7 +114,7 @@ bool isTaggedComponents() {
 }
 
 bool isAutomatic() {
-    return !isListType() && tNode.typeCode != TYP_CLASS &&
+    return !is(tNode.typeCode, TypeClass::List) && tNode.typeCode != TYP_CLASS &&
            recState.currTPtr[KIND_TNODE]->automaticTags && !isTaggedComponents();
 }
 
@@ -344,7 +340,7 @@ bool checkStruType(ModuleRec* module) {
         tNode.checkFlags |= CF_EXTENSIBLE;
         count = std::min(count + 1, maxEntries);
     }
-    if (isListType()) p5State.lists.push_back(self);
+    if (is(tNode.typeCode, TypeClass::List)) p5State.lists.push_back(self);
     tNode.fieldSize = static_cast<int16_t>(count);
     writeRec(self);
     readRec(self);

@@ -12,19 +12,6 @@ namespace orvo {
 
 namespace {
 
-bool isEnclosing(uint8_t kind) {
-    switch (kind) {
-    case TYP_SEQ:
-    case TYP_SEQOF:
-    case TYP_SET:
-    case TYP_SETOF:
-    case TYP_CHOICE:
-    case TYP_CLASS:
-    case TYP_EXTADDGRP: return true;
-    default: return false;
-    }
-}
-
 /// Notes of each component of the current structure what it stands in.
 void noteComponents(ModuleRec* module, std::vector<uint32_t>& enclosing) {
     const uint32_t structure = recState.recJustRead[KIND_TNODE].nr;
@@ -67,7 +54,7 @@ void noteEnclosing(ModuleRec* module) {
     for (uint32_t nr = 1; nr < enclosing.size(); ++nr) {
         if (!recExists(module, KIND_TNODE, nr)) continue;
         readRec(module, TNodeNr{nr});
-        if (isEnclosing(tNode.typeCode)) noteComponents(module, enclosing);
+        if (is(tNode.typeCode, TypeClass::Enclosing)) noteComponents(module, enclosing);
     }
 }
 

@@ -13,16 +13,12 @@ namespace orvo {
 
 namespace {
 
-bool hasIgnorableParts(uint8_t kind) {
-    return kind >= TYP_SEQ && kind <= TYP_CHOICE;
-}
-
 /// What the current record refers to: the next type on the way of a reference, selection or field,
 /// and the components of a structure (those of extension addition groups through the group).
 std::vector<TNodeRef> referredTypes() {
     const TNodeRef self = currentRec<KIND_TNODE>();
     std::vector<TNodeRef> types;
-    if (hasIgnorableParts(tNode.typeCode) || tNode.typeCode == TYP_EXTADDGRP) {
+    if (is(tNode.typeCode, TypeClass::Enclosing) && tNode.typeCode != TYP_CLASS) {
         forEachTNodeByMod(self.module, TNodeNr{tNode.ref}, [&] {
             if (tNode.typeCode != TYP_EXTENSION_MARKER) types.push_back(currentRec<KIND_TNODE>());
         });
@@ -86,17 +82,13 @@ void markIgnorables() {
 
 namespace {
 
-bool isListType() {
-    return tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
-}
-
 /// The list that is the element of a list, references followed; none for other elements. It is
 /// current afterwards.
 TNodeRef elementListOf(TNodeRef list) {
     readRec(list);
     readRec(list.module, TNodeNr{tNode.ref});
     skipTypes(true);
-    return isListType() ? currentRec<KIND_TNODE>() : TNodeRef{};
+    return is(tNode.typeCode, TypeClass::List) ? currentRec<KIND_TNODE>() : TNodeRef{};
 }
 
 /// What the element of a list makes of it.

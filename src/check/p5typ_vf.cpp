@@ -149,10 +149,6 @@ void setNumberVF(ValueField& field) {
     setNumberType(field, lower, upper, tNode.typeCode);
 }
 
-bool isListType() {
-    return tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
-}
-
 /// Inside an instance the line is one of who instantiated.
 ModuleRec* moduleForErrors() {
     return actErrModPtr(recState.currTPtr[KIND_TNODE], tNode.actParRec);
@@ -186,7 +182,7 @@ bool isSizeLimitOK(const Range& sizes) {
 /// Segmented, dynamic or an array, by directives and limits; what the choice overrides is warned
 /// of.
 uint8_t representation(const Range& sizes, std::string_view& changedTo) {
-    const bool isList = isListType();
+    const bool isList = is(tNode.typeCode, TypeClass::List);
     const int64_t segmented = isList ? options().segListLim : options().segStrLim;
     const int64_t dynamic = isList ? options().dynListLim : options().dynStrLim;
     if ((tNode.optFlags & OPTF_SEG) != 0 ||
@@ -351,9 +347,7 @@ void setVFByKind(ValueField& field) {
         field = {(tNode.optFlags & OPTF_FRAME) != 0 ? VFK_FRAME : VFK_OPEN, SIZE_NONE};
         break;
     default:
-        if (tNode.typeCode == TYP_BITSTR || tNode.typeCode == TYP_OCTSTR || isListType() ||
-            (tNode.typeCode >= TYP_NUMSTR && tNode.typeCode <= TYP_UNISTR) ||
-            tNode.typeCode == TYP_OBJDESCR)
+        if (is(tNode.typeCode, TypeClass::Sized))
             setStringOrListVF(field);
         else
             field = {VFK_STRUCTURE, SIZE_NONE};

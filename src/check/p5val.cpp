@@ -113,18 +113,14 @@ bool failValue(const ValueErrors& errors, const CheckedValue& value, Msg code,
 namespace {
 
 bool isReferenceType(uint8_t code) {
-    return code == TYP_SYNONYM || code == TYP_SELECTION || code == TYP_FIELDLIST;
+    return is(code, TypeClass::Reference);
 }
 bool isSet(const CheckedValue& value) {
     return (value.rec.vflags & VF_SET) != 0;
 }
 
-bool isStringKind(uint8_t kind) {
-    return (kind >= TYP_NUMSTR && kind <= TYP_UTCTIME) || kind == TYP_OBJDESCR;
-}
 bool hasComponents(uint8_t kind) {
-    return isStructured(kind) || kind == TYP_EMB_PDV || kind == TYP_CHASTR ||
-           kind == TYP_EXTERNAL_1990 || kind == TYP_EXTERNAL_1994 || isClassCode(kind);
+    return isStructured(kind) || is(kind, TypeClass::Associated) || isClassCode(kind);
 }
 
 /// Checks the current type unless that was done; the result is the type's own affair.
@@ -200,7 +196,7 @@ bool checkValNodeWithSynonymGovernor(const ValueErrors& errors, CheckedValue& va
 bool checkSynonymValNode(const ValueErrors& errors, const CheckedValue& value) {
     const TNodeRef type = currentRec<KIND_TNODE>();
     const uint8_t kind = tNode.typeCode;
-    const Msg code = kind == TYP_ABSTR_STX ? Msg::InvalidObject : invalidValue(kind);
+    const Msg code = invalidValue(kind);
     if (value.rec.valCode == TYP_SYNONYM || value.rec.valCode == TYP_FIELDLIST)
         return failValue(errors, value, code);
     ModuleRec* governor = value.rec.govTypeMod == 0
@@ -218,10 +214,9 @@ bool isOfKind(const CheckedValue& value) {
     const uint8_t valCode = value.rec.valCode;
     if (kind == valCode || valCode == TYP_OPEN) return true;
     if (kind == TYP_ENUM) return valCode == TYP_INTEGER;
-    if (kind == TYP_BITSTR || kind == TYP_OCTSTR)
-        return valCode == TYP_BITSTR || valCode == TYP_OCTSTR;
+    if (is(kind, TypeClass::Bits)) return is(valCode, TypeClass::Bits);
     const bool mayDiffer = value.isReference || value.isCharacter;
-    return mayDiffer && isStringKind(kind) && isStringKind(valCode);
+    return mayDiffer && is(kind, TypeClass::StringGroup) && is(valCode, TypeClass::StringGroup);
 }
 
 bool checkForm(const ValueErrors& errors, const CheckedValue& value) {
@@ -307,7 +302,8 @@ namespace {
 /// Component relations do not reach beyond an assignment: it is a structured value whose type is a
 /// type assignment.
 bool isOutermost(const CheckedValue& value) {
-    if (value.rec.valCode < TYP_SEQ || value.rec.valCode > TYP_CHOICE) return false;
+    const uint8_t kind = value.rec.valCode;
+    if (!is(kind, TypeClass::Members) && !is(kind, TypeClass::List)) return false;
     const KeepRec<KIND_TNODE> keep;
     skipTypes(true);
     return magnitude(tNode.compStatus) == TCS_HEADER;

@@ -20,12 +20,8 @@ namespace {
 /// Unions of more operands are looked up.
 constexpr uint32_t longUnion = 16;
 
-/// Index of a constraint kind in the names of messages.
-int nameIndex(uint8_t subKind) {
-    return subKind >= SUB_RANGE ? subKind - SUB_RANGE + 5 : subKind - SUB_UNION;
-}
 bool failConstr(const ValueErrors& errors, const CheckedValue& value, uint8_t subKind) {
-    return failValue(errors, value, valueOutOfConstraint(nameIndex(subKind)));
+    return failValue(errors, value, valueOutOfConstraint(subName(subKind)));
 }
 
 /// Tells the records apart that values stand at.
@@ -64,7 +60,7 @@ bool isSimple(uint8_t kind) {
     case TYP_ENUM:
     case TYP_REAL:
     case TYP_OBJID: return true;
-    default: return kind >= TYP_NUMSTR && kind <= TYP_UNISTR;
+    default: return is(kind, TypeClass::Text);
     }
 }
 
@@ -151,21 +147,15 @@ bool valAllExcept(const ValueErrors& errors, const CheckedValue& value) {
 
 // ---- elements
 
-bool isStringKind(uint8_t kind) {
-    return (kind >= TYP_NUMSTR && kind <= TYP_UTCTIME) || kind == TYP_OBJDESCR;
-}
-bool isNarrowKind(uint8_t kind) {
-    return isStringKind(kind) && kind != TYP_BMPSTR && kind != TYP_UNISTR;
-}
 /// Two kinds of character strings whose characters are the same.
 bool isSameWidth(uint8_t a, uint8_t b) {
-    return a == b || (isNarrowKind(a) && isNarrowKind(b));
+    return a == b || (is(a, TypeClass::Narrow) && is(b, TypeClass::Narrow));
 }
 
 /// The value lies on the inner side of an endpoint, or there is none on that side.
 bool isInside(const CheckedValue& value, Endpoint end, bool upper) {
     const uint8_t kind = value.rec.valCode;
-    if (isStringKind(kind)) {
+    if (is(kind, TypeClass::StringGroup)) {
         if (!isSameWidth(kind, end.value.valCode)) return false;
         end.value.valCode = kind;
     }
@@ -187,7 +177,7 @@ bool valRange(const CheckedValue& value) {
 
 bool valPermittedAlphabet(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef inner = operandsOf(currentSub());
-    if (!inner || !isStringKind(value.rec.valCode)) return false;
+    if (!inner || !is(value.rec.valCode, TypeClass::StringGroup)) return false;
     for (const char32_t character : distinctChars(value.module, value.rec)) {
         CheckedValue part = partOf(value, value.rec.valCode);
         // An alphabet inside an alphabet is about the same character again.
@@ -208,7 +198,7 @@ bool valPermittedAlphabet(const ValueErrors& errors, const CheckedValue& value) 
 uint64_t sizeOf(const CheckedValue& value) {
     if (!value.nr) return makeRestrCharStriSeg(value.module, value.rec, nullptr);
     readRec(value.module, value.nr);
-    if (vNode.valCode != TYP_SEQOF && vNode.valCode != TYP_SETOF) return getAnyStringLength();
+    if (!is(vNode.valCode, TypeClass::List)) return getAnyStringLength();
     uint32_t count = 0;
     for (VNodeNr nr{vNode.ref}; nr && count < value.module->nextRecNr[KIND_VNODE]; ++count) {
         readRec(value.module, nr);
@@ -266,9 +256,10 @@ bool valSingleValue(const CheckedValue& value) {
     if (operand.id == value.id) return true;
     if (value.isCharacter) return isInAlphabet(sub, value, operand);
     const uint8_t kind = value.rec.valCode;
-    const auto isBits = [](uint8_t code) { return code == TYP_BITSTR || code == TYP_OCTSTR; };
-    if (isBits(kind) && isBits(operand.rec.valCode)) return equalBits(value, operand);
-    if (isStringKind(kind) && isSameWidth(kind, operand.rec.valCode)) operand.rec.valCode = kind;
+    if (is(kind, TypeClass::Bits) && is(operand.rec.valCode, TypeClass::Bits))
+        return equalBits(value, operand);
+    if (is(kind, TypeClass::StringGroup) && isSameWidth(kind, operand.rec.valCode))
+        operand.rec.valCode = kind;
     return kind == operand.rec.valCode &&
            compareValue(value.module, value.rec, operand.module, operand.rec) == 0;
 }
@@ -328,8 +319,7 @@ bool checkElements(const ValueErrors& errors, const CheckedValue& value, SubRef 
 bool valWithComp(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef inner = operandsOf(currentSub());
     skipTypes(true);
-    if ((tNode.typeCode != TYP_SEQOF && tNode.typeCode != TYP_SETOF) || tNode.ref == 0 || !inner)
-        return false;
+    if (!is(tNode.typeCode, TypeClass::List) || tNode.ref == 0 || !inner) return false;
     readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
     return checkElements(errors, value, inner);
 }
@@ -356,17 +346,9 @@ bool presencesAreKept(const CheckedValue& value, SubRef first, std::set<std::str
 /// The current type becomes the structure whose components are restricted.
 void readRestrictedStructure() {
     skipTypes(true);
-    switch (tNode.typeCode) {
-    case TYP_EMB_PDV:
-    case TYP_CHASTR:
-    case TYP_EXTERNAL_1990:
-    case TYP_EXTERNAL_1994:
-        if (run.iso8824MP == nullptr) return;
-        readRec(run.iso8824MP, TNodeNr{tNode.typeCode});
-        skipTypes(true);
-        return;
-    default: return;
-    }
+    if (!is(tNode.typeCode, TypeClass::Associated) || run.iso8824MP == nullptr) return;
+    readRec(run.iso8824MP, TNodeNr{tNode.typeCode});
+    skipTypes(true);
 }
 
 bool valWithComps(const CheckedValue& value) {

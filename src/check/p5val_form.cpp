@@ -57,8 +57,7 @@ bool isTypeThere(const ValueErrors& errors, const CheckedValue& value) {
     if (!readTypeSetting()) return false;
     if (checksParts(errors, value)) static_cast<void>(checkTNode());
     skipTypes(true);
-    return tNode.typeCode != TYP_SYNONYM && tNode.typeCode != TYP_SELECTION &&
-           tNode.typeCode != TYP_FIELDLIST;
+    return !is(tNode.typeCode, TypeClass::Reference);
 }
 
 /// A value written as Type : value holds that value, which is checked with it. Relations in its
@@ -86,7 +85,7 @@ bool checkCharacters(const ValueErrors& errors, const CheckedValue& value) {
     const std::u32string_view alphabet = tNode.typeCode == TYP_NUMSTR ? numeric : printable;
     const std::u32string chars = distinctChars(value.module, value.rec);
     if (chars.find_first_not_of(alphabet) == std::u32string::npos) return true;
-    return failValue(errors, value, valueOutOfConstraint(6));
+    return failValue(errors, value, valueOutOfConstraint(SUBNAME_PERMITTED_ALPHABET));
 }
 
 } // namespace orvo

@@ -227,7 +227,7 @@ bool checkChaStrVal(const ValueErrors& errors, const CheckedValue& value) {
         notation.rec.ref != 0)
         notation = checkedValue({notation.module, VNodeNr{notation.rec.ref}});
     const uint8_t kind = notation.rec.valCode;
-    if (kind >= TYP_NUMSTR && kind <= TYP_UTCTIME) return true;
+    if (is(kind, TypeClass::StringGroup) && kind != TYP_OBJDESCR) return true;
     return failValue(errors, value, invalidValue(TYP_CHASTR));
 }
 

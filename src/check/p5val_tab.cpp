@@ -17,8 +17,6 @@ namespace orvo {
 
 namespace {
 
-enum NameIndex { tableName = 12, componentRelationName = 14 };
-
 /// Said once a run.
 void sorry() {
     if (p5ValState.sorrySaid || run.verboseEx <= 1) return;
@@ -260,7 +258,7 @@ bool readEnclosing(const CheckedValue& value, bool innermost) {
 /// The n-th element of the list in `vNode`, from 1.
 Reached valAtElement(uint64_t number) {
     ModuleRec* module = recState.currTPtr[KIND_VNODE];
-    if (vNode.valCode != TYP_SEQOF && vNode.valCode != TYP_SETOF) return Reached::Nowhere;
+    if (!is(vNode.valCode, TypeClass::List)) return Reached::Nowhere;
     uint64_t place = 0;
     for (VNodeNr nr{vNode.ref}; nr && place < module->nextRecNr[KIND_VNODE];) {
         readRec(module, nr);
@@ -279,7 +277,7 @@ Reached valAtCompId(ModuleRec* module) {
     std::string name;
     if (!fieldName(module, name)) return Reached::Nowhere;
     const uint8_t kind = vNode.valCode;
-    if (kind != TYP_SEQ && kind != TYP_SET && kind != TYP_CHOICE) return Reached::Nowhere;
+    if (!is(kind, TypeClass::Members)) return Reached::Nowhere;
     ModuleRec* owner = recState.currTPtr[KIND_VNODE];
     return findValueCompById(owner, VNodeNr{vNode.ref}, name) ? Reached::Value : Reached::Absent;
 }
@@ -373,7 +371,7 @@ bool valTableConstr(const ValueErrors& errors, const CheckedValue& value) {
     }
     FieldPath path;
     if (subRec.left == 0 || !fieldPath(path))
-        return failValue(errors, value, valueOutOfConstraint(tableName));
+        return failValue(errors, value, valueOutOfConstraint(SUBNAME_TABLE));
     const TableIndex& table = objSetFieldsToList(sub, path);
     if (table.met) return true;
     const SNodeNr list{relation > 0 ? magnitude(relation) : 0};
@@ -381,7 +379,7 @@ bool valTableConstr(const ValueErrors& errors, const CheckedValue& value) {
     const bool agrees = anyAgrees(errors, table, value);
     if (agrees && !list) return true;
     return failValue(errors, value,
-                     valueOutOfConstraint(agrees ? componentRelationName : tableName));
+                     valueOutOfConstraint(agrees ? SUBNAME_COMPONENT_RELATION : SUBNAME_TABLE));
 }
 
 } // namespace orvo

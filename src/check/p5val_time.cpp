@@ -71,9 +71,7 @@ bool checkTimeVal(const ValueErrors& errors, const CheckedValue& value) {
     const uint8_t kind = tNode.typeCode;
     const bool generalized = kind == TYP_GENTIME;
     const uint8_t code = value.rec.valCode;
-    const bool isNarrow = (code >= TYP_NUMSTR && code <= TYP_GENSTR) || code == TYP_GENTIME ||
-                          code == TYP_UTCTIME || code == TYP_OBJDESCR;
-    const bool isLiteral = isNarrow && value.rec.ref == 0;
+    const bool isLiteral = is(code, TypeClass::Narrow) && value.rec.ref == 0;
     TimeText text;
     if (isLiteral && value.rec.val.str.striLen != 0)
         text.rest = getStri(value.module, int64_t{value.rec.val.str.stri});

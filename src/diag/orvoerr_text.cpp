@@ -1,5 +1,5 @@
-// One formatter per family of codes; the first that knows a code makes its text. Families come
-// before the table, so a code that stands in both reads as its family says.
+// One formatter per family of codes; the first that knows a code makes its text. The table of the
+// messages comes first: a code that also stands in a table of types is worded there.
 
 #include "diag/orvoerr_text.h"
 
@@ -16,42 +16,70 @@ constexpr int maxDigits = 19;
 constexpr int maxStringLength = 32000;
 constexpr int maxNameLength = 128;
 
-/// ASN.1 name of a type code; null outside the table and for types without one.
-const char* asnNameOf(int typeCode) {
-    return typeCode >= 0 && typeCode < typeCount ? typeArr[typeCode].asnName : nullptr;
-}
-
 bool isIn(int code, int first, int last) {
     return code >= first && code <= last;
 }
 
+/// The row of a table that names a message in a column; null without one. 0 stands for none.
+template <typename Row, size_t size>
+const Row* rowOf(const Row (&table)[size], int code, int16_t Row::*column) {
+    const Row* row = std::ranges::find(table, code, column);
+    return code == 0 || row == std::end(table) ? nullptr : row;
+}
+
+/// A number of a column is worded by the table of messages, or else by its row alone.
+constexpr bool isWordedOnce(int code) {
+    const auto sameAs = [code](const auto& number) { return number == code; };
+    const auto rows = std::ranges::count_if(typeArr, sameAs, &TypeRow::valueSyntax) +
+                      std::ranges::count_if(typeArr, sameAs, &TypeRow::invalid) +
+                      std::ranges::count_if(subNameArr, sameAs, &SubNameRow::invalid) +
+                      std::ranges::count_if(subNameArr, sameAs, &SubNameRow::outOf);
+    return rows == 1 || code == 0 ||
+           std::ranges::count(errorList, static_cast<Msg>(code), &MessageText::code) == 1;
+}
+static_assert(std::ranges::all_of(typeArr, isWordedOnce, &TypeRow::valueSyntax));
+static_assert(std::ranges::all_of(typeArr, isWordedOnce, &TypeRow::invalid));
+static_assert(std::ranges::all_of(subNameArr, isWordedOnce, &SubNameRow::invalid));
+static_assert(std::ranges::all_of(subNameArr, isWordedOnce, &SubNameRow::outOf));
+
+bool printTableError(Msg code, std::string& text) {
+    const MessageText* row = std::ranges::find(errorList, code, &MessageText::code);
+    if (row == std::end(errorList)) return false;
+    text = row->text;
+    return true;
+}
+
 bool printValueSyntaxError(int code, std::string& text) {
-    const int typeCode = code - 200;
-    if (!isIn(code, 200, 239) || asnNameOf(typeCode) == nullptr) return false;
-    switch (code) {
-    case 236: text = "Object syntax"; break;
-    case 237: text = "TYPE-IDENTIFIER object syntax"; break;
-    case 238: text = "ABSTRACT-SYNTAX object syntax"; break;
-    default: text = concat(asnNameOf(typeCode), " value syntax");
-    }
+    constexpr int abstractSyntaxValue = 239; // has a text, though the table gives it to no type
+    const TypeRow* row = code == abstractSyntaxValue ? &typeArr[TYP_ABSTR_STX]
+                                                     : rowOf(typeArr, code, &TypeRow::valueSyntax);
+    if (row == nullptr) return false;
+    const bool isObject = is(row->code, TypeClass::Class) && code != abstractSyntaxValue;
+    if (row->code == TYP_CLASS)
+        text = "Object syntax";
+    else
+        text = concat(row->asnName, isObject ? " object syntax" : " value syntax");
     return true;
 }
 
 bool printInvalidConstraintError(int code, std::string& text) {
-    if (!isIn(code, 300, 317)) return false;
-    text = concat("Invalid ", subNameArr[code - 300], code == 315 ? "" : " constraint(s)");
+    const SubNameRow* row = rowOf(subNameArr, code, &SubNameRow::invalid);
+    if (row == nullptr) return false;
+    text = concat("Invalid ", row->name, row->kind == SUB_EXCEPTION ? "" : " constraint(s)");
     return true;
 }
 
 bool printValueOutOfConstraintError(int code, std::string& text) {
-    if (!isIn(code, 320, 335)) return false;
-    text = concat("Value out of ", subNameArr[code - 320], " constraint(s)");
+    const SubNameRow* row = rowOf(subNameArr, code, &SubNameRow::outOf);
+    if (row == nullptr) return false;
+    text = concat("Value out of ", row->name, " constraint(s)");
     return true;
 }
 
 bool printInvalidValueError(int code, std::string& text) {
-    if (!isIn(code, 340, 378) || asnNameOf(code - 340) == nullptr) return false;
-    text = concat("Invalid ", asnNameOf(code - 340), " value");
+    const TypeRow* row = rowOf(typeArr, code, &TypeRow::invalid);
+    if (row == nullptr) return false;
+    text = concat("Invalid ", row->asnName, " value");
     return true;
 }
 
@@ -123,11 +151,7 @@ bool printNonDistinctTagError(const ErrRec& record, std::string& text) {
 }
 
 void printOtherError(Msg code, std::string& text) {
-    const auto* row = std::ranges::find(errorList, code, &MessageText::code);
-    if (row != std::end(errorList))
-        text = row->text;
-    else
-        text = concat("Error code ", std::to_string(static_cast<int>(code)));
+    text = concat("Error code ", std::to_string(static_cast<int>(code)));
 }
 
 void printExtraErrorInfo(const ErrRec& record, std::string& text) {
@@ -146,8 +170,9 @@ std::string messageText(const ErrRec& record) {
     }
     if (record.code == Msg::None && record.hasDetail) return record.detail + "\n"; // text alone
     const bool known =
-        printValueSyntaxError(code, text) || printInvalidConstraintError(code, text) ||
-        printValueOutOfConstraintError(code, text) || printInvalidValueError(code, text) ||
+        printTableError(record.code, text) || printValueSyntaxError(code, text) ||
+        printInvalidConstraintError(code, text) || printValueOutOfConstraintError(code, text) ||
+        printInvalidValueError(code, text) ||
         printImplicitTaggingNotAllowedError(record.code, text) ||
         printTokenExpectedError(code, text) || printTooManyDigitsError(record.code, text) ||
         printTooManyCharactersError(record.code, text) ||

@@ -12,8 +12,9 @@
 
 namespace orvo {
 
-/// Numbers of the messages. Codes of the families below the table (syntax errors of values, token
-/// expected, constraints) are made by the functions that follow.
+/// Numbers of the messages. Those of the families (syntax errors of values, invalid values,
+/// constraints, token expected) are given by the functions that follow; they stand in the tables of
+/// the types and of the constraints.
 enum class Msg : int32_t {
     None = 0,
     SyntaxError = 10,
@@ -45,20 +46,20 @@ enum ErrClass : int32_t { ERR_NONE = 0, ERR_WARNING = 1, ERR_SEMANTIC = 2, ERR_S
 inline constexpr const char* errClassNames[] = {"No error", "Warning", "Error", "Syntax error"};
 
 /// "%s value syntax" of a type code, for example 201 "INTEGER value syntax".
-constexpr Msg valueSyntax(int typeCode) {
-    return static_cast<Msg>(200 + typeCode);
-}
-/// "Invalid %s constraint(s)", by index of subNameArr.
-constexpr Msg invalidConstraint(int nameIndex) {
-    return static_cast<Msg>(300 + nameIndex);
-}
-/// "Value out of %s constraint(s)", by index of subNameArr.
-constexpr Msg valueOutOfConstraint(int nameIndex) {
-    return static_cast<Msg>(320 + nameIndex);
+constexpr Msg valueSyntax(uint8_t typeCode) {
+    return static_cast<Msg>(typeArr[typeCode].valueSyntax);
 }
 /// "Invalid %s value" of a type code.
-constexpr Msg invalidValue(int typeCode) {
-    return static_cast<Msg>(340 + typeCode);
+constexpr Msg invalidValue(uint8_t typeCode) {
+    return static_cast<Msg>(typeArr[typeCode].invalid);
+}
+/// "Invalid %s constraint(s)".
+constexpr Msg invalidConstraint(SubName name) {
+    return static_cast<Msg>(subNameArr[name].invalid);
+}
+/// "Value out of %s constraint(s)".
+constexpr Msg valueOutOfConstraint(SubName name) {
+    return static_cast<Msg>(subNameArr[name].outOf);
 }
 /// "'%s' expected" of a token code.
 constexpr Msg tokenExpected(int tokenCode) {

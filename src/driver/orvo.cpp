@@ -43,8 +43,7 @@ bool hasErrors(const ModuleRec& module) {
     return module.nbStxErrors != 0 || module.nbSemErrors != 0;
 }
 
-// ---- start
-// ------------------------------------------------------------------------------------------
+// ---- start --------------------------------------------------------------------------------------
 
 void initGlobVars() {
     getTimeStamp(run.timeStamp);
@@ -109,8 +108,7 @@ void initPass1Vars(int argc, char** argv, bool builtIn) {
     clearPass1Fields(*cMP);
 }
 
-// ---- the built-in module
-// ----------------------------------------------------------------------------
+// ---- the built-in module ------------------------------------------------------------------------
 
 /// Any diagnostic about the built-in module is a defect of the compiler itself.
 void checkInternal(std::string_view detail) {
@@ -159,8 +157,7 @@ void passFiveInternal() {
     passInternal(passFive, "Pass five for ISO8824");
 }
 
-// ---- the passes over the user modules
-// ---------------------------------------------------------------
+// ---- the passes over the user modules -----------------------------------------------------------
 
 void passOne(int argc, char** argv) {
     forEachModule([argc, argv] {
@@ -225,8 +222,7 @@ bool allModulesSolved() {
     return true;
 }
 
-// ---- listings, trees, summary
-// -----------------------------------------------------------------------
+// ---- listings, trees, summary -------------------------------------------------------------------
 
 void openListing() {
     OptionBlock& options = cMP->options;

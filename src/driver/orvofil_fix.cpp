@@ -12,7 +12,7 @@
 
 namespace orvo {
 
-// ---- referenced modules ---------------------------------------------------------------------
+// ---- referenced modules -------------------------------------------------------------------------
 
 ModRef* createPicRec(ModRefList& list, std::string_view name, ModuleRec* target, uint32_t number) {
     ModRef* ref = list.refs.emplace_back(std::make_unique<ModRef>()).get();
@@ -54,7 +54,7 @@ void dropPicRecs(ModRefList& list, size_t keep) {
     (list.modRefLast != nullptr ? list.modRefLast->next : list.modRefFirst) = nullptr;
 }
 
-// ---- option records -------------------------------------------------------------------------
+// ---- option records -----------------------------------------------------------------------------
 
 void optionToUpper(std::string& text) {
     for (size_t at = 1; at < text.size() && text[at] != '='; ++at) text[at] = toUpper(text[at]);
@@ -90,7 +90,7 @@ std::string_view tedText(ModuleRec* module) {
     return text.substr(text.empty() ? 0 : 1);
 }
 
-// ---- naming options -------------------------------------------------------------------------
+// ---- naming options -----------------------------------------------------------------------------
 
 namespace {
 
@@ -237,7 +237,7 @@ void updateEntryOption(FixRec& record, std::string_view entryValue, std::string_
     record.fixName = rest;
 }
 
-// ---- look-up --------------------------------------------------------------------------------
+// ---- look-up ------------------------------------------------------------------------------------
 
 size_t compareNames(std::string_view a, std::string_view b) {
     const auto plain = [](char c) { return c == '-' ? '_' : c; };
@@ -263,7 +263,7 @@ const FixList& fixRecForKind(const OptionBlock& block, FixKind kind) {
     return block.naming[kind == FIX_VALUE2 ? FIX_VALUE : kind];
 }
 
-// ---- the name of an item --------------------------------------------------------------------
+// ---- the name of an item ------------------------------------------------------------------------
 
 namespace {
 

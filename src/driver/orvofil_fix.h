@@ -13,8 +13,7 @@
 
 namespace orvo {
 
-// ---- referenced modules
-// -----------------------------------------------------------------------------
+// ---- referenced modules -------------------------------------------------------------------------
 
 /// A new entry at the end of a list of referenced modules, entered into the list's indices as far
 /// as name, target and number (0 = none) are given. An index keeps the first entry of a key.
@@ -25,8 +24,7 @@ ModRef* findPicRec(const ModRefList& list, std::string_view name);
 /// Forgets all entries but the first `keep` ones, in the indices too (a trial parse taken back).
 void dropPicRecs(ModRefList& list, size_t keep);
 
-// ---- option records
-// ---------------------------------------------------------------------------------
+// ---- option records -----------------------------------------------------------------------------
 
 /// Converts the name of an option - from the second character to the first "=" - to upper case.
 void optionToUpper(std::string& text);
@@ -44,8 +42,7 @@ template <typename Fn> void forEachTedRec(OptRange range, Fn&& fn) {
         fn(TedNr{static_cast<uint32_t>(nr)});
 }
 
-// ---- naming options
-// ---------------------------------------------------------------------------------
+// ---- naming options -----------------------------------------------------------------------------
 
 /// A naming prefix and the kind of item it names; "VS" stands before "V" as the first match wins.
 struct NameOptPref {
@@ -83,8 +80,7 @@ const NameOptPref* findNameOption(std::string_view text);
 void updateNamingOption(FixRec& record, std::string_view suboption, std::string_view value);
 void updateEntryOption(FixRec& record, std::string_view entryValue, std::string_view rest);
 
-// ---- look-up
-// ----------------------------------------------------------------------------------------
+// ---- look-up ------------------------------------------------------------------------------------
 
 /// Number of leading characters in which the names agree; "-" and "_" are equal.
 size_t compareNames(std::string_view a, std::string_view b);
@@ -97,8 +93,7 @@ const FixRec* findFixRecByEntryTypeName(const FixList& list, std::string_view na
 FixList& fixRecForKind(OptionBlock& block, FixKind kind);
 const FixList& fixRecForKind(const OptionBlock& block, FixKind kind);
 
-// ---- the name of an item
-// ----------------------------------------------------------------------------
+// ---- the name of an item ------------------------------------------------------------------------
 
 /// Name and option records of the node in the buffer that the kind applies to (TNode or VNode). The
 /// range is empty unless the node accepted option comments of kind 3.

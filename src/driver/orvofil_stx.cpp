@@ -71,13 +71,11 @@ std::span<const uint8_t> valueUnits(uint8_t valCode) {
     switch (valCode) {
     case TYP_BOOLEAN: return booleUnits;
     case TYP_REAL: return realUnits;
-    case TYP_BITSTR:
-    case TYP_OCTSTR:
     case TYP_OBJID: return striUnits; // the arcs, as a string
     default: break;
     }
-    const bool isText = valCode >= TYP_NUMSTR && valCode <= TYP_UTCTIME;
-    return isText || valCode == TYP_OBJDESCR ? striUnits : std::span<const uint8_t>();
+    const bool isString = is(valCode, TypeClass::Bits) || is(valCode, TypeClass::StringGroup);
+    return isString ? striUnits : std::span<const uint8_t>();
 }
 
 std::span<const uint8_t> unitsOf(RecKind kind, const Field& field, const char* record) {

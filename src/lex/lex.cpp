@@ -44,7 +44,7 @@ constinit const CharTable charTable = makeCharTable();
 
 namespace {
 
-// ---- the text ---------------------------------------------------------------------------------
+// ---- the text -----------------------------------------------------------------------------------
 
 void readSourceFile(std::string& text) {
     constexpr size_t firstBlock = 65536;
@@ -75,7 +75,7 @@ void skipSpace() {
     lexState.Inp = at;
 }
 
-// ---- names and numbers ------------------------------------------------------------------------
+// ---- names and numbers --------------------------------------------------------------------------
 
 /// A name with a hyphen or one that is too long, in strBuf; it ends at `end`.
 std::string_view rewriteName(const char* from, const char* end) {
@@ -166,7 +166,7 @@ int32_t readNumber() {
     return TOK_NUMBER;
 }
 
-// ---- tokens -----------------------------------------------------------------------------------
+// ---- tokens -------------------------------------------------------------------------------------
 
 /// Steps over `length` characters, which are the token `code`.
 int32_t symbol(int32_t code, int length) {

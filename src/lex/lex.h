@@ -48,7 +48,7 @@ void endInput();
 /// Code of a reserved word or, in a source file, of a type name; -1 when the name is neither.
 [[nodiscard]] int32_t searchKeywords(std::string_view name);
 
-// ---- for the units of the lexer ---------------------------------------------------------------
+// ---- for the units of the lexer -----------------------------------------------------------------
 
 enum CharClass : uint8_t {
     CHAR_UPPER = 1,

@@ -73,7 +73,7 @@ bool checkRow(const Evaluation& ev, const OptionEntry& entry) {
     return entry.row->check(use, *entry.row, entry.text().substr(entry.row->name.size()));
 }
 
-// ---- PREFIXLEN= -----------------------------------------------------------------------------
+// ---- PREFIXLEN= ---------------------------------------------------------------------------------
 
 void warnInconsistentPrefixLen(ModuleRec* module) {
     warn(module, "\nWARNING : Inconsistent PREFIXLEN option values for different modules."
@@ -98,7 +98,7 @@ void evaluatePass1(Evaluation& ev) {
     if (differs) warnInconsistentPrefixLen(ev.module);
 }
 
-// ---- PREFIX= --------------------------------------------------------------------------------
+// ---- PREFIX= ------------------------------------------------------------------------------------
 
 bool isComment(const OptionEntry& entry) {
     return entry.stored.starts_with('$');
@@ -151,7 +151,7 @@ void evaluatePass2(Evaluation& ev) {
     evaluateSharedPrefixes(ev, all.subspan(comments));
 }
 
-// ---- all others -----------------------------------------------------------------------------
+// ---- all others ---------------------------------------------------------------------------------
 
 /// An option in scope that is no scope mark.
 bool isValid(const Evaluation& ev, const OptionEntry& entry) {

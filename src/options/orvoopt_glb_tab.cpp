@@ -27,7 +27,7 @@ std::string_view nextPart(std::string_view& rest, char separator, bool& more) {
     return part;
 }
 
-// ---- plain values ---------------------------------------------------------------------------
+// ---- plain values -------------------------------------------------------------------------------
 
 bool accept(const OptUse&, const GlbOption&, std::string_view) {
     return true;
@@ -88,7 +88,7 @@ bool allow(const OptUse& use, const GlbOption&, std::string_view) {
     return true;
 }
 
-// ---- definition category --------------------------------------------------------------------
+// ---- definition category ------------------------------------------------------------------------
 
 /// The categories 1 to 3 generate tables and manage memory themselves.
 bool isTableCategory(uint8_t category) {
@@ -139,7 +139,7 @@ bool tableFunctions(const OptUse& use, const GlbOption& row, std::string_view va
     return byteOptionOK(value, row.min, use.block.tab, row.names, use.block.tabf);
 }
 
-// ---- lists of settings ----------------------------------------------------------------------
+// ---- lists of settings --------------------------------------------------------------------------
 
 /// Up to three settings separated by ":"; an empty one leaves its place as it is.
 template <uint8_t (OptionBlock::*field)[3]>
@@ -225,7 +225,7 @@ bool combine(const OptUse& use, const GlbOption&, std::string_view value) {
     return true;
 }
 
-// ---- options of other units -----------------------------------------------------------------
+// ---- options of other units ---------------------------------------------------------------------
 
 bool prefix(const OptUse& use, const GlbOption&, std::string_view value) {
     return prefixOptOK(use.module, value);
@@ -245,7 +245,7 @@ bool zov(const OptUse&, const GlbOption& row, std::string_view value) {
     return zovOptionOK(std::string(row.name).append(value));
 }
 
-// ---- the table ------------------------------------------------------------------------------
+// ---- the table ----------------------------------------------------------------------------------
 
 #define OPTION(name, stage, check, min, max, names, dflt, values, help)                            \
     {name, OptStage::stage, check, min, max, names, dflt, values, help},

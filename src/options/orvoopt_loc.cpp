@@ -14,7 +14,7 @@
 namespace orvo {
 namespace {
 
-// ---- the node -------------------------------------------------------------------------------
+// ---- the node -----------------------------------------------------------------------------------
 
 constexpr uint8_t entryGiven = 1U << 6; // bits of entryFlags
 constexpr uint8_t entryEncode = 1U << 2;
@@ -29,12 +29,10 @@ bool isHead() {
     return magnitude(tNode.compStatus) == TCS_HEADER;
 }
 bool isString() {
-    return tNode.typeCode == TYP_BITSTR || tNode.typeCode == TYP_OCTSTR ||
-           (tNode.typeCode >= TYP_NUMSTR && tNode.typeCode <= TYP_CHASTR) ||
-           tNode.typeCode == TYP_OBJDESCR;
+    return is(tNode.typeCode, TypeClass::LengthOption) && !is(tNode.typeCode, TypeClass::List);
 }
 bool isList() {
-    return tNode.typeCode == TYP_SEQOF || tNode.typeCode == TYP_SETOF;
+    return is(tNode.typeCode, TypeClass::List);
 }
 void setFlag(uint32_t flag, bool on) {
     if (on)
@@ -57,7 +55,7 @@ void markEntry(uint32_t kinds) {
     tNode.entryKinds = static_cast<uint8_t>(kinds);
 }
 
-// ---- the table ------------------------------------------------------------------------------
+// ---- the table ----------------------------------------------------------------------------------
 
 bool anyType() {
     return true;
@@ -66,7 +64,7 @@ template <uint8_t... codes> bool typeIs() {
     return ((tNode.typeCode == codes) || ...);
 }
 bool isStringOrList() {
-    return isString() || isList();
+    return is(tNode.typeCode, TypeClass::LengthOption);
 }
 bool sizeOK(std::string_view value) {
     return intSizeOptionOK(value, false, tNode.sizeOpt);
@@ -154,7 +152,7 @@ void rejectRecord(TedNr nr, uint32_t& rejected) {
     writeRec(cMP, nr);
 }
 
-// ---- directives -----------------------------------------------------------------------------
+// ---- directives ---------------------------------------------------------------------------------
 
 /// Sets the bit of the first of the kinds that was seen.
 bool takeFirst(uint32_t seen, std::initializer_list<uint8_t> kinds) {
@@ -198,7 +196,7 @@ std::span<const LocOption> locOptions() {
     return locOptionTable;
 }
 
-// ---- values ---------------------------------------------------------------------------------
+// ---- values -------------------------------------------------------------------------------------
 
 void evalEntryOption(std::string_view value) {
     uint32_t kinds = 0;
@@ -275,7 +273,7 @@ bool parseAnyOption(std::string_view value, std::string_view& typeName,
     return true;
 }
 
-// ---- types ----------------------------------------------------------------------------------
+// ---- types --------------------------------------------------------------------------------------
 
 bool localTypeOptionOK(uint8_t kind, std::string_view text) {
     if (kind == TED_REJECTED) return false;
@@ -324,7 +322,7 @@ void patchOpts(TNodeNr node, uint32_t& kindsSeen, OptRange& range) {
     kindsSeen = (kindsSeen & ~tNode.optFlags) | rejected;
 }
 
-// ---- values of assignments ------------------------------------------------------------------
+// ---- values of assignments ----------------------------------------------------------------------
 
 namespace {
 

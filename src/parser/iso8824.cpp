@@ -1,3 +1,7 @@
+// Invariants: type nodes 1 to 41 of the built-in module have the numbers of the type kinds; the
+// assignments of its text follow. What defines a kind has a hidden name there, which no source can
+// write, and the node of the kind is a synonym of it. All of the module is on line 1.
+
 #include "parser/iso8824.h"
 
 #include "diag/orvoerr_fatal.h"
@@ -8,10 +12,6 @@
 #include "tree/orvorec.h"
 #include "tree/types.h"
 #include "tree/types_compat.h"
-
-// Invariants: type nodes 1 to 41 of the built-in module have the numbers of the type kinds; the
-// assignments of its text follow. What defines a kind has a hidden name there, which no source can
-// write, and the node of the kind is a synonym of it. All of the module is on line 1.
 
 namespace orvo {
 

@@ -1,10 +1,10 @@
-#include "parser/iso8824_text.h"
-
-#include <iterator>
-
 // Joined as they stand the pieces are one line of text: every piece ends in a blank, but those that
 // end at a bar or an opening parenthesis of an alphabet. UniversalString is not defined: it is the
 // primitive base that addSynonym puts under the character string types.
+
+#include "parser/iso8824_text.h"
+
+#include <iterator>
 
 namespace orvo {
 namespace {

@@ -108,7 +108,7 @@ void parse(int argc, char** argv) {
     endInput();
 }
 
-// ---- tokens -----------------------------------------------------------------------------------
+// ---- tokens -------------------------------------------------------------------------------------
 
 void ReadIn() {
     ParserState& state = parserState;
@@ -184,7 +184,7 @@ bool MGIsInSet(const TokenSet& set) {
     return set.has(inp().code);
 }
 
-// ---- errors and recovery ----------------------------------------------------------------------
+// ---- errors and recovery ------------------------------------------------------------------------
 
 void MGError(int32_t expected) {
     ParserState& state = parserState;
@@ -240,7 +240,7 @@ bool NestingLevel::tooDeep() const {
     return true;
 }
 
-// ---- decisions by look-ahead ------------------------------------------------------------------
+// ---- decisions by look-ahead --------------------------------------------------------------------
 
 namespace {
 

@@ -63,7 +63,7 @@ class TokenSet {
 /// Pass 1 of the current module; its source file must be open.
 void parse(int argc, char** argv);
 
-// ---- tokens -----------------------------------------------------------------------------------
+// ---- tokens -------------------------------------------------------------------------------------
 
 /// Consumes the current token; the next one becomes current, and its lexical error is recorded.
 /// Options that no rule has taken give a warning. Nothing happens after StopParsing.
@@ -84,7 +84,7 @@ inline bool buildsTree() {
     return parserState.NbErrors == 0;
 }
 
-// ---- errors and recovery ----------------------------------------------------------------------
+// ---- errors and recovery ------------------------------------------------------------------------
 
 /// Reports a syntax error at the current token, one per token: the token `expected` is missing, or
 /// the current one is notAllowed or can be used onlyOnce.
@@ -109,7 +109,7 @@ class NestingLevel {
     Depth depth_;
 };
 
-// ---- decisions by look-ahead ------------------------------------------------------------------
+// ---- decisions by look-ahead --------------------------------------------------------------------
 
 /// Tells whether the current token begins a type inside deferred notation. `inBraces`: a bare
 /// typeid may be something else there and counts only before `.`, `(` or `:`. Settles the token's

@@ -1,3 +1,7 @@
+// Invariant: parserState.formalList is the symbol of the assignment being parsed. Its formal
+// parameters are attached to it when the header has been parsed, so references and deferred texts
+// of the header itself are looked through again then; those of the body meet them at once.
+
 #include "parser/parser_ass.h"
 
 #include "parser/parser.h"
@@ -10,10 +14,6 @@
 #include "tree/types.h"
 #include "tree/values.h"
 #include "util/guard.h"
-
-// Invariant: parserState.formalList is the symbol of the assignment being parsed. Its formal
-// parameters are attached to it when the header has been parsed, so references and deferred texts
-// of the header itself are looked through again then; those of the body meet them at once.
 
 namespace orvo {
 namespace {
@@ -41,7 +41,7 @@ void noteHeader(Assignment& assignment) {
     assignment.firstValue = nextRec<KIND_VNODE>(cMP);
 }
 
-// ---- the header, once the formal parameters are known -----------------------------------------
+// ---- the header, once the formal parameters are known -------------------------------------------
 
 void giveFormals(DNodeNr text, uint32_t formals) {
     if (!text) return;
@@ -94,7 +94,7 @@ void attachFormals(const Assignment& assignment) {
     }
 }
 
-// ---- values and objects -----------------------------------------------------------------------
+// ---- values and objects -------------------------------------------------------------------------
 
 /// Type of a value assignment
 void governingType(const Assignment& assignment) {
@@ -125,7 +125,7 @@ void valueAssignment() {
     takeValueOptions(assignment.valueHead);
 }
 
-// ---- types, classes and sets ------------------------------------------------------------------
+// ---- types, classes and sets --------------------------------------------------------------------
 
 /// Type `::=` `{` Set `}` behind the name of a value set or object set
 void setAssignment(const Assignment& assignment) {

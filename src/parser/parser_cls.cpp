@@ -1,3 +1,8 @@
+// Invariants: fields are chained as components are. The syntax nodes of a list are chained by
+// `next`; the elements of a group lie on a level of their own, whose last element has minus the
+// group's node, from which the outer list goes on. Field names and words are stored as the lexer
+// gives them: names of value fields negated.
+
 #include "parser/parser_cls.h"
 
 #include <algorithm>
@@ -10,11 +15,6 @@
 #include "tree/orvorec.h"
 #include "tree/types.h"
 #include "tree/values.h"
-
-// Invariants: fields are chained as components are. The syntax nodes of a list are chained by
-// `next`; the elements of a group lie on a level of their own, whose last element has minus the
-// group's node, from which the outer list goes on. Field names and words are stored as the lexer
-// gives them: names of value fields negated.
 
 namespace orvo {
 namespace {

@@ -1,3 +1,7 @@
+// Invariants: the nodes of a list are chained by `next`, which is stored when the token behind an
+// element shows that another one comes: it then is the next TNode of the module. The first element
+// is the TNode made next after the type got its code, as setTypeNode presumes.
+
 #include "parser/parser_comp.h"
 
 #include "diag/orvoerr.h"
@@ -8,10 +12,6 @@
 #include "tree/orvorec.h"
 #include "tree/types.h"
 #include "tree/values.h"
-
-// Invariants: the nodes of a list are chained by `next`, which is stored when the token behind an
-// element shows that another one comes: it then is the next TNode of the module. The first element
-// is the TNode made next after the type got its code, as setTypeNode presumes.
 
 namespace orvo {
 namespace {

@@ -42,7 +42,7 @@ void freeRange(const DNode& range) {
 
 } // namespace
 
-// ---- recording --------------------------------------------------------------------------------
+// ---- recording ----------------------------------------------------------------------------------
 
 bool isDeferring() {
     return parserState.deferred.count != noRange.count;
@@ -89,7 +89,7 @@ void deferToken(TokNr nr) {
     if (range.count < highestCount) ++range.count;
 }
 
-// ---- rules ------------------------------------------------------------------------------------
+// ---- rules --------------------------------------------------------------------------------------
 
 void MGR259DeferredType() {
     ReadIn(); // the marker, which goes into the range

@@ -1,3 +1,6 @@
+// Invariant: what the header and the clauses say about the module as a whole goes into its record
+// at once; symbols and nodes are made only while the module has no syntax error.
+
 #include "parser/parser_mod.h"
 
 #include "diag/orvoerr.h"
@@ -8,9 +11,6 @@
 #include "symtab/orvosym.h"
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
-
-// Invariant: what the header and the clauses say about the module as a whole goes into its record
-// at once; symbols and nodes are made only while the module has no syntax error.
 
 namespace orvo {
 namespace {

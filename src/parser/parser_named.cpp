@@ -1,3 +1,6 @@
+// Invariant: the value nodes of a list have consecutive numbers, the extension marker included, so
+// that a name's place in the list gives its node. Nothing else in a list makes value nodes.
+
 #include "parser/parser_named.h"
 
 #include "lex/i64.h"
@@ -7,9 +10,6 @@
 #include "symtab/orvosym.h"
 #include "tree/orvorec.h"
 #include "tree/values.h"
-
-// Invariant: the value nodes of a list have consecutive numbers, the extension marker included, so
-// that a name's place in the list gives its node. Nothing else in a list makes value nodes.
 
 namespace orvo {
 namespace {

@@ -1,3 +1,7 @@
+// Invariant: a rule leaves the value node it has filled as the current one, so that its caller can
+// link the next node to it. After a syntax error the rules only check the notation: every access to
+// a record stands behind buildsTree().
+
 #include "parser/parser_oid.h"
 
 #include <algorithm>
@@ -8,10 +12,6 @@
 #include "tree/orvorec.h"
 #include "tree/types.h"
 #include "tree/values.h"
-
-// Invariant: a rule leaves the value node it has filled as the current one, so that its caller can
-// link the next node to it. After a syntax error the rules only check the notation: every access to
-// a record stands behind buildsTree().
 
 namespace orvo {
 namespace {

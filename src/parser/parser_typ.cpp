@@ -1,3 +1,8 @@
+// Invariants: a rule leaves the type node that it was called with as the current one. What lies
+// below a node is made while the node is not current; the node is made current again (atType)
+// before anything is stored in it. After a syntax error the rules only check the notation: every
+// access to a record stands behind buildsTree() or atType().
+
 #include "parser/parser_typ.h"
 
 #include "diag/orvoerr.h"
@@ -11,11 +16,6 @@
 #include "tree/orvorec.h"
 #include "tree/types.h"
 #include "tree/values.h"
-
-// Invariants: a rule leaves the type node that it was called with as the current one. What lies
-// below a node is made while the node is not current; the node is made current again (atType)
-// before anything is stored in it. After a syntax error the rules only check the notation: every
-// access to a record stands behind buildsTree() or atType().
 
 namespace orvo {
 namespace {
@@ -33,7 +33,7 @@ constexpr TokenSet typeStart = {TOK_ANY,     TOK_BIT,      TOK_BOOLEAN,     TOK_
                                 TOK_TYPEID,  TOK_VALUEID,  TOK_COMPONENTID, TOK_MODULEID};
 
 bool isCollectionOf(uint8_t code) {
-    return code == TYP_SEQOF || code == TYP_SETOF;
+    return is(code, TypeClass::List);
 }
 
 /// Stores the text of the type's constraint and attaches the options before the current token.
@@ -51,7 +51,7 @@ DNodeNr deferConstraints() {
     return constraint;
 }
 
-// ---- tags -------------------------------------------------------------------------------------
+// ---- tags ---------------------------------------------------------------------------------------
 
 /// [UNIVERSAL | APPLICATION | PRIVATE]
 int32_t tagClassOf() {
@@ -126,7 +126,7 @@ void parseTags(TNodeNr node) {
     flushTagRec();
 }
 
-// ---- built-in types ---------------------------------------------------------------------------
+// ---- built-in types -----------------------------------------------------------------------------
 
 /// Code of a type that is a single token; TYP_NONE for all others.
 TypeCode simpleTypeCode(int32_t token) {
@@ -255,7 +255,7 @@ void compositeType(TNodeNr node) {
     }
 }
 
-// ---- defined types ----------------------------------------------------------------------------
+// ---- defined types ------------------------------------------------------------------------------
 
 /// What a defined type is written with.
 struct DefinedTypeText {
@@ -305,7 +305,7 @@ void setFieldList(TNodeNr node, const DefinedTypeText& text, bool ofObject) {
 
 } // namespace
 
-// ---- shared by all rules ----------------------------------------------------------------------
+// ---- shared by all rules ------------------------------------------------------------------------
 
 TNodeNr newTypeNode() {
     return buildsTree() ? addTypeArc(nullptr, parserState.Inp.line) : TNodeNr{};
@@ -333,7 +333,7 @@ bool beginsType(int32_t code) {
     return typeStart.has(code) || (code >= firstTypeName && code <= lastTypeName);
 }
 
-// ---- rules ------------------------------------------------------------------------------------
+// ---- rules --------------------------------------------------------------------------------------
 
 /// Type ::= UnconstrType {`(` Constraint `)`}
 void MGR59Type() {

@@ -99,8 +99,7 @@ bool hasValueRange(uint8_t kind) {
            kind == TYP_VISSTR || kind == TYP_IA5STR || kind == TYP_BMPSTR || kind == TYP_UNISTR;
 }
 bool hasSize(uint8_t kind) {
-    return kind == TYP_BITSTR || kind == TYP_OCTSTR || kind == TYP_SEQOF || kind == TYP_SETOF ||
-           kind == TYP_CHASTR || isCharString(kind);
+    return is(kind, TypeClass::LengthOption) || is(kind, TypeClass::Text);
 }
 
 /// lower [`<`] `..` [`<`] upper; `lower` is 0 for MIN, and the cursor stands on its last token.
@@ -167,7 +166,7 @@ bool parseSizeConstraint(SubNr nr, uint8_t kind, Cause& cause) {
 }
 
 bool parsePermittedAlphabet(SubNr nr, uint8_t kind, Cause& cause) {
-    if (!isCharString(kind)) {
+    if (!is(kind, TypeClass::Text)) {
         recordSubError(nr, Msg::PermittedAlphabetNotAllowed);
         return false;
     }
@@ -331,7 +330,7 @@ bool parseElements(SubNr nr, Cause& cause) {
     if (findActType()) skipTypes(true);
     const TNodeRef governor = currentRec<KIND_TNODE>();
     const uint8_t kind = tNode.typeCode;
-    if (kind == TYP_SYNONYM || kind == TYP_SELECTION || kind == TYP_FIELDLIST) {
+    if (is(kind, TypeClass::Reference)) {
         recordSubError(nr, Msg::InvalidGoverningTypeClass, currentTypeName());
         return false;
     }

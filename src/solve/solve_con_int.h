@@ -45,14 +45,14 @@ std::string_view currentTypeName();
 bool parseValueSetting(VNodeNr& value, TNodeRef governor, Cause& cause);
 bool parseTypeSetting(VNodeNr& value, TNodeRef governor, Cause& cause);
 
-// ---- solve_con
+// ---- solve_con ----------------------------------------------------------------------------------
 bool parseConstraint(SubNr nr, Cause& cause);
 bool parseElemSetSpec(SubNr nr, Cause& cause);
 
-// ---- solve_con_elem
+// ---- solve_con_elem -----------------------------------------------------------------------------
 bool parseElements(SubNr nr, Cause& cause);
 
-// ---- solve_con_tab
+// ---- solve_con_tab ------------------------------------------------------------------------------
 bool parseExceptionSpec(SubNr nr, bool alone, Cause& cause);
 bool parseUserDefConstr(SubNr nr, Cause& cause);
 bool parseContentsConstraint(SubNr nr, Cause& cause);

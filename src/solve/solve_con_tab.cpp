@@ -137,8 +137,8 @@ bool parseAtStep(SNodeNr& first, Cause& cause) {
         return true;
     }
     const int64_t number = curCode() == TOK_NUMBER ? i64native(curToken().value) : 0;
-    enum { ComponentRelation = 14 };
-    if (number <= 0 || number >= INT_MAX) return fail(cause, invalidConstraint(ComponentRelation));
+    if (number <= 0 || number >= INT_MAX)
+        return fail(cause, invalidConstraint(SUBNAME_COMPONENT_RELATION));
     addAtEntry(first, TOK_NUMBER, minus(putStri(cMP, std::to_string(number)).nr));
     return true;
 }

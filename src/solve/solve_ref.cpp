@@ -66,8 +66,7 @@ struct Finding {
 };
 
 bool isTypeReference() {
-    return tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_SELECTION ||
-           tNode.typeCode == TYP_FIELDLIST;
+    return is(tNode.typeCode, TypeClass::Reference);
 }
 
 /// A reference that is to be followed. Formal parameters are none: outside instances, where they

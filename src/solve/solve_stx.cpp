@@ -271,7 +271,7 @@ bool parseDefaultStx(Cause& cause) {
     return finishObject(object);
 }
 
-// ---- object sets that fields of objects give ---------------------------------------------------
+// ---- object sets that fields of objects give ----------------------------------------------------
 
 namespace {
 

@@ -26,7 +26,7 @@ void setFieldListObjSet();
 /// the setting's module; 0 for other settings.
 TNodeNr givenByFieldList(VNodeRef setting);
 
-// ---- solve_stx_chk
+// ---- solve_stx_chk ------------------------------------------------------------------------------
 /// Checks the WITH SYNTAX list of the current class (pass 5): duplicate fields, then field names
 /// and LL(1).
 [[nodiscard]] bool checkUsrDefSyntax();

@@ -120,11 +120,7 @@ bool checkFieldId(const ClassCheck& check, const SNode& entry, StxToken& token) 
 
 /// The notation of the kind may begin like a type, or with `{`.
 bool mayBeginLikeType(const StxToken& token) {
-    const uint8_t code = token.typeCode;
-    return token.isSet || isStructured(code) || code == TYP_REAL || code == TYP_BITSTR ||
-           code == TYP_OCTSTR || (code >= TYP_EMB_PDV && code <= TYP_CHASTR) || code == TYP_ANY ||
-           code == TYP_EXTERNAL_1990 || code == TYP_EXTERNAL_1994 || code == TYP_TYPE_ID ||
-           code == TYP_ABSTR_STX;
+    return token.isSet || is(token.typeCode, TypeClass::LikeType);
 }
 
 /// Tokens met so far, as far as it matters for another token.

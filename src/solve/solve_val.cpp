@@ -43,24 +43,18 @@ void readBuiltinType(uint8_t kind) {
     skipTypes(false);
 }
 
-/// "%s value syntax" of a kind. The codes of open types, classes and the built-in classes lie one
-/// lower than their kinds would give.
-Msg notationError(uint8_t kind) {
-    return valueSyntax(kind < TYP_OPEN ? kind : kind - 1);
-}
-
 Msg parseStructured(uint8_t kind, Cause& cause) {
-    if (kind >= TYP_SEQ && kind <= TYP_SETOF)
-        return parseSeqValue(kind, cause) ? Msg::None : notationError(kind);
+    if (!is(kind, TypeClass::Associated) && kind != TYP_INSTANCE_OF)
+        return parseSeqValue(kind, cause) ? Msg::None : valueSyntax(kind);
     readBuiltinType(kind);
-    return parseSeqValue(tNode.typeCode, cause) ? Msg::None : notationError(kind);
+    return parseSeqValue(tNode.typeCode, cause) ? Msg::None : valueSyntax(kind);
 }
 
 Msg parseObject(uint8_t kind, Cause& cause) {
     if (kind == TYP_CLASS && tNode.syntaxList == 0)
-        return parseDefaultStx(cause) ? Msg::None : notationError(kind);
+        return parseDefaultStx(cause) ? Msg::None : valueSyntax(kind);
     if (kind != TYP_CLASS) readBuiltinType(kind);
-    return parseDefinedStx(cause) ? Msg::None : notationError(kind);
+    return parseDefinedStx(cause) ? Msg::None : valueSyntax(kind);
 }
 
 bool parseBoolean() {
@@ -106,12 +100,11 @@ bool parseValue() {
     Msg code = Msg::None;
     if (findActType()) skipTypes(true);
     readRec(self);
-    if (tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_SELECTION ||
-        tNode.typeCode == TYP_FIELDLIST) {
+    if (is(tNode.typeCode, TypeClass::Reference)) {
         code = Msg::InvalidGoverningTypeClass;
         if (vNode.name != 0) detail = getStri(self.module, vNode.name);
     } else if (depth.tooDeep()) {
-        code = notationError(tNode.typeCode);
+        code = valueSyntax(tNode.typeCode);
     } else {
         makePending(self.module, self.nr);
         code = definedValueFollows() ? parseDefinedValue(true, cause) : parseBuiltinValue(cause);
@@ -151,15 +144,10 @@ Msg parseBuiltinValue(Cause& cause) {
     case TYP_TYPE_ID:
     case TYP_ABSTR_STX: return parseObject(kind, cause);
     default:
-        if (isCharString(kind)) ok = parseCharStringValue(kind, cause);
+        if (is(kind, TypeClass::Text)) ok = parseCharStringValue(kind, cause);
         break;
     }
-    return ok ? Msg::None : notationError(kind);
-}
-
-bool isCharString(uint8_t kind) {
-    return (kind >= TYP_NUMSTR && kind <= TYP_UTCTIME && kind != TYP_CHASTR) ||
-           kind == TYP_OBJDESCR;
+    return ok ? Msg::None : valueSyntax(kind);
 }
 
 bool parseIntegerValue(I64& value) {

@@ -29,17 +29,17 @@ Msg parseDefinedValue(bool parsAndFields, Cause& cause);
 [[nodiscard]] bool parseIntegerValue(I64& value);
 [[nodiscard]] bool parseRealValue(RealVal& real, Cause& cause);
 
-// ---- solve_val_stru
+// ---- solve_val_stru -----------------------------------------------------------------------------
 [[nodiscard]] bool parseBitStringValue(Cause& cause);
 /// SEQUENCE, SET (components by identifier) and their OF forms, by `kind`; the type is in `tNode`.
 [[nodiscard]] bool parseSeqValue(uint8_t kind, Cause& cause);
 [[nodiscard]] bool parseChoiceValue(Cause& cause);
 [[nodiscard]] bool parseAnyValue(Cause& cause);
 
-// ---- solve_val_oid
+// ---- solve_val_oid ------------------------------------------------------------------------------
 [[nodiscard]] bool parseObjIdValue(Cause& cause);
 
-// ---- solve_val_stri
+// ---- solve_val_stri -----------------------------------------------------------------------------
 [[nodiscard]] bool parseCharStringValue(uint8_t kind, Cause& cause);
 
 } // namespace orvo

@@ -18,8 +18,6 @@ struct ValueState {
 };
 extern ValueState valueState;
 
-/// A restricted character string type, GeneralizedTime, UTCTime or ObjectDescriptor.
-bool isCharString(uint8_t kind);
 /// The governing type of the current value record becomes the current type record.
 void governByCurrentType();
 /// The identifier at the cursor, or how messages call the token that stands in its place.

@@ -70,19 +70,47 @@ using SubRef = RecRef<KIND_SUB>;
 // ------------------------------------------------------------------------------------------
 
 enum TypeCode : uint8_t {
-#define TYPE(code, sym, name, asnName, tag, structured) TYP_##sym = code,
+#define TYPE(code, sym, name, asnName, tag, classes, syntax, invalid) TYP_##sym = code,
 #include "tree/types.def"
 };
+/// What several kinds of types have in common, by its letter in the table.
+enum class TypeClass : char {
+    Associated = 'a',
+    Bits = 'b',
+    Characters = 'c',
+    Enclosing = 'e',
+    StringGroup = 'g',
+    Class = 'k',
+    List = 'l',
+    Members = 'm',
+    Narrow = 'n',
+    LengthOption = 'o',
+    Reference = 'r',
+    Structured = 's',
+    Text = 't',
+    LikeType = 'u',
+    Sized = 'z',
+};
+constexpr uint32_t classBit(char letter) {
+    return 1U << (letter - 'a');
+}
+consteval uint32_t classMask(std::string_view letters) {
+    uint32_t mask = 0;
+    for (const char letter : letters) mask |= classBit(letter);
+    return mask;
+}
 struct TypeRow {
     const char* name;    // TYP_...
     const char* asnName; // nullptr: none
     int32_t tag;         // universal tag number or a negative pseudo tag
     TypeCode code;
-    bool structured;
+    uint32_t classes;    // a bit for each letter
+    int16_t valueSyntax; // message "%s value syntax"
+    int16_t invalid;     // message "Invalid %s value"
 };
 inline constexpr TypeRow typeArr[] = {
-#define TYPE(code, sym, name, asnName, tag, structured)                                            \
-    {name, asnName, tag, static_cast<TypeCode>(code), structured},
+#define TYPE(code, sym, name, asnName, tag, classes, syntax, invalid)                              \
+    {name, asnName, tag, static_cast<TypeCode>(code), classMask(classes), syntax, invalid},
 #include "tree/types.def"
 };
 inline constexpr int typeCount = 42;
@@ -92,8 +120,13 @@ static_assert([] {
         if (typeArr[code].code != code) return false;
     return true;
 }());
-/// valCode of an endpoint that cannot be obtained.
-inline constexpr uint8_t noEndpoint = 42;
+/// The type code has the property; false for codes outside of the table.
+constexpr bool is(uint8_t code, TypeClass property) {
+    return code < typeCount && (typeArr[code].classes & classBit(static_cast<char>(property))) != 0;
+}
+/// valCode of an endpoint that cannot be obtained, in memory only. No decision hangs on it: whether
+/// there is an endpoint is what the functions return, so a type code of this number is no clash.
+inline constexpr uint8_t noEndpoint = '*';
 
 enum CompStatus : int32_t {
     TCS_MANDATORY = 0,
@@ -111,7 +144,8 @@ inline constexpr const char* compStatusArr[] = {
 
 enum SubKind : uint8_t {
     SUB_NONE = 0,
-#define SUBKIND(kind, sym, notation) SUB_##sym = kind,
+#define SUBKIND(kind, sym, name, invalid, outOf) SUB_##sym = kind,
+#define SUBNAME(sym, name, invalid, outOf)
 #include "tree/subs.def"
 };
 enum SubFlags : uint8_t {
@@ -123,26 +157,34 @@ enum SubFlags : uint8_t {
     SUBF_LOWER = 32, // the lower bound of a range is included
     SUBF_UPPER = 64, // the upper bound is included
 };
-/// Constraint names of messages, by message code minus 300 or minus 320.
-inline constexpr const char* subNameArr[] = {"union",
-                                             "INTERSECTION",
-                                             "catenated",
-                                             "EXCEPT",
-                                             "ALL EXPECT",
-                                             "range",
-                                             "permitted alphabet",
-                                             "size",
-                                             "single value",
-                                             "INCLUDES",
-                                             "WITH COMPONENT",
-                                             "WITH COMPONENTS",
-                                             "table",
-                                             "user defined",
-                                             "component relation",
-                                             "exception specification",
-                                             "TypeConstraint",
-                                             "extended ValueSet"};
-static_assert(std::size(subNameArr) == 18);
+/// Names of constraints in messages: those of the kinds, and names that no kind has.
+enum SubName : uint8_t {
+#define SUBKIND(kind, sym, name, invalid, outOf) SUBNAME_##sym,
+#define SUBNAME(sym, name, invalid, outOf) SUBNAME_##sym,
+#include "tree/subs.def"
+};
+struct SubNameRow {
+    uint8_t kind; // SUB_NONE: a name only
+    const char* name;
+    int16_t invalid; // message "Invalid %s constraint(s)"
+    int16_t outOf;   // message "Value out of %s constraint(s)"
+};
+inline constexpr SubNameRow subNameArr[] = {
+#define SUBKIND(kind, sym, name, invalid, outOf) {SUB_##sym, name, invalid, outOf},
+#define SUBNAME(sym, name, invalid, outOf) {SUB_NONE, name, invalid, outOf},
+#include "tree/subs.def"
+};
+/// The name of a kind; the number of names for what is no kind.
+constexpr SubName subName(uint8_t kind) {
+    const auto row = std::ranges::find_if(
+        subNameArr, [&](const SubNameRow& r) { return kind != SUB_NONE && r.kind == kind; });
+    return static_cast<SubName>(row - std::ranges::begin(subNameArr));
+}
+constexpr bool isSubKind(uint8_t kind) {
+    return subName(kind) < std::size(subNameArr);
+}
+static_assert(subName(SUB_UNION) == SUBNAME_UNION && subName(SUB_CONTENTS) == SUBNAME_CONTENTS &&
+              !isSubKind(SUB_NONE) && !isSubKind(18));
 
 enum TagClass : int32_t {
     TAG_UNIVERSAL = 0,
@@ -538,7 +580,7 @@ constexpr StriNr nameStri(int32_t name) {
 }
 /// Structured type code: its record's `ref` is its first component.
 constexpr bool isStructured(uint8_t code) {
-    return code < typeCount && typeArr[code].structured;
+    return is(code, TypeClass::Structured);
 }
 
 } // namespace orvo

@@ -21,8 +21,7 @@
 
 namespace orvo {
 
-// ---- symbols
-// ----------------------------------------------------------------------------------------
+// ---- symbols ------------------------------------------------------------------------------------
 
 /// A list of symbols in order of entry, with its indexes: only the list is walked, only the indexes
 /// are searched. symtab/orvosym adds to all of them.
@@ -59,8 +58,7 @@ struct ModRefList {
     std::unordered_map<int32_t, std::vector<std::pair<ModRef*, STabNr>>> imported;
 };
 
-// ---- options
-// ----------------------------------------------------------------------------------------
+// ---- options ------------------------------------------------------------------------------------
 
 /// Naming of generated items; the texts are "" when not given. In the ENTRY record fixConv holds
 /// the entry value and fixName the name part behind it.
@@ -154,8 +152,7 @@ enum CGeneration : uint32_t {
     CGEN_ANY_FUNCTIONS = 32,
 };
 
-// ---- modules
-// ----------------------------------------------------------------------------------------
+// ---- modules ------------------------------------------------------------------------------------
 
 struct RecPages;     // storage of one kind (tree/orvorec)
 struct StriCacheRec; // string caches of a module (tree/orvorec_stri)

@@ -122,8 +122,7 @@ inline void touchModule(ModuleRec* module) {
     if (module->touchedIn != trialState.current) trialState.note(module);
 }
 
-// ---- guards
-// -----------------------------------------------------------------------------------------
+// ---- guards -------------------------------------------------------------------------------------
 
 struct NodeContext {
     ModuleRec* module = nullptr;
@@ -162,8 +161,7 @@ class CurrentModule {
     ModuleRec* saved_;
 };
 
-// ---- walks
-// ------------------------------------------------------------------------------------------
+// ---- walks --------------------------------------------------------------------------------------
 
 /// Walks a TNode chain of a module from `first` along `next`: reads each record and calls fn(); the
 /// TNode that was in the buffer before is read back afterwards. A chain that is longer than the
@@ -192,8 +190,7 @@ template <typename Fn> void forEachVNode(VNodeNr first, Fn&& fn) {
     }
 }
 
-// ---- strings (tree/orvorec_stri)
-// --------------------------------------------------------------------
+// ---- strings (tree/orvorec_stri) ----------------------------------------------------------------
 
 /// String number of a text in the module's cache of 8-, 16- or 32-bit characters, added when new.
 /// Texts end at their first NUL. Numbers run 1, 2, 3 ... per module and width. Without a module or

@@ -98,7 +98,7 @@ const void* allocateUniqStri(const void* text, size_t length, uint64_t hash, Rec
     return copy;
 }
 
-// ---- the index of a module ------------------------------------------------------------------
+// ---- the index of a module ----------------------------------------------------------------------
 
 std::vector<uint32_t>& headsOf(ModuleRec* module, RecKind kind) {
     if (!module->striCache) module->striCache = makeOwned<StriCacheRec>();

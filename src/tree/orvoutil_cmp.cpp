@@ -47,12 +47,11 @@ struct OpenPair {
 };
 
 bool isStru(uint8_t kind) {
-    return kind == TYP_SEQ || kind == TYP_SET || kind == TYP_CHOICE || kind == TYP_EMB_PDV ||
-           kind == TYP_CHASTR || kind == TYP_EXTERNAL_1990 || kind == TYP_EXTERNAL_1994 ||
+    return is(kind, TypeClass::Members) || is(kind, TypeClass::Associated) ||
            kind == TYP_INSTANCE_OF;
 }
 bool isList(uint8_t kind) {
-    return kind == TYP_SEQOF || kind == TYP_SETOF;
+    return is(kind, TypeClass::List);
 }
 
 /// An entry of a list with the value that it stands for.
@@ -299,7 +298,7 @@ int compareLists(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
     return equalLists(state, kind, {modA, VNodeNr{a.ref}}, {modB, VNodeNr{b.ref}}) ? 0 : -1;
 }
 
-// ---- object identifiers
+// ---- object identifiers -------------------------------------------------------------------------
 
 /// The arcs of a value in decimal, joined by commas; what the checks stored, or worked out when
 /// they have not come to the value yet. Empty when the value is not valid.
@@ -345,7 +344,7 @@ std::string textOfObjId(ModuleRec* module, const VNode& value) {
     return text;
 }
 
-// ---- hashes
+// ---- hashes -------------------------------------------------------------------------------------
 
 constexpr uint32_t maxHashDepth = 8;
 

@@ -110,7 +110,7 @@ ModuleRec* refModule(ModuleRec* module, int32_t refMod);
 
 /// CLASS, TYPE-IDENTIFIER or ABSTRACT-SYNTAX.
 constexpr bool isClassCode(uint8_t code) {
-    return code >= TYP_CLASS && code <= TYP_ABSTR_STX;
+    return is(code, TypeClass::Class);
 }
 /// The node stands for a set.
 inline bool isSetTNode() {

@@ -50,8 +50,7 @@ bool readSolvedType(ModuleRec* module) {
 
 template <RecKind K> bool isReference();
 template <> bool isReference<KIND_TNODE>() {
-    return tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_SELECTION ||
-           tNode.typeCode == TYP_FIELDLIST;
+    return is(tNode.typeCode, TypeClass::Reference);
 }
 template <> bool isReference<KIND_VNODE>() {
     return vNode.valCode == TYP_SYNONYM || vNode.valCode == TYP_FIELDLIST;

@@ -22,16 +22,11 @@ uint8_t defaultSizeOpt(uint8_t code, const OptionBlock& options) {
     case TYP_INTEGER:
     case TYP_ENUM: return options.intSize;
     case TYP_REAL: return options.realSize;
-    case TYP_BITSTR:
-    case TYP_OCTSTR:
-    case TYP_SEQOF:
-    case TYP_SETOF:
-    case TYP_OBJDESCR: return options.listSize;
     case TYP_SEQ:
     case TYP_SET:
     case TYP_CLASS: return options.compMaskSize;
     case TYP_CHOICE: return options.choiceSize;
-    default: return code >= TYP_NUMSTR && code <= TYP_CHASTR ? options.listSize : tNode.sizeOpt;
+    default: return is(code, TypeClass::LengthOption) ? options.listSize : tNode.sizeOpt;
     }
 }
 
@@ -69,8 +64,7 @@ void setTypeNode(uint8_t code) {
     tNode.typeCode = code;
     if (isStructured(code)) tNode.ref = cMP->nextRecNr[KIND_TNODE];
     if (options.nearPtr && magnitude(tNode.compStatus) != TCS_HEADER) tNode.optFlags |= OPTF_NEAR;
-    const bool extensible = code == TYP_SEQ || code == TYP_SET || code == TYP_CHOICE;
-    if (extensible && options.extensions == 1) tNode.optFlags |= OPTF_EXTENSIONS;
+    if (is(code, TypeClass::Members) && options.extensions == 1) tNode.optFlags |= OPTF_EXTENSIONS;
     if (code == TYP_BOOLEAN && options.plmBoole) tNode.optFlags |= OPTF_PLMBOOLE;
     tNode.sizeOpt = defaultSizeOpt(code, options);
 }

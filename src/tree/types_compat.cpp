@@ -21,11 +21,6 @@ ActualType actualType(ModuleRec* module, TNodeNr nr) {
     return {currentRec<KIND_TNODE>(), tNode};
 }
 
-/// The character string and time types and ObjectDescriptor, whose values are written alike.
-bool isStringCode(uint8_t code) {
-    return (code >= TYP_NUMSTR && code <= TYP_UTCTIME) || code == TYP_OBJDESCR;
-}
-
 /// Types of different codes that are compatible through what the built-in module defines: an
 /// associated type, or the class behind a class name.
 bool builtinCompatible(const ActualType& a, const ActualType& b) {
@@ -75,7 +70,7 @@ bool compatibleByCode(const ActualType& a, const ActualType& b) {
     case TYP_CHOICE:
     case TYP_CLASS: return a.ref == b.ref;
     case TYP_INSTANCE_OF: return sameClassOfInstance(a, b);
-    default: return isStringCode(a.rec.typeCode);
+    default: return is(a.rec.typeCode, TypeClass::StringGroup);
     }
 }
 
@@ -97,7 +92,7 @@ bool typeCompatible(ModuleRec* modA, TNodeNr typeA, ModuleRec* modB, TNodeNr typ
     if (codeA != codeB) {
         if (codeA == TYP_ENUM && codeB == TYP_INTEGER) return true;
         if (builtinCompatible(a, b)) return true;
-        if (!isStringCode(codeA) || !isStringCode(codeB)) return false;
+        if (!is(codeA, TypeClass::StringGroup) || !is(codeB, TypeClass::StringGroup)) return false;
     }
     return compatibleByCode(a, b);
 }

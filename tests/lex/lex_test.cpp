@@ -191,7 +191,7 @@ TEST_F(LexTest, CommentsEndAtTwoHyphensOrTheLineEnd) {
     for (const auto& [source, tokens] : cases) EXPECT_EQ(show(lex(source)), tokens) << source;
 }
 
-// ---- option comments --------------------------------------------------------------------------
+// ---- option comments ----------------------------------------------------------------------------
 
 struct OptionCase {
     std::string_view source;

@@ -98,7 +98,7 @@ const Type* effective(Gen& gen, const Type* type) {
     return result;
 }
 
-// ---- sets of integers
+// ---- sets of integers ---------------------------------------------------------------------------
 
 std::string number(Gen& gen, int64_t value, bool withParameters) {
     if (gen.random.chance(30)) {
@@ -195,7 +195,7 @@ std::string sizes(Gen& gen, Domain& domain) {
     return "SIZE (" + text + ")";
 }
 
-// ---- constraints of what leads to another type
+// ---- constraints of what leads to another type --------------------------------------------------
 
 namespace {
 

@@ -43,7 +43,7 @@ bool isOf(const Planned& planned, Plan plan, int cls) {
 
 } // namespace
 
-// ---- classes
+// ---- classes ------------------------------------------------------------------------------------
 
 void planClass(Gen& gen, Class& cls) {
     cls.type = oneOfText(gen, "MMOD");
@@ -93,7 +93,7 @@ std::string classText(Gen& gen, int nr) {
     return "CLASS {\n    " + fields + " }" + (cls.syntax ? " WITH SYNTAX {" + syntax + " }" : "");
 }
 
-// ---- objects
+// ---- objects ------------------------------------------------------------------------------------
 
 void buildObject(Gen& gen, int at) {
     Planned& planned = defAt(gen, at);
@@ -159,7 +159,7 @@ std::string objectText(Gen& gen, int nr, const Object& object) {
     return "{\n    " + text + " }";
 }
 
-// ---- object sets
+// ---- object sets --------------------------------------------------------------------------------
 
 namespace {
 
@@ -239,7 +239,7 @@ std::string setText(Gen& gen, const Planned& planned) {
     return text + (planned.extensible ? ", ...}" : "}");
 }
 
-// ---- parameterized definitions
+// ---- parameterized definitions ------------------------------------------------------------------
 
 void buildParameterized(Gen& gen, int at) {
     Planned& planned = defAt(gen, at);

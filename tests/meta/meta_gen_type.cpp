@@ -113,7 +113,7 @@ Type* simpleType(Gen& gen) {
     }
 }
 
-// ---- tags and options
+// ---- tags and options ---------------------------------------------------------------------------
 
 namespace {
 
@@ -170,7 +170,7 @@ void addOption(Gen& gen, Type* type, bool head) {
     type->option = " --$" + oneOf(gen, list) + "--";
 }
 
-// ---- types that lead to others
+// ---- types that lead to others ------------------------------------------------------------------
 
 namespace {
 
@@ -246,7 +246,7 @@ Type* list(Gen& gen, int at, int depth, bool soft) {
 
 } // namespace
 
-// ---- component lists
+// ---- component lists ----------------------------------------------------------------------------
 
 void addRow(Gen& gen, int cls, int set, const std::string& setText, Type* to, bool isNested) {
     Component id{fresh(gen, "i"), make(gen, Kind::FieldType)};

@@ -6,7 +6,7 @@
 
 namespace orvo::meta {
 
-// ---- types
+// ---- types --------------------------------------------------------------------------------------
 
 namespace {
 
@@ -88,7 +88,7 @@ std::string textOf(Gen& gen, const Type* type) {
     return tag + notation() + constraint;
 }
 
-// ---- values
+// ---- values -------------------------------------------------------------------------------------
 
 namespace {
 

@@ -51,7 +51,7 @@ TEST(Kavrimol, FindsModulesAndWhatTheyReferTo) {
     for (const auto& row : scanCases) EXPECT_EQ(scanned(row.text), row.modules) << row.text;
 }
 
-// ---- option files -----------------------------------------------------------------------------
+// ---- option files -------------------------------------------------------------------------------
 
 std::string module(const std::string& name, const std::string& contents = "") {
     return name + " DEFINITIONS ::= BEGIN " + contents + " END\n";
@@ -152,7 +152,7 @@ TEST(Kavrimol, SaysHowFilesComeToBeFound) {
     }
 }
 
-// ---- splitting --------------------------------------------------------------------------------
+// ---- splitting ----------------------------------------------------------------------------------
 
 TEST(Kavrimol, SplitsIntoExactTexts) {
     const std::string one = "-- head\r\nAn-A DEFINITIONS ::= BEGIN T ::= NULL END  -- of A\r\n";

@@ -34,7 +34,7 @@ TEST_F(BuiltInTree, HasTheNumbersNamesAndTypesOfTheCompiler) {
         EXPECT_EQ(read.tags != 0, built.tags != 0);
         if (built.typeCode == TYP_FIELDLIST) continue; // stands as what it denotes
         EXPECT_EQ(read.typeCode, built.typeCode);
-        EXPECT_EQ(read.ref, typeArr[built.typeCode].structured ? built.ref : read.ref);
+        EXPECT_EQ(read.ref, isStructured(built.typeCode) ? built.ref : read.ref);
     }
 }
 

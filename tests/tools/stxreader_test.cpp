@@ -91,7 +91,16 @@ TEST(StxReader, LayoutsAndNamesAreThoseOfTheCompiler) {
         EXPECT_STREQ(stx::typeTable[row.code].name, row.name);
         EXPECT_STREQ(stx::typeTable[row.code].asnName, row.asnName == nullptr ? "" : row.asnName);
         EXPECT_EQ(stx::typeTable[row.code].tag, row.tag) << row.name;
-        EXPECT_EQ(stx::typeTable[row.code].structured, row.structured) << row.name;
+        EXPECT_EQ(stx::typeTable[row.code].structured, orvo::isStructured(row.code)) << row.name;
+        const auto in = [&](orvo::TypeClass property) { return orvo::is(row.code, property); };
+        EXPECT_EQ(stx::typeTable[row.code].stringValue, in(orvo::TypeClass::Bits) ||
+                                                            in(orvo::TypeClass::Text) ||
+                                                            row.code == orvo::TYP_OBJID)
+            << row.name;
+        EXPECT_EQ(stx::typeTable[row.code].bounded, in(orvo::TypeClass::Sized) ||
+                                                        row.code == orvo::TYP_INTEGER ||
+                                                        row.code == orvo::TYP_ENUM)
+            << row.name;
     }
     EXPECT_EQ(stx::codeName(stx::tokenNames, orvo::TOK_VALUEFIELDID), "TOK_VALUEFIELDID");
 }

@@ -17,7 +17,7 @@ using orvo::concat;
 
 constexpr std::string_view extension = ".asn";
 
-// ---- which modules ----------------------------------------------------------------------------
+// ---- which modules ------------------------------------------------------------------------------
 
 struct Collector {
     Sources& sources;
@@ -85,7 +85,7 @@ void followReference(Collector& all, const FoundModule& user, const Reference& r
     addModule(all, found[0]);
 }
 
-// ---- which prefixes ---------------------------------------------------------------------------
+// ---- which prefixes -----------------------------------------------------------------------------
 
 struct PathParts {
     std::string directory; // with its "/"

@@ -58,7 +58,7 @@ bool Tree::checkRecord(Kind kind, uint32_t nr, std::string& error) const {
     for (const Field& field : fieldsOf(kind)) {
         int64_t value = 0;
         if (field.sense == Sense::Code && number(kind, nr, field, value) &&
-            codeName(field.names, value).empty()) {
+            codeName(field.names(), value).empty()) {
             error = where(kind, nr, field.name) + std::to_string(value) + " is not a known code";
             return false;
         }
@@ -71,8 +71,8 @@ bool Tree::checkRecord(Kind kind, uint32_t nr, std::string& error) const {
 
 bool Tree::checkLink(Kind kind, uint32_t nr, const Field& field, std::string& error) const {
     int64_t value = 0;
-    if (!field.names.empty() && number(kind, nr, field, value) && value < 0 &&
-        codeName(field.names, value).empty()) {
+    if (!field.names().empty() && number(kind, nr, field, value) && value < 0 &&
+        codeName(field.names(), value).empty()) {
         error = where(kind, nr, field.name) + std::to_string(value) + " is not a known code";
         return false;
     }
@@ -91,7 +91,7 @@ bool Tree::checkLink(Kind kind, uint32_t nr, const Field& field, std::string& er
         const uint32_t count =
             link.module == 1 ? counts_[link.kind] : mNode(link.module).recCount[link.kind];
         if (link.nr <= count || (link.module != 1 && count == 0)) {
-            if (kind != SNODE || field.offset != 16 || sNode(nr).next >= 0 ||
+            if (kind != SNODE || field.leads != Leads::Syntax || sNode(nr).next >= 0 ||
                 sNode(link.nr).token == TOK_LBRACKET)
                 return true;
             error = where(kind, nr, field.name) + std::to_string(sNode(nr).next) +

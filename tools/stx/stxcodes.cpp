@@ -6,48 +6,48 @@ namespace stx {
 
 // clang-format off
 const TypeRow typeTable[typeCount] = {
-    {"TYP_BOOLEAN", "BOOLEAN", 1, false},  // 0
-    {"TYP_INTEGER", "INTEGER", 2, false},  // 1
-    {"TYP_ENUM", "ENUMERATED", 10, false},  // 2
-    {"TYP_REAL", "REAL", 9, false},  // 3
-    {"TYP_BITSTR", "BIT STRING", 3, false},  // 4
-    {"TYP_OCTSTR", "OCTET STRING", 4, false},  // 5
-    {"TYP_NULL", "NULL", 5, false},  // 6
-    {"TYP_SEQ", "SEQUENCE", 16, true},  // 7
-    {"TYP_SEQOF", "SEQUENCE OF", 16, true},  // 8
-    {"TYP_SET", "SET", 17, true},  // 9
-    {"TYP_SETOF", "SET OF", 17, true},  // 10
-    {"TYP_CHOICE", "CHOICE", -2, true},  // 11
-    {"TYP_ANY", "ANY", -3, false},  // 12
-    {"TYP_EMB_PDV", "EMBEDDED PDV", 11, false},  // 13
-    {"TYP_OBJID", "OBJECT IDENTIFIER", 6, false},  // 14
-    {"TYP_NUMSTR", "NumericString", 18, false},  // 15
-    {"TYP_PRISTR", "PrintableString", 19, false},  // 16
-    {"TYP_TELSTR", "TeletexString", 20, false},  // 17
-    {"TYP_VIDSTR", "VideotexString", 21, false},  // 18
-    {"TYP_VISSTR", "VisibleString", 26, false},  // 19
-    {"TYP_IA5STR", "IA5String", 22, false},  // 20
-    {"TYP_GRASTR", "GraphicString", 25, false},  // 21
-    {"TYP_GENSTR", "GeneralString", 27, false},  // 22
-    {"TYP_BMPSTR", "BMPString", 30, false},  // 23
-    {"TYP_UNISTR", "UniversalString", 28, false},  // 24
-    {"TYP_CHASTR", "CHARACTER STRING", 29, false},  // 25
-    {"TYP_GENTIME", "GeneralizedTime", 24, false},  // 26
-    {"TYP_UTCTIME", "UTCTime", 23, false},  // 27
-    {"TYP_EXTERNAL", "EXTERNAL", 8, false},  // 28
-    {"TYP_EXTERNAL", "EXTERNAL", 8, false},  // 29
-    {"TYP_OBJDESCR", "ObjectDescriptor", 7, false},  // 30
-    {"TYP_INSTANCE_OF", "InstanceOfType", 8, true},  // 31
-    {"TYP_SYNONYM", "", -4, false},  // 32
-    {"TYP_EXTENSION_MARKER", "", -5, false},  // 33
-    {"TYP_SELECTION", "Selection type", -9, true},  // 34
-    {"TYP_FIELDLIST", "", -8, false},  // 35
-    {"TYP_OPEN", "Open type", -7, false},  // 36
-    {"TYP_CLASS", "CLASS", -6, true},  // 37
-    {"TYP_TYPE_ID", "TYPE-IDENTIFIER", -6, false},  // 38
-    {"TYP_ABSTR_STX", "ABSTRACT-SYNTAX", -6, false},  // 39
-    {"TYP_EXTADDGRP", "", -10, true},  // 40
-    {"TYP_NONE", "", -11, false},  // 41
+    {"TYP_BOOLEAN", "BOOLEAN", 1, false, false, false, false},  // 0
+    {"TYP_INTEGER", "INTEGER", 2, false, false, false, true},  // 1
+    {"TYP_ENUM", "ENUMERATED", 10, false, false, false, true},  // 2
+    {"TYP_REAL", "REAL", 9, false, false, false, false},  // 3
+    {"TYP_BITSTR", "BIT STRING", 3, false, true, true, true},  // 4
+    {"TYP_OCTSTR", "OCTET STRING", 4, false, true, true, true},  // 5
+    {"TYP_NULL", "NULL", 5, false, false, false, false},  // 6
+    {"TYP_SEQ", "SEQUENCE", 16, true, false, true, false},  // 7
+    {"TYP_SEQOF", "SEQUENCE OF", 16, true, false, true, true},  // 8
+    {"TYP_SET", "SET", 17, true, false, true, false},  // 9
+    {"TYP_SETOF", "SET OF", 17, true, false, true, true},  // 10
+    {"TYP_CHOICE", "CHOICE", -2, true, false, true, false},  // 11
+    {"TYP_ANY", "ANY", -3, false, false, true, false},  // 12
+    {"TYP_EMB_PDV", "EMBEDDED PDV", 11, false, false, true, false},  // 13
+    {"TYP_OBJID", "OBJECT IDENTIFIER", 6, false, true, true, false},  // 14
+    {"TYP_NUMSTR", "NumericString", 18, false, true, true, true},  // 15
+    {"TYP_PRISTR", "PrintableString", 19, false, true, true, true},  // 16
+    {"TYP_TELSTR", "TeletexString", 20, false, true, true, true},  // 17
+    {"TYP_VIDSTR", "VideotexString", 21, false, true, true, true},  // 18
+    {"TYP_VISSTR", "VisibleString", 26, false, true, true, true},  // 19
+    {"TYP_IA5STR", "IA5String", 22, false, true, true, true},  // 20
+    {"TYP_GRASTR", "GraphicString", 25, false, true, true, true},  // 21
+    {"TYP_GENSTR", "GeneralString", 27, false, true, true, true},  // 22
+    {"TYP_BMPSTR", "BMPString", 30, false, true, true, true},  // 23
+    {"TYP_UNISTR", "UniversalString", 28, false, true, true, true},  // 24
+    {"TYP_CHASTR", "CHARACTER STRING", 29, false, false, true, false},  // 25
+    {"TYP_GENTIME", "GeneralizedTime", 24, false, true, true, false},  // 26
+    {"TYP_UTCTIME", "UTCTime", 23, false, true, true, false},  // 27
+    {"TYP_EXTERNAL", "EXTERNAL", 8, false, false, true, false},  // 28
+    {"TYP_EXTERNAL", "EXTERNAL", 8, false, false, true, false},  // 29
+    {"TYP_OBJDESCR", "ObjectDescriptor", 7, false, true, true, true},  // 30
+    {"TYP_INSTANCE_OF", "InstanceOfType", 8, true, false, true, false},  // 31
+    {"TYP_SYNONYM", "", -4, false, false, false, false},  // 32
+    {"TYP_EXTENSION_MARKER", "", -5, false, false, false, false},  // 33
+    {"TYP_SELECTION", "Selection type", -9, true, false, false, false},  // 34
+    {"TYP_FIELDLIST", "", -8, false, false, false, false},  // 35
+    {"TYP_OPEN", "Open type", -7, false, false, false, false},  // 36
+    {"TYP_CLASS", "CLASS", -6, true, false, true, false},  // 37
+    {"TYP_TYPE_ID", "TYPE-IDENTIFIER", -6, false, false, true, false},  // 38
+    {"TYP_ABSTR_STX", "ABSTRACT-SYNTAX", -6, false, false, true, false},  // 39
+    {"TYP_EXTADDGRP", "", -10, true, false, false, false},  // 40
+    {"TYP_NONE", "", -11, false, false, false, false},  // 41
 };
 
 namespace {

@@ -181,6 +181,9 @@ struct TypeRow {
     const char* asnName; // "" where there is none
     int32_t tag;         // universal tag number; negative: no tag of its own
     bool structured;     // `ref` of a TNode is its first component
+    bool stringValue;    // `val` of a VNode is a string
+    bool valueList;      // `ref` of a VNode is the first of the values that it is made of
+    bool bounded;        // `lowerBound` and `upperBound` of a TNode say something
 };
 extern const TypeRow typeTable[typeCount];
 

@@ -1,4 +1,4 @@
-#include "stxreader.h"
+#include "stxfields.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -11,23 +11,6 @@
 
 namespace stx {
 namespace {
-
-uint32_t u16At(const uint8_t* p) {
-    return p[0] | static_cast<uint32_t>(p[1]) << 8;
-}
-uint32_t u32At(const uint8_t* p) {
-    return u16At(p) | u16At(p + 2) << 16;
-}
-int32_t i32At(const uint8_t* p) {
-    return static_cast<int32_t>(u32At(p));
-}
-int16_t i16At(const uint8_t* p) {
-    return static_cast<int16_t>(u16At(p));
-}
-/// High word first.
-int64_t i64At(const uint8_t* p) {
-    return static_cast<int64_t>(static_cast<uint64_t>(u32At(p)) << 32 | u32At(p + 4));
-}
 
 struct File {
     std::FILE* handle;
@@ -90,8 +73,9 @@ bool Tree::layOut(std::string& error) {
         error = "cut: mNode 1 takes 112 bytes, the file has " + std::to_string(bytes_.size());
         return false;
     }
+    const layout::Bytes<layout::mNodeFields> self(bytes_.data());
     for (size_t kind = 0; kind < counts_.size(); ++kind)
-        counts_[kind] = u32At(&bytes_[36 + 4 * kind]);
+        counts_[kind] = u32At(self.at<"recCount">() + 4 * kind);
     if (counts_[MNODE] == 0) {
         error = "mNode 1, field recCount: the count of mNode records is 0";
         return false;
@@ -161,22 +145,26 @@ MNode Tree::mNode(uint32_t nr) const {
     MNode node;
     const std::span<const uint8_t> rec = bytes(MNODE, nr);
     if (rec.empty()) return node;
-    const uint8_t* p = rec.data();
-    node.modTimeStamp = {static_cast<uint16_t>(u16At(p)), static_cast<uint16_t>(u16At(p + 2)),
-                         i32At(p + 4), i32At(p + 8)};
-    node.modName = u32At(p + 12);
-    node.stxName = u32At(p + 16);
-    node.firstTypeAss = u32At(p + 20);
-    node.firstValAss = u32At(p + 24);
-    node.firstDefVal = u32At(p + 28);
-    node.modOid = u32At(p + 32);
-    for (size_t kind = 0; kind < 10; ++kind) node.recCount[kind] = u32At(p + 36 + 4 * kind);
-    node.exportsState = p[76];
-    node.importsState = p[77];
-    node.automaticTags = p[78];
-    node.srcDir = u32At(p + 80);
-    node.srcFile = u32At(p + 84);
-    for (size_t word = 0; word < 6; ++word) node.modWords[word] = u32At(p + 88 + 4 * word);
+    const layout::Bytes<layout::mNodeFields> in(rec.data());
+    const uint8_t* stamp = in.at<"modTimeStamp">();
+    node.modTimeStamp = {static_cast<uint16_t>(u16At(stamp)),
+                         static_cast<uint16_t>(u16At(stamp + 2)), i32At(stamp + 4),
+                         i32At(stamp + 8)};
+    node.modName = in.get<"modName">();
+    node.stxName = in.get<"stxName">();
+    node.firstTypeAss = in.get<"firstTypeAss">();
+    node.firstValAss = in.get<"firstValAss">();
+    node.firstDefVal = in.get<"firstDefVal">();
+    node.modOid = in.get<"modOid">();
+    for (size_t kind = 0; kind < 10; ++kind)
+        node.recCount[kind] = u32At(in.at<"recCount">() + 4 * kind);
+    node.exportsState = in.get<"exportsState">();
+    node.importsState = in.get<"importsState">();
+    node.automaticTags = in.get<"automaticTags">();
+    node.srcDir = in.get<"srcDir">();
+    node.srcFile = in.get<"srcFile">();
+    for (size_t word = 0; word < 6; ++word)
+        node.modWords[word] = u32At(in.at<"modWords">() + 4 * word);
     return node;
 }
 
@@ -184,39 +172,39 @@ TNode Tree::tNode(uint32_t nr) const {
     TNode node;
     const std::span<const uint8_t> rec = bytes(TNODE, nr);
     if (rec.empty()) return node;
-    const uint8_t* p = rec.data();
-    node.name = i32At(p);
-    node.actParRec = u32At(p + 4);
-    node.line = u32At(p + 8);
-    node.compStatus = i32At(p + 12);
-    node.defaultVal = u32At(p + 16);
-    node.next = u32At(p + 20);
-    node.constraint = i32At(p + 24);
-    node.tags = u32At(p + 28);
-    node.optFlags = u32At(p + 32);
-    node.nodeFlags = u32At(p + 36);
-    node.tedFirst = u32At(p + 40);
-    node.tedLast = u32At(p + 44);
-    node.checkState = i16At(p + 48);
-    node.typeCode = p[50];
-    node.vfKind = p[51];
-    node.sizeOpt = p[52];
-    node.checkFlags = static_cast<uint16_t>(u16At(p + 54));
-    node.entryFlags = p[56];
-    node.entryKinds = p[57];
-    node.lenForm = p[60];
-    node.skipOpt = p[61];
-    node.sizeLimit = u32At(p + 64);
-    node.sizeLimitSkip = p[68];
-    node.fieldSize = i16At(p + 72);
-    node.refMod = i32At(p + 76);
-    node.ref = u32At(p + 80);
-    node.namedVals = u32At(p + 84);
-    node.syntaxList = u32At(p + 88);
-    node.formals = u32At(p + 92);
-    node.syntax = i32At(p + 96);
-    node.lowerBound = i64At(p + 100);
-    node.upperBound = i64At(p + 108);
+    const layout::Bytes<layout::tNodeFields> in(rec.data());
+    node.name = in.get<"name">();
+    node.actParRec = in.get<"actParRec">();
+    node.line = in.get<"line">();
+    node.compStatus = in.get<"compStatus">();
+    node.defaultVal = in.get<"defaultVal">();
+    node.next = in.get<"next">();
+    node.constraint = in.get<"constraint">();
+    node.tags = in.get<"tags">();
+    node.optFlags = in.get<"optFlags">();
+    node.nodeFlags = in.get<"nodeFlags">();
+    node.tedFirst = in.get<"tedFirst">();
+    node.tedLast = in.get<"tedLast">();
+    node.checkState = in.get<"checkState">();
+    node.typeCode = in.get<"typeCode">();
+    node.vfKind = in.get<"vfKind">();
+    node.sizeOpt = in.get<"sizeOpt">();
+    node.checkFlags = in.get<"checkFlags">();
+    node.entryFlags = in.get<"entryFlags">();
+    node.entryKinds = in.get<"entryKinds">();
+    node.lenForm = in.get<"lenForm">();
+    node.skipOpt = in.get<"skipOpt">();
+    node.sizeLimit = in.get<"sizeLimit">();
+    node.sizeLimitSkip = in.get<"sizeLimitSkip">();
+    node.fieldSize = in.get<"fieldSize">();
+    node.refMod = in.get<"refMod">();
+    node.ref = in.get<"ref">();
+    node.namedVals = in.get<"namedVals">();
+    node.syntaxList = in.get<"syntaxList">();
+    node.formals = in.get<"formals">();
+    node.syntax = in.get<"syntax">();
+    node.lowerBound = in.get<"lowerBound">();
+    node.upperBound = in.get<"upperBound">();
     return node;
 }
 
@@ -224,58 +212,62 @@ VNode Tree::vNode(uint32_t nr) const {
     VNode node;
     const std::span<const uint8_t> rec = bytes(VNODE, nr);
     if (rec.empty()) return node;
-    const uint8_t* p = rec.data();
-    node.name = i32At(p);
-    node.valStatus = i32At(p + 4);
-    node.vflags = p[8];
-    node.actParRec = u32At(p + 12);
-    node.line = u32At(p + 16);
-    node.govType = u32At(p + 24);
-    node.govTypeMod = u32At(p + 28);
-    node.next = u32At(p + 32);
-    node.checkState = static_cast<uint16_t>(u16At(p + 36));
-    node.valCode = p[38];
-    node.refMod = i32At(p + 40);
-    node.ref = u32At(p + 44);
-    node.tedFirst = u32At(p + 48);
-    node.tedLast = u32At(p + 52);
-    node.boole = p[56] != 0;
-    node.number = i64At(p + 56);
-    node.base = i16At(p + 64);
-    node.exponent = i16At(p + 66);
-    node.striLen = static_cast<uint16_t>(u16At(p + 56));
-    node.stri = u32At(p + 60);
-    node.formals = u32At(p + 68);
-    node.deferred = i32At(p + 72);
+    const layout::Bytes<layout::vNodeFields> in(rec.data());
+    node.name = in.get<"name">();
+    node.valStatus = in.get<"valStatus">();
+    node.vflags = in.get<"vflags">();
+    node.actParRec = in.get<"actParRec">();
+    node.line = in.get<"line">();
+    node.govType = in.get<"govType">();
+    node.govTypeMod = in.get<"govTypeMod">();
+    node.next = in.get<"next">();
+    node.checkState = in.get<"checkState">();
+    node.valCode = in.get<"valCode">();
+    node.refMod = in.get<"refMod">();
+    node.ref = in.get<"ref">();
+    node.tedFirst = in.get<"tedFirst">();
+    node.tedLast = in.get<"tedLast">();
+    const uint8_t* val = in.at<"val">();
+    node.boole = val[0] != 0;
+    node.number = i64At(val);
+    node.base = i16At(val + 8);
+    node.exponent = i16At(val + 10);
+    node.striLen = static_cast<uint16_t>(u16At(val));
+    node.stri = u32At(val + 4);
+    node.formals = in.get<"formals">();
+    node.deferred = in.get<"deferred">();
     return node;
 }
 
 TagRec Tree::tagRec(uint32_t nr) const {
     const std::span<const uint8_t> rec = bytes(TAG, nr);
     if (rec.empty()) return {};
-    const uint8_t* p = rec.data();
-    return {i32At(p), i32At(p + 4), i32At(p + 8), u32At(p + 12)};
+    const layout::Bytes<layout::tagRecFields> in(rec.data());
+    return {in.get<"tagClass">(), in.get<"tagMode">(), in.get<"tagNr">(), in.get<"next">()};
 }
 
 SubRec Tree::subRec(uint32_t nr) const {
     const std::span<const uint8_t> rec = bytes(SUB, nr);
     if (rec.empty()) return {};
-    const uint8_t* p = rec.data();
-    return {u32At(p),      p[4],          p[5],          u32At(p + 8),  u32At(p + 12),
-            u32At(p + 16), u32At(p + 20), u32At(p + 24), u32At(p + 28), i32At(p + 32)};
+    const layout::Bytes<layout::subRecFields> in(rec.data());
+    return {in.get<"name">(),   in.get<"subKind">(), in.get<"subFlags">(), in.get<"typeMod">(),
+            in.get<"typeNr">(), in.get<"line">(),    in.get<"next">(),     in.get<"third">(),
+            in.get<"left">(),   in.get<"right">()};
 }
 
 TedRec Tree::tedRec(uint32_t nr) const {
     const std::span<const uint8_t> rec = bytes(TED, nr);
     if (rec.empty()) return {};
-    return {rec[0], u32At(rec.data() + 4)};
+    const layout::Bytes<layout::tedRecFields> in(rec.data());
+    return {in.get<"tedKind">(), in.get<"text">()};
 }
 
 SNode Tree::sNode(uint32_t nr) const {
     const std::span<const uint8_t> rec = bytes(SNODE, nr);
     if (rec.empty()) return {};
-    const uint8_t* p = rec.data();
-    return {p[0], u32At(p + 4), i32At(p + 8), u32At(p + 12), i32At(p + 16)};
+    const layout::Bytes<layout::sNodeFields> in(rec.data());
+    return {in.get<"token">(), in.get<"module">(), in.get<"value">(), in.get<"line">(),
+            in.get<"next">()};
 }
 
 bool Tree::hasText(int64_t nr) const {

@@ -110,7 +110,7 @@ struct SNode {
 
 /// How the bytes of a field are read.
 enum class Form : uint8_t { Unsigned, Signed, Wide, Words, Stamp, Value, Unused };
-/// What the number in a field means. `linkOf` settles the ones that depend on other fields.
+/// What the number in a field means.
 enum class Sense : uint8_t {
     Plain,
     Code,   // one of `names`, nothing else
@@ -119,13 +119,45 @@ enum class Sense : uint8_t {
     String, // number of an 8-bit string, the sign aside
     Link,
 };
+/// What a link leads to; `linkOf` settles those of the second group by other fields of the record.
+enum class Leads : uint8_t {
+    Nowhere,
+    Module, // an mNode, when positive
+    Type,   // a tNode of this file; likewise the next ones
+    Value,
+    Tag,
+    Constraint, // negative: text that was not parsed
+    Syntax,     // the sign aside
+    Text,       // a string
+
+    ListedType, // of the module that the mNode stands for
+    ListedValue,
+    FirstOption,
+    LastOption,
+    TypeRef,
+    Actuals,
+    Governor,
+    ValueRef,
+    ValueText,
+    ValueActuals,
+    TagNumber, // negative: the value that gives it
+    Constrained,
+    LeftOperand,
+    RightOperand,
+    SyntaxValue,
+};
 
 struct Field {
     const char* name;
     uint16_t offset, width;
     Form form;
     Sense sense;
-    std::span<const CodeName> names; // of codes, or of bits (code = the bit's value)
+    Leads leads;
+    const std::span<const CodeName>* codes; // null: none
+    /// Names of codes, or of bits (code = the bit's value).
+    std::span<const CodeName> names() const {
+        return codes == nullptr ? std::span<const CodeName>() : *codes;
+    }
 };
 /// The fields of a record kind in the order of their offsets, without gap; empty for strings.
 std::span<const Field> fieldsOf(Kind kind);
@@ -196,10 +228,6 @@ class Tree {
     bool checkLink(Kind kind, uint32_t nr, const Field& field, std::string& error) const;
     bool checkLists(std::string& error) const;
     bool owns(Kind kind, uint32_t nr) const;
-    Link linkOfTNode(uint32_t nr, const Field& field, int64_t value) const;
-    Link linkOfVNode(uint32_t nr, const Field& field, int64_t value) const;
-    Link linkOfSub(uint32_t nr, const Field& field, int64_t value) const;
-    Link linkOfSNode(uint32_t nr, const Field& field, int64_t value) const;
 
     std::string path_;
     std::vector<uint8_t> bytes_;

@@ -1,10 +1,10 @@
-#include "stxdump.h"
-
-#include <string>
-
 // The same facts as the text, with every field of every record. Strings hold arbitrary bytes: those
 // that are UTF-8 are decoded, of all others every byte counts as the character of that code; "hex"
 // beside a text that is not plain ASCII gives the bytes themselves.
+
+#include "stxdump.h"
+
+#include <string>
 
 namespace stxdump {
 
@@ -162,7 +162,7 @@ template <typename Words> std::string wordsJson(const Words& words) {
 std::string bitsJson(const Field& field, int64_t value) {
     std::string out = "{\"bits\":" + std::to_string(value) + ",\"names\":[";
     bool first = true;
-    for (const stx::CodeName& row : field.names) {
+    for (const stx::CodeName& row : field.names()) {
         if ((value & row.code) == 0) continue;
         out += (first ? "\"" : ",\"") + std::string(row.name) + '"';
         first = false;
@@ -190,7 +190,7 @@ std::string fieldJson(const Tree& tree, Kind kind, uint32_t nr, const Field& fie
     case Sense::Plain: break;
     case Sense::Code:
     case Sense::Names: {
-        const std::string_view name = stx::codeName(field.names, value);
+        const std::string_view name = stx::codeName(field.names(), value);
         return "{\"code\":" + std::to_string(value) +
                ",\"name\":" + (name.empty() ? "null" : jsonText(name)) + '}';
     }

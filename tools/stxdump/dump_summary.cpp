@@ -124,10 +124,7 @@ std::string boundsOf(Trees& trees, TypeRef type) {
     std::string error;
     const stx::TNode node = stx::skipTypes(trees, type, true, error).node();
     const uint8_t code = node.typeCode;
-    const bool bounded =
-        code == stx::TYP_INTEGER || code == stx::TYP_ENUM || code == stx::TYP_BITSTR ||
-        code == stx::TYP_OCTSTR || code == stx::TYP_SEQOF || code == stx::TYP_SETOF ||
-        (code >= stx::TYP_NUMSTR && code <= stx::TYP_UNISTR) || code == stx::TYP_OBJDESCR;
+    const bool bounded = code < stx::typeCount && stx::typeTable[code].bounded;
     return bounded && error.empty() ? stx::boundsText(node) : "";
 }
 

@@ -1,7 +1,7 @@
-#include "stxdump.h"
-
 // One line per field: name, number, meaning. Links are printed with the kind and name of the record
 // that they lead to, so that the text can be searched in either direction.
+
+#include "stxdump.h"
 
 namespace stxdump {
 
@@ -120,12 +120,12 @@ std::string fieldText(const Tree& tree, Kind kind, uint32_t nr, const Field& fie
     switch (field.sense) {
     case Sense::Plain: break;
     case Sense::Code:
-    case Sense::Names: meaning = stx::codeName(field.names, value); break;
-    case Sense::Bits: meaning = stx::bitNames(field.names, value); break;
+    case Sense::Names: meaning = stx::codeName(field.names(), value); break;
+    case Sense::Bits: meaning = stx::bitNames(field.names(), value); break;
     case Sense::String:
     case Sense::Link:
         meaning = linkText(tree, tree.linkOf(kind, nr, field));
-        if (meaning.empty() && value != 0) meaning = stx::codeName(field.names, value);
+        if (meaning.empty() && value != 0) meaning = stx::codeName(field.names(), value);
         break;
     }
     const bool silent = meaning.empty() ? value == 0 : meaning == "none" || meaning == "not given";

@@ -1,11 +1,11 @@
+// One definition with everything it is made of. A type that several references lead to is shown at
+// the first of them, so that recursive types end and the output stays as long as the definitions;
+// the depth of nesting is limited for files that no compiler wrote.
+
 #include "stxdump.h"
 
 #include <map>
 #include <set>
-
-// One definition with everything it is made of. A type that several references lead to is shown at
-// the first of them, so that recursive types end and the output stays as long as the definitions;
-// the depth of nesting is limited for files that no compiler wrote.
 
 namespace stxdump {
 

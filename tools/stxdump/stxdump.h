@@ -39,8 +39,7 @@ void dumpSummary(stx::Trees& trees, const stx::Tree& tree, Sink& out);
 [[nodiscard]] bool dumpType(stx::Trees& trees, stx::TypeRef type, Sink& out, std::string& error);
 void dumpValue(stx::Trees& trees, stx::ValueRef value, Sink& out);
 
-// ---- shared by the forms
-// ----------------------------------------------------------------------------
+// ---- shared by the forms ------------------------------------------------------------------------
 
 /// Name of a record: of a type, value or module; "" without one.
 std::string_view recordName(const stx::Tree& tree, stx::Kind kind, uint32_t nr);
