@@ -20,9 +20,7 @@ constexpr int64_t high = std::numeric_limits<int64_t>::max();
 enum class Kind {
     Fixed, // notation and values are given: `text`, `domain.only`
     Integer,
-    Bits,
-    Octets,
-    Text, // character strings
+    Text, // bit, octet and character strings
     Sequence,
     Set,
     Choice,

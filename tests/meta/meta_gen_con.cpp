@@ -286,11 +286,9 @@ void constrain(Gen& gen, Type* type, int depth) {
             type->constraint = "(" + integerSet(gen, type->domain, false) + ")";
         } while (depth > 0 && type->constraint.find(")(") != std::string::npos); // no series there
         return;
-    case Kind::Bits:
-    case Kind::Octets:
     case Kind::Text:
         if (gen.random.chance(30)) return constrainValues(gen, type, {valueOf(gen, type, 0)});
-        if (base->kind == Kind::Text && gen.random.chance(40)) {
+        if (before.letters.size() > 2 && gen.random.chance(40)) {
             type->domain.letters = before.letters.substr(0, 2);
             type->constraint = "(FROM (\"" + type->domain.letters + "\"))";
             return;

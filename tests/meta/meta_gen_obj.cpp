@@ -265,10 +265,12 @@ void buildParameterized(Gen& gen, int at) {
         }
         break;
     case Template::OfNumber: {
-        Type* limited = make(gen, gen.random.chance(50) ? Kind::Integer : Kind::Octets);
+        Type* limited = make(gen, gen.random.chance(50) ? Kind::Integer : Kind::Text);
+        const bool isInteger = limited->kind == Kind::Integer;
         limited->parameter = 'H';
-        limited->domain.lo = 0;
-        limited->constraint = limited->kind == Kind::Integer ? "(0..fn)" : "(SIZE (0..fn))";
+        limited->domain = {0, high, isInteger ? "" : "A", {}};
+        limited->text = isInteger ? "" : "OCTET STRING";
+        limited->constraint = isInteger ? "(0..fn)" : "(SIZE (0..fn))";
         add(limited, oneOfText(gen, "MO"));
         break;
     }

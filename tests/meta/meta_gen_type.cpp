@@ -77,23 +77,23 @@ Type* integer(Gen& gen) {
     return type;
 }
 
-Type* sized(Gen& gen, Kind kind) {
+Type* stringType(Gen& gen) {
     static const std::pair<const char*, const char*> texts[] = {
+        {"BIT STRING", "01"},    {"OCTET STRING", "A"},        {"OCTET STRING", "A"},
         {"IA5String", "abc12"},  {"PrintableString", "abc12"}, {"VisibleString", "abc12"},
         {"BMPString", "abc12"},  {"UniversalString", "abc12"}, {"TeletexString", "abc12"},
         {"NumericString", "12 "}};
-    Type* type = make(gen, kind);
-    if (kind == Kind::Text) {
-        const auto& [text, letters] = oneOf(gen, texts);
-        type->text = text;
-        type->domain.letters = letters;
-    }
+    Type* type = make(gen, Kind::Text);
+    const auto& [text, letters] = oneOf(gen, texts);
+    type->text = text;
+    type->domain.letters = letters;
     if (gen.random.chance(50)) type->constraint = "(" + sizes(gen, type->domain) + ")";
-    if (kind == Kind::Text && gen.random.chance(25)) {
-        const bool hasRange = type->text != "TeletexString" && type->text != "NumericString";
+    if (type->text == "NumericString" && gen.random.chance(50)) {
+        type->constraint = "(FROM (\"0\"..\"8\" | \" \"))";
+        type->domain = {low, high, letters, {}};
+    } else if (type->domain.letters == "abc12" && gen.random.chance(25)) {
+        const bool hasRange = type->text != "TeletexString";
         type->constraint += hasRange ? "(FROM (\"a\"..\"c\" | \"12\"))" : "(FROM (\"abc12 \"))";
-        if (type->text == "NumericString") type->constraint = "(FROM (\"0\"..\"8\" | \" \"))";
-        if (type->text == "NumericString") type->domain = {low, high, "12 ", {}};
     }
     return type;
 }
@@ -105,9 +105,9 @@ Type* simpleType(Gen& gen) {
     case 0:
     case 1: return integer(gen);
     case 2: return enumeration(gen);
-    case 3: return gen.random.chance(50) ? namedBits(gen) : sized(gen, Kind::Bits);
-    case 4: return sized(gen, Kind::Octets);
-    case 5: return sized(gen, Kind::Text);
+    case 3: return namedBits(gen);
+    case 4:
+    case 5: return stringType(gen);
     case 6: return fixedType(gen, "OBJECT IDENTIFIER", {oidValue(gen), oidValue(gen)});
     default: return otherType(gen);
     }
@@ -156,8 +156,6 @@ void addOption(Gen& gen, Type* type, bool head) {
         if (type->text.starts_with("ENUM")) add({"INT=8", "INT=16"});
         break;
     case Kind::Integer: add({"INT=8", "INT=U16", "INT=64"}); break;
-    case Kind::Bits:
-    case Kind::Octets:
     case Kind::Text: add({"N=16", "SEG", "DYN", "FRAME"}); break;
     case Kind::List: add({"N=16", "SEG", "DYN", "DYNARR", "FRAME"}); break;
     case Kind::Sequence:
@@ -165,8 +163,8 @@ void addOption(Gen& gen, Type* type, bool head) {
     case Kind::Choice: add({"CHOICE=16", "EXTENSIONS=SAVE"}); break;
     default: break;
     }
-    const bool isList = type->kind == Kind::Octets || type->kind == Kind::List;
-    if (isList && type->constraint.empty()) add({"SIZE-LIMIT=9", "SIZE-LIMIT=9:ERROR"});
+    if ((type->kind == Kind::Text || type->kind == Kind::List) && type->constraint.empty())
+        add({"SIZE-LIMIT=9", "SIZE-LIMIT=9:ERROR"});
     type->option = " --$" + oneOf(gen, list) + "--";
 }
 

@@ -54,8 +54,6 @@ std::string textOf(Gen& gen, const Type* type) {
     const auto notation = [&]() -> std::string {
         switch (type->kind) {
         case Kind::Integer: return "INTEGER" + namesText(type);
-        case Kind::Bits: return "BIT STRING";
-        case Kind::Octets: return "OCTET STRING";
         case Kind::Sequence: return "SEQUENCE " + componentsText(gen, type);
         case Kind::Set: return "SET " + componentsText(gen, type);
         case Kind::Choice: return "CHOICE " + componentsText(gen, type);
@@ -223,14 +221,13 @@ std::string valueOf(Gen& gen, const Type* type, int depth, Domain domain) {
     if (!domain.only.empty()) return oneOf(gen, domain.only);
     switch (end->kind) {
     case Kind::Integer: return integerValue(gen, end, domain);
-    case Kind::Bits: domain.letters = "01"; return "'" + letters(gen, domain) + "'B";
-    case Kind::Octets: {
-        domain.letters = "A";
-        std::string text;
-        for (size_t size = letters(gen, domain).size(); size > 0; --size) text += "A5";
+    case Kind::Text: {
+        std::string text = letters(gen, domain);
+        if (domain.letters == "01") return "'" + text + "'B";
+        if (domain.letters != "A") return "\"" + text + "\"";
+        for (size_t at = text.size(); at > 0; --at) text.insert(at, "5");
         return "'" + text + "'H";
     }
-    case Kind::Text: return "\"" + letters(gen, domain) + "\"";
     case Kind::Sequence:
     case Kind::Set: return structureValue(gen, end, depth);
     case Kind::Choice: return choiceValue(gen, end, depth);
