@@ -190,8 +190,10 @@ void showValue(Walk& walk, const Rec& rec, const std::string& path, const Link& 
         walk.lines->push_back(path + ".val=" + hexOf(bytes));
         return;
     }
-    walk.lines->push_back(path + ".val=" + hexOf(bytes.first(4)) + hexOf(bytes.subspan(8)) + " " +
-                          textOfString(walk, *rec.tree, link));
+    // the joined arcs of an object identifier may be in the file or not
+    const bool hasText = rec.tree->vNode(rec.nr).valCode != TYP_OBJID;
+    walk.lines->push_back(path + ".val=" + hexOf(bytes.first(4)) + hexOf(bytes.subspan(8)) +
+                          (hasText ? " " + textOfString(walk, *rec.tree, link) : ""));
 }
 
 void showField(Walk& walk, const Rec& rec, const Field& field, const std::string& path) {

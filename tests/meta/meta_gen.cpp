@@ -66,7 +66,7 @@ void build(Gen& gen, int at) {
     gen.options = planned.plan == Plan::Type;
     gen.structures = 0;
     gen.outermost = Kind::Fixed;
-    gen.includesSelf = false;
+    gen.includes = gen.includesSelf = false;
     switch (planned.plan) {
     case Plan::Type:
         planned.type = anyType(gen, at, 0, false);

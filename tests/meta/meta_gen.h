@@ -143,7 +143,7 @@ struct Gen {
     bool inObject = false; // a value of another object here might lead back to this one
     int structures = 0;    // that enclose the one being built
     Kind outermost = Kind::Fixed;
-    bool includesSelf = false; // COMPONENTS OF the structure that encloses
+    bool includes = false, includesSelf = false; // COMPONENTS OF: in it; of it within
 };
 
 inline Planned& defAt(Gen& gen, int nr) {

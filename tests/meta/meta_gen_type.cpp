@@ -285,9 +285,11 @@ void include(Gen& gen, int at, bool soft, Type* into) {
         return end->kind == into->kind;
     });
     const bool encloses = soft && gen.structures == 1 && gen.outermost == into->kind;
-    if (encloses && defAt(gen, at).plan == Plan::Type && gen.random.chance(50)) target = at;
+    if (encloses && !gen.includes && defAt(gen, at).plan == Plan::Type && gen.random.chance(50))
+        target = at;
     gen.includesSelf = gen.includesSelf || target == at;
     if (target < 0) return;
+    if (gen.structures == 0) gen.includes = true;
     Component included{"", make(gen, Kind::Reference), 'M', "", true};
     included.type->def = target;
     into->components.push_back(included);
