@@ -14,7 +14,8 @@ namespace {
 constexpr std::string_view faultyComponents = R"(
 INTEGER (0..5) DEFAULT 9 ~ [3000000] INTEGER ~ [$va] INTEGER ~ [UNIVERSAL 5] NULL ~
 [$va] IMPLICIT ANY ~ INTEGER (5..1) ~ INTEGER (1..10 | 30..20) ~ INTEGER ($Ty) ~
-INTEGER (SIZE (1)) ~ INTEGER ($va) ~ INTEGER {fn(1), fm(1)} ~ INTEGER ({$Os}) ~
+INTEGER (SIZE (1)) ~ INTEGER ($va) ~ INTEGER {fn(1), fm(1)} ~ INTEGER {fn($va)} ~ BIT STRING {fb($va)} ~ ENUMERATED {fe($va)} ~
+OCTET STRING (SIZE (0..$va)) ~ INTEGER ({$Os}) ~
 INTEGER --$INT=U7-- ~ IA5String (FROM ("ab".."c")) ~ OCTET STRING (SIZE (-1..5)) ~
 BIT STRING {fb(-1)} ~ BIT STRING {fb(1)} DEFAULT '0101'B ~ OBJECT IDENTIFIER DEFAULT {1} ~
 OBJECT IDENTIFIER DEFAULT {$va} ~ UTCTime DEFAULT "9913312359Z" ~
@@ -93,53 +94,75 @@ bool isInChoice(const std::string& text, size_t at) {
     return false;
 }
 
+/// Puts another name for one of a definition; the rest of the line, to find it again.
+std::string takeOtherName(const Project& project, Random& random, std::string& text) {
+    std::vector<std::pair<size_t, size_t>> places;
+    const auto isLetter = [&text](size_t at) {
+        return std::isalnum(static_cast<unsigned char>(text[at])) != 0 || text[at] == '-';
+    };
+    for (size_t at = text.find("::="), end = at; at < text.size(); at = std::max(end, at + 1)) {
+        for (end = at; end < text.size() && isLetter(end);) ++end;
+        const std::string word = text.substr(at, end - at);
+        if (std::string_view("&=:").find(text[at - 1]) == std::string_view::npos &&
+            std::ranges::find(project.definitions, word, &Definition::name) !=
+                project.definitions.end())
+            places.push_back({at, end - at});
+    }
+    if (places.empty()) return "";
+    const auto [at, size] = oneOf(random, places);
+    text.replace(at, size, oneOf(random, project.definitions).name);
+    return text.substr(at, text.find('\n', at) - at);
+}
+
+/// A faulty value, element, setting; a faulty component or field. Its line begins with the result.
+std::string plantIn(const Project& project, Random& random, const std::string& name,
+                    std::string& text) {
+    const auto fill = [&](std::string_view table) {
+        return filled(project, random, oneOfTable(random, table), name);
+    };
+    const bool isClass = name.starts_with("CLS");
+    if (name.starts_with("va")) {
+        text.replace(text.find("::=") + 4, text.size(), fill(faultyValues));
+        return name + " ";
+    }
+    if (name.starts_with("Os") || name.starts_with("Vs")) {
+        text.insert(text.find("::= {") + 5, fill(faultyElements) + " | ");
+        return name + " ";
+    }
+    const std::vector<size_t> entries = entriesOf(text, isClass);
+    if (name.starts_with("ob") && entries.empty()) { // a setting less
+        const size_t line = text.find("\n    ", text.find("\n    ") + 1);
+        if (line == std::string::npos) return "";
+        text.erase(line, text.find_first_of("\n}", line + 5) - line);
+        return name + " ";
+    }
+    if (entries.empty()) return "";
+    const size_t at = oneOf(random, entries);
+    const std::string entry = isClass ? fill(faultyFields) : "fx " + fill(faultyComponents);
+    const bool isOptional = !isClass && !isInChoice(text, at) && random.chance(70) &&
+                            entry.find("DEFAULT") == std::string::npos;
+    text.insert(at, "\n    , " + entry + (isOptional ? " OPTIONAL" : ""));
+    return entry;
+}
+
 } // namespace
 
 void plantFault(Project& project, Random& random) {
     project.isFaulty = true;
-    for (int tries = 0; tries < 100; ++tries) {
-        project.faulty = project.mark = "";
+    for (int tries = 0; tries < 100 && project.mark.empty(); ++tries) {
         Definition& definition = oneOf(random, project.definitions);
-        const std::string& name = definition.name;
-        std::string& text = definition.text;
         if (definition.parameterized) continue; // it is found where it is used
-        const auto fill = [&](std::string_view table) {
-            return filled(project, random, oneOfTable(random, table), name);
-        };
-        const bool isClass = name.starts_with("CLS"), isObject = name.starts_with("ob");
-        const std::vector<size_t> entries = entriesOf(text, isClass);
-        if (random.chance(8)) { // not where it shows
-            const std::vector<std::string> smaller = smallerTexts(text);
-            if (smaller.empty()) continue;
-            text = oneOf(random, smaller);
+        project.faulty = definition.name;
+        const int how = random.below(100);
+        if (how >= 25) {
+            project.mark = plantIn(project, random, definition.name, definition.text);
+        } else if (how >= 8) {
+            project.mark = takeOtherName(project, random, definition.text);
+        } else { // anything less; it does not show here
+            definition.text = oneOf(random, smallerTexts(definition.text));
+            project.faulty = "";
             return;
         }
-        project.faulty = name;
-        project.mark = name + " ";
-        if (name.starts_with("va")) {
-            const size_t at = text.find("::=");
-            if (at == std::string::npos) continue;
-            text.erase(at);
-            text += "::= " + fill(faultyValues);
-            return;
-        }
-        if (name.starts_with("Os") || name.starts_with("Vs")) {
-            text.insert(text.find("::= {") + 5, fill(faultyElements) + " | ");
-            return;
-        }
-        if (isObject && entries.empty()) { // a setting less
-            const size_t line = text.find("\n    ", text.find("\n    ") + 1);
-            if (line == std::string::npos) continue;
-            text.erase(line, text.find_first_of("\n}", line + 5) - line);
-            return;
-        }
-        if (entries.empty()) continue;
-        const size_t at = oneOf(random, entries);
-        project.mark = isClass ? fill(faultyFields) : "fx " + fill(faultyComponents);
-        const bool isOptional = !isClass && !isInChoice(text, at) && random.chance(70) &&
-                                project.mark.find("DEFAULT") == std::string::npos;
-        text.insert(at, "\n    , " + project.mark + (isOptional ? " OPTIONAL" : ""));
-        return;
     }
 }
 
