@@ -31,6 +31,8 @@ struct Walk {
     std::map<Rec, std::string> owners;
     std::map<const Tree*, std::vector<std::pair<std::string, Rec>>> heads; // by name
     std::map<Rec, std::string> open; // records without owner that are being shown
+    const Tree* tree = nullptr;      // the one that is shown
+    Shown* shown = nullptr;
     std::vector<std::string>* lines = nullptr;
     size_t nesting = 0;
 };
@@ -91,7 +93,9 @@ bool isStructural(const Rec& rec, const Field& field) {
     if (rec.kind == TNODE) return name != "ref" || rec.tree->tNode(rec.nr).typeCode != TYP_SYNONYM;
     if (rec.kind == VNODE) {
         if (name == "govType") return false;
-        return name != "ref" || rec.tree->vNode(rec.nr).valCode != TYP_SYNONYM;
+        const VNode value = rec.tree->vNode(rec.nr); // of a field's set: the set is the object's
+        const bool isSetByName = value.valCode == TYP_OPEN && value.refMod > 0;
+        return name != "ref" || (value.valCode != TYP_SYNONYM && !isSetByName);
     }
     if (rec.kind == SUB) return name != "typeNr";
     if (rec.kind == SNODE) return rec.tree->sNode(rec.nr).token == TOK_LBRACKET;
@@ -140,6 +144,10 @@ std::string hexOf(std::span<const uint8_t> bytes) {
     return text;
 }
 
+void note(Walk& walk, const Rec& rec) {
+    if (walk.shown != nullptr && rec.tree == walk.tree) walk.shown->insert({rec.kind, rec.nr});
+}
+
 void show(Walk& walk, const Rec& rec, const std::string& path);
 
 void follow(Walk& walk, const Rec& target, const std::string& at, const std::string& line) {
@@ -160,7 +168,8 @@ void follow(Walk& walk, const Rec& target, const std::string& at, const std::str
     walk.open.erase(target);
 }
 
-std::string textOfString(const Tree& tree, const Link& link) {
+std::string textOfString(Walk& walk, const Tree& tree, const Link& link) {
+    note(walk, {&tree, link.kind, link.nr});
     if (link.kind == STRI8) return tree.hasText(link.nr) ? quoted(tree.text(link.nr)) : "(none)";
     return hexOf(tree.bytes(link.kind, link.nr));
 }
@@ -168,6 +177,7 @@ std::string textOfString(const Tree& tree, const Link& link) {
 void showOptions(Walk& walk, const Rec& rec, const std::string& path) {
     for (const uint32_t nr : options(*rec.tree, rec.kind, rec.nr)) {
         const TedRec ted = rec.tree->tedRec(nr);
+        note(walk, {rec.tree, TED, nr});
         walk.lines->push_back(
             path + ".option=" + std::to_string(ted.tedKind) + " " +
             (rec.tree->hasText(ted.text) ? quoted(rec.tree->text(ted.text)) : "(none)"));
@@ -180,8 +190,10 @@ void showValue(Walk& walk, const Rec& rec, const std::string& path, const Link& 
         walk.lines->push_back(path + ".val=" + hexOf(bytes));
         return;
     }
-    walk.lines->push_back(path + ".val=" + hexOf(bytes.first(4)) + hexOf(bytes.subspan(8)) + " " +
-                          textOfString(*rec.tree, link));
+    // the joined arcs of an object identifier may be in the file or not
+    const bool hasText = rec.tree->vNode(rec.nr).valCode != TYP_OBJID;
+    walk.lines->push_back(path + ".val=" + hexOf(bytes.first(4)) + hexOf(bytes.subspan(8)) +
+                          (hasText ? " " + textOfString(walk, *rec.tree, link) : ""));
 }
 
 void showField(Walk& walk, const Rec& rec, const Field& field, const std::string& path) {
@@ -209,7 +221,7 @@ void showField(Walk& walk, const Rec& rec, const Field& field, const std::string
         if (value != 0) walk.lines->push_back(line + std::to_string(value));
         return;
     case Target::String:
-        walk.lines->push_back(line + (value < 0 ? "-" : "") + textOfString(*rec.tree, link));
+        walk.lines->push_back(line + (value < 0 ? "-" : "") + textOfString(walk, *rec.tree, link));
         return;
     case Target::Formal: walk.lines->push_back(line + "formal " + std::to_string(link.nr)); return;
     case Target::Deferred: walk.lines->push_back(line + "deferred"); return;
@@ -244,6 +256,7 @@ void show(Walk& walk, const Rec& rec, const std::string& path) {
         return;
     }
     ++walk.nesting;
+    note(walk, rec);
     // the entries behind this one come last, so that the parts of an entry stand together
     const Field* next = nullptr;
     for (const Field& field : fieldsOf(rec.kind)) {
@@ -258,10 +271,10 @@ void show(Walk& walk, const Rec& rec, const std::string& path) {
 
 } // namespace
 
-bool addDump(Dump& dump, Trees& trees, const std::string& path, std::string& error) {
+bool addDump(Dump& dump, Trees& trees, const std::string& path, std::string& error, Shown* shown) {
     const Tree* tree = trees.open(path, error);
     if (tree == nullptr) return false;
-    Walk walk{trees, {}, {}, {}};
+    Walk walk{trees, {}, {}, {}, tree, shown};
     claimTree(walk, tree);
     const std::vector<std::pair<std::string, Rec>> heads = walk.heads[tree];
     for (const auto& [name, rec] : heads) {
@@ -269,9 +282,14 @@ bool addDump(Dump& dump, Trees& trees, const std::string& path, std::string& err
         show(walk, rec, name);
     }
     const MNode self = tree->mNode(1);
+    note(walk, {tree, MNODE, 1});
     std::vector<std::string>& own = dump["(module)"];
     std::string words = "automaticTags=" + std::to_string(self.automaticTags);
-    for (const uint32_t word : self.modWords) words += " " + std::to_string(word);
+    for (const uint32_t word : std::span(self.modWords).first(5))
+        words += " " + std::to_string(word);
+    // the last word counts the types marked ENTRY, of all modules together always as many
+    std::vector<std::string>& entries = dump["(entries)"];
+    entries = {std::to_string(self.modWords[5] + (entries.empty() ? 0 : std::stoull(entries[0])))};
     if (std::ranges::find(own, words) == own.end()) own.push_back(words);
     return true;
 }

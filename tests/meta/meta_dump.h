@@ -4,6 +4,7 @@
 // stood: every field of every record reached from a head, links replaced by what they lead to.
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,12 @@ using Dump = std::map<std::string, std::vector<std::string>>;
 /// Fields to leave out, for a look at what else differs: "tNode.nodeFlags".
 extern std::vector<std::string> maskedFields;
 
+/// Records and strings of a file, by kind and number.
+using Shown = std::set<std::pair<stx::Kind, uint32_t>>;
+
 /// Adds the definitions of the module in the file; false with `error` set when it is unusable.
+/// `shown` gets what of the file the lines tell.
 [[nodiscard]] bool addDump(Dump& dump, stx::Trees& trees, const std::string& path,
-                           std::string& error);
+                           std::string& error, Shown* shown = nullptr);
 
 } // namespace orvo::meta

@@ -1,17 +1,14 @@
-// orvo_meta FIRST-SEED COUNT [--keep DIR] [--reduce] [--mask FIELD]
-// Compiles random legal modules in several arrangements; all must come to the same.
-// orvo_meta --try
-// Tries the comparison of trees.
+// orvo_meta FIRST-SEED COUNT [--faults] [--pairs] [--keep DIR] [--reduce] [--mask FIELD]
+// Compiles random modules in several arrangements; all must come to the same. The modules are
+// legal, or with --faults have one fault. --pairs: two arrangements of each seed only.
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <string>
 
 #include "meta_run.h"
-#include "meta_try.h"
 
 // A report of a sanitizer must not look like the status of a module with errors.
 extern "C" const char* __asan_default_options() {
@@ -28,32 +25,34 @@ using namespace orvo::meta;
 struct Verdict {
     std::vector<Difference> differences;
     std::vector<Arrangement> pair; // the first arrangement and the one that differs
-    bool firstFails = false, otherFails = false;
-    std::string refusal; // the first finding, of a module that should be legal
+    std::string statuses, refusal; // the first finding, in a module that should be legal
+    bool isFound = false, sameFollowUps = true; // of a fault
 };
+
+void noteRefusal(Verdict& verdict, const Outcome& outcome) {
+    if (!verdict.refusal.empty()) return;
+    if (!outcome.findings.empty())
+        verdict.refusal =
+            outcome.findings.begin()->first + ":" + outcome.findings.begin()->second[0];
+    else if (outcome.status != 0 || !outcome.trouble.empty())
+        verdict.refusal = "status " + std::to_string(outcome.status) + ": " + outcome.trouble;
+}
 
 Verdict judge(const Project& project, const std::vector<Arrangement>& arrangements) {
     Verdict verdict;
     const Outcome first = compile(project, arrangements[0]);
-    const auto note = [&](const Outcome& outcome) {
-        if (!verdict.refusal.empty()) return;
-        for (const auto& [name, lines] : outcome.findings) {
-            verdict.refusal = name + ":" + lines[0];
-            return;
-        }
-        if (outcome.status != 0 || !outcome.trouble.empty())
-            verdict.refusal = "status " + std::to_string(outcome.status) + ": " + outcome.trouble;
-    };
-    note(first);
-    verdict.firstFails = first.status != 0;
+    verdict.isFound = !foundAtFault(project, first).empty();
+    verdict.statuses = std::to_string(first.status);
+    if (!project.isFaulty || first.status > 1) noteRefusal(verdict, first);
     for (size_t at = 1; at < arrangements.size(); ++at) {
         const Outcome other = compile(project, arrangements[at]);
-        note(other);
-        const std::vector<Difference> found = differences(first, arrangements[at], other);
+        if (!project.isFaulty || other.status > 1) noteRefusal(verdict, other);
+        verdict.sameFollowUps = verdict.sameFollowUps && first.findings == other.findings;
+        const std::vector<Difference> found = differences(project, first, arrangements[at], other);
         if (found.empty()) continue;
         if (verdict.pair.empty()) {
             verdict.pair = {arrangements[0], arrangements[at]};
-            verdict.otherFails = other.status != 0;
+            verdict.statuses += " " + std::to_string(other.status);
         }
         verdict.differences.insert(verdict.differences.end(), found.begin(), found.end());
     }
@@ -68,8 +67,6 @@ std::string classOf(const Verdict& verdict) {
         text = difference.where.substr(0, difference.where.find(" of")) + "|" + difference.first +
                "|" + difference.other;
     }
-    text += " " + std::string(verdict.firstFails ? "fails" : "passes");
-    if (!verdict.pair.empty()) text += verdict.otherFails ? " fails" : " passes";
     std::string result;
     bool inBracket = false;
     for (const char ch : text) {
@@ -77,112 +74,7 @@ std::string classOf(const Verdict& verdict) {
         if (ch == ']') inBracket = false;
         if (!inBracket && (ch < '0' || ch > '9')) result += ch;
     }
-    return result;
-}
-
-/// Where the text that begins at `at` ends: before a separator, or before the brace that closes.
-size_t endOfItem(const std::string& text, size_t at) {
-    int depth = 0;
-    for (; at < text.size(); ++at) {
-        const char ch = text[at];
-        if (ch == '{' || ch == '(' || ch == '[') ++depth;
-        if (ch == '}' || ch == ')' || ch == ']') {
-            if (depth == 0) return at;
-            --depth;
-        }
-        if (depth == 0 && ch == ',') break;
-    }
-    while (at > 0 && (text[at - 1] == ' ' || text[at - 1] == '\n')) --at;
-    return at;
-}
-
-/// Texts with one thing less: an item of a list, a constraint, what follows a component's type.
-std::vector<std::string> smallerTexts(const std::string& text) {
-    std::vector<std::string> list;
-    const auto without = [&](size_t from, size_t to) {
-        if (to > from) list.push_back(text.substr(0, from) + text.substr(to));
-    };
-    for (size_t at = 0; at < text.size(); ++at) {
-        const char ch = text[at];
-        if (ch == ',') {
-            size_t from = at;
-            while (from > 0 && (text[from - 1] == ' ' || text[from - 1] == '\n')) --from;
-            without(from, endOfItem(text, at + 1));
-        }
-        if (ch == '{') {
-            const size_t end = endOfItem(text, at + 1);
-            const size_t comma = text.find(',', end);
-            if (comma != std::string::npos && comma <= end + 6) without(at + 1, comma + 1);
-        }
-        if (ch == '(') {
-            size_t end = at;
-            for (int depth = 0; end < text.size(); ++end) {
-                if (text[end] == '(') ++depth;
-                if (text[end] == ')' && --depth == 0) break;
-            }
-            if (end < text.size()) without(at, end + 1);
-        }
-        for (const char* word :
-             {" OPTIONAL", " DEFAULT ", " EXPLICIT", "SEQUENCE OF ", "[APPLICATION"})
-            if (text.compare(at, std::string(word).size(), word) == 0) {
-                if (word[1] == 'D')
-                    without(at, endOfItem(text, at));
-                else if (word[0] == '[')
-                    without(at, text.find(']', at) + 1);
-                else
-                    without(at, at + std::string(word).size());
-            }
-    }
-    return list;
-}
-
-bool isUsed(const Project& project, size_t at) {
-    for (size_t other = 0; other < project.definitions.size(); ++other)
-        if (other != at)
-            for (const std::string& word : wordsOf(project.definitions[other].text))
-                if (word == project.definitions[at].name) return true;
-    return false;
-}
-
-/// The arrangements without the definition.
-std::vector<Arrangement> withoutDefinition(std::vector<Arrangement> list, int gone) {
-    for (Arrangement& arrangement : list)
-        for (std::vector<int>& module : arrangement.modules) {
-            std::erase(module, gone);
-            for (int& nr : module)
-                if (nr > gone) --nr;
-        }
-    return list;
-}
-
-/// Takes away what can go while the failure remains.
-Project reduce(Project project, std::vector<Arrangement>& pair, const std::string& wanted) {
-    for (bool again = true; again;) {
-        again = false;
-        for (size_t at = project.definitions.size(); at-- > 0;) {
-            if (isUsed(project, at)) continue;
-            Project smaller = project;
-            smaller.definitions.erase(smaller.definitions.begin() + static_cast<long>(at));
-            const std::vector<Arrangement> list = withoutDefinition(pair, static_cast<int>(at));
-            if (classOf(judge(smaller, list)) != wanted) continue;
-            project = smaller;
-            pair = list;
-            again = true;
-        }
-        for (size_t at = project.definitions.size(); at-- > 0;)
-            for (bool found = true; found;) {
-                found = false;
-                for (const std::string& text : smallerTexts(project.definitions[at].text)) {
-                    Project smaller = project;
-                    smaller.definitions[at].text = text;
-                    if (classOf(judge(smaller, pair)) != wanted) continue;
-                    project = smaller;
-                    found = again = true;
-                    break;
-                }
-            }
-    }
-    return project;
+    return result + " " + verdict.statuses;
 }
 
 void keep(const std::string& folder, const Project& project,
@@ -196,51 +88,77 @@ void keep(const std::string& folder, const Project& project,
     }
 }
 
+void print(uint64_t seed, const Project& project, const Verdict& verdict) {
+    std::printf("seed %llu: %s\n", static_cast<unsigned long long>(seed),
+                verdict.differences.empty() ? "refused everywhere" : "differs");
+    if (project.isFaulty)
+        std::printf("  planted in %s: %s\n", project.faulty.c_str(), project.mark.c_str());
+    if (!verdict.refusal.empty()) std::printf("  refused: %s\n", verdict.refusal.c_str());
+    for (const Difference& difference : verdict.differences)
+        std::printf("  %s, %s:\n    first %s\n    other %s\n", difference.with.c_str(),
+                    difference.where.c_str(), difference.first.c_str(), difference.other.c_str());
+    std::fflush(stdout);
+}
+
+struct Wishes {
+    uint64_t first = 0, count = 0;
+    bool faults = false, pairs = false, reduce = false;
+    std::string folder;
+};
+
+Wishes wishesOf(int argc, char** argv) {
+    Wishes wishes;
+    wishes.first = std::strtoull(argv[1], nullptr, 10);
+    wishes.count = std::strtoull(argv[2], nullptr, 10);
+    for (int at = 3; at < argc; ++at) {
+        const std::string option = argv[at];
+        if (option == "--faults") wishes.faults = true;
+        if (option == "--pairs") wishes.pairs = true;
+        if (option == "--reduce") wishes.reduce = true;
+        if (option == "--mask" && at + 1 < argc) maskedFields.emplace_back(argv[++at]);
+        if (option == "--keep" && at + 1 < argc) wishes.folder = argv[++at];
+    }
+    return wishes;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc == 2 && std::string(argv[1]) == "--try") return tryComparison() ? 0 : 1;
     if (argc < 3) {
-        std::fprintf(stderr, "usage: orvo_meta FIRST-SEED COUNT [--keep DIR] [--reduce]\n");
+        std::fprintf(stderr, "usage: orvo_meta FIRST-SEED COUNT [--faults] [--pairs] "
+                             "[--keep DIR] [--reduce] [--mask FIELD]\n");
         return 2;
     }
-    const uint64_t firstSeed = std::strtoull(argv[1], nullptr, 10);
-    const uint64_t count = std::strtoull(argv[2], nullptr, 10);
-    std::string folder;
-    bool reducing = false;
-    for (int at = 3; at < argc; ++at) {
-        if (std::string(argv[at]) == "--reduce") reducing = true;
-        if (std::string(argv[at]) == "--mask" && at + 1 < argc)
-            maskedFields.emplace_back(argv[++at]);
-        if (std::string(argv[at]) == "--keep" && at + 1 < argc) folder = argv[++at];
-    }
-    uint64_t failed = 0;
-    for (uint64_t seed = firstSeed; seed < firstSeed + count; ++seed) {
-        const Project project = generate(seed);
-        if (project.definitions.empty()) continue;
+    const Wishes wishes = wishesOf(argc, argv);
+    unsigned long long failed = 0, found = 0, followUps = 0;
+    for (uint64_t seed = wishes.first; seed < wishes.first + wishes.count; ++seed) {
+        Project project = generate(seed);
         Random random{seed * 7919};
-        const std::vector<Arrangement> arrangements = arrangementsOf(project, random);
+        if (wishes.faults) plantFault(project, random);
+        std::vector<Arrangement> arrangements = arrangementsOf(project, random);
+        if (wishes.pairs) { // the first one, and each of the others in turn
+            std::swap(arrangements[1], arrangements[1 + seed % (arrangements.size() - 1)]);
+            arrangements.resize(2);
+        }
         const Verdict verdict = judge(project, arrangements);
+        found += verdict.isFound;
+        followUps += !verdict.sameFollowUps;
         if (verdict.differences.empty() && verdict.refusal.empty()) continue;
         ++failed;
-        std::printf("seed %llu: %s\n", static_cast<unsigned long long>(seed),
-                    verdict.differences.empty() ? "refused everywhere" : "differs");
-        if (!verdict.refusal.empty()) std::printf("  refused: %s\n", verdict.refusal.c_str());
-        for (const Difference& difference : verdict.differences)
-            std::printf("  %s, %s:\n    first %s\n    other %s\n", difference.with.c_str(),
-                        difference.where.c_str(), difference.first.c_str(),
-                        difference.other.c_str());
+        print(seed, project, verdict);
         std::vector<Arrangement> pair = verdict.pair;
         if (pair.empty()) pair = {arrangements[0]};
-        Project kept = project;
-        if (reducing) {
-            const Verdict narrow = judge(project, pair);
-            kept = reduce(project, pair, classOf(narrow));
+        if (wishes.reduce) {
+            const std::string wanted = classOf(judge(project, pair));
+            project = reduce(project, pair, [&wanted](const auto& smaller, const auto& list) {
+                return classOf(judge(smaller, list)) == wanted;
+            });
         }
-        if (!folder.empty()) keep(folder + "/" + std::to_string(seed), kept, pair);
-        std::fflush(stdout);
+        if (!wishes.folder.empty()) keep(wishes.folder + "/" + std::to_string(seed), project, pair);
     }
-    std::printf("%llu of %llu failed\n", static_cast<unsigned long long>(failed),
-                static_cast<unsigned long long>(count));
+    if (wishes.faults)
+        std::printf("%llu faults found at their place, with %llu other findings by order\n", found,
+                    followUps);
+    std::printf("%llu of %llu failed\n", failed, static_cast<unsigned long long>(wishes.count));
     return failed == 0 ? 0 : 1;
 }

@@ -12,11 +12,14 @@ struct Definition {
     std::string name;
     std::string text; // whole, several lines
     bool parameterized = false;
+    std::string glue = {}; // the definition that it must share a module with
 };
 
 struct Project {
     std::string tagging; // "EXPLICIT", "IMPLICIT", "AUTOMATIC"
     std::vector<Definition> definitions;
+    bool isFaulty = false;
+    std::string faulty = {}, mark = {}; // the definition that is, a piece of the line that is
 };
 
 /// A source of numbers that is the same on every host.
@@ -37,9 +40,12 @@ struct Random {
     bool chance(int percent) { return below(100) < percent; }
 };
 
-/// The legal project of a seed; without definitions when it came to nothing.
 Project generate(uint64_t seed);
+/// Plants one fault in a definition; at times none that can be named, only something is missing.
+void plantFault(Project& project, Random& random);
 
+/// Texts with one thing less: an item of a list, a constraint, what follows a component's type.
+std::vector<std::string> smallerTexts(const std::string& text);
 /// Identifiers of a text that are no field names and not in strings.
 std::vector<std::string> wordsOf(const std::string& text);
 

@@ -109,15 +109,18 @@ void readListing(const std::string& path, const std::vector<std::pair<std::strin
     }
 }
 
-} // namespace
+struct Folder {
+    std::string path = "/tmp/orvometaXXXXXX";
+    Folder() {
+        if (mkdtemp(path.data()) == nullptr) std::exit(2);
+    }
+    ~Folder() {
+        std::error_code ignored;
+        fs::remove_all(path, ignored);
+    }
+};
 
-TreeFolder::TreeFolder() {
-    if (mkdtemp(path.data()) == nullptr) std::exit(2);
-}
-TreeFolder::~TreeFolder() {
-    std::error_code ignored;
-    fs::remove_all(path, ignored);
-}
+} // namespace
 
 std::vector<std::string> wordsOf(const std::string& text) {
     std::vector<std::string> words;
@@ -153,7 +156,14 @@ std::vector<Arrangement> arrangementsOf(const Project& project, Random& random) 
     for (int count = 2; count <= 3; ++count) {
         shuffle(order, random);
         std::vector<std::vector<int>> modules(static_cast<size_t>(count));
-        for (const int nr : order) modules[static_cast<size_t>(random.below(count))].push_back(nr);
+        std::map<std::string, size_t> homes;
+        for (const Definition& definition : project.definitions)
+            homes[definition.name] = static_cast<size_t>(random.below(count));
+        for (const int nr : order) {
+            const Definition& definition = project.definitions[static_cast<size_t>(nr)];
+            const bool isGlued = !definition.glue.empty();
+            modules[homes[isGlued ? definition.glue : definition.name]].push_back(nr);
+        }
         for (int root = 0; root < count; ++root)
             list.push_back({"split over " + std::to_string(count) + ", root " + fileNames[root],
                             modules, root});
@@ -172,11 +182,9 @@ std::vector<std::pair<std::string, std::string>> modulesOf(const Project& projec
     return files;
 }
 
-namespace {
-
-/// Compiles the modules of an arrangement in the folder; status of the process, 100 and more when
-/// it did not end by itself.
-int compileIn(const TreeFolder& folder, const Project& project, const Arrangement& arrangement) {
+Outcome compile(const Project& project, const Arrangement& arrangement) {
+    Outcome outcome;
+    const Folder folder;
     std::vector<std::string> arguments{"orvo", "-V=1"};
     std::string root;
     for (const auto& [name, text] : modulesOf(project, arrangement)) {
@@ -192,22 +200,7 @@ int compileIn(const TreeFolder& folder, const Project& project, const Arrangemen
     if (child == 0) compileInChild(folder.path, arguments);
     int status = 0;
     waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
-}
-
-} // namespace
-
-TreeFolder::TreeFolder(const Project& project) : TreeFolder() {
-    Arrangement asWritten{"as written", {{}}, 0};
-    for (size_t at = 0; at < project.definitions.size(); ++at)
-        asWritten.modules[0].push_back(static_cast<int>(at));
-    compileIn(*this, project, asWritten);
-}
-
-Outcome compile(const Project& project, const Arrangement& arrangement) {
-    Outcome outcome;
-    const TreeFolder folder;
-    outcome.status = compileIn(folder, project, arrangement);
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
     if (outcome.status > 1) {
         std::ifstream file(folder.path + "/err");
         outcome.trouble = std::string(std::istreambuf_iterator<char>(file), {}).substr(0, 2000);
@@ -266,8 +259,24 @@ void compareFindings(const std::string& what, const std::vector<std::string>& fi
 
 } // namespace
 
-std::vector<Difference> differences(const Outcome& first, const Arrangement& arrangement,
-                                    const Outcome& other) {
+std::vector<std::string> foundAtFault(const Project& project, const Outcome& outcome) {
+    std::vector<std::string> list;
+    const auto found = outcome.findings.find(project.faulty);
+    for (const Definition& definition : project.definitions) {
+        if (definition.name != project.faulty || found == outcome.findings.end()) continue;
+        const auto end = definition.text.begin() +
+                         static_cast<std::ptrdiff_t>(
+                             std::min(definition.text.find(project.mark), definition.text.size()));
+        const std::string line =
+            " +" + std::to_string(std::count(definition.text.begin(), end, '\n')) + " ";
+        for (const std::string& finding : found->second)
+            if (finding.find(line) != std::string::npos) list.push_back(finding);
+    }
+    return list;
+}
+
+std::vector<Difference> differences(const Project& project, const Outcome& first,
+                                    const Arrangement& arrangement, const Outcome& other) {
     std::vector<Difference> list;
     const std::string& with = arrangement.name;
     if (first.status != other.status)
@@ -275,10 +284,14 @@ std::vector<Difference> differences(const Outcome& first, const Arrangement& arr
             {with, "exit status", std::to_string(first.status), std::to_string(other.status)});
     if (first.trouble != other.trouble)
         list.push_back({with, "trouble", first.trouble, other.trouble});
+    if (project.isFaulty)
+        compareFindings("fault in " + project.faulty, foundAtFault(project, first),
+                        foundAtFault(project, other), with, list);
     std::set<std::string> names;
     for (const auto* findings : {&first.findings, &other.findings})
         for (const auto& [name, lines] : *findings) names.insert(name);
     for (const std::string& name : names) {
+        if (project.isFaulty && first.status != 0) break;
         const auto one = first.findings.find(name), two = other.findings.find(name);
         const std::vector<std::string> none;
         compareFindings("findings of " + name, one == first.findings.end() ? none : one->second,

@@ -2,6 +2,7 @@
 
 // Arrangements of a project as modules, and what the compiler says about each.
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -28,23 +29,21 @@ struct Difference {
     std::string first, other;
 };
 
-/// A folder that is removed again, with the listings and trees of a project in one module, ma.
-struct TreeFolder {
-    std::string path = "/tmp/orvometaXXXXXX";
-    TreeFolder();
-    explicit TreeFolder(const Project& project);
-    TreeFolder(const TreeFolder&) = delete;
-    TreeFolder& operator=(const TreeFolder&) = delete;
-    ~TreeFolder();
-};
-
 std::vector<Arrangement> arrangementsOf(const Project& project, Random& random);
 /// The modules of an arrangement: file names and texts, the root first.
 std::vector<std::pair<std::string, std::string>> modulesOf(const Project& project,
                                                            const Arrangement& arrangement);
+using Fails = std::function<bool(const Project&, const std::vector<Arrangement>&)>;
+/// Takes away what can go while it still fails.
+Project reduce(Project project, std::vector<Arrangement>& pair, const Fails& fails);
+
 Outcome compile(const Project& project, const Arrangement& arrangement);
-/// Where the outcome differs from that of the first arrangement, at most a few places.
-std::vector<Difference> differences(const Outcome& first, const Arrangement& arrangement,
-                                    const Outcome& other);
+/// What was found at the line of the fault.
+std::vector<std::string> foundAtFault(const Project& project, const Outcome& outcome);
+/// Where the outcome differs from that of the first arrangement, at most a few places. Of a faulty
+/// project only what is found at the fault is compared: who asks for what is wrong and was checked
+/// before hears nothing of it, so that what follows from a fault depends on the order.
+std::vector<Difference> differences(const Project& project, const Outcome& first,
+                                    const Arrangement& arrangement, const Outcome& other);
 
 } // namespace orvo::meta
