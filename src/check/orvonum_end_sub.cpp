@@ -229,7 +229,7 @@ bool explicitRangeEndpoint(Endpoint& end, bool upper, VNodeRef value, uint8_t fl
     const TNodeRef type = currentRec<KIND_TNODE>();
     readRec(value);
     skipValues(true);
-    if (vNode.valCode != kind) return false;
+    if (vNode.valCode != kind || (kind == TYP_INTEGER && !isIntegerVNode())) return false;
     end = {vNode, flags, recState.currTPtr[KIND_VNODE]};
     if (isInsideParent(end.value, kind)) return true;
     readRec(type);

@@ -63,7 +63,7 @@ bool numberOf(int64_t& number) {
     const KeepRec<KIND_VNODE> keep;
     if (vNode.valCode == TYP_SYNONYM) {
         skipValues(true);
-        if (vNode.valCode != TYP_INTEGER) return false;
+        if (!isIntegerVNode()) return false;
     }
     number = i64native(vNode.val.number);
     return true;

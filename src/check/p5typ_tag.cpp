@@ -138,7 +138,7 @@ int32_t tagNumberOf(ModuleRec* module, const TagRec& tag) {
     const KeepRec<KIND_VNODE> keep;
     readRec(module, VNodeNr{magnitude(tag.tagNr)});
     skipValues(true);
-    if (vNode.valCode != TYP_INTEGER) return badTagNr;
+    if (!isIntegerVNode()) return badTagNr;
     const int64_t number = i64native(vNode.val.number);
     return number >= 0 && number <= maxTagNr ? static_cast<int32_t>(number) : badTagNr;
 }

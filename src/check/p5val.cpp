@@ -299,14 +299,14 @@ ModuleRec* moduleForErrors(ModuleRec* caller) {
 
 namespace {
 
-/// Component relations do not reach beyond an assignment: it is a structured value whose type is a
-/// type assignment.
+/// Component relations do not reach beyond the outermost structure of the notation: it is a
+/// structured value whose type nothing encloses.
 bool isOutermost(const CheckedValue& value) {
     const uint8_t kind = value.rec.valCode;
     if (!is(kind, TypeClass::Members) && !is(kind, TypeClass::List)) return false;
     const KeepRec<KIND_TNODE> keep;
     skipTypes(true);
-    return magnitude(tNode.compStatus) == TCS_HEADER;
+    return !isEnclosed();
 }
 
 bool checkGoverned(const ValueErrors& errors, VNodeRef at, bool constrain,

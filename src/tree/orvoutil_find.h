@@ -151,6 +151,9 @@ void getClassOfObjClassFieldTypeTNode();
 
 /// An object; an object set; neither. All are preserving.
 [[nodiscard]] bool isObjVNode();
+/// The current value is a number of INTEGER: an item of an enumeration, which is a number as well
+/// once it is numbered, is none.
+[[nodiscard]] bool isIntegerVNode();
 [[nodiscard]] bool isObjSetVNode();
 [[nodiscard]] bool isValueVNode();
 [[nodiscard]] bool isValueSetVNode();

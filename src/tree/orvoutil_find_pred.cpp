@@ -88,6 +88,17 @@ void getClassOfObjClassFieldTypeTNode() {
         fatalError(Fatal::Internal, "Trying to obtain class of an ObjectClassFieldType.");
 }
 
+bool isIntegerVNode() {
+    if (vNode.valCode != TYP_INTEGER) return false;
+    if (vNode.valStatus != VST_NAMED_NUMBER || vNode.govType == 0) return true;
+    const KeepRec<KIND_TNODE> keep;
+    ModuleRec* const module =
+        refModule(recState.currTPtr[KIND_VNODE], static_cast<int32_t>(vNode.govTypeMod));
+    if (module == nullptr) return true;
+    readRec(module, TNodeNr{vNode.govType});
+    return tNode.typeCode != TYP_ENUM;
+}
+
 bool isObjVNode() {
     if ((vNode.vflags & VF_SET) != 0) return false;
     const KeepRec<KIND_VNODE> keep;

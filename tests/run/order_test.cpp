@@ -106,6 +106,23 @@ TEST(Order, FaultsOfADefinitionDoNotCountForItsUsers) {
     }
 }
 
+TEST(Order, AnItemOfAnEnumerationIsNoIntegerOnceItIsNumberedEither) {
+    std::vector<std::string> definitions = {
+        "E ::= ENUMERATED { e, f } v E ::= f", "T ::= SEQUENCE { c [v] NULL }",
+        "N ::= INTEGER { n(v) }", "S ::= OCTET STRING (SIZE (0..v))"};
+    for (const bool backwards : {false, true}) {
+        if (backwards) std::ranges::reverse(definitions);
+        const auto lineOf = [&](int place) { return backwards ? 5 - place : 2 + place; };
+        std::vector<Finding> expected = {
+            {lineOf(1), "Tag number shall be INTEGER and in range 0..2097151"},
+            {lineOf(2), "Invalid INTEGER value: n"},
+            {lineOf(3), "Invalid range constraint(s)"},
+            {lineOf(3), "Invalid size constraint(s)"}};
+        std::ranges::stable_sort(expected, {}, &Finding::line);
+        EXPECT_EQ(compileBody(joined(definitions)).diagnostics("m"), listed(expected));
+    }
+}
+
 TEST(Order, WhatIsCopiedFromATypeIsSettledFirst) {
     std::vector<std::string> definitions = {
         "R1 ::= Sel", "R2 ::= F", "R3 ::= O", "Sel ::= a < Ch", "F ::= C.&id", "O ::= o.&T",
