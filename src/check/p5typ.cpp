@@ -56,6 +56,13 @@ bool checkReferencedType() {
     return checkTNode();
 }
 
+/// Settles the type that a selection, an object or a class gives, before its constraint is asked
+/// for; what is wrong in it is its own affair.
+void checkGivenType() {
+    const KeepRec<KIND_TNODE> keep;
+    if (followTypeRef(true)) static_cast<void>(checkTNode());
+}
+
 bool checkByKind(ModuleRec* module) {
     switch (tNode.typeCode) {
     case TYP_SEQ:
@@ -66,7 +73,10 @@ bool checkByKind(ModuleRec* module) {
     case TYP_CLASS: return tNode.ref == 0 || checkStruType(module);
     case TYP_INSTANCE_OF: return checkEmbeddedType(module);
     case TYP_SYNONYM: return !isReferenceWithTarget() || checkReferencedType();
-    case TYP_FIELDLIST: return !isObjClassFieldTypeTNode() || checkObjClassFieldType(module);
+    case TYP_SELECTION: checkGivenType(); return true;
+    case TYP_FIELDLIST:
+        checkGivenType();
+        return !isObjClassFieldTypeTNode() || checkObjClassFieldType(module);
     default: return true;
     }
 }
