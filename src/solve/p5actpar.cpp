@@ -327,7 +327,7 @@ bool checkVNodeActuals() {
     // A governor that depends on the parameters was copied with the value.
     enterType(search, refModule(instance.module, signedWord(vNode.govTypeMod)), vNode.govType);
     searchInstance(search);
-    (void)reportUnused(search, by);
+    static_cast<void>(reportUnused(search, by));
     return true;
 }
 

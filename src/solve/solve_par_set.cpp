@@ -43,7 +43,7 @@ bool parseDefinedOrParameterizedType(TNodeNr& type, Cause& cause) {
     int32_t name = curToken().stri();
     int32_t actuals = 0;
     if (nextCode() == TOK_LBRACE) {
-        (void)advance();
+        static_cast<void>(advance());
         actuals = minus(nextRec<KIND_DNODE>(cMP).nr);
         if (!deferValue(cause)) return false;
     }

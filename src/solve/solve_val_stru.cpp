@@ -152,7 +152,7 @@ bool parseAnyValue(Cause& cause) {
         return false;
     }
     readRec(cMP, TNodeNr{static_cast<uint32_t>(curToken().stri())});
-    if (inp.formals != 0) (void)expandType(TNodeNr{});
+    if (inp.formals != 0) static_cast<void>(expandType(TNodeNr{}));
     const TNodeRef type = currentRec<KIND_TNODE>();
     makePending(cMP, value);
     vNode.govTypeMod = REF_OWN;

@@ -33,8 +33,7 @@ struct RecPlace {
     uint32_t nr = 0;
 };
 struct RecState {
-    RecPlace writePend[kindCount]; // the record in the buffer that the store does not have yet; nr
-                                   // 0 = none
+    RecPlace writePend[kindCount];       // of what the buffer holds and the store lacks; 0 = none
     RecPlace recJustRead[kindCount];     // what the buffer holds
     ModuleRec* currTPtr[kindCount] = {}; // module of the record in the buffer
 };
@@ -48,8 +47,9 @@ const void* findRPos(ModuleRec* module, RecKind kind, uint32_t nr);
 /// Tells whether a record of the kind was ever written at that number.
 bool recExists(const ModuleRec* module, RecKind kind, uint32_t nr);
 
-/// readRec, writeRec, newRec and dropRec by kind number; the typed forms below are what callers use.
-/// A debug build asserts that a buffer which is left for another record holds what the store holds.
+/// readRec, writeRec, newRec and dropRec by kind number; the typed forms below are what callers
+/// use. A debug build asserts that a buffer which is left for another record holds what the store
+/// holds.
 void readRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
 void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
 uint32_t newRecKind(RecKind kind);
