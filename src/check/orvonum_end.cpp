@@ -22,9 +22,6 @@ namespace orvo {
 
 namespace {
 
-/// Links of one chain of references; more is a cycle.
-constexpr size_t maxLinks = 1000000;
-
 bool isSizeKind(uint8_t kind) {
     return kind == TYP_BITSTR || kind == TYP_OCTSTR || kind == TYP_SEQOF || kind == TYP_SETOF ||
            (kind >= TYP_NUMSTR && kind <= TYP_UNISTR) || kind == TYP_OBJDESCR;

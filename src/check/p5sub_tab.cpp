@@ -26,7 +26,7 @@ bool isTableColumn() {
 bool checkTable(VNodeNr set) {
     const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
-    bool ok = readSettingType(self.module, set);
+    bool ok = readTypeSetting({self.module, set});
     if (ok && tNode.constraint > 0) {
         readRec(recState.currTPtr[KIND_TNODE], SubNr{static_cast<uint32_t>(tNode.constraint)});
         ok = chkSubRec(moduleForTypeErrors(), ParentType::None);

@@ -35,9 +35,6 @@ std::string_view tNodeName() {
 
 namespace {
 
-/// Links of one chain of references; more is a cycle.
-constexpr size_t maxLinks = 1000000;
-
 bool isReferenceWithTarget() {
     return tNode.typeCode == TYP_SYNONYM && tNode.ref != 0 && tNode.refMod > 0;
 }

@@ -21,8 +21,6 @@
 namespace orvo {
 namespace {
 
-constexpr size_t maxOptionLength = 1024;
-
 constexpr std::string_view usageLines[] = {
     "",
     "Usage:",

@@ -74,7 +74,7 @@ bool isObjClFldTyp() {
     ModuleRec* classModule = tNode.refMod == 0 ? module : refModule(module, tNode.refMod);
     if (classModule == nullptr) return false;
     readRec(classModule, TNodeNr{tNode.ref});
-    uint32_t left = 1000000; // a chain that is not yet solved may be a cycle
+    size_t left = maxLinks;
     while (tNode.typeCode == TYP_SYNONYM && !isSetTNode() && left-- != 0) {
         ModuleRec* target = refModule(recState.currTPtr[KIND_TNODE], tNode.refMod);
         if (target == nullptr || tNode.ref == 0) return false;
