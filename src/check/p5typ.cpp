@@ -14,7 +14,6 @@
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "solve/p5actpar.h"
-#include "solve/p5actpar_err.h"
 #include "solve/solve_stx.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"

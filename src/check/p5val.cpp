@@ -12,7 +12,6 @@
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "solve/p5actpar.h"
-#include "solve/p5actpar_err.h"
 #include "tree/orvoutil_find.h"
 #include "tree/types_compat.h"
 #include "util/guard.h"

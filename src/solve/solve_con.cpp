@@ -7,7 +7,7 @@
 
 #include "solve/solve_con.h"
 
-#include "solve/p5actpar_err.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_con_int.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_ref.h"

@@ -1,6 +1,6 @@
 // Elements of sets: values and ranges, sizes, alphabets, contained subtypes, inner subtypes.
 
-#include "solve/p5actpar_err.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_con_int.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_par.h"

@@ -8,7 +8,7 @@
 #include "solve/solve_par.h"
 
 #include "diag/orvoerr_fatal.h"
-#include "solve/p5actpar_err.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_exp.h"
 #include "solve/solve_pass3.h"

@@ -2,7 +2,7 @@
 // field of an object or an element of a constraint. The first step delimits the text, the second
 // one parses it.
 
-#include "solve/p5actpar_err.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_exp.h"
 #include "solve/solve_par.h"
