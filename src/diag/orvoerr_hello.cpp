@@ -17,10 +17,6 @@ constexpr std::string_view releaseMonth = "February";
 constexpr std::string_view releaseYear = "2002";
 constexpr std::string_view makersNotice = "(c) The orvo authors. All rights reserved.";
 
-void put(std::FILE* stream, std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stream);
-}
-
 /// The digits at the front of the text, cut at 9999; the text is left behind them.
 int takeNumber(std::string_view& text) {
     int number = 0;

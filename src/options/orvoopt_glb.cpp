@@ -27,7 +27,7 @@ bool warningsShown() {
 }
 void warn(ModuleRec* module, std::string_view text) {
     if (!warningsShown()) return;
-    std::fwrite(text.data(), 1, text.size(), stderr);
+    put(stderr, text);
     ++module->nbWarnings;
 }
 
@@ -209,11 +209,8 @@ void markInvOpt(ModuleRec* module, TedNr record, uint32_t& rejectedKinds, std::s
     rejectedKinds |= 1U << tedRec.tedKind;
     tedRec.tedKind = TED_REJECTED;
     writeRec(module, record);
-    if (warningsShown()) {
-        const std::string shown =
-            concat("\nWARNING : Option ignored: ", text.substr(0, shownLength), "\n");
-        std::fwrite(shown.data(), 1, shown.size(), stderr);
-    }
+    if (warningsShown())
+        put(stderr, concat("\nWARNING : Option ignored: ", text.substr(0, shownLength), "\n"));
     recordError(module, ERR_WARNING, Msg::OptionsIgnored, line, text);
 }
 
