@@ -23,9 +23,6 @@ namespace orvo {
 
 namespace {
 
-/// Links of one chain of references; more is a cycle.
-constexpr size_t maxLinks = 1000000;
-
 bool isSizeKind(uint8_t kind) {
     return is(kind, TypeClass::Sized);
 }

@@ -13,12 +13,6 @@ namespace orvo {
 
 namespace {
 
-/// Operators inside operators are at most as deep as notation nests, contained subtypes add to
-/// them.
-constexpr uint32_t maxNesting = 2000;
-/// Links of one chain of references; more is a cycle.
-constexpr size_t maxLinks = 1000000;
-
 /// What is asked of a constraint and of its operands.
 struct Request {
     bool upper;
@@ -109,10 +103,8 @@ bool singleValueEndpoint(const Request& request, VNodeRef value, Endpoint& end) 
 }
 
 bool containedEndpoint(const Request& request, VNodeRef setting, Endpoint& end) {
-    if (!setting) return false;
     const KeepRec<KIND_TNODE> keep;
-    readRec(setting);
-    if (!readTypeSetting()) return false;
+    if (!readTypeSetting(setting)) return false;
     return getEndpoint(end, request.upper) && end.value.valCode == request.kind;
 }
 

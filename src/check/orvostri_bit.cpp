@@ -8,13 +8,15 @@
 #include "check/check_cache.h"
 #include "check/orvostri.h"
 #include "diag/orvoerr_fatal.h"
+#include "lex/orvotok.h"
 #include "tree/orvoutil_find.h"
+#include "util/ascii.h"
 
 namespace orvo {
 
 namespace {
 
-constexpr size_t maxBits = 32000;
+constexpr size_t maxBits = maxStringLength; // named bits reach no further than literals
 constexpr int64_t noFit = std::numeric_limits<int32_t>::max();
 
 bool isHexadecimal(const VNode& value) {
@@ -51,7 +53,7 @@ int64_t highestBit(ModuleRec* module, VNodeNr first) {
 }
 
 unsigned hexDigit(char digit) {
-    if (digit >= '0' && digit <= '9') return static_cast<unsigned>(digit - '0');
+    if (isDigit(digit)) return static_cast<unsigned>(digit - '0');
     if (digit >= 'A' && digit <= 'F') return static_cast<unsigned>(digit - 'A') + 10;
     return 0;
 }

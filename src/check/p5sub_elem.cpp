@@ -15,16 +15,6 @@
 
 namespace orvo {
 
-bool readSettingType(ModuleRec* module, VNodeNr setting) {
-    if (!setting) return false;
-    readRec(module, setting);
-    if (vNode.ref == 0) return false;
-    ModuleRec* const owner = vNode.refMod == REF_FORMAL ? module : refModule(module, vNode.refMod);
-    if (owner == nullptr) return false;
-    readRec(owner, TNodeNr{vNode.ref});
-    return true;
-}
-
 bool subRange() {
     const KeepRec<KIND_TNODE> keep;
     Endpoint lower;
@@ -81,7 +71,7 @@ bool subSingleValue(ModuleRec* module, ParentType parent) {
 bool subContainedSubtype() {
     const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
-    if (!readSettingType(self.module, VNodeNr{subRec.left})) return false;
+    if (!readTypeSetting({self.module, VNodeNr{subRec.left}})) return false;
     const TNodeRef contained = currentRec<KIND_TNODE>();
     bool ok = checkTNode();
     ok &= subtypeCompatible(type.module, type.nr, contained.module, contained.nr);
@@ -204,7 +194,7 @@ bool subUserDefConstr(ModuleRec* module) {
         readRec(parameter);
         nr = vNode.next;
         if (vNode.valCode == TYP_OPEN && vNode.refMod == REF_FORMAL) {
-            ok &= readSettingType(self.module, parameter.nr) && checkTNode();
+            ok &= readTypeSetting(parameter) && checkTNode();
         } else {
             ok &= checkVNode(module, true, true);
         }
@@ -228,7 +218,7 @@ bool subNoValueConstr(ModuleRec* module) {
 bool subOpenTypeConstr() {
     const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
-    bool ok = readSettingType(self.module, VNodeNr{subRec.left});
+    bool ok = readTypeSetting({self.module, VNodeNr{subRec.left}});
     if (ok) {
         ok = checkTNode();
         skipTypes(true);

@@ -38,9 +38,6 @@ void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail = {}
 [[nodiscard]] bool subUserDefConstr(ModuleRec* module);
 [[nodiscard]] bool subNoValueConstr(ModuleRec* module);
 [[nodiscard]] bool subOpenTypeConstr();
-/// Reads the type record that a type or set setting stands for; the setting is a value record of
-/// `module`.
-[[nodiscard]] bool readSettingType(ModuleRec* module, VNodeNr setting);
 
 // ---- p5sub_alpha
 [[nodiscard]] bool subPermittedAlphabet(ModuleRec* module, ParentType parent);

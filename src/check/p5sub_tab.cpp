@@ -24,7 +24,7 @@ bool isTableColumn() {
 bool checkTable(VNodeNr set) {
     const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
-    bool ok = readSettingType(self.module, set);
+    bool ok = readTypeSetting({self.module, set});
     if (ok && isTypeDefinition()) {
         static_cast<void>(checkTNode());
     } else if (ok && tNode.constraint > 0) {

@@ -17,7 +17,6 @@
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "solve/p5actpar.h"
-#include "solve/p5actpar_err.h"
 #include "solve/solve_stx.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
@@ -39,8 +38,6 @@ std::string_view tNodeName() {
 
 namespace {
 
-/// Links of one chain of references; more is a cycle.
-constexpr size_t maxLinks = 1000000;
 /// Shorter ways to a set are walked again rather than noted.
 constexpr size_t shortWay = 8;
 

@@ -11,8 +11,6 @@ namespace orvo {
 
 namespace {
 
-/// Links of one chain of references; more is a cycle.
-constexpr size_t maxLinks = 1000000;
 /// Shorter ways to a tag are walked again rather than noted.
 constexpr size_t shortWay = 8;
 

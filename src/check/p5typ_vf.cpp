@@ -11,7 +11,7 @@
 #include "check/orvonum_end.h"
 #include "check/p5typ_int.h"
 #include "diag/orvoerr.h"
-#include "solve/p5actpar_err.h"
+#include "solve/p5actpar.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
 

@@ -14,7 +14,6 @@
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "solve/p5actpar.h"
-#include "solve/p5actpar_err.h"
 #include "tree/orvoutil_find.h"
 #include "tree/types_compat.h"
 #include "util/guard.h"
@@ -34,8 +33,6 @@ ValueNesting::~ValueNesting() {
 
 namespace {
 
-/// Links of one chain of references; more is a cycle.
-constexpr size_t maxLinks = 1000000;
 
 /// The current value, a reference, leads to a value that no other check comes to: an actual
 /// parameter or what is made from one, or the value of a setting whose type stands beside it.

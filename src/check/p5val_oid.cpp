@@ -6,6 +6,7 @@
 #include <string>
 
 #include "check/p5val_int.h"
+#include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
 #include "util/text.h"
 
@@ -13,8 +14,6 @@ namespace orvo {
 
 namespace {
 
-constexpr uint16_t invalidObjId = 65535;
-constexpr size_t maxArcs = 32;
 constexpr int64_t unknownArc = -1;
 
 /// Forms of a component: a number, a well-known name of a level (VST_ROOT_ARC and up).

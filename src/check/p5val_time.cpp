@@ -4,14 +4,11 @@
 #include <string_view>
 
 #include "check/p5val_int.h"
+#include "util/ascii.h"
 
 namespace orvo {
 
 namespace {
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 /// What is left of a text.
 struct TimeText {

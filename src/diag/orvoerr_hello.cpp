@@ -4,10 +4,10 @@
 #include "diag/orvoerr_hello.h"
 
 #include <algorithm>
-#include <cctype>
 #include <ctime>
 
 #include "tree/orvomod.h"
+#include "util/ascii.h"
 #include "util/text.h"
 
 namespace orvo {
@@ -17,14 +17,10 @@ constexpr std::string_view releaseMonth = "February";
 constexpr std::string_view releaseYear = "2002";
 constexpr std::string_view makersNotice = "(c) The orvo authors. All rights reserved.";
 
-void put(std::FILE* stream, std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stream);
-}
-
 /// The digits at the front of the text, cut at 9999; the text is left behind them.
 int takeNumber(std::string_view& text) {
     int number = 0;
-    while (!text.empty() && text.front() >= '0' && text.front() <= '9') {
+    while (!text.empty() && isDigit(text.front())) {
         number = std::min(number * 10 + (text.front() - '0'), 9999);
         text.remove_prefix(1);
     }
@@ -123,9 +119,7 @@ int rcsRevision2betVersion(std::string_view text) {
 
 std::string printRcsId(std::string_view name) {
     std::string identifier(name);
-    for (char& c : identifier)
-        c = c == '-' || c == '.' ? '_'
-                                 : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    for (char& c : identifier) c = c == '-' || c == '.' ? '_' : toLower(c);
     if (!identifier.empty()) identifier += '_';
     return concat("static char ", identifier, "rcsid [] = \"$Id$\" ;\n");
 }

@@ -18,10 +18,6 @@ namespace {
 
 constexpr int64_t noLine = std::numeric_limits<int64_t>::max();
 
-void put(std::FILE* stream, std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stream);
-}
-
 /// Reads the next line, its line feed included. A line is listed whole however long it is: cut in
 /// two it would shift the numbers that the diagnostics refer to.
 bool readLine(std::FILE* source, std::string& line) {

@@ -12,9 +12,6 @@
 namespace orvo {
 namespace {
 
-constexpr int maxDigits = 19;
-constexpr int maxStringLength = 32000;
-constexpr int maxNameLength = 128;
 
 bool isIn(int code, int first, int last) {
     return code >= first && code <= last;
@@ -105,13 +102,13 @@ bool printTokenExpectedError(int code, std::string& text) {
 
 bool printTooManyDigitsError(Msg code, std::string& text) {
     if (code != Msg::TooManyDigits) return false;
-    text = concat("More than ", std::to_string(maxDigits), " digits in");
+    text = concat("More than ", std::to_string(maxNumberDigits), " digits in");
     return true;
 }
 
 bool printTooManyCharactersError(Msg code, std::string& text) {
     if (code != Msg::TooManyCharacters && code != Msg::NameTooLong) return false;
-    const int limit = code == Msg::NameTooLong ? maxNameLength : maxStringLength;
+    const size_t limit = code == Msg::NameTooLong ? maxIdentifierLength : maxStringLength;
     text = concat("More than ", std::to_string(limit), " characters in");
     return true;
 }

@@ -23,7 +23,7 @@ void zovCreateTypeList() {
             if (tNode.formals != 0 || !isTypeTNode()) return;
             std::string line = concat(module->moduleName, ".", getStri(module, tNode.name), "\n");
             std::ranges::replace(line, '_', '-');
-            std::fwrite(line.data(), 1, line.size(), file);
+            put(file, line);
         });
     }
     closeFile(file, "Type list file");

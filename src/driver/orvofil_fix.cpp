@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "tree/orvorec.h"
+#include "tree/orvoutil.h"
 #include "util/ascii.h"
 #include "util/text.h"
 
@@ -25,11 +26,6 @@ ModRef* createPicRec(ModRefList& list, std::string_view name, ModuleRec* target,
     if (target != nullptr) list.byModule.try_emplace(target, ref);
     if (number != 0) list.byNumber.try_emplace(number, ref);
     return ref;
-}
-
-ModRef* findPicRec(const ModRefList& list, std::string_view name) {
-    const auto found = list.byName.find(std::string(name));
-    return found == list.byName.end() ? nullptr : found->second;
 }
 
 namespace {
@@ -126,16 +122,9 @@ bool conversionOK(std::string_view value) {
     return value.size() == 1 && (toUpper(value[0]) == 'L' || toUpper(value[0]) == 'U');
 }
 
-/// Index key of an identifier.
-std::string identKey(std::string_view ident) {
-    std::string key(ident);
-    std::ranges::replace(key, '-', '_');
-    return key;
-}
-
 /// The per-identifier record of an identifier, made when there is none.
 FixRec& recordForIdent(FixList& list, std::string_view ident) {
-    const auto [place, isNew] = list.byIdent.try_emplace(identKey(ident));
+    const auto [place, isNew] = list.byIdent.try_emplace(convertHyphens(std::string(ident)));
     if (!isNew) return *place->second;
     FixRec* record = list.records.emplace_back(std::make_unique<FixRec>()).get();
     place->second = record;
@@ -247,7 +236,7 @@ size_t compareNames(std::string_view a, std::string_view b) {
 }
 
 const FixRec* findGlbFixRecByName(const FixList& list, std::string_view name) {
-    const auto found = list.byIdent.find(identKey(name));
+    const auto found = list.byIdent.find(convertHyphens(std::string(name)));
     return found == list.byIdent.end() ? nullptr : found->second;
 }
 

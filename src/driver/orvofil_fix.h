@@ -19,12 +19,13 @@ namespace orvo {
 /// as name, target and number (0 = none) are given. An index keeps the first entry of a key.
 ModRef* createPicRec(ModRefList& list, std::string_view name, ModuleRec* target = nullptr,
                      uint32_t number = 0);
-/// The first entry of a name, or none.
-ModRef* findPicRec(const ModRefList& list, std::string_view name);
 /// Forgets all entries but the first `keep` ones, in the indices too (a trial parse taken back).
 void dropPicRecs(ModRefList& list, size_t keep);
 
 // ---- option records -----------------------------------------------------------------------------
+
+/// Longest text of an option; what is longer is cut and rejected.
+inline constexpr size_t maxOptionLength = 1024;
 
 /// Converts the name of an option - from the second character to the first "=" - to upper case.
 void optionToUpper(std::string& text);

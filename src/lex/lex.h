@@ -11,11 +11,6 @@
 
 namespace orvo {
 
-inline constexpr size_t maxIdentifierLength = 128;
-inline constexpr size_t maxStringLength = 32000;
-inline constexpr size_t maxNumberDigits = 19;
-inline constexpr size_t maxCommandLength = 1024;
-
 /// Tokens lexed but not yet consumed, the current one first, linked through Token::next.
 struct TokenList {
     uint32_t count = 0;

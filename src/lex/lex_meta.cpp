@@ -110,8 +110,8 @@ bool getMetaCmd() {
     classify(cmd);
     if (cmd.isOption && !cmd.closed) readText(cmd, cmd.blanks ? "" : " ", [](char c) { return c; });
     text.resize(text.find_last_not_of(' ') + 1);
-    if (text.size() > maxCommandLength) {
-        text.resize(maxCommandLength);
+    if (text.size() > maxOptionLength) {
+        text.resize(maxOptionLength);
         cmd.kind = TED_REJECTED;
     }
     if (cmd.isOption) addTedRec(lexState.Outp->options, cmd.kind, text);

@@ -3,6 +3,7 @@
 // Token codes and token records. Token records live in an arena for the whole run: deferred texts
 // and the replay cursor hold their numbers.
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -29,6 +30,14 @@ static_assert(firstReservedWord == 11 && lastReservedWord == 70 && firstTypeName
               lastTypeName == 148);
 static_assert(std::is_sorted(gMGTabInp + firstReservedWord, gMGTabInp + lastReservedWord + 1));
 static_assert(std::is_sorted(gMGTabInp + firstTypeName, gMGTabInp + lastTypeName + 1));
+
+/// What a token may be. Names and literals keep that much, numbers beyond it are the highest there
+/// is; either is an error.
+inline constexpr size_t maxIdentifierLength = 128;
+inline constexpr size_t maxStringLength = 32000;
+inline constexpr size_t maxNumberDigits = 19;
+/// Notation nested deeper than this stops the parse.
+inline constexpr uint32_t maxNesting = 500;
 
 /// Spelling of a code; empty for codes outside the table.
 constexpr std::string_view tokenName(int32_t code) {

@@ -21,8 +21,6 @@
 namespace orvo {
 namespace {
 
-constexpr size_t maxOptionLength = 1024;
-
 constexpr std::string_view usageLines[] = {
     "",
     "Usage:",
@@ -103,7 +101,7 @@ bool parseCommandLineOption(int argc, char** argv, int& index) {
 }
 
 [[noreturn]] void printVersion() {
-    std::fputs(concat("\n", bannerLine(orvoVersion, orvoPatch), "\n").c_str(), stdout);
+    put(stdout, concat("\n", bannerLine(orvoVersion, orvoPatch), "\n"));
     std::exit(0);
 }
 
@@ -134,13 +132,12 @@ void argumentIgnored(std::string_view text, std::string_view file) {
     if (run.verboseEx < 2) return;
     std::string warning = concat("\nWARNING : Argument ignored: ", text, "\n");
     if (file.data() != nullptr) warning += concat("          In option file  : ", file, "\n");
-    std::fwrite(warning.data(), 1, warning.size(), stderr);
+    put(stderr, warning);
     ++cMP->nbWarnings;
 }
 
 void usage() {
-    for (const std::string_view line : usageLines)
-        std::fwrite(concat(line, "\n").data(), 1, line.size() + 1, stdout);
+    for (const std::string_view line : usageLines) put(stdout, concat(line, "\n"));
     std::exit(1);
 }
 

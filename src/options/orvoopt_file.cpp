@@ -60,8 +60,7 @@ const std::vector<OptionLine>& optionLines(std::string_view name) {
 
 void warn(std::string_view what, std::string_view name) {
     if (run.verboseEx < 2) return;
-    const std::string warning = concat("\nWARNING : ", what, ": option file ", name, "\n");
-    std::fwrite(warning.data(), 1, warning.size(), stderr);
+    put(stderr, concat("\nWARNING : ", what, ": option file ", name, "\n"));
     ++cMP->nbWarnings;
 }
 

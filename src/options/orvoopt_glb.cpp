@@ -12,6 +12,7 @@
 #include "diag/orvoerr.h"
 #include "driver/orvofil.h"
 #include "driver/orvofil_fix.h"
+#include "lex/orvotok.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil.h"
 #include "util/ascii.h"
@@ -26,7 +27,7 @@ bool warningsShown() {
 }
 void warn(ModuleRec* module, std::string_view text) {
     if (!warningsShown()) return;
-    std::fwrite(text.data(), 1, text.size(), stderr);
+    put(stderr, text);
     ++module->nbWarnings;
 }
 
@@ -208,11 +209,8 @@ void markInvOpt(ModuleRec* module, TedNr record, uint32_t& rejectedKinds, std::s
     rejectedKinds |= 1U << tedRec.tedKind;
     tedRec.tedKind = TED_REJECTED;
     writeRec(module, record);
-    if (warningsShown()) {
-        const std::string shown =
-            concat("\nWARNING : Option ignored: ", text.substr(0, shownLength), "\n");
-        std::fwrite(shown.data(), 1, shown.size(), stderr);
-    }
+    if (warningsShown())
+        put(stderr, concat("\nWARNING : Option ignored: ", text.substr(0, shownLength), "\n"));
     recordError(module, ERR_WARNING, Msg::OptionsIgnored, line, text);
 }
 
@@ -247,7 +245,6 @@ std::string_view checkPrefixOptionPart(ModuleRec* module, std::string_view what,
 }
 
 bool prefixOptOK(ModuleRec* module, std::string_view value) {
-    constexpr size_t maxReference = 128;
     std::string_view parts[3]; // module reference, file prefix, generation prefix
     size_t count = 0;
     for (bool more = true; more; ++count) {
@@ -265,8 +262,8 @@ bool prefixOptOK(ModuleRec* module, std::string_view value) {
     const bool ownGeneration = !parts[2].empty();
     if (!ownGeneration) parts[2] = parts[1];
 
-    std::string reference(parts[0].substr(0, maxReference));
-    std::ranges::replace(reference, '-', '_');
+    const std::string reference =
+        convertHyphens(std::string(parts[0].substr(0, maxIdentifierLength)));
     const std::string_view file = checkPrefixOptionPart(module, "file prefix", parts[1], true);
     const std::string_view generation =
         checkPrefixOptionPart(module, "generation prefix", parts[2], ownGeneration);

@@ -13,8 +13,6 @@
 
 namespace orvo {
 
-/// Notation nested deeper than this stops the parse.
-inline constexpr uint32_t maxNesting = 500;
 /// The syntax error of this number stops the parse.
 inline constexpr int16_t maxSyntaxErrors = 500;
 /// Tokens that are kept lexed, the current one included.
@@ -36,13 +34,12 @@ struct ParserState {
     bool Parsing = true;                   // an error may be reported: one per token
     uint64_t consumed = 0;                 // tokens consumed so far: tells whether a rule got on
     int16_t openInst = 0;                  // > 0: in the own text of a type assignment
-    DNode deferred = {0xFFFF, 0, 0, 0, 0}; // the range being recorded; count 0xFFFF = none
-    uint32_t inDeferred = 0; // > 0: in a type inside deferred notation, which anything
-                             // may follow; MGR259DeferredType counts
-    uint32_t depth = 0;      // nesting of the notation, see NestingLevel
-    SymTab identList;        // identifiers being collected
-    STabNr formalList;       // symbol of the assignment being parsed
-    SymTab symbolList;       // symbols of a list or of formal parameters, pending
+    DNode deferred = noRange;              // the range being recorded
+    uint32_t inDeferred = 0;               // > 0: MGR259DeferredType reads a type
+    uint32_t depth = 0;                    // nesting of the notation, see NestingLevel
+    SymTab identList;                      // identifiers being collected
+    STabNr formalList;                     // symbol of the assignment being parsed
+    SymTab symbolList;                     // symbols of a list or of formal parameters, pending
 };
 extern ParserState parserState;
 

@@ -15,6 +15,7 @@
 #include "tree/orvorec.h"
 #include "tree/types.h"
 #include "tree/values.h"
+#include "util/ascii.h"
 
 namespace orvo {
 namespace {
@@ -293,7 +294,7 @@ void saveFieldList(TNodeNr node, TypeCode kind) {
 }
 
 void requireCapital(std::string_view name, uint32_t line) {
-    const auto lower = std::ranges::find_if(name, [](char c) { return c >= 'a' && c <= 'z'; });
+    const auto lower = std::ranges::find_if(name, isLower);
     if (lower == name.end()) return;
     const auto at = static_cast<size_t>(lower - name.begin());
     recordError(cMP, ERR_SEMANTIC, Msg::LowerCaseLettersNotAllowed, line, name.substr(at));

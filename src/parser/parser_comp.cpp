@@ -113,6 +113,21 @@ bool alternativeAfterComma() {
     }
 }
 
+/// What follows the first element of a list of the structure `type`; `afterComma` reads the element
+/// behind a comma and tells whether it is a marker.
+void restOfList(TNodeNr type, bool hasMarker, bool (*afterComma)()) {
+    while (anotherFollows()) {
+        if (parserState.Inp.code == TOK_COMMA) {
+            ReadIn();
+            if (afterComma()) hasMarker = true;
+        } else {
+            markerWithoutComma();
+            hasMarker = true;
+        }
+    }
+    finishList(type, hasMarker);
+}
+
 } // namespace
 
 void appendExtensionMarker() {
@@ -124,21 +139,12 @@ void appendExtensionMarker() {
 ///     {`,` (Component | `...` | ExtensionAdditionGroup) | `...`}
 void MGR183ComponentList() {
     const TNodeNr type = thisTypeNode();
-    bool hasMarker = parserState.Inp.code == TOK_ELLIPSIS;
+    const bool hasMarker = parserState.Inp.code == TOK_ELLIPSIS;
     if (hasMarker)
         extensionMarker();
     else
         MGR185Component();
-    while (anotherFollows()) {
-        if (parserState.Inp.code == TOK_COMMA) {
-            ReadIn();
-            if (componentAfterComma()) hasMarker = true;
-        } else {
-            markerWithoutComma();
-            hasMarker = true;
-        }
-    }
-    finishList(type, hasMarker);
+    restOfList(type, hasMarker, componentAfterComma);
 }
 
 /// Component ::= COMPONENTS OF Type | NamedType [OPTIONAL | DEFAULT Value]
@@ -191,18 +197,8 @@ void MGR999ExtensionAdditionGroup() {
 /// AlternativeTypeList ::= NamedType {`,` (NamedType | `...`) | `...`}
 void MGR202AlternativeTypeList() {
     const TNodeNr type = thisTypeNode();
-    bool hasMarker = false;
     alternative();
-    while (anotherFollows()) {
-        if (parserState.Inp.code == TOK_COMMA) {
-            ReadIn();
-            if (alternativeAfterComma()) hasMarker = true;
-        } else {
-            markerWithoutComma();
-            hasMarker = true;
-        }
-    }
-    finishList(type, hasMarker);
+    restOfList(type, false, alternativeAfterComma);
 }
 
 } // namespace orvo

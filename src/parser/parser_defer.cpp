@@ -14,9 +14,6 @@ namespace orvo {
 
 namespace {
 
-constexpr DNode noRange = {0xFFFF, 0, 0, 0, 0};
-constexpr uint16_t highestCount = 0xFFFE;
-
 /// The node current when the guard was made is current and pending again when the scope ends: the
 /// rule around a deferred type goes on filling its own node.
 template <RecKind K> class KeepPending {
@@ -86,7 +83,7 @@ void deferToken(TokNr nr) {
     else
         tokenAt(TokNr{range.last}).next = nr.nr;
     range.last = nr.nr;
-    if (range.count < highestCount) ++range.count;
+    if (range.count < maxDeferredTokens) ++range.count;
 }
 
 // ---- rules --------------------------------------------------------------------------------------

@@ -12,6 +12,7 @@
 #include "tree/orvorec.h"
 #include "tree/types.h"
 #include "tree/values.h"
+#include "util/ascii.h"
 
 namespace orvo {
 namespace {
@@ -175,7 +176,7 @@ void MGR42DefinedValue() {
 }
 
 std::optional<I64> namedObjIdArc(std::string_view name, uint32_t component) {
-    if (name.size() == 1 && name[0] >= 'a' && name[0] <= 'z') {
+    if (name.size() == 1 && isLower(name[0])) {
         if (component != letterComponent) return std::nullopt;
         return I64{-VST_LETTER_ARC, static_cast<uint32_t>(name[0] - 'a' + 1)};
     }

@@ -1,4 +1,5 @@
-// Search of an instance for the actual parameters it was made with.
+// Instances of parameterized definitions: the search for the actual parameters they were made with,
+// and the attribution of errors, as what is wrong inside one is the affair of who instantiated.
 //
 // A parameter is used when the record that stands for it is reached from the instance: the type
 // record of a type, the value record of a value, the constraint record of a set. One walk over the
@@ -14,8 +15,9 @@
 #include <vector>
 
 #include "diag/orvoerr.h"
-#include "solve/p5actpar_err.h"
+#include "solve/solve_par.h"
 #include "solve/solve_stx.h"
+#include "symtab/orvosym.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
 #include "util/text.h"
@@ -327,8 +329,41 @@ bool checkVNodeActuals() {
     // A governor that depends on the parameters was copied with the value.
     enterType(search, refModule(instance.module, signedWord(vNode.govTypeMod)), vNode.govType);
     searchInstance(search);
-    (void)reportUnused(search, by);
+    static_cast<void>(reportUnused(search, by));
     return true;
+}
+
+// ---- whom errors are charged to -----------------------------------------------------------------
+
+ModuleRec* actErrModPtr(ModuleRec* module, uint32_t instance) {
+    ModuleRec* const outermost =
+        outermostInstantiator(instance != 0 ? aplOfInstance(module, instance) : 0);
+    return outermost != nullptr ? outermost : module;
+}
+
+ModuleRec* actErrModPtr() {
+    ModuleRec* const outermost = outermostInstantiator(parState.aplStack);
+    return outermost != nullptr ? outermost : cMP;
+}
+
+void recordError2(Msg code, const Cause& cause, uint32_t line, std::string_view detail) {
+    ModuleRec* const module = actErrModPtr();
+    if (cause.code != Msg::None) {
+        recordError(module, ERR_SEMANTIC, cause.code, line,
+                    cause.hasText ? std::string_view(cause.text) : std::string_view());
+    }
+    recordError(module, ERR_SEMANTIC, code, line, detail);
+}
+
+void resolveUse(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line,
+                uint32_t useLine) {
+    const InstContext* instance = instContext();
+    if (instance == nullptr) {
+        chkIfSymbolDef(moduleRef, name, hasActuals, line);
+        return;
+    }
+    const ErrPlace blamed{actErrModPtr(), instance->line};
+    chkIfSymbolDef(moduleRef, name, hasActuals, useLine, &blamed);
 }
 
 } // namespace orvo

@@ -1,8 +1,14 @@
 #pragma once
 
-// Pass 5: every actual parameter of an instance shall be used in it.
+// Instances of parameterized definitions: whom the errors found inside are charged to, and, in pass
+// 5, that every actual parameter is used.
 
+#include <cstdint>
+#include <string_view>
+
+#include "diag/orvoerr.h"
 #include "tree/orvodef.h"
+#include "tree/orvomod.h"
 
 namespace orvo {
 
@@ -12,5 +18,25 @@ namespace orvo {
 [[nodiscard]] bool checkTNodeActuals();
 /// The same for the current value record; what is found does not fail the value.
 bool checkVNodeActuals();
+
+// ---- whom errors are charged to -----------------------------------------------------------------
+
+/// Module that an error in a record of `module` is charged to; `instance` is the record's
+/// actParRec: the module of the outermost instantiating reference, `module` itself outside
+/// instances.
+ModuleRec* actErrModPtr(ModuleRec* module, uint32_t instance);
+/// The same for what is being parsed: the bottom of the stack of instantiations, else the current
+/// module.
+ModuleRec* actErrModPtr();
+
+/// Records the cause (if any) and then the error in what is being parsed, both against
+/// actErrModPtr(). A detail whose data() is not null is listed behind the error.
+void recordError2(Msg code, const Cause& cause, uint32_t line, std::string_view detail = {});
+
+/// Resolves a name in what is being parsed (chkIfSymbolDef), errors as recordError2. `line` is that
+/// of the record it is for, `useLine` that of the name itself: inside an instance the former lies
+/// in the module of the instantiating reference.
+void resolveUse(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line,
+                uint32_t useLine);
 
 } // namespace orvo

@@ -3,12 +3,12 @@
 
 #include "solve/solve.h"
 
-#include <cstdio>
-
+#include "diag/orvoerr_hello.h"
 #include "solve/solve_stx.h"
 #include "symtab/orvosym.h"
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
+#include "util/text.h"
 
 namespace orvo {
 
@@ -65,8 +65,7 @@ void solveSynonymVNodes() {
 
 void solveRefs1() {
     if (progressShown())
-        std::printf("ORVO>>> solving references (pass 2) for %s\n",
-                    cMP->options.sourceFileName.c_str());
+        printProgress(concat("solving references (pass 2) for ", cMP->options.sourceFileName));
     solveExternalSymbols();
     solveSynonymTNodesAndDefinedSyntaxes();
     solveSynonymVNodes();

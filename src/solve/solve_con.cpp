@@ -7,7 +7,7 @@
 
 #include "solve/solve_con.h"
 
-#include "solve/p5actpar_err.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_con_int.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_ref.h"
@@ -37,7 +37,7 @@ bool parseConstraints(SubNr nr, Cause& cause) {
     if (!parseConstraint(nr, cause)) return false;
     SubNr last;
     while (!atLastToken()) {
-        (void)advance();
+        static_cast<void>(advance());
         if (!last) last = addAndSwap(nr, SUB_SERIAL);
         readRec(cMP, last);
         last = addSibling(last, subRec.typeMod, TNodeNr{subRec.typeNr});
@@ -116,7 +116,7 @@ bool parseConstraint(SubNr nr, Cause& cause) {
     }
     if (!parseConstraintSpec(nr, cause)) return false;
     if (nextCode() == TOK_EXCLAMATION) {
-        (void)advance();
+        static_cast<void>(advance());
         if (!parseExceptionSpec(nr, false, cause))
             return failWith(cause, "Invalid exception specification");
     }
@@ -177,7 +177,7 @@ bool parseIntersection(SubNr nr, Cause& cause) {
 /// marker stands there; `ends`: nothing of the set follows it.
 bool parseUnionSeparator(bool& marker, bool& ends, Cause& cause) {
     const bool afterMarker = curCode() == TOK_ELLIPSIS;
-    (void)advance();
+    static_cast<void>(advance());
     const int32_t separator = curCode();
     const bool beforeMarker = nextCode() == TOK_ELLIPSIS;
     if (separator == TOK_COMMA && !beforeMarker && !afterMarker)

@@ -1,6 +1,6 @@
 // Elements of sets: values and ranges, sizes, alphabets, contained subtypes, inner subtypes.
 
-#include "solve/p5actpar_err.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_con_int.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_par.h"
@@ -106,7 +106,7 @@ bool hasSize(uint8_t kind) {
 bool parseNumberValueRange(SubNr nr, VNodeNr lower, TNodeRef governor, Cause& cause) {
     uint8_t flags = 0;
     if (nextCode() == TOK_LESS)
-        (void)advance();
+        static_cast<void>(advance());
     else
         flags |= SUBF_LOWER;
     if (!expectNext(TOK_RANGE, cause) || !advance()) return false;
@@ -205,14 +205,14 @@ uint32_t findConstrainedComp(uint8_t kind, TNodeRef structure, Cause& cause) {
     const std::string identifier = identifierText();
     if (curCode() == TOK_VALUEID && findTypeCompId(kind, structure.module, first, identifier))
         return magnitude(curToken().stri());
-    (void)fail(cause, Msg::InvalidComponentIdentifier, identifier);
+    static_cast<void>(fail(cause, Msg::InvalidComponentIdentifier, identifier));
     return 0;
 }
 
 void presenceConstraint(SubNr nr) {
     const int32_t code = nextCode();
     if (code != TOK_PRESENT && code != TOK_ABSENT && code != TOK_OPTIONAL) return;
-    (void)advance();
+    static_cast<void>(advance());
     makePending(cMP, nr);
     subRec.subFlags |= code == TOK_PRESENT  ? SUBF_PRESENT
                        : code == TOK_ABSENT ? SUBF_ABSENT
@@ -299,7 +299,7 @@ bool parseInnerSubtyping(SubNr nr, TNodeRef governor, Cause& cause) {
 
 /// [`,`] `...` [`,` Elements]: an element behind the marker takes the record over.
 bool parseExtendedElements(SubNr nr, Cause& cause) {
-    if (curCode() == TOK_COMMA) (void)advance();
+    if (curCode() == TOK_COMMA) static_cast<void>(advance());
     if (curCode() != TOK_ELLIPSIS) return fail(cause, tokenExpected(TOK_ELLIPSIS));
     makePending(cMP, nr);
     subRec.subKind = SUB_EXTENSION_MARKER;
@@ -323,7 +323,7 @@ bool containedSubtypeFollows() {
 
 bool parseElements(SubNr nr, Cause& cause) {
     // All recursion over a text leads here.
-    const Depth depth(constraintState.depth, maxConstraintDepth);
+    const Depth depth(constraintState.depth, maxNesting);
     if (depth.tooDeep()) return false;
     if (curCode() == TOK_LPAREN) return parseElemSetSpecWithinParen(nr, cause);
     readGovernor(nr);

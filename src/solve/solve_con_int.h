@@ -13,11 +13,8 @@
 
 namespace orvo {
 
-/// Nesting of elements that is parsed: every level stands in brackets of its own, of which the
-/// parser lets no more through.
-inline constexpr uint32_t maxConstraintDepth = 500;
 struct ConstraintState {
-    uint32_t depth = 0;
+    uint32_t depth = 0; // nesting of elements, every level in brackets of its own
 };
 extern ConstraintState constraintState;
 

@@ -148,13 +148,13 @@ bool parseAtNotation(SNodeNr& first, Cause& cause) {
     if (curCode() != TOK_AT) return fail(cause, tokenExpected(TOK_AT), relationText);
     addAtEntry(first, TOK_AT, 0);
     if (nextCode() == TOK_DOT) {
-        (void)advance();
+        static_cast<void>(advance());
         addAtEntry(first, TOK_DOT, 0);
     }
     for (;;) {
         if (!advance() || !parseAtStep(first, cause)) return false;
         if (nextCode() != TOK_DOT) return true;
-        (void)advance();
+        static_cast<void>(advance());
     }
 }
 
@@ -183,7 +183,7 @@ bool parseTableConstr(SubNr nr, Cause& cause) {
         return failWith(cause, "Invalid \"DefinedObjectSet\" in table constraint");
     finishSetting(set);
     if (nextCode() != TOK_LBRACE) return true;
-    (void)advance();
+    static_cast<void>(advance());
     SNodeNr relation;
     if (!parseComponentRelation(relation, cause)) return false;
     makePending(cMP, nr);

@@ -32,9 +32,6 @@ struct CursorState {
 };
 CursorState cursorState;
 
-/// The last value of DNode::count that is a number.
-constexpr uint32_t maxCount = 65534;
-
 void advanceTwo(uint32_t& count) {
     count += 2;
     if (advance()) advance();
@@ -142,7 +139,7 @@ bool deferValue(Cause& cause) {
     while ((curCode() == TOK_VALUEID || curCode() == TOK_MARKER) && nextCode() == TOK_COLON)
         advanceTwo(count);
     if (!deferNotation(count, cause)) return false;
-    range.count = static_cast<uint16_t>(std::min(count + 1, maxCount));
+    range.count = static_cast<uint16_t>(std::min<uint32_t>(count + 1, maxDeferredTokens));
     range.last = inp.first;
     newRec<KIND_DNODE>();
     dNode = range;

@@ -8,7 +8,7 @@
 #include "solve/solve_par.h"
 
 #include "diag/orvoerr_fatal.h"
-#include "solve/p5actpar_err.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_exp.h"
 #include "solve/solve_pass3.h"
@@ -103,7 +103,7 @@ bool parseActParList(ModuleRec* defModule, STabNr formals, VNodeNr& first, Cause
     VNodeNr nr = first;
     for (STabNr formal = formals; formal;) {
         if (!advance() || !parseActual(defModule, symAt(formal), nr, cause)) return false;
-        (void)advance();
+        static_cast<void>(advance());
         formal = STabNr{symAt(formal).next};
         if (!formal) break;
         if (curCode() != TOK_COMMA) return false;

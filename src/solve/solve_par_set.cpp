@@ -2,7 +2,7 @@
 // field of an object or an element of a constraint. The first step delimits the text, the second
 // one parses it.
 
-#include "solve/p5actpar_err.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_exp.h"
 #include "solve/solve_par.h"
@@ -43,7 +43,7 @@ bool parseDefinedOrParameterizedType(TNodeNr& type, Cause& cause) {
     int32_t name = curToken().stri();
     int32_t actuals = 0;
     if (nextCode() == TOK_LBRACE) {
-        (void)advance();
+        static_cast<void>(advance());
         actuals = minus(nextRec<KIND_DNODE>(cMP).nr);
         if (!deferValue(cause)) return false;
     }

@@ -6,9 +6,8 @@
 
 #include "solve/solve_pass3.h"
 
-#include <cstdio>
-
-#include "solve/p5actpar_err.h"
+#include "diag/orvoerr_hello.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_con.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_exp.h"
@@ -20,6 +19,7 @@
 #include "tree/orvoutil_find.h"
 #include "tree/values.h"
 #include "util/guard.h"
+#include "util/text.h"
 
 namespace orvo {
 
@@ -43,8 +43,7 @@ void parseComponents() {
 
 void solveRefs2() {
     if (progressShown())
-        std::printf("ORVO>>> solving references (pass 3) for %s\n",
-                    cMP->options.sourceFileName.c_str());
+        printProgress(concat("solving references (pass 3) for ", cMP->options.sourceFileName));
     inp = {};
     setAplStack(0);
     forEachTNodeByMod(cMP, cMP->firstTypeHead, parseTypeAssignment);

@@ -10,7 +10,7 @@
 #include "solve/solve_ref.h"
 
 #include "diag/orvoerr_fatal.h"
-#include "solve/p5actpar_err.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_par.h"
 #include "solve/solve_ref_int.h"

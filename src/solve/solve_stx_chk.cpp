@@ -129,8 +129,7 @@ struct TokenSets {
     std::unordered_set<int32_t> others; // codes of value fields and of literals with a code
     bool types = false;                 // a type field
     bool sets = false;                  // a set field
-    bool likeType[2] = {};              // a type or set field (0), a value field (1), which may
-                                        // begin like a type
+    bool likeType[2] = {};              // a type or set (0), a value field (1) like a type
 };
 
 void addToken(TokenSets& known, const StxToken& token) {

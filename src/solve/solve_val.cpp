@@ -9,7 +9,7 @@
 
 #include "check/orvonum.h"
 #include "diag/orvoerr_fatal.h"
-#include "solve/p5actpar_err.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_par.h"
 #include "solve/solve_ref.h"

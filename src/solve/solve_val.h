@@ -35,8 +35,6 @@ Msg parseDefinedValue(bool parsAndFields, Cause& cause);
 [[nodiscard]] bool parseSeqValue(uint8_t kind, Cause& cause);
 [[nodiscard]] bool parseChoiceValue(Cause& cause);
 [[nodiscard]] bool parseAnyValue(Cause& cause);
-
-// ---- solve_val_oid ------------------------------------------------------------------------------
 [[nodiscard]] bool parseObjIdValue(Cause& cause);
 
 // ---- solve_val_stri -----------------------------------------------------------------------------

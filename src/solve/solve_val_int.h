@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "lex/orvotok.h"
 #include "tree/orvodef.h"
 
 namespace orvo {
@@ -12,7 +13,7 @@ namespace orvo {
 /// Nesting of values that is parsed: the braces that the parser lets through, a selector of an
 /// alternative or of a type within each of them, and the value inside. Only chains of selectors
 /// without braces are longer.
-inline constexpr uint32_t maxValueDepth = 2 * 500 + 1;
+inline constexpr uint32_t maxValueDepth = 2 * maxNesting + 1;
 struct ValueState {
     uint32_t depth = 0;
 };

@@ -37,7 +37,7 @@ ModuleRec* distinctModule(std::string_view name, uint32_t line) {
 
 /// The reference that an IMPORTS clause fills.
 ModRef* modRefOfClause(std::string_view name, uint32_t line) {
-    ModRef* const known = findPicRec(cMP->modRefs, name);
+    ModRef* const known = matchingName(cMP->modRefs, name);
     if (known != nullptr && known->state == 1) return known;
     if (known != nullptr || name == cMP->moduleName) {
         recordError(cMP, ERR_SEMANTIC, Msg::ChangeModuleName, line, name);
@@ -103,7 +103,7 @@ void handleExtRef(int32_t& moduleRef, int32_t name, uint32_t line) {
     SymTab* list = &cMP->symTab;
     moduleRef = REF_OWN;
     if (moduleName != cMP->moduleName) {
-        ModRef* ref = findPicRec(cMP->modRefs, moduleName);
+        ModRef* ref = matchingName(cMP->modRefs, moduleName);
         if (ref == nullptr) {
             ref = newModRef(cMP, moduleName, distinctModule(moduleName, line));
             ref->state = 1;

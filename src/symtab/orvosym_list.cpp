@@ -15,6 +15,7 @@
 #include "diag/orvozov.h"
 #include "symtab/orvosym.h"
 #include "tree/orvorec.h"
+#include "util/text.h"
 
 namespace orvo {
 
@@ -82,7 +83,7 @@ void reportUndefined(const Listed& listed, const std::vector<uint32_t>& uses) {
         text += '(' + std::to_string(line) + "): *** ERROR: ";
         text.append(listed.name).append(" undefined\n");
     }
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    put(stdout, text);
 }
 
 void printSymbol(const Listed& listed) {
@@ -104,20 +105,20 @@ void printSymbol(const Listed& listed) {
     text += '\n';
     if (listed.defined) text += " definition:\n   line " + padded(symbol.line) + '\n';
     if (cMP->options.xref) appendUses(text, uses);
-    std::fwrite(text.data(), 1, text.size(), cMP->lstFile);
+    put(cMP->lstFile, text);
 }
 
 /// One section: its heading and the selected symbols, or the line that says there are none.
-void printSTab(const std::vector<Listed>& symbols, bool isValue, bool defined, const char* heading,
-               const char* none) {
+void printSTab(const std::vector<Listed>& symbols, bool isValue, bool defined,
+               std::string_view heading, std::string_view none) {
     const auto selected = [&](const Listed& listed) {
         return listed.isValue == isValue && listed.defined == defined;
     };
     if (std::ranges::none_of(symbols, selected)) {
-        std::fputs(none, cMP->lstFile);
+        put(cMP->lstFile, none);
         return;
     }
-    std::fputs(heading, cMP->lstFile);
+    put(cMP->lstFile, heading);
     for (const Listed& listed : symbols)
         if (selected(listed)) printSymbol(listed);
 }

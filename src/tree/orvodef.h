@@ -495,6 +495,8 @@ struct DNode {      // a deferred token range; the replay cursor `inp` has the s
 inline constexpr Field dNodeFields[] = {FIELD(0, DNode, count), FIELD(2, DNode, unused2),
                                         FIELD(4, DNode, formals), FIELD(8, DNode, first),
                                         FIELD(12, DNode, last)};
+inline constexpr uint16_t maxDeferredTokens = 65534; // count of that many tokens or more
+inline constexpr DNode noRange = {65535, 0, 0, 0, 0};
 
 struct ANode {              // an instantiation of a parameterized definition
     uint32_t instModule;    // handle of the instantiating module (ModuleRec::handle)

@@ -70,7 +70,7 @@ RecPage& pageAt(ModuleRec* module, RecKind kind, uint32_t page) {
 }
 
 /// A buffer that is left for another record holds what the store holds: a change that nobody wrote
-/// would be lost. Who means to lose it calls dropRec.
+/// would be lost.
 void checkLeft([[maybe_unused]] RecKind kind) {
 #ifndef NDEBUG
     const RecPlace& left = recState.recJustRead[kind];
@@ -144,11 +144,6 @@ void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
     if (buffer == nullptr) fatalError(Fatal::WriteRecord);
     std::memcpy(findWPos(module, kind, nr), buffer, recSize[kind]);
     bufferHolds(kind, module, nr);
-    recState.writePend[kind].nr = 0;
-}
-
-void dropRecKind(RecKind kind) {
-    recState.recJustRead[kind].nr = 0;
     recState.writePend[kind].nr = 0;
 }
 

@@ -33,8 +33,7 @@ struct RecPlace {
     uint32_t nr = 0;
 };
 struct RecState {
-    RecPlace writePend[kindCount]; // the record in the buffer that the store does not have yet; nr
-                                   // 0 = none
+    RecPlace writePend[kindCount];       // of what the buffer holds and the store lacks; 0 = none
     RecPlace recJustRead[kindCount];     // what the buffer holds
     ModuleRec* currTPtr[kindCount] = {}; // module of the record in the buffer
 };
@@ -48,12 +47,11 @@ const void* findRPos(ModuleRec* module, RecKind kind, uint32_t nr);
 /// Tells whether a record of the kind was ever written at that number.
 bool recExists(const ModuleRec* module, RecKind kind, uint32_t nr);
 
-/// readRec, writeRec, newRec and dropRec by kind number; the typed forms below are what callers use.
-/// A debug build asserts that a buffer which is left for another record holds what the store holds.
+/// readRec, writeRec and newRec by kind number; the typed forms below are what callers use. A debug
+/// build asserts that a buffer which is left for another record holds what the store holds.
 void readRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
 void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
 uint32_t newRecKind(RecKind kind);
-void dropRecKind(RecKind kind);
 
 /// Makes the record the buffer's contents. Reading the one that is there already copies nothing.
 template <RecKind K> void readRec(ModuleRec* module, RecNr<K> nr) {
@@ -77,10 +75,6 @@ template <RecKind K> void writeRec(RecRef<K> ref) {
 /// fatal 5/10.
 template <RecKind K> RecNr<K> newRec() {
     return {newRecKind(K)};
-}
-/// Forgets what the buffer holds, changes that were not written included.
-template <RecKind K> void dropRec() {
-    dropRecKind(K);
 }
 /// Number the next record of the kind will get in the module.
 template <RecKind K> RecNr<K> nextRec(const ModuleRec* module) {

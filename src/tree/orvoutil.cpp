@@ -7,6 +7,7 @@
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_mem.h"
+#include "util/ascii.h"
 
 namespace orvo {
 namespace {
@@ -34,13 +35,6 @@ NodeRef popNode(NodeList& list) {
 
 RecKind recKindOf(NodeListKind kind) {
     return kind == NODES_TYPE ? KIND_TNODE : kind == NODES_VALUE ? KIND_VNODE : KIND_SUB;
-}
-
-char toLower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-char toUpper(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
 }
 
 bool isSpace(char c) {

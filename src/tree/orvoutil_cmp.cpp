@@ -26,7 +26,6 @@ namespace orvo {
 namespace {
 
 constexpr uint32_t maxSetOfNesting = 500;
-constexpr size_t maxArcs = 32;
 
 /// Two lists of component values or elements.
 using ListPair = std::tuple<ModuleRec*, uint32_t, ModuleRec*, uint32_t, uint8_t>;
@@ -328,8 +327,7 @@ VNodeRef addArcs(Arcs& arcs, VNodeRef first) {
 }
 
 std::string textOfObjId(ModuleRec* module, const VNode& value) {
-    constexpr uint16_t invalid = 65535;
-    if (value.val.str.striLen == invalid) return {};
+    if (value.val.str.striLen == invalidObjId) return {};
     if (value.val.str.stri != 0) return std::string(getStri(module, int64_t{value.val.str.stri}));
     Arcs arcs;
     VNodeRef list{module, VNodeNr{value.ref}};

@@ -16,6 +16,9 @@ namespace orvo {
                                  const VNode& b);
 [[nodiscard]] int compareListVal(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
                                  const VNode& b);
+/// An object identifier has at most maxArcs arcs; an invalid one has the length invalidObjId.
+inline constexpr size_t maxArcs = 32;
+inline constexpr uint16_t invalidObjId = 65535;
 [[nodiscard]] int compareObjIdVal(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b);
 
 /// A number that is the same for any two values of one type that are equal, so that values can be

@@ -79,6 +79,8 @@ IncludedList includedList(const OpenLists& open = {});
 
 /// Reads the type record of the current value, a type or set setting. False when it has none.
 [[nodiscard]] bool readTypeSetting();
+/// The same for the setting `setting`, which is read first; false when there is none.
+[[nodiscard]] bool readTypeSetting(VNodeRef setting);
 
 /// To be called when the module's record counters were put back: forgets what the look-ups and
 /// walks noted about records that no longer exist.
@@ -99,6 +101,9 @@ void skipValues(bool fields);
 /// Takes one step of such a walk; false, and nothing is read, when the current type is no reference
 /// or an unresolved one.
 bool followTypeRef(bool classFieldTypes);
+/// Steps after which a walk that notes no places gives up: a chain that is not yet solved may be a
+/// cycle, and the links of one that ends are definitions, of which no module has that many.
+inline constexpr size_t maxLinks = 1000000;
 /// Reads what the last entry of the current type's field name chain designates: a type, or the type
 /// of a value setting. False, and nothing is read, when the chain is empty or not solved.
 bool skipFieldList();

@@ -173,6 +173,12 @@ bool readTypeSetting() {
     return true;
 }
 
+bool readTypeSetting(VNodeRef setting) {
+    if (!setting) return false;
+    readRec(setting);
+    return readTypeSetting();
+}
+
 bool skipFieldList() {
     ModuleRec* module = recState.currTPtr[KIND_TNODE];
     if (tNode.syntax <= 0) return false;

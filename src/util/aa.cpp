@@ -12,6 +12,8 @@
 #include <cstring>
 #include <new>
 
+#include "util/ascii.h"
+
 namespace orvo {
 namespace {
 

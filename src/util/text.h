@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -19,6 +20,11 @@ template <typename... Texts> std::string concat(const Texts&... texts) {
     all.reserve((std::string_view(texts).size() + ... + 0U));
     (all.append(std::string_view(texts)), ...);
     return all;
+}
+
+/// Writes the text as it stands.
+inline void put(std::FILE* stream, std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stream);
 }
 
 } // namespace orvo

@@ -61,7 +61,8 @@ TEST_F(StoreDeathTest, StringsThatAreNotThere) {
     putStri(&a, "one");
     const auto dies = testing::ExitedWithCode(2);
     for (const int64_t nr : {int64_t{0}, int64_t{2}, int64_t{-2}, int64_t{maxRecNr} + 1, INT64_MAX})
-        EXPECT_EXIT((void)getStri(&a, nr), dies, "Can not read record from syntax tree");
+        EXPECT_EXIT(static_cast<void>(getStri(&a, nr)), dies,
+                    "Can not read record from syntax tree");
     EXPECT_EXIT(putStri(&a, std::string_view()), dies, "Can not write record into syntax tree");
     EXPECT_EXIT(putStri(nullptr, "x"), dies, "Can not write record into syntax tree");
 }
