@@ -13,8 +13,6 @@
 
 namespace orvo::meta {
 
-std::vector<std::string> maskedFields;
-
 namespace {
 
 using namespace stx;
@@ -199,8 +197,6 @@ void showValue(Walk& walk, const Rec& rec, const std::string& path, const Link& 
 void showField(Walk& walk, const Rec& rec, const Field& field, const std::string& path) {
     const std::string_view name = field.name;
     if (name == "line" || isSkippedNext(rec, field)) return;
-    const auto masked = std::string(kindNames[rec.kind]) + "." + field.name;
-    if (std::ranges::find(maskedFields, masked) != maskedFields.end()) return;
     const std::string line = path + "." + field.name + "=";
     const Link link = rec.tree->linkOf(rec.kind, rec.nr, field);
     if (field.form == Form::Value) return showValue(walk, rec, path, link);

@@ -15,9 +15,6 @@ namespace orvo::meta {
 /// Lines of each definition by its name: "Ty1.ref[a].constraint.subKind=SUB_RANGE".
 using Dump = std::map<std::string, std::vector<std::string>>;
 
-/// Fields to leave out, for a look at what else differs: "tNode.nodeFlags".
-extern std::vector<std::string> maskedFields;
-
 /// Records and strings of a file, by kind and number.
 using Shown = std::set<std::pair<stx::Kind, uint32_t>>;
 

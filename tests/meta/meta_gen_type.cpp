@@ -277,7 +277,7 @@ void include(Gen& gen, int at, bool soft, Type* into) {
         for (const Type* on = planned.type; on != nullptr; on = step(gen, on))
             if (on->kind == Kind::FieldType) return false; // refused for what it is
         const Type* end = actual(gen, planned.type);
-        if (gen.structures > 0) // "@" would begin at what encloses this one
+        if (gen.structures > 0 || defAt(gen, at).plan != Plan::Type) // "@" would begin outside
             for (const Component& component : allComponents(gen, end))
                 if (component.type->constraint.find("}{@i") != std::string::npos ||
                     component.type->constraint.find("}{@h") != std::string::npos)

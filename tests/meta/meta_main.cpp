@@ -1,4 +1,4 @@
-// orvo_meta FIRST-SEED COUNT [--faults] [--pairs] [--keep DIR] [--reduce] [--mask FIELD]
+// orvo_meta FIRST-SEED COUNT [--faults] [--pairs] [--keep DIR] [--reduce]
 // Compiles random modules in several arrangements; all must come to the same. The modules are
 // legal, or with --faults have one fault. --pairs: two arrangements of each seed only.
 
@@ -115,7 +115,6 @@ Wishes wishesOf(int argc, char** argv) {
         if (option == "--faults") wishes.faults = true;
         if (option == "--pairs") wishes.pairs = true;
         if (option == "--reduce") wishes.reduce = true;
-        if (option == "--mask" && at + 1 < argc) maskedFields.emplace_back(argv[++at]);
         if (option == "--keep" && at + 1 < argc) wishes.folder = argv[++at];
     }
     return wishes;
@@ -126,7 +125,7 @@ Wishes wishesOf(int argc, char** argv) {
 int main(int argc, char** argv) {
     if (argc < 3) {
         std::fprintf(stderr, "usage: orvo_meta FIRST-SEED COUNT [--faults] [--pairs] "
-                             "[--keep DIR] [--reduce] [--mask FIELD]\n");
+                             "[--keep DIR] [--reduce]\n");
         return 2;
     }
     const Wishes wishes = wishesOf(argc, argv);

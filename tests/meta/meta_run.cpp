@@ -219,9 +219,10 @@ Outcome compile(const Project& project, const Arrangement& arrangement) {
 namespace {
 
 constexpr size_t maxDifferences = 12;
+using Lines = std::vector<std::string>;
 
 /// "path=value" cut into the two; a path may lead to several lines.
-std::map<std::string, std::string> byPath(const std::vector<std::string>& lines) {
+std::map<std::string, std::string> byPath(const Lines& lines) {
     std::map<std::string, std::string> map;
     for (const std::string& line : lines) {
         const size_t at = line.find('=');
@@ -231,7 +232,7 @@ std::map<std::string, std::string> byPath(const std::vector<std::string>& lines)
     return map;
 }
 
-void compareTrees(const std::vector<std::string>& first, const std::vector<std::string>& other,
+void compareTrees(const Lines& first, const std::vector<std::string>& other,
                   const std::string& with, const std::string& name, std::vector<Difference>& list) {
     if (first == other) return;
     std::map<std::string, std::pair<std::string, std::string>> paths;
@@ -247,9 +248,16 @@ void compareTrees(const std::vector<std::string>& first, const std::vector<std::
     if (fields.empty()) list.push_back({with, "tree of " + name, "order", "order"});
 }
 
-void compareFindings(const std::string& what, const std::vector<std::string>& first,
-                     const std::vector<std::string>& other, const std::string& with,
-                     std::vector<Difference>& list) {
+/// The lines of both by name.
+std::map<std::string, std::pair<Lines, Lines>> byName(const Dump& first, const Dump& other) {
+    std::map<std::string, std::pair<Lines, Lines>> map;
+    for (const auto& [name, lines] : first) map[name].first = lines;
+    for (const auto& [name, lines] : other) map[name].second = lines;
+    return map;
+}
+
+void compareFindings(const std::string& what, const Lines& first, const Lines& other,
+                     const std::string& with, std::vector<Difference>& list) {
     if (first == other) return;
     size_t at = 0;
     while (at < first.size() && at < other.size() && first[at] == other[at]) ++at;
@@ -259,8 +267,8 @@ void compareFindings(const std::string& what, const std::vector<std::string>& fi
 
 } // namespace
 
-std::vector<std::string> foundAtFault(const Project& project, const Outcome& outcome) {
-    std::vector<std::string> list;
+Lines foundAtFault(const Project& project, const Outcome& outcome) {
+    Lines list;
     const auto found = outcome.findings.find(project.faulty);
     for (const Definition& definition : project.definitions) {
         if (definition.name != project.faulty || found == outcome.findings.end()) continue;
@@ -287,26 +295,12 @@ std::vector<Difference> differences(const Project& project, const Outcome& first
     if (project.isFaulty)
         compareFindings("fault in " + project.faulty, foundAtFault(project, first),
                         foundAtFault(project, other), with, list);
-    std::set<std::string> names;
-    for (const auto* findings : {&first.findings, &other.findings})
-        for (const auto& [name, lines] : *findings) names.insert(name);
-    for (const std::string& name : names) {
-        if (project.isFaulty && first.status != 0) break;
-        const auto one = first.findings.find(name), two = other.findings.find(name);
-        const std::vector<std::string> none;
-        compareFindings("findings of " + name, one == first.findings.end() ? none : one->second,
-                        two == other.findings.end() ? none : two->second, with, list);
-    }
-    if (first.status != 0 || other.status != 0) return list;
-    names.clear();
-    for (const auto* dump : {&first.dump, &other.dump})
-        for (const auto& [name, lines] : *dump) names.insert(name);
-    for (const std::string& name : names) {
-        const auto one = first.dump.find(name), two = other.dump.find(name);
-        const std::vector<std::string> none;
-        compareTrees(one == first.dump.end() ? none : one->second,
-                     two == other.dump.end() ? none : two->second, with, name, list);
-    }
+    if (!project.isFaulty || first.status == 0)
+        for (const auto& [name, lines] : byName(first.findings, other.findings))
+            compareFindings("findings of " + name, lines.first, lines.second, with, list);
+    if (first.status == 0 && other.status == 0)
+        for (const auto& [name, lines] : byName(first.dump, other.dump))
+            compareTrees(lines.first, lines.second, with, name, list);
     return list;
 }
 

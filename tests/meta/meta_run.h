@@ -19,7 +19,7 @@ struct Arrangement {
 };
 struct Outcome {
     int status = 0; // of the process; 100 and more: it did not end by itself
-    std::map<std::string, std::vector<std::string>> findings; // of each definition, in order
+    Dump findings;  // of each definition, in order, as lines of the listing
     Dump dump;
     std::string trouble; // a tree that cannot be read, a finding outside definitions
 };
