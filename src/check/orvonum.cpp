@@ -72,7 +72,7 @@ bool realOfValue(ModuleRec* module, const VNode& value, RealVal& real) {
 }
 
 bool getRealVal(RealVal& real) {
-    return realOfValue(recState.currTPtr[KIND_VNODE], VNode{vNode}, real);
+    return realOfValue(valueModule(), VNode{vNode}, real);
 }
 
 double retRealVal(const RealVal& real) {

@@ -80,7 +80,7 @@ bool endpointOfSub(Endpoint& end, bool upper, uint8_t kind, SubRef sub) {
 /// The endpoint that the current type's own constraint gives.
 bool ownEndpoint(Endpoint& end, bool upper, uint8_t kind) {
     if (tNode.constraint <= 0) return false;
-    const SubRef sub{recState.currTPtr[KIND_TNODE], SubNr{magnitude(tNode.constraint)}};
+    const SubRef sub{typeModule(), SubNr{magnitude(tNode.constraint)}};
     return endpointOfSub(end, upper, kind, sub);
 }
 
@@ -239,7 +239,7 @@ int compareNumber(const VNode& a, const VNode& b, uint8_t kind) {
 
 bool getEnumEndpoint(Endpoint& end, bool upper) {
     const KeepRec<KIND_VNODE> keep;
-    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* module = typeModule();
     setInfinity(end, upper, TYP_INTEGER);
     uint32_t left = module->nextRecNr[KIND_VNODE];
     bool first = true;

@@ -98,7 +98,7 @@ bool singleValueEndpoint(const Request& request, VNodeRef value, Endpoint& end) 
     readRec(value);
     skipValues(true);
     if (vNode.valCode != request.kind) return false;
-    end = {vNode, includedFlag(request.upper), recState.currTPtr[KIND_VNODE]};
+    end = {vNode, includedFlag(request.upper), valueModule()};
     return true;
 }
 
@@ -222,7 +222,7 @@ bool explicitRangeEndpoint(Endpoint& end, bool upper, VNodeRef value, uint8_t fl
     readRec(value);
     skipValues(true);
     if (vNode.valCode != kind || (kind == TYP_INTEGER && !isIntegerVNode())) return false;
-    end = {vNode, flags, recState.currTPtr[KIND_VNODE]};
+    end = {vNode, flags, valueModule()};
     if (isInsideParent(end.value, kind)) return true;
     readRec(type);
     return implicitRangeEndpoint(end, upper, kind, value.module);
@@ -234,10 +234,9 @@ bool readConstrainedType(ModuleRec* module) {
     const auto typeMod = static_cast<int32_t>(subRec.typeMod);
     const TNodeRef named{refModule(module, typeMod), TNodeNr{subRec.typeNr}};
     if (named.module == nullptr || !named.nr) return false;
-    const bool isReferenceToIt =
-        recState.currTPtr[KIND_TNODE] != nullptr && tNode.typeCode == TYP_SYNONYM &&
-        tNode.ref == named.nr.nr &&
-        refModule(recState.currTPtr[KIND_TNODE], tNode.refMod) == named.module;
+    const bool isReferenceToIt = typeModule() != nullptr && tNode.typeCode == TYP_SYNONYM &&
+                                 tNode.ref == named.nr.nr &&
+                                 refModule(typeModule(), tNode.refMod) == named.module;
     if (!isReferenceToIt) readRec(named);
     return true;
 }
@@ -246,7 +245,7 @@ bool rangeEndpoint(Endpoint& end, bool upper) {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
-    ModuleRec* module = recState.currTPtr[KIND_SUB];
+    ModuleRec* module = subModule();
     const VNodeRef value{module, VNodeNr{upper ? subRec.right : subRec.left}};
     const auto flags = static_cast<uint8_t>(subRec.subFlags & includedFlag(upper));
     if (!readConstrainedType(module)) return false;
@@ -305,7 +304,7 @@ bool isRangeInSub() {
     if (subRec.subKind == SUB_RANGE) return true;
     if (subRec.subKind != SUB_SERIAL) return false;
     const KeepRec<KIND_SUB> keep;
-    ModuleRec* module = recState.currTPtr[KIND_SUB];
+    ModuleRec* module = subModule();
     uint32_t left = module->nextRecNr[KIND_SUB];
     for (SubNr nr{subRec.left}; nr && left != 0; --left) {
         readRec(module, nr);

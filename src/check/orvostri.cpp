@@ -79,7 +79,7 @@ uint64_t lengthOfSegments(ModuleRec* module, VNodeNr first) {
         } else if (!isSegmentList(vNode)) {
             added = leafLength(vNode);
         } else {
-            ModuleRec* inner = recState.currTPtr[KIND_VNODE];
+            ModuleRec* inner = valueModule();
             const VNodeNr innerFirst{vNode.ref};
             const auto [note, isNew] = noteOf(inner, innerFirst);
             if (isNew)
@@ -119,7 +119,7 @@ template <typename Fn> void forEachLeaf(ModuleRec* module, VNodeNr first, bool o
             open.pop_back();
             continue;
         }
-        ModuleRec* inner = recState.currTPtr[KIND_VNODE];
+        ModuleRec* inner = valueModule();
         if (!isSegmentList(vNode)) {
             if (!fn(inner, vNode)) return;
             continue;

@@ -116,7 +116,7 @@ uint32_t lenFromNamedBits(ModuleRec* module, VNodeNr first) {
 
 int64_t highestNamedBit() {
     if (tNode.namedVals == 0) return -1;
-    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* module = typeModule();
     const auto [note, isNew] =
         checkCacheOf(module).highestNamedBits.try_emplace(tNode.namedVals, -1);
     if (isNew) note->second = highestBit(module, VNodeNr{tNode.namedVals});
@@ -128,7 +128,7 @@ uint64_t getAnyStringLength() {
     const KeepRec<KIND_VNODE> keepValue;
     skipTypes(true);
     skipValues(true);
-    ModuleRec* module = recState.currTPtr[KIND_VNODE];
+    ModuleRec* module = valueModule();
     const VNode value = vNode;
     const bool isBits = is(value.valCode, TypeClass::Bits);
     if (tNode.typeCode == TYP_BITSTR && isBits) return bitLength(module, value, highestNamedBit());

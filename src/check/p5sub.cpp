@@ -47,11 +47,9 @@ SubRef currentSub() {
 bool subOperands(ModuleRec* module, ParentType parent) {
     const SubRef self = currentSub();
     bool ok = true;
-    uint32_t left = nextRec<KIND_SUB>(self.module).nr;
-    for (uint32_t nr = subRec.left; ok && nr != 0 && left-- != 0;) {
-        readRec(self.module, SubNr{nr});
-        nr = subRec.next;
+    for ([[maybe_unused]] const SubNr nr : chain(self.module, SubNr{subRec.left})) {
         ok = chkSubRec(module, parent);
+        if (!ok) break;
     }
     readRec(self);
     return ok;

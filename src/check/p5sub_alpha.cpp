@@ -17,14 +17,13 @@ bool isOneCharacter(ModuleRec* module, uint32_t value) {
     readRec(module, VNodeNr{value});
     skipValues(true);
     return is(vNode.valCode, TypeClass::Characters) &&
-           makeRestrCharStriSeg(recState.currTPtr[KIND_VNODE], vNode, nullptr) == 1;
+           makeRestrCharStriSeg(valueModule(), vNode, nullptr) == 1;
 }
 
 /// Four hexadecimal digits stand for a character where the module allows notation beyond the
 /// standard.
 bool isHexCharacter() {
-    return recState.currTPtr[KIND_TNODE]->options.allow && vNode.valCode == TYP_OCTSTR &&
-           vNode.val.str.striLen == 4;
+    return typeModule()->options.allow && vNode.valCode == TYP_OCTSTR && vNode.val.str.striLen == 4;
 }
 
 bool validValueInPermittedAlphabet(ModuleRec* module, uint32_t value) {
@@ -53,11 +52,9 @@ bool validPermittedAlphabet() {
     default: return false;
     }
     bool ok = true;
-    uint32_t left = nextRec<KIND_SUB>(self.module).nr;
-    for (uint32_t nr = subRec.left; ok && nr != 0 && left-- != 0;) {
-        readRec(self.module, SubNr{nr});
-        nr = subRec.next;
+    for ([[maybe_unused]] const SubNr nr : chain(self.module, SubNr{subRec.left})) {
         ok = validPermittedAlphabet();
+        if (!ok) break;
     }
     readRec(self);
     return ok;

@@ -86,7 +86,7 @@ bool subWithComp(ModuleRec* module) {
     skipTypes(true);
     bool ok = false;
     if (is(tNode.typeCode, TypeClass::List) && tNode.ref != 0) {
-        readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
+        readRec(typeModule(), TNodeNr{tNode.ref});
         // Values must be of the element type, with what its references add on the way.
         ok = checkTNode();
         readRec(self.module, SubNr{subRec.left});
@@ -110,7 +110,7 @@ struct InnerSubtypes {
 
 void reportPresence(const InnerSubtypes& inner, Msg code) {
     const std::string name(tNode.name == 0 ? std::string_view()
-                                           : getStri(recState.currTPtr[KIND_TNODE], tNode.name));
+                                           : getStri(typeModule(), tNode.name));
     recordSubRecError(inner.errors, code, "component '" + name + "'");
 }
 
@@ -173,12 +173,8 @@ bool subWithComps(ModuleRec* module) {
     inner.structure = currentRec<KIND_TNODE>();
     inner.kind = tNode.typeCode;
     bool ok = true;
-    uint32_t left = nextRec<KIND_SUB>(self.module).nr;
-    for (uint32_t nr = subRec.left; nr != 0 && left-- != 0;) {
-        readRec(self.module, SubNr{nr});
-        nr = subRec.next;
+    for ([[maybe_unused]] const SubNr nr : chain(self.module, SubNr{subRec.left}))
         ok &= checkInnerSubtype(inner);
-    }
     readRec(type);
     readRec(self);
     return ok;
@@ -188,11 +184,8 @@ bool subUserDefConstr(ModuleRec* module) {
     const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
     bool ok = true;
-    uint32_t left = nextRec<KIND_VNODE>(self.module).nr;
-    for (uint32_t nr = subRec.left; nr != 0 && left-- != 0;) {
-        const VNodeRef parameter{self.module, VNodeNr{nr}};
-        readRec(parameter);
-        nr = vNode.next;
+    for (const VNodeNr nr : chain(self.module, VNodeNr{subRec.left})) {
+        const VNodeRef parameter{self.module, nr};
         if (vNode.valCode == TYP_OPEN && vNode.refMod == REF_FORMAL) {
             ok &= readTypeSetting(parameter) && checkTNode();
         } else {

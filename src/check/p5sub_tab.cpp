@@ -28,7 +28,7 @@ bool checkTable(VNodeNr set) {
     if (ok && isTypeDefinition()) {
         static_cast<void>(checkTNode());
     } else if (ok && tNode.constraint > 0) {
-        readRec(recState.currTPtr[KIND_TNODE], SubNr{static_cast<uint32_t>(tNode.constraint)});
+        readRec(typeModule(), SubNr{static_cast<uint32_t>(tNode.constraint)});
         ok = chkSubRec(moduleForTypeErrors(), ParentType::None);
     }
     readRec(type);
@@ -43,17 +43,14 @@ bool isAtInSub(ModuleRec* module, int32_t constraint) {
     readRec(module, SubNr{static_cast<uint32_t>(constraint)});
     if (subRec.subKind == SUB_TABLE) return true;
     if (subRec.subKind != SUB_SERIAL) return false;
-    uint32_t left = nextRec<KIND_SUB>(module).nr;
-    for (uint32_t nr = subRec.left; nr != 0 && left-- != 0; nr = subRec.next) {
-        readRec(module, SubNr{nr});
+    for ([[maybe_unused]] const SubNr nr : chain(module, SubNr{subRec.left}))
         if (subRec.subKind == SUB_TABLE) return true;
-    }
     return false;
 }
 
 /// One step from the structure in `tNode` to a component, or to the element of a list.
 bool solveAtCompId(int32_t token, std::string_view name) {
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const module = typeModule();
     const uint8_t kind = tNode.typeCode;
     const TNodeNr first{tNode.ref};
     if (!first) return false;

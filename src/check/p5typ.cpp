@@ -33,7 +33,7 @@ void recordTNodeError(ModuleRec* module, ErrClass errClass, Msg code, std::strin
 
 std::string_view tNodeName() {
     if (tNode.name == 0) return {};
-    return getStri(recState.currTPtr[KIND_TNODE], tNode.name);
+    return getStri(typeModule(), tNode.name);
 }
 
 namespace {
@@ -47,7 +47,7 @@ bool isReferenceWithTarget() {
 
 bool checkReferencedType() {
     const KeepRec<KIND_TNODE> keep;
-    ModuleRec* const target = refModule(recState.currTPtr[KIND_TNODE], tNode.refMod);
+    ModuleRec* const target = refModule(typeModule(), tNode.refMod);
     if (target == nullptr) return true;
     readRec(target, TNodeNr{tNode.ref});
     return checkTNode();
@@ -117,14 +117,14 @@ void checkAndMarkSetTNode(TNodeRef self) {
 /// itself.
 bool checkDefaultValue(ModuleRec* module) {
     const KeepRec<KIND_VNODE> keepValue;
-    readRec(recState.currTPtr[KIND_TNODE], VNodeNr{tNode.defaultVal});
+    readRec(typeModule(), VNodeNr{tNode.defaultVal});
     return checkVNode(module, true, true);
 }
 
 bool checkDefaultType() {
     const KeepRec<KIND_TNODE> keep;
     const KeepRec<KIND_VNODE> keepValue;
-    readRec(recState.currTPtr[KIND_TNODE], VNodeNr{tNode.defaultVal});
+    readRec(typeModule(), VNodeNr{tNode.defaultVal});
     if (!readTypeSetting()) return true;
     if (tNode.typeCode == TYP_SYNONYM || tNode.typeCode == TYP_FIELDLIST) return true;
     return checkTNode();
@@ -169,7 +169,7 @@ bool checkParts(ModuleRec* module) {
 } // namespace
 
 ModuleRec* moduleForTypeErrors() {
-    return actErrModPtr(recState.currTPtr[KIND_TNODE], tNode.actParRec);
+    return actErrModPtr(typeModule(), tNode.actParRec);
 }
 
 bool isTypeDefinition() {

@@ -27,7 +27,7 @@ bool isIdentifying(uint8_t kind) {
 
 /// The current CHOICE has only alternatives that identify.
 bool hasIdentifyingAlternatives() {
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const module = typeModule();
     bool ok = true;
     forEachTNodeByMod(module, TNodeNr{tNode.ref}, [&] {
         if (tNode.typeCode == TYP_EXTENSION_MARKER) return;
@@ -77,7 +77,7 @@ std::string_view classifierName(ModuleRec* module, SNodeNr identifier) {
 bool findClassifyingComp(std::string_view name, bool& before) {
     const TNodeRef any = currentRec<KIND_TNODE>();
     if (!innerEnclStru()) return false;
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const module = typeModule();
     const TNodeNr first{tNode.ref};
     uint32_t anyPosition = 0;
     before = !findTypeCompByNr(module, first, any, anyPosition);
@@ -137,7 +137,7 @@ bool readClassifyingValue(ModuleRec* module, std::string_view name, uint8_t& kin
     skipValues(true);
     inChoice = vNode.valCode == TYP_CHOICE;
     if (inChoice && vNode.ref != 0) {
-        readRec(recState.currTPtr[KIND_VNODE], VNodeNr{vNode.ref});
+        readRec(valueModule(), VNodeNr{vNode.ref});
         skipValues(true);
     }
     kind = vNode.valCode;
@@ -149,7 +149,7 @@ bool classifierAdmits(uint8_t kind, bool inChoice) {
     if (tNode.typeCode != TYP_ANY || tNode.syntax <= 0 || !isComponent()) return true;
     const KeepRec<KIND_TNODE> keep;
     const KeepRec<KIND_SNODE> keepEntry;
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const module = typeModule();
     readRec(module, SNodeNr{static_cast<uint32_t>(tNode.syntax)});
     if (sNode.module == 0) return true;
     readRec(getModPtr(module, sNode.module), TNodeNr{static_cast<uint32_t>(sNode.value)});
@@ -203,7 +203,7 @@ void disableOption(ModuleRec* own, TedNr record) {
 
 void checkAnyDefByOption(ModuleRec* module) {
     constexpr std::string_view option = "$ANY=";
-    ModuleRec* const own = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const own = typeModule();
     const KeepRec<KIND_TED> keep;
     bool shared = tNode.actParRec != 0;
     for (uint32_t nr = tNode.tedFirst; nr != 0 && nr <= tNode.tedLast; ++nr) {

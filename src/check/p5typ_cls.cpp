@@ -117,7 +117,7 @@ bool checkEmbeddedType(ModuleRec* module) {
     uint8_t kind = TYP_NONE;
     if (tNode.ref != 0) {
         const KeepRec<KIND_TNODE> keep;
-        readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
+        readRec(typeModule(), TNodeNr{tNode.ref});
         skipTypes(true);
         kind = tNode.typeCode;
     }

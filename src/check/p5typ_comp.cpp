@@ -32,10 +32,7 @@ void needStack() {
 /// Calls fn for each component from `first` on, those of extension addition groups in place of the
 /// group; a result of false ends the walk. The component is the current type record.
 template <typename Fn> bool forEachComponent(ModuleRec* module, uint32_t first, Fn&& fn) {
-    uint32_t left = nextRec<KIND_TNODE>(module).nr;
-    for (uint32_t nr = first; nr != 0 && left-- != 0;) {
-        readRec(module, TNodeNr{nr});
-        nr = tNode.next;
+    for ([[maybe_unused]] const TNodeNr nr : chain(module, TNodeNr{first})) {
         const bool goOn =
             tNode.typeCode == TYP_EXTADDGRP ? forEachComponent(module, tNode.ref, fn) : fn();
         if (!goOn) return false;
@@ -109,13 +106,12 @@ struct EntryList {
 /// Some component of the current structure, COMPONENTS OF entries not counted, has a tag.
 bool isTaggedComponents() {
     const KeepRec<KIND_TNODE> keep;
-    return !forEachComponent(recState.currTPtr[KIND_TNODE], tNode.ref,
-                             [] { return isCompOf() || tNode.tags == 0; });
+    return !forEachComponent(typeModule(), tNode.ref, [] { return isCompOf() || tNode.tags == 0; });
 }
 
 bool isAutomatic() {
     return !is(tNode.typeCode, TypeClass::List) && tNode.typeCode != TYP_CLASS &&
-           recState.currTPtr[KIND_TNODE]->automaticTags && !isTaggedComponents();
+           typeModule()->automaticTags && !isTaggedComponents();
 }
 
 const AlternativeTags* knownTags(TNodeRef choice) {

@@ -38,18 +38,12 @@ struct NamedList {
 };
 /// That of the current type.
 NamedList namedList(ModuleRec* errors) {
-    return {errors, recState.currTPtr[KIND_TNODE], VNodeNr{tNode.namedVals},
-            tNode.typeCode == TYP_BITSTR};
+    return {errors, typeModule(), VNodeNr{tNode.namedVals}, tNode.typeCode == TYP_BITSTR};
 }
 
 /// Calls fn for each entry, which is the current value record.
 template <typename Fn> void forEachEntry(const NamedList& list, Fn&& fn) {
-    uint32_t left = nextRec<KIND_VNODE>(list.module).nr;
-    for (uint32_t nr = list.first.nr; nr != 0 && left-- != 0;) {
-        readRec(list.module, VNodeNr{nr});
-        nr = vNode.next;
-        fn();
-    }
+    for ([[maybe_unused]] const VNodeNr nr : chain(list.module, list.first)) fn();
 }
 
 void report(const NamedList& list, Msg code) {

@@ -23,9 +23,6 @@ struct SeenTag {
 constexpr uint64_t keyOf(const SeenTag& tag) {
     return uint64_t{static_cast<uint32_t>(tag.tagClass)} << 32 | static_cast<uint32_t>(tag.tagNr);
 }
-inline uint64_t keyOf(const TNodeRef& type) {
-    return uint64_t{type.module->handle} << 32 | type.nr.nr;
-}
 
 /// The tags by which values of an untagged CHOICE may begin: those of its alternatives, in order,
 /// the alternatives of untagged CHOICEs among them in place. No tag stands twice.

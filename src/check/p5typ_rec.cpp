@@ -318,7 +318,7 @@ bool recursionAllowed(TNodeRef component, uint32_t cycle) {
 
 /// RECURSION= asks for a finding at each type assignment on a cycle, whether it may be or not.
 void reportTypeRecursion() {
-    ModuleRec* const own = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const own = typeModule();
     const bool isAssignment =
         magnitude(tNode.compStatus) == TCS_HEADER && tNode.name != 0 && tNode.actParRec == 0;
     if (!isAssignment || own->options.recursion == 0) return;

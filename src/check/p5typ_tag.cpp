@@ -40,7 +40,7 @@ bool checkTagNumber(ModuleRec* module, int32_t number) {
 bool checkTagUniqueness(ModuleRec* module, const TagRec& tag, int32_t number) {
     if (tag.tagClass != TAG_APPLICATION && tag.tagClass != TAG_PRIVATE) return true;
     if (module->options.tagUsage == 0) return true;
-    auto& usedTags = checkCacheOf(recState.currTPtr[KIND_TNODE]).types.usedTags;
+    auto& usedTags = checkCacheOf(typeModule()).types.usedTags;
     if (usedTags.insert(keyOf(SeenTag{tag.tagClass, number})).second) return true;
     recordTagError(module, ERR_SEMANTIC, Msg::TagNumberInUse, tNode.line, tag.tagClass, number);
     return false;
@@ -96,7 +96,7 @@ bool checkTagEncoding(ModuleRec* module, TagNr nr, const TagRec& tag, SeenTag ne
     switch (tag.tagMode) {
     case TAGMODE_IMPLICIT: return checkImplicitTag(module, nextTag);
     case TAGMODE_EXPLICIT: return checkExplicitTag(module, nextTag);
-    default: checkIfExplicitNeeded(recState.currTPtr[KIND_TNODE], nr, nextTag); return true;
+    default: checkIfExplicitNeeded(typeModule(), nr, nextTag); return true;
     }
 }
 
@@ -109,7 +109,7 @@ bool isClass() {
 /// The first tag written on the current type, else the universal tag of its kind.
 SeenTag outermostTag() {
     if (tNode.tags == 0) return {TAG_UNIVERSAL, typeArr[tNode.typeCode].tag};
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const module = typeModule();
     const KeepRec<KIND_TAG> keep;
     readRec(module, TagNr{tNode.tags});
     const TagRec tag = tagRec;
@@ -152,16 +152,14 @@ SeenTag getNextTag() {
 }
 
 bool checkTag(ModuleRec* module, SeenTag nextTag) {
-    ModuleRec* const own = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const own = typeModule();
     if (isClass()) {
         recordTNodeError(module, ERR_SEMANTIC, Msg::ObjectClassCanNotBeTaggedSubtypedEntry);
         return false;
     }
     const KeepRec<KIND_TAG> keep;
     bool ok = true;
-    uint32_t left = nextRec<KIND_TAG>(own).nr;
-    for (TagNr nr{tNode.tags}; nr && left-- != 0;) {
-        readRec(own, nr);
+    for (const TagNr nr : chain(own, TagNr{tNode.tags})) {
         const TagRec tag = tagRec;
         const int32_t number = tagNumberOf(own, tag);
         ok &= checkTagClass(module, tag, nr.nr == tNode.tags);
@@ -169,7 +167,6 @@ bool checkTag(ModuleRec* module, SeenTag nextTag) {
         ok &= checkTagUniqueness(module, tag, number);
         ok &= checkTagExplicity(module, tag);
         if (tag.next == 0) ok &= checkTagEncoding(module, nr, tag, nextTag);
-        nr = TagNr{tag.next};
     }
     return ok;
 }

@@ -60,7 +60,7 @@ struct ValueField {
 };
 
 const OptionBlock& options() {
-    return recState.currTPtr[KIND_TNODE]->options;
+    return typeModule()->options;
 }
 bool generates(uint32_t bit) {
     return (options().cGeneration & bit) != 0;
@@ -151,7 +151,7 @@ void setNumberVF(ValueField& field) {
 
 /// Inside an instance the line is one of who instantiated.
 ModuleRec* moduleForErrors() {
-    return actErrModPtr(recState.currTPtr[KIND_TNODE], tNode.actParRec);
+    return actErrModPtr(typeModule(), tNode.actParRec);
 }
 void warn(Msg code, std::string_view detail) {
     recordTNodeError(moduleForErrors(), ERR_WARNING, code, detail);

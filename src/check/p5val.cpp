@@ -33,7 +33,6 @@ ValueNesting::~ValueNesting() {
 
 namespace {
 
-
 /// The current value, a reference, leads to a value that no other check comes to: an actual
 /// parameter or what is made from one, or the value of a setting whose type stands beside it.
 /// Assignments answer for themselves, and who instantiates a value for the instance.
@@ -41,7 +40,7 @@ bool leadsToUncheckedValue() {
     const KeepRec<KIND_VNODE> keep;
     bool isUnchecked = false;
     for (size_t left = maxLinks; left != 0; --left) {
-        ModuleRec* module = recState.currTPtr[KIND_VNODE];
+        ModuleRec* module = valueModule();
         if (vNode.valCode == TYP_FIELDLIST && vNode.deferred > 0)
             readRec(module, VNodeNr{vNode.ref}); // the object
         if (vNode.valCode != TYP_SYNONYM) return isUnchecked;
@@ -73,7 +72,7 @@ CheckedValue checkedValue(VNodeRef at) {
     value.module = found.module;
     value.nr = found.nr;
     value.rec = vNode;
-    value.id = idOf(found);
+    value.id = keyOf(found);
     return value;
 }
 
@@ -289,7 +288,7 @@ bool checkAgainstType(const ValueErrors& errors, const CheckedValue& value, bool
 }
 
 ModuleRec* moduleForErrors(ModuleRec* caller) {
-    ModuleRec* own = recState.currTPtr[KIND_VNODE];
+    ModuleRec* own = valueModule();
     if (vNode.actParRec != 0) return actErrModPtr(own, vNode.actParRec);
     return vNode.formals != 0 ? caller : own;
 }

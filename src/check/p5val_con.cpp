@@ -26,7 +26,7 @@ bool failConstr(const ValueErrors& errors, const CheckedValue& value, uint8_t su
 
 /// Tells the records apart that values stand at.
 uint64_t placeOf(const CheckedValue& value) {
-    return value.at ? idOf(value.at) : value.id;
+    return value.at ? keyOf(value.at) : value.id;
 }
 
 SubRef currentSub() {
@@ -272,11 +272,11 @@ template <typename Fn> bool rememberedVerdict(const ValueErrors& errors, const C
     key.place = placeOf(value);
     key.enclosing = value.enclosing != nullptr ? placeOf(*value.enclosing) : 0;
     key.isReference = value.isReference;
-    key.seriesEnd = seriesView.last ? idOf(seriesView.last) : 0;
+    key.seriesEnd = seriesView.last ? keyOf(seriesView.last) : 0;
     if (errors.report) {
         const auto known = verdicts.find(key);
         if (known != verdicts.end() && known->second) return true;
-        key.told = idOf(value.told);
+        key.told = keyOf(value.told);
     }
     const auto [note, isNew] = verdicts.try_emplace(key, false);
     if (!isNew) return note->second;
@@ -291,10 +291,10 @@ bool valContainedSubtype(const ValueErrors& errors, const CheckedValue& value) {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     if (subRec.left == 0) return false;
-    readRec(recState.currTPtr[KIND_SUB], VNodeNr{subRec.left});
+    readRec(subModule(), VNodeNr{subRec.left});
     if (!readTypeSetting()) return false;
     const TNodeRef type = currentRec<KIND_TNODE>();
-    return rememberedVerdict(errors, value, {.against = idOf(type), .isInner = false},
+    return rememberedVerdict(errors, value, {.against = keyOf(type), .isInner = false},
                              [&] { return checkAgainstType(errors, value, true); });
 }
 
@@ -306,7 +306,7 @@ bool checkElements(const ValueErrors& errors, const CheckedValue& value, SubRef 
     for (VNodeNr nr{value.rec.ref}; nr && left != 0; --left) {
         CheckedValue element = partAt(value, nr);
         element.enclosing = value.enclosing; // where the constraint stands, not in the list
-        met &= rememberedVerdict(errors, element, {.against = idOf(inner), .isInner = true}, [&] {
+        met &= rememberedVerdict(errors, element, {.against = keyOf(inner), .isInner = true}, [&] {
             readRec(inner);
             return checkAgainstSub(errors, element);
         });
@@ -320,7 +320,7 @@ bool valWithComp(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef inner = operandsOf(currentSub());
     skipTypes(true);
     if (!is(tNode.typeCode, TypeClass::List) || tNode.ref == 0 || !inner) return false;
-    readRec(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref});
+    readRec(typeModule(), TNodeNr{tNode.ref});
     return checkElements(errors, value, inner);
 }
 
@@ -360,8 +360,7 @@ bool valWithComps(const CheckedValue& value) {
     if (!isFull || value.isRestricted) return met;
     readRestrictedStructure();
     if (tNode.ref == 0) return met;
-    for (const FlatEntry& entry :
-         flatComponents(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref})) {
+    for (const FlatEntry& entry : flatComponents(typeModule(), TNodeNr{tNode.ref})) {
         if (entry.repeated || entry.compStatus != TCS_OPTIONAL || named.contains(entry.name))
             continue;
         met &= !hasComponent(value, entry.name);

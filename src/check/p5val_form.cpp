@@ -17,7 +17,7 @@ namespace {
 /// What the items of the current enumeration stand for; an item may be numbered by a defined value.
 const std::set<std::pair<ModuleRec*, uint32_t>>& itemsOfEnum() {
     const KeepRec<KIND_VNODE> keep;
-    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* module = typeModule();
     const auto [note, isNew] = checkCacheOf(module).enumItems.try_emplace(tNode.namedVals);
     if (!isNew) return note->second;
     uint32_t left = module->nextRecNr[KIND_VNODE];

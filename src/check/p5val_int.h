@@ -39,9 +39,6 @@ struct CheckedValue {
     const CheckedValue* enclosing = nullptr; // the structured value that holds `at`
 };
 CheckedValue checkedValue(VNodeRef at);
-template <RecKind K> uint64_t idOf(RecRef<K> ref) {
-    return uint64_t{ref.module->handle} << 32 | ref.nr.nr;
-}
 /// A component or element of a value.
 CheckedValue partAt(const CheckedValue& whole, VNodeNr nr);
 /// A temporary value of a kind that stands for a part of another.

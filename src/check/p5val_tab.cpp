@@ -47,7 +47,7 @@ bool fieldPath(FieldPath& path) {
     const KeepRec<KIND_SNODE> keepEntry;
     skipTypes(false);
     if (tNode.typeCode != TYP_FIELDLIST || tNode.syntax <= 0) return false;
-    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* module = typeModule();
     uint32_t left = module->nextRecNr[KIND_SNODE];
     for (int32_t nr = tNode.syntax; nr > 0 && left != 0; --left) {
         readRec(module, SNodeNr{static_cast<uint32_t>(nr)});
@@ -79,8 +79,8 @@ VNodeRef classDefault(ModuleRec* module, const VNode& object, std::string_view n
     if (tNode.typeCode != TYP_CLASS && isClassCode(tNode.typeCode))
         static_cast<void>(readBuiltinType(tNode.typeCode));
     if (tNode.typeCode != TYP_CLASS || tNode.ref == 0) return {};
-    if (!findTypeCompById(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}, name)) return {};
-    return {recState.currTPtr[KIND_TNODE], VNodeNr{tNode.defaultVal}};
+    if (!findTypeCompById(typeModule(), TNodeNr{tNode.ref}, name)) return {};
+    return {typeModule(), VNodeNr{tNode.defaultVal}};
 }
 
 /// The setting at the end of a path through fields that hold objects; none when an object on the
@@ -93,7 +93,7 @@ VNodeRef settingOf(VNodeRef object, const FieldPath& path, bool& isSet) {
         skipValues(true);
         if (step != 0 && (vNode.vflags & VF_SET) != 0) isSet = true;
         if (isSet || !isObjectSetting()) return {};
-        ModuleRec* module = recState.currTPtr[KIND_VNODE];
+        ModuleRec* module = valueModule();
         const VNode holder = vNode;
         if (findValueCompById(module, VNodeNr{holder.ref}, path[step]))
             at = currentRec<KIND_VNODE>();
@@ -257,7 +257,7 @@ bool readEnclosing(const CheckedValue& value, bool innermost) {
 
 /// The n-th element of the list in `vNode`, from 1.
 Reached valAtElement(uint64_t number) {
-    ModuleRec* module = recState.currTPtr[KIND_VNODE];
+    ModuleRec* module = valueModule();
     if (!is(vNode.valCode, TypeClass::List)) return Reached::Nowhere;
     uint64_t place = 0;
     for (VNodeNr nr{vNode.ref}; nr && place < module->nextRecNr[KIND_VNODE];) {
@@ -278,7 +278,7 @@ Reached valAtCompId(ModuleRec* module) {
     if (!fieldName(module, name)) return Reached::Nowhere;
     const uint8_t kind = vNode.valCode;
     if (!is(kind, TypeClass::Members)) return Reached::Nowhere;
-    ModuleRec* owner = recState.currTPtr[KIND_VNODE];
+    ModuleRec* owner = valueModule();
     return findValueCompById(owner, VNodeNr{vNode.ref}, name) ? Reached::Value : Reached::Absent;
 }
 

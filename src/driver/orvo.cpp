@@ -186,25 +186,15 @@ void passOver(void (*pass)(), uint8_t number) {
 }
 
 void checkTypeAssignments() {
-    uint32_t left = cMP->nextRecNr[KIND_TNODE];
-    for (TNodeNr nr = cMP->firstTypeHead; nr && left-- != 0;) {
-        readRec(cMP, nr);
-        const TNodeNr next{tNode.next};
-        if (tNode.formals == 0)
-            static_cast<void>(checkTNode());
-        nr = next;
-    }
+    for ([[maybe_unused]] const TNodeNr nr : chain(cMP, cMP->firstTypeHead))
+        if (tNode.formals == 0) static_cast<void>(checkTNode());
 }
 
 void checkValueAssignments() {
-    uint32_t left = cMP->nextRecNr[KIND_VNODE];
-    for (VNodeNr nr = cMP->firstValueHead; nr && left-- != 0;) {
-        readRec(cMP, nr);
-        const VNodeNr next{vNode.next};
+    for ([[maybe_unused]] const VNodeNr nr : chain(cMP, cMP->firstValueHead)) {
         ModuleRec* governor = getModPtr(cMP, vNode.govTypeMod);
         if (governor != nullptr && vNode.govType != 0) readRec(governor, TNodeNr{vNode.govType});
         if (vNode.formals == 0) static_cast<void>(checkVNode(cMP, true, true));
-        nr = next;
     }
 }
 

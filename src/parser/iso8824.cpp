@@ -37,11 +37,8 @@ int32_t typeName(std::string_view name) {
 /// The assignment of a name in the text; fatal when there is none.
 TNodeNr definitionOf(std::string_view name) {
     const StriNr stri = findStri(cMP, name);
-    uint32_t left = cMP->nextRecNr[KIND_TNODE];
-    for (TNodeNr node{firstAssignment}; stri && node && left-- != 0; node = TNodeNr{tNode.next}) {
-        readRec(cMP, node);
+    for (const TNodeNr node : chain(cMP, TNodeNr{stri ? firstAssignment : 0}))
         if (nameStri(tNode.name) == stri) return node;
-    }
     fatalError(Fatal::Internal, "Invalid ISO8824 module");
 }
 

@@ -44,10 +44,6 @@ struct Search {
     std::vector<SubRef> setNodeStack;
 };
 
-uint64_t keyOf(const ModuleRec* module, uint32_t nr) {
-    return uint64_t{module->handle} << 32 | nr;
-}
-
 // ---- what is to be looked at --------------------------------------------------------------------
 
 void enterType(Search& search, ModuleRec* module, uint32_t nr) {
@@ -67,22 +63,19 @@ void enterSub(Search& search, ModuleRec* module, uint32_t nr) {
 /// Components, alternatives, the element, or what a reference leads to.
 void actParInTypCompList(Search& search, ModuleRec* module, uint32_t first) {
     if (module == nullptr) return;
-    uint32_t left = nextRec<KIND_TNODE>(module).nr;
-    for (uint32_t nr = first; nr != 0 && left-- != 0;) {
-        readRec(module, TNodeNr{nr});
-        enterType(search, module, nr);
-        nr = magnitude(tNode.compStatus) == TCS_HEADER ? 0 : tNode.next;
+    for (const TNodeNr nr : chain(module, TNodeNr{first})) {
+        const bool last = magnitude(tNode.compStatus) == TCS_HEADER;
+        enterType(search, module, nr.nr);
+        if (last) return;
     }
 }
 
 void actParInValCompList(Search& search, ModuleRec* module, uint32_t first) {
     if (module == nullptr) return;
-    uint32_t left = nextRec<KIND_VNODE>(module).nr;
-    for (uint32_t nr = first; nr != 0 && left-- != 0;) {
-        readRec(module, VNodeNr{nr});
-        enterValue(search, module, nr);
+    for (const VNodeNr nr : chain(module, VNodeNr{first})) {
         const bool last = vNode.valStatus == VST_HEADER || vNode.valStatus == VST_ACTUAL;
-        nr = last ? 0 : vNode.next;
+        enterValue(search, module, nr.nr);
+        if (last) return;
     }
 }
 
@@ -122,8 +115,7 @@ void actParInTypConstr(Search& search, ModuleRec* module, const TNode& node) {
 void actParInTypNode(Search& search, TNodeRef type) {
     readRec(type);
     const TNode node = tNode;
-    if (node.constraint > 0)
-        search.sets.insert(keyOf(type.module, static_cast<uint32_t>(node.constraint)));
+    if (node.constraint > 0) search.sets.insert(keyOf(type.module, magnitude(node.constraint)));
     if (node.actParRec == 0) return;
     if (node.typeCode == TYP_FIELDLIST && node.syntax != 0)
         actParInFieldListTNode(search, type, node);
@@ -175,11 +167,7 @@ void actParInValNode(Search& search, VNodeRef value) {
 
 /// A list of operands.
 void subUnion_Intersection_etc_etc(Search& search, ModuleRec* module, uint32_t first) {
-    uint32_t left = nextRec<KIND_SUB>(module).nr;
-    for (uint32_t nr = first; nr != 0 && left-- != 0; nr = subRec.next) {
-        readRec(module, SubNr{nr});
-        enterSub(search, module, nr);
-    }
+    for (const SubNr nr : chain(module, SubNr{first})) enterSub(search, module, nr.nr);
 }
 
 void actParInSub(Search& search, SubRef nr) {
@@ -262,11 +250,8 @@ ActPar actParOf(ModuleRec* module, uint32_t nr, uint32_t position) {
 /// sets.
 std::vector<ActPar> initActParList(ModuleRec* module, uint32_t first) {
     std::vector<ActPar> list;
-    uint32_t left = nextRec<KIND_VNODE>(module).nr;
-    for (uint32_t nr = first; nr != 0 && left-- != 0; nr = vNode.next) {
-        readRec(module, VNodeNr{nr});
-        list.push_back(actParOf(module, nr, static_cast<uint32_t>(list.size()) + 1));
-    }
+    for (const VNodeNr nr : chain(module, VNodeNr{first}))
+        list.push_back(actParOf(module, nr.nr, static_cast<uint32_t>(list.size()) + 1));
     std::ranges::stable_sort(list, {}, &ActPar::list);
     return list;
 }
@@ -306,7 +291,7 @@ bool checkTNodeActuals() {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
-    ModuleRec* const own = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const own = typeModule();
     const Instantiation by{own, tNode.actParRec, static_cast<uint32_t>(tNode.syntax), tNode.line};
     Search search;
     enterType(search, refModule(own, tNode.refMod), tNode.ref);
@@ -320,7 +305,7 @@ bool checkVNodeActuals() {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
-    ModuleRec* const own = recState.currTPtr[KIND_VNODE];
+    ModuleRec* const own = valueModule();
     const Instantiation by{own, vNode.actParRec, static_cast<uint32_t>(vNode.deferred), vNode.line};
     Search search;
     const VNodeRef instance{refModule(own, vNode.refMod), VNodeNr{vNode.ref}};

@@ -67,7 +67,7 @@ void recordSubError(SubNr nr, Msg code, std::string_view detail) {
 
 std::string_view currentTypeName() {
     if (tNode.name == 0) return {};
-    return getStri(recState.currTPtr[KIND_TNODE], tNode.name);
+    return getStri(typeModule(), tNode.name);
 }
 
 bool parseValueSetting(VNodeNr& value, TNodeRef governor, Cause& cause) {

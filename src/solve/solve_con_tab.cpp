@@ -173,7 +173,7 @@ bool parseComponentRelation(SNodeNr& first, Cause& cause) {
 /// `{` DefinedObjectSet `}` [`{` AtNotation {`,` AtNotation} `}`]; the constrained field type or
 /// INSTANCE OF is in `tNode`.
 bool parseTableConstr(SubNr nr, Cause& cause) {
-    const uint32_t module = handleImplImports(cMP, recState.currTPtr[KIND_TNODE]);
+    const uint32_t module = handleImplImports(cMP, typeModule());
     const TNodeNr classNode{tNode.ref};
     makePending(cMP, nr);
     subRec.subKind = SUB_TABLE;

@@ -29,10 +29,6 @@ namespace {
 constexpr size_t maxInstances = 1000000;
 constexpr uint32_t maxInstanceDepth = 200;
 
-uint64_t instanceKey(const ModuleRec* module, uint32_t instance) {
-    return uint64_t{module->handle} << 32 | instance;
-}
-
 } // namespace
 
 ANode aplAt(uint32_t handle) {
@@ -42,7 +38,7 @@ ANode aplAt(uint32_t handle) {
 
 uint32_t aplOfInstance(ModuleRec* module, uint32_t instance) {
     if (instance == 0) return 0;
-    const auto found = parState.byInstance.find(instanceKey(module, instance));
+    const auto found = parState.byInstance.find(keyOf(module, instance));
     return found == parState.byInstance.end() ? 0 : found->second;
 }
 
@@ -162,7 +158,7 @@ Msg pushApl(const Reference& reference, Cause& cause) {
     ModuleRec* const outer = outermostInstantiator(parState.aplStack);
     parState.entries.push_back({defModule, nr, outer != nullptr ? outer : cMP});
     const auto handle = static_cast<uint32_t>(parState.entries.size());
-    parState.byInstance[instanceKey(defModule, nr.nr)] = handle;
+    parState.byInstance[keyOf(defModule, nr.nr)] = handle;
     setAplStack(handle);
     return Msg::None;
 }

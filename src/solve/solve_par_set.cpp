@@ -165,15 +165,11 @@ void finishValueSetting() {
 
 void parseSettingPassTwo(VNodeNr first) {
     const KeepRec<KIND_TNODE> keepType;
-    uint32_t left = nextRec<KIND_VNODE>(cMP).nr;
-    for (VNodeNr nr = first; nr && left-- != 0;) {
-        readRec(cMP, nr);
-        const VNodeNr next{vNode.next};
+    for ([[maybe_unused]] const VNodeNr nr : chain(cMP, first)) {
         if (vNode.valCode == TYP_OPEN && vNode.refMod == REF_FORMAL)
             finishTypeSetting();
         else
             finishValueSetting();
-        nr = next;
     }
 }
 

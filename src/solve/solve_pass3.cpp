@@ -36,7 +36,7 @@ void parseComponents() {
     const uint8_t kind = tNode.typeCode;
     const Restore<uint8_t> mainType(solveState.glbMainType,
                                     kind == TYP_EXTADDGRP ? solveState.glbMainType : kind);
-    forEachTNodeByMod(recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}, parseTNodeAndSolveCompOf);
+    forEachTNodeByMod(typeModule(), TNodeNr{tNode.ref}, parseTNodeAndSolveCompOf);
 }
 
 } // namespace
@@ -98,7 +98,7 @@ namespace {
 /// The type record of a type or set setting, the current value, becomes current.
 bool readTypeOfSetting() {
     if (!isTypeSetting()) return false;
-    readRec(recState.currTPtr[KIND_VNODE], TNodeNr{vNode.ref});
+    readRec(valueModule(), TNodeNr{vNode.ref});
     return true;
 }
 
@@ -127,7 +127,7 @@ bool readDefaultOfNamedField() {
     findActType();
     skipTypes(true);
     if (tNode.typeCode != TYP_OPEN || tNode.defaultVal == 0) return false;
-    readRec(recState.currTPtr[KIND_TNODE], VNodeNr{tNode.defaultVal});
+    readRec(typeModule(), VNodeNr{tNode.defaultVal});
     return readTypeOfSetting();
 }
 

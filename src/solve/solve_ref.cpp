@@ -99,7 +99,7 @@ Finding followObjectField(VisitList& visited, ModuleRec* module, SNodeNr first) 
     finding.code = solveValueFPtr(visited, module, first, finding.text, rest);
     if (finding.code != Msg::None) return finding;
     if (!isTypeSetting()) return {Msg::DefinedTypeSyntax, finding.text};
-    readRec(recState.currTPtr[KIND_VNODE], TNodeNr{vNode.ref});
+    readRec(valueModule(), TNodeNr{vNode.ref});
     if (rest) finding.code = solveTypeFPtr(visited, module, rest, TYP_CLASS, finding.text);
     return finding;
 }
@@ -130,7 +130,7 @@ bool solveFieldType(VisitList& visited) {
 void instantiateType() {
     if (!isDeferred(tNode.syntax)) return;
     checkStack();
-    const InstanceStack ofRecord(recState.currTPtr[KIND_TNODE], tNode.actParRec);
+    const InstanceStack ofRecord(typeModule(), tNode.actParRec);
     parseTNodeActuals();
 }
 
@@ -192,7 +192,7 @@ bool isOpenValueReference() {
 void parseOnDemand() {
     if (vNode.refMod != REF_DEFERRED || vNode.checkState != CHECK_NEW || vNode.formals != 0) return;
     checkStack();
-    ModuleRec* const module = recState.currTPtr[KIND_VNODE];
+    ModuleRec* const module = valueModule();
     ModuleRec* const govModule = refModule(module, signedWord(vNode.govTypeMod));
     if (govModule == nullptr || vNode.govType == 0) return;
     const KeepRec<KIND_TNODE> keepType;
@@ -239,7 +239,7 @@ bool solveFieldValue(VisitList& visited) {
 void instantiateValue() {
     if (!isDeferred(vNode.deferred)) return;
     checkStack();
-    const InstanceStack ofRecord(recState.currTPtr[KIND_VNODE], vNode.actParRec);
+    const InstanceStack ofRecord(valueModule(), vNode.actParRec);
     parseVNodeActuals();
 }
 

@@ -48,15 +48,10 @@ Msg solveTypeEntry(SNodeRef entry, uint8_t kind, std::string_view& text) {
     const Msg wrong = kind == TYP_CHOICE ? Msg::InvalidSelectionType : Msg::InvalidClassFieldType;
     skipTypes(true);
     if (kind == TYP_CHOICE ? tNode.typeCode != TYP_CHOICE : !readClass()) return wrong;
-    if (!findTypeCompId(kind, recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}, text))
-        return wrong;
+    if (!findTypeCompId(kind, typeModule(), TNodeNr{tNode.ref}, text)) return wrong;
     const TNodeRef found = currentRec<KIND_TNODE>();
     solveEntry(entry, found.module, static_cast<int32_t>(found.nr.nr));
     return Msg::None;
-}
-
-SNodeNr nextEntry() {
-    return SNodeNr{sNode.next > 0 ? magnitude(sNode.next) : 0};
 }
 
 } // namespace
@@ -68,7 +63,7 @@ Msg solveTypeFPtr(VisitList& visited, ModuleRec* module, SNodeNr first, uint8_t 
     for (SNodeNr nr = first; nr && left-- != 0;) {
         if (!findActType(visited)) return Msg::RecursiveTypeReference;
         readRec(module, nr);
-        const SNodeNr next = nextEntry();
+        const SNodeNr next = nextInChain<KIND_SNODE>();
         if (sNode.module == 0) {
             const Msg code = solveTypeEntry({module, nr}, kind, text);
             if (code != Msg::None) return code;
@@ -92,8 +87,7 @@ namespace {
 
 /// The class of the object that is the current value.
 bool readClassOfObject() {
-    ModuleRec* const module =
-        refModule(recState.currTPtr[KIND_VNODE], signedWord(vNode.govTypeMod));
+    ModuleRec* const module = refModule(valueModule(), signedWord(vNode.govTypeMod));
     if (module == nullptr || vNode.govType == 0) return false;
     readRec(module, TNodeNr{vNode.govType});
     findActType();
@@ -137,7 +131,7 @@ Msg solveValueEntry(SNodeRef entry, std::string_view& text) {
     skipValues(true);
     if (!isClassCode(vNode.valCode)) return Msg::InvalidInformationFromObject;
     SnapShot trial(entry);
-    ModuleRec* const module = recState.currTPtr[KIND_VNODE];
+    ModuleRec* const module = valueModule();
     const VNodeRef object = currentRec<KIND_VNODE>();
     if (!findValueCompId(TYP_CLASS, module, VNodeNr{vNode.ref}, text)) {
         readRec(object);
@@ -158,7 +152,7 @@ Msg solveMissingFieldValue(TNodeRef classType, std::string_view name, std::strin
     readRec(classType);
     if (!findTypeCompId(TYP_CLASS, classType.module, TNodeNr{tNode.ref}, name))
         return Msg::InvalidInformationFromObject;
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const module = typeModule();
     if (tNode.defaultVal != 0) {
         readRec(module, VNodeNr{tNode.defaultVal});
         return Msg::None;
@@ -179,7 +173,7 @@ Msg solveValueFPtr(VisitList& visited, ModuleRec* module, SNodeNr first, std::st
         if (!findActValue(visited)) return Msg::RecursiveValueReference;
         const SNodeRef entry{module, next};
         readRec(entry);
-        next = nextEntry();
+        next = nextInChain<KIND_SNODE>();
         if (sNode.module == 0) {
             const Msg code = solveValueEntry(entry, text);
             if (code != Msg::None) return code;
@@ -207,14 +201,14 @@ void noteList(Lists& lists, TNodeRef first) {
 
 /// The current component: what it brings in is to be prepared too.
 void prepareComponent(Lists& lists) {
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const module = typeModule();
     if (tNode.typeCode == TYP_EXTADDGRP) {
         noteList(lists, {module, TNodeNr{tNode.ref}});
     } else if (magnitude(tNode.compStatus) == TCS_COMPOF) {
         findActType();
         skipTypes(false);
         if (tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_SET)
-            noteList(lists, {recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}});
+            noteList(lists, {typeModule(), TNodeNr{tNode.ref}});
     }
 }
 

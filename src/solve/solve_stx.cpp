@@ -159,7 +159,7 @@ bool parseVariableTypeSetField(TNodeNr type, Cause& cause) {
 /// gives.
 bool parseVarSettingPassOne(VNodeNr object, Cause& cause) {
     const VNodeRef setting = currentRec<KIND_VNODE>();
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const module = typeModule();
     if (tNode.syntax <= 0) {
         cause.set(Msg::InvalidGoverningTypeClass, getStri(cMP, vNode.name));
         return false;
@@ -230,7 +230,7 @@ bool parseSyntaxList(const ObjectClass& objectClass, int32_t first, VNodeNr obje
 
 bool parseDefinedStx(Cause& cause) {
     const VNodeRef object = currentRec<KIND_VNODE>();
-    const ObjectClass objectClass{recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}};
+    const ObjectClass objectClass{typeModule(), TNodeNr{tNode.ref}};
     const auto first = static_cast<int32_t>(tNode.syntaxList);
     if (curCode() != TOK_LBRACE) {
         cause.set(tokenExpected(TOK_LBRACE));
@@ -246,7 +246,7 @@ bool parseDefinedStx(Cause& cause) {
 
 bool parseDefaultStx(Cause& cause) {
     const VNodeRef object = currentRec<KIND_VNODE>();
-    const ObjectClass objectClass{recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}};
+    const ObjectClass objectClass{typeModule(), TNodeNr{tNode.ref}};
     if (curCode() != TOK_LBRACE) {
         cause.set(tokenExpected(TOK_LBRACE));
         return false;
@@ -281,10 +281,6 @@ struct StxState {
 };
 StxState stxState;
 
-uint64_t keyOf(VNodeRef setting) {
-    return uint64_t{setting.module->handle} << 32 | setting.nr.nr;
-}
-
 /// Number by which the current module refers to `module`; 0 when it does not.
 uint32_t getModNrOfSet(ModuleRec* module) {
     if (module == cMP) return REF_OWN;
@@ -298,9 +294,9 @@ bool readFieldListSet() {
     if (tNode.typeCode != TYP_FIELDLIST || tNode.refMod != REF_OBJECT || tNode.syntax <= 0)
         return false;
     if (!skipFieldList()) return false;
-    uint32_t left = nextRec<KIND_TNODE>(recState.currTPtr[KIND_TNODE]).nr;
+    uint32_t left = nextRec<KIND_TNODE>(typeModule()).nr;
     while (!isSetTNode() && tNode.typeCode == TYP_SYNONYM && tNode.ref != 0 && left-- != 0) {
-        ModuleRec* const module = refModule(recState.currTPtr[KIND_TNODE], tNode.refMod);
+        ModuleRec* const module = refModule(typeModule(), tNode.refMod);
         if (module == nullptr) return false;
         readRec(module, TNodeNr{tNode.ref});
     }

@@ -261,14 +261,14 @@ constexpr std::array invalidLiterals = {
 
 bool checkUsrDefSyntax() {
     const KeepRec<KIND_TNODE> keep;
-    const ClassCheck check{recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}};
+    const ClassCheck check{typeModule(), TNodeNr{tNode.ref}};
     const Elements elements = syntaxOf(check, tNode.syntaxList);
     return checkDuplicateFieldSettings(check, elements) && checkFieldSettings(check, elements);
 }
 
 void checkSyntaxDef() {
     const KeepRec<KIND_TNODE> keep;
-    const ClassCheck check{recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}};
+    const ClassCheck check{typeModule(), TNodeNr{tNode.ref}};
     forEachElement(syntaxOf(check, tNode.syntaxList), [&](const SNode& entry) {
         if (isField(entry.token)) {
             const std::string_view name = nameOf(check, entry.value);

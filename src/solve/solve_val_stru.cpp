@@ -100,7 +100,7 @@ bool parseBitStringValue(Cause& cause) {
 
 bool parseSeqValue(uint8_t kind, Cause& cause) {
     if (curCode() != TOK_LBRACE) return false;
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const module = typeModule();
     const TNodeNr first{tNode.ref};
     const bool named = kind == TYP_SEQ || kind == TYP_SET;
     ValueList components;
@@ -126,7 +126,7 @@ bool parseSeqValue(uint8_t kind, Cause& cause) {
 }
 
 bool parseChoiceValue(Cause& cause) {
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const module = typeModule();
     const TNodeNr first{tNode.ref};
     ValueList alternatives;
     const VNodeNr alternative = alternatives.append(curToken().line);

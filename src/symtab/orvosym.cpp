@@ -338,7 +338,7 @@ std::vector<uint32_t> usesOf(STabNr symbol) {
 
 int32_t findEnumExtMarkIdx() {
     KeepRec<KIND_VNODE> keep;
-    ModuleRec* const module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* const module = typeModule();
     const auto count = static_cast<int32_t>(nextRec<KIND_VNODE>(module).nr);
     VNodeNr item{tNode.namedVals};
     for (int32_t place = 0; item && place < count; ++place) {

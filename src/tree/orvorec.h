@@ -91,6 +91,23 @@ template <RecKind K> void makePending(ModuleRec* module, RecNr<K> nr) {
 template <RecKind K> RecRef<K> currentRec() {
     return {recState.recJustRead[K].module, RecNr<K>{recState.recJustRead[K].nr}};
 }
+/// The module of the current type, value, constraint record.
+inline ModuleRec* typeModule() {
+    return recState.currTPtr[KIND_TNODE];
+}
+inline ModuleRec* valueModule() {
+    return recState.currTPtr[KIND_VNODE];
+}
+inline ModuleRec* subModule() {
+    return recState.currTPtr[KIND_SUB];
+}
+/// Key of a record for an index over the records of all modules.
+inline uint64_t keyOf(const ModuleRec* module, uint32_t nr) {
+    return uint64_t{module->handle} << 32 | nr;
+}
+template <RecKind K> uint64_t keyOf(const RecRef<K>& ref) {
+    return keyOf(ref.module, ref.nr.nr);
+}
 /// Stores a changed buffer at once, wherever it came from.
 template <RecKind K> void writeCurrent() {
     writeRec(currentRec<K>());
@@ -157,31 +174,83 @@ class CurrentModule {
 
 // ---- walks --------------------------------------------------------------------------------------
 
+/// What the current record of a kind names as the next in its list; none at the end, and where a
+/// negative word marks the end of a group.
+template <RecKind K> RecNr<K> nextInChain();
+template <> inline TNodeNr nextInChain<KIND_TNODE>() {
+    return {tNode.next};
+}
+template <> inline VNodeNr nextInChain<KIND_VNODE>() {
+    return {vNode.next};
+}
+template <> inline TagNr nextInChain<KIND_TAG>() {
+    return {tagRec.next};
+}
+template <> inline SubNr nextInChain<KIND_SUB>() {
+    return {subRec.next};
+}
+template <> inline SNodeNr nextInChain<KIND_SNODE>() {
+    return {sNode.next > 0 ? magnitude(sNode.next) : 0};
+}
+
+/// The records of a list in a module, for a range-for loop: each is current when the body begins,
+/// and the body may read others. A list that is longer than the module has records is cut: a broken
+/// one must not be endless.
+template <RecKind K> class Chain {
+  public:
+    struct End {};
+    class Iterator {
+      public:
+        Iterator(ModuleRec* module, RecNr<K> first)
+            : module_(module), nr_(first), left_(module != nullptr ? nextRec<K>(module).nr : 1) {
+            enter();
+        }
+        RecNr<K> operator*() const { return nr_; }
+        Iterator& operator++() {
+            nr_ = --left_ != 0 ? next_ : RecNr<K>{};
+            enter();
+            return *this;
+        }
+        bool operator!=(End) const { return bool(nr_); }
+
+      private:
+        void enter() {
+            if (!nr_) return;
+            readRec(module_, nr_);
+            next_ = nextInChain<K>();
+        }
+
+        ModuleRec* module_;
+        RecNr<K> nr_, next_;
+        uint32_t left_;
+    };
+
+    Chain(ModuleRec* module, RecNr<K> first) : module_(module), first_(first) {}
+    Iterator begin() const { return {module_, first_}; }
+    End end() const { return {}; }
+
+  private:
+    ModuleRec* module_;
+    RecNr<K> first_;
+};
+template <RecKind K> Chain<K> chain(ModuleRec* module, RecNr<K> first) {
+    return {module, first};
+}
+template <RecKind K> Chain<K> chain(RecRef<K> first) {
+    return {first.module, first.nr};
+}
+
 /// Walks a TNode chain of a module from `first` along `next`: reads each record and calls fn(); the
 /// TNode that was in the buffer before is read back afterwards. A chain that is longer than the
 /// module has records ends the walk.
 template <typename Fn> void forEachTNodeByMod(ModuleRec* module, TNodeNr first, Fn&& fn) {
-    KeepRec<KIND_TNODE> keep;
-    uint32_t left = module->nextRecNr[KIND_TNODE];
-    for (TNodeNr nr = first; nr && left-- != 0;) {
-        readRec(module, nr);
-        const TNodeNr next{tNode.next};
-        fn();
-        nr = next;
-    }
+    const KeepRec<KIND_TNODE> keep;
+    for ([[maybe_unused]] const TNodeNr nr : chain(module, first)) fn();
 }
 /// The same over a VNode chain of the module in currTPtr[KIND_VNODE].
 template <typename Fn> void forEachVNode(VNodeNr first, Fn&& fn) {
-    if (!first) return;
-    ModuleRec* module = recState.currTPtr[KIND_VNODE];
-    KeepRec<KIND_VNODE> keep;
-    uint32_t left = module != nullptr ? module->nextRecNr[KIND_VNODE] : 1; // the read is fatal then
-    for (VNodeNr nr = first; nr && left-- != 0;) {
-        readRec(module, nr);
-        const VNodeNr next{vNode.next};
-        fn();
-        nr = next;
-    }
+    const KeepRec<KIND_VNODE> keep;
+    for ([[maybe_unused]] const VNodeNr nr : chain(valueModule(), first)) fn();
 }
 
 // ---- strings (tree/orvorec_stri) ----------------------------------------------------------------

@@ -64,7 +64,7 @@ Entry readEntry(VNodeRef at) {
     Entry entry{vNode, {}, nullptr};
     skipValues(true);
     entry.value = vNode;
-    entry.module = recState.currTPtr[KIND_VNODE];
+    entry.module = valueModule();
     return entry;
 }
 

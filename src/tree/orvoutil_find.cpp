@@ -77,7 +77,7 @@ uint32_t addPlaces(uint32_t a, uint32_t b) {
 TNodeRef readIncludedFirst() {
     skipTypes(false);
     if ((tNode.typeCode != TYP_SEQ && tNode.typeCode != TYP_SET) || tNode.ref == 0) return {};
-    return {recState.currTPtr[KIND_TNODE], TNodeNr{tNode.ref}};
+    return {typeModule(), TNodeNr{tNode.ref}};
 }
 
 NodeRef nodeOf(TNodeRef list) {
@@ -487,7 +487,7 @@ namespace {
 /// setting of that field, else the field's default. The naming field's type record is current.
 bool readTypeOfVariableField(ModuleRec* object, VNodeNr firstSetting) {
     if (!skipFieldList()) return false;
-    ModuleRec* classModule = recState.currTPtr[KIND_TNODE];
+    ModuleRec* classModule = typeModule();
     const VNodeNr defaultType{tNode.defaultVal};
     ModuleRec* typeModule = object;
     if (tNode.name == 0 ||
@@ -505,8 +505,7 @@ bool readTypeOfVariableField(ModuleRec* object, VNodeNr firstSetting) {
 
 bool readGovTNodeForFieldVNode(ModuleRec* object, VNodeNr firstSetting) {
     const KeepRec<KIND_VNODE> keepValue;
-    ModuleRec* module =
-        refModule(recState.currTPtr[KIND_VNODE], static_cast<int32_t>(vNode.govTypeMod));
+    ModuleRec* module = refModule(valueModule(), static_cast<int32_t>(vNode.govTypeMod));
     if (module == nullptr || vNode.govType == 0) return false;
     readRec(module, TNodeNr{vNode.govType});
     if (isVariabTypeFieldTNode() && !readTypeOfVariableField(object, firstSetting)) return false;

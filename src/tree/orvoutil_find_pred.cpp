@@ -69,7 +69,7 @@ bool isObjClFldTyp() {
     skipTypes(false);
     if (tNode.typeCode != TYP_FIELDLIST || tNode.refMod < 0 || tNode.ref == 0) return false;
     if (!isPlaceOfObjClFldTyp()) return false;
-    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* module = typeModule();
     // The class is a node of the same module, or a reference to one, whose refMod stays 0.
     ModuleRec* classModule = tNode.refMod == 0 ? module : refModule(module, tNode.refMod);
     if (classModule == nullptr) return false;
@@ -92,8 +92,7 @@ bool isIntegerVNode() {
     if (vNode.valCode != TYP_INTEGER) return false;
     if (vNode.valStatus != VST_NAMED_NUMBER || vNode.govType == 0) return true;
     const KeepRec<KIND_TNODE> keep;
-    ModuleRec* const module =
-        refModule(recState.currTPtr[KIND_VNODE], static_cast<int32_t>(vNode.govTypeMod));
+    ModuleRec* const module = refModule(valueModule(), static_cast<int32_t>(vNode.govTypeMod));
     if (module == nullptr) return true;
     readRec(module, TNodeNr{vNode.govType});
     return tNode.typeCode != TYP_ENUM;

@@ -75,7 +75,7 @@ template <> bool isCaught<KIND_VNODE>() {
 /// `fields`: class fields of types, or object fields of values, are followed too.
 template <RecKind K> bool step(bool fields);
 template <> bool step<KIND_TNODE>(bool fields) {
-    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* module = typeModule();
     if (tNode.typeCode == TYP_SYNONYM) {
         ModuleRec* target = refModule(module, tNode.refMod);
         if (target == nullptr || tNode.ref == 0) return false;
@@ -91,7 +91,7 @@ template <> bool step<KIND_TNODE>(bool fields) {
     return (fields || tNode.refMod == REF_OBJECT) && skipFieldList();
 }
 template <> bool step<KIND_VNODE>(bool fields) {
-    ModuleRec* module = recState.currTPtr[KIND_VNODE];
+    ModuleRec* module = valueModule();
     if (vNode.valCode == TYP_SYNONYM) {
         ModuleRec* target = refModule(module, vNode.refMod);
         if (target == nullptr || vNode.ref == 0) return false;
@@ -164,7 +164,7 @@ ModuleRec* refModule(ModuleRec* module, int32_t refMod) {
 }
 
 bool readTypeSetting() {
-    ModuleRec* module = recState.currTPtr[KIND_VNODE];
+    ModuleRec* module = valueModule();
     // The type record stands in place of a reference; that of a set which another object gives may
     // lie in another module.
     ModuleRec* owner = vNode.refMod == REF_FORMAL ? module : refModule(module, vNode.refMod);
@@ -180,7 +180,7 @@ bool readTypeSetting(VNodeRef setting) {
 }
 
 bool skipFieldList() {
-    ModuleRec* module = recState.currTPtr[KIND_TNODE];
+    ModuleRec* module = typeModule();
     if (tNode.syntax <= 0) return false;
     const KeepRec<KIND_SNODE> keepEntry;
     return readLastEntry(module, SNodeNr{static_cast<uint32_t>(tNode.syntax)}) &&

@@ -76,8 +76,7 @@ bool compatibleByCode(const ActualType& a, const ActualType& b) {
 
 /// The component type that the current constraint record designates.
 TNodeRef constrainedType() {
-    ModuleRec* module =
-        refModule(recState.currTPtr[KIND_SUB], static_cast<int32_t>(subRec.typeMod));
+    ModuleRec* module = refModule(subModule(), static_cast<int32_t>(subRec.typeMod));
     return {module, TNodeNr{subRec.typeNr}};
 }
 
