@@ -56,6 +56,12 @@ void recordError(ModuleRec* module, ErrClass errClass, Msg code, uint32_t line,
     enter(module, std::move(error));
 }
 
+void recordOnce(ModuleRec* module, Msg code, uint32_t line, std::string_view detail) {
+    const bool isNew =
+        module->warnedOf.emplace(static_cast<int32_t>(code), std::string(detail)).second;
+    if (isNew) recordError(module, ERR_WARNING, code, line, detail);
+}
+
 void recordSyntaxError(ModuleRec* module, uint32_t line,
                        const std::array<std::string_view, 7>& pieces) {
     ErrRec error = newError(ERR_SYNTAX, Msg::SyntaxError, line);

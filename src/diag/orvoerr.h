@@ -15,6 +15,8 @@ namespace orvo {
 /// not null is listed behind the message.
 void recordError(ModuleRec* module, ErrClass errClass, Msg code, uint32_t line,
                  std::string_view detail = {});
+/// A fault that is read on: a warning of its own, once for each message and detail in a module.
+void recordOnce(ModuleRec* module, Msg code, uint32_t line, std::string_view detail);
 /// Msg::SyntaxError with its seven pieces: token name, message, the five context names (oldest
 /// first).
 void recordSyntaxError(ModuleRec* module, uint32_t line,

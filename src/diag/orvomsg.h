@@ -40,7 +40,6 @@ inline constexpr MessageText errorList[] = {
 #define MESSAGE(nr, name, classes, text) {Msg::name, classes, text},
 #include "diag/messages.def"
 };
-static_assert(std::size(errorList) == 121);
 
 enum ErrClass : int32_t { ERR_NONE = 0, ERR_WARNING = 1, ERR_SEMANTIC = 2, ERR_SYNTAX = 3 };
 inline constexpr const char* errClassNames[] = {"No error", "Warning", "Error", "Syntax error"};

@@ -106,6 +106,9 @@ void initPass1Vars(int argc, char** argv, bool builtIn) {
     initMetaRec(cMP->options);
     if (!builtIn) initUserModule(argc, argv);
     clearPass1Fields(*cMP);
+    cMP->newNotation = builtIn ? run.anyNewNotation : run.editionFromStart == 2021;
+    cMP->options.lenient = !builtIn && run.lenientFromStart;
+    run.anyNewNotation |= cMP->newNotation;
 }
 
 // ---- the built-in module ------------------------------------------------------------------------
@@ -288,8 +291,8 @@ void typeListForZOV() {
 
 int orvo_main(int argc, char** argv) {
     initGlobVars();
-    parseInternal();
     passOne(argc, argv);
+    parseInternal(); // the notation of the modules decides which kinds it has
     solveRefs1Internal();
     passOver(solveRefs1, 2);
     solveRefs2Internal();

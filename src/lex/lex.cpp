@@ -63,7 +63,7 @@ void readSourceFile(std::string& text) {
 void startInput() {
     if (!lexState.fromMemory) readSourceFile(lexState.text);
     const std::string_view text = lexState.fromMemory ? lexState.inputStri : lexState.text;
-    lexState.Inp = text.data();
+    lexState.begin = lexState.Inp = text.data();
     lexState.end = text.data() + text.size();
     lexState.LineNumb = 1;
 }
@@ -125,6 +125,7 @@ consteval LetterIndex indexLetters(int first, int last) {
 }
 constexpr LetterIndex reservedIndex = indexLetters(firstReservedWord, lastReservedWord);
 constexpr LetterIndex typeNameIndex = indexLetters(firstTypeName, lastTypeName);
+constexpr LetterIndex laterIndex = indexLetters(firstLaterWord, lastLaterWord);
 
 /// Bisects the names of a range that begin with the letter of `name`.
 int32_t searchRange(const LetterIndex& index, std::string_view name) {
@@ -243,6 +244,7 @@ int32_t input() {
     for (;;) {
         if (isChar(*lexState.Inp, CHAR_SPACE)) skipSpace();
         lexState.Outp->line = lexState.LineNumb;
+        lexState.Outp->offset = static_cast<uint32_t>(lexState.Inp - lexState.begin);
         const char c = *lexState.Inp;
         if (isChar(c, CHAR_LETTER)) return readName();
         if (isChar(c, CHAR_DIGIT)) return readNumber();
@@ -275,17 +277,23 @@ int32_t NextToken(TokenList& list) {
     return token.code;
 }
 
+void resumeBehind(const Token& token) {
+    lexState.Inp = lexState.begin + token.offset + tokenName(token.code).size();
+    lexState.LineNumb = token.line;
+}
+
 void endInput() {
     lexState.text = {};
-    lexState.Inp = nullptr;
+    lexState.begin = lexState.Inp = nullptr;
     lexState.end = nullptr;
 }
 
 int32_t searchKeywords(std::string_view name) {
     if (name.empty() || name.size() > longestKeyword || !isChar(name[0], CHAR_UPPER)) return -1;
-    const int32_t code = searchRange(reservedIndex, name);
-    // the built-in module defines the types of these names
-    return code >= 0 || lexState.fromMemory ? code : searchRange(typeNameIndex, name);
+    int32_t code = searchRange(reservedIndex, name);
+    if (code >= 0 || lexState.fromMemory) return code; // the built-in module defines the others
+    code = searchRange(typeNameIndex, name);
+    return code >= 0 || !newNotation() ? code : searchRange(laterIndex, name);
 }
 
 void noteLexError(Msg error) {

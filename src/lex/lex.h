@@ -23,7 +23,8 @@ struct LexState {
     bool fromMemory = false;    // inputStri is the text, not the source file
     std::string_view inputStri; // the text of the built-in module
     std::string text;           // the contents of the source file
-    const char* Inp = nullptr;  // the current character
+    const char* begin = nullptr;
+    const char* Inp = nullptr; // the current character
     const char* end = nullptr;
     uint32_t LineNumb = 1;
     std::string strBuf;    // text of the current item
@@ -37,6 +38,9 @@ void setInput(std::string_view text);
 /// Lexes one token, appends it to the list and returns its code. An empty list starts the module:
 /// its source (srcFile of the current module) is read as a whole; fatal 6 when that fails.
 int32_t NextToken(TokenList& list);
+/// Goes back to the text behind a reserved word: what was lexed from there on is dropped by the
+/// caller.
+void resumeBehind(const Token& token);
 /// Releases the source text; the tokens stay.
 void endInput();
 

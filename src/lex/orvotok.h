@@ -15,21 +15,24 @@ namespace orvo {
 enum TokenCode : int32_t {
 #define TOKEN(code, name, spelling) TOK_##name = code,
 #include "lex/tokens.def"
-    TOK_OUT_OF_TABLE = 149, // what a code outside the table is replaced by
+    TOK_OUT_OF_TABLE = 201, // what a code outside the table is replaced by
 };
 /// Spelling of each token as messages show it; empty = none.
 inline constexpr std::string_view gMGTabInp[] = {
 #define TOKEN(code, name, spelling) spelling,
 #include "lex/tokens.def"
 };
-inline constexpr int tokenCount = 149;
+inline constexpr int tokenCount = 165;
 static_assert(std::size(gMGTabInp) == tokenCount);
 inline constexpr int firstReservedWord = TOK_ABSENT, lastReservedWord = TOK_WITH;
 inline constexpr int firstTypeName = TOK_ABSTRACT_SYNTAX, lastTypeName = TOK_VISIBLESTRING;
+inline constexpr int firstLaterWord = TOK_DATE, lastLaterWord = TOK_UTF8STRING;
 static_assert(firstReservedWord == 11 && lastReservedWord == 70 && firstTypeName == 131 &&
               lastTypeName == 148);
 static_assert(std::is_sorted(gMGTabInp + firstReservedWord, gMGTabInp + lastReservedWord + 1));
 static_assert(std::is_sorted(gMGTabInp + firstTypeName, gMGTabInp + lastTypeName + 1));
+static_assert(std::is_sorted(gMGTabInp + firstLaterWord, gMGTabInp + lastLaterWord + 1));
+static_assert(tokenCount <= TOK_OUT_OF_TABLE); // 500 + code is a message below 700
 
 /// What a token may be. Names and literals keep that much, numbers beyond it are the highest there
 /// is; either is an error.
@@ -79,6 +82,7 @@ struct Token {
     int32_t lexError = 0; // 0 or the number of the lexical error found in the token
     I64 value;            // a number; names and strings: the string number (see stri)
     uint32_t line = 0;
+    uint32_t offset = 0;   // of its first byte in the text of the module
     uint32_t optFlags = 0; // bit k: a `$` command of kind k in the comments before the token
     OptRange options;      // the option records made from those comments
     uint32_t next = 0;     // TokNr of the next token of the list or range

@@ -13,6 +13,7 @@
 #include "driver/orvofil.h"
 #include "driver/orvofil_fix.h"
 #include "options/orvoopt_file.h"
+#include "options/orvoopt_glb.h"
 #include "options/orvoopt_val.h"
 #include "tree/orvomod.h"
 #include "util/ascii.h"
@@ -147,6 +148,21 @@ bool verboseOptionOK(std::string_view value) {
     return byteOptionOK(value, VERBOSE_NONE, VERBOSE_TOOL, names, run.verbose);
 }
 
+void noteEdition(std::string_view text, bool& inScope) {
+    const std::string option = upperName(text);
+    const ScopeMark mark = scopeMark(std::string_view(option).substr(1));
+    if (mark != ScopeMark::None) inScope = mark == ScopeMark::Begin;
+    if (inScope) return;
+    constexpr std::string_view edition = "-STANDARD-VERSION=";
+    constexpr std::string_view leniency = "-LENIENT=";
+    const std::string_view all = option;
+    if (all.starts_with(edition))
+        static_cast<void>(
+            standardVersionOptionOK(all.substr(edition.size()), run.editionFromStart));
+    if (all.starts_with(leniency))
+        static_cast<void>(booleOptionOK(all.substr(leniency.size()), run.lenientFromStart));
+}
+
 bool parseSelectedCmdLineOpts(std::string_view text) {
     const std::string option = upperName(text);
     const size_t equals = option.find('=');
@@ -181,8 +197,10 @@ bool parseFilePrefix(std::string_view name, int& count, std::string_view file) {
 void parseCmdLineParams(int argc, char** argv) {
     int count = 0;
     bool good = true;
+    bool inScope = false;
     for (int i = 1; i < argc; ++i) {
         const std::string_view argument = argv[i];
+        if (argument.starts_with('-')) noteEdition(argument, inScope);
         if (argument.starts_with('+'))
             good &= parseOptionFilePartially(argument.substr(1), count);
         else if (argument.starts_with('-'))

@@ -19,6 +19,9 @@ void parseCmdLineParams(int argc, char** argv);
 /// kind k.
 void parseCmdLineOptions(int argc, char** argv, uint32_t& kinds, OptRange& range);
 
+/// Keeps what STANDARD-VERSION= and LENIENT= (with their "-") say of the whole run; `inScope`
+/// follows the scope marks, within which they speak of single modules.
+void noteEdition(std::string_view text, bool& inScope);
 /// Evaluates an option (with its "-") of phase one; false when it is one of them and its value is
 /// bad.
 [[nodiscard]] bool parseSelectedCmdLineOpts(std::string_view text);

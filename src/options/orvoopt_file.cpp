@@ -93,8 +93,10 @@ bool readOptionFileLine(std::FILE* file, std::string& line) {
 
 bool parseOptionFilePartially(std::string_view name, int& count) {
     bool good = true;
+    bool inScope = false;
     for (const OptionLine& row : optionLines(name)) {
         const std::string_view line = row.line;
+        if (line.starts_with('-')) noteEdition(line, inScope);
         if (isFileName(line)) {
             good &= parseFilePrefix(line, count, name);
         } else if (line.starts_with('-') && !parseSelectedCmdLineOpts(line)) {

@@ -120,8 +120,8 @@ bool realLimOptionOK(std::string_view text, RealVal& value) {
 }
 
 bool standardVersionOptionOK(std::string_view text, uint16_t& version) {
-    if (text != "1990" && text != "1994") return false;
-    version = text == "1990" ? 1990 : 1994;
+    if (text != "1990" && text != "1994" && text != "2021") return false;
+    version = text == "1990" ? 1990 : text == "1994" ? 1994 : 2021;
     return true;
 }
 

@@ -27,6 +27,11 @@ uint32_t switches(std::initializer_list<bool> values) {
     return word;
 }
 
+/// 0 for 1994.
+uint32_t editionCode(uint16_t standardVersion) {
+    return standardVersion == 1990 ? 1 : standardVersion == 2021 ? 2 : 0;
+}
+
 } // namespace
 
 void initMetaRec(OptionBlock& block) {
@@ -49,10 +54,10 @@ void packModWords(const OptionBlock& block, uint32_t (&words)[6]) {
                          b.pushPath,    b.reentrant,     b.plmBoole,        b.nearPtr,
                          b.altTab,      b.asnhc,         b.optVars,         b.omitSkippedFields,
                          b.memory != 0, b.zeroHome != 0, b.extensions != 0, b.xref,
-                         b.list,        b.allow});
+                         b.list,        b.allow,         b.lenient});
     words[1] = bytes(b.definitionCategory, b.generate, b.defLen, b.setN);
     words[2] = bytes(b.intSize, b.listSize, b.compMaskSize, b.choiceSize);
-    words[3] = bytes(b.realSize, b.standardVersion == 1990 ? 1 : 0, b.altMax, b.decimals);
+    words[3] = bytes(b.realSize, editionCode(b.standardVersion), b.altMax, b.decimals);
     words[4] = b.cGeneration;
     words[5] = b.entryCount;
 }

@@ -1,6 +1,7 @@
-// Invariants: type nodes 1 to 41 of the built-in module have the numbers of the type kinds; the
-// assignments of its text follow. What defines a kind has a hidden name there, which no source can
-// write, and the node of the kind is a synonym of it. All of the module is on line 1.
+// Invariants: type nodes 1 to 41 of the built-in module (to 50 when a module of the run is written
+// in the notation of today) have the numbers of the type kinds; the assignments of its text follow.
+// What defines a kind has a hidden name there, which no source can write, and the node of the kind
+// is a synonym of it. All of the module is on line 1.
 
 #include "parser/iso8824.h"
 
@@ -19,16 +20,19 @@ Iso8824State iso8824State;
 
 namespace {
 
-constexpr uint32_t firstAssignment = TYP_NONE + 1;
+/// Kinds of types whose nodes come first; without notation of today those of the older editions.
+uint32_t firstAssignment() {
+    return newNotation() ? std::size(typeArr) : TYP_NONE + 1U;
+}
 constexpr uint32_t textLine = 1;
 
 /// The kinds that the text defines. Each goes to the front of the chain of type assignments, which
 /// so ends up in ascending order.
 constexpr TypeCode definedKinds[] = {
-    TYP_ABSTR_STX,     TYP_TYPE_ID, TYP_INSTANCE_OF, TYP_OBJDESCR, TYP_EXTERNAL_1994,
-    TYP_EXTERNAL_1990, TYP_UTCTIME, TYP_GENTIME,     TYP_CHASTR,   TYP_BMPSTR,
-    TYP_GENSTR,        TYP_GRASTR,  TYP_IA5STR,      TYP_VISSTR,   TYP_VIDSTR,
-    TYP_TELSTR,        TYP_PRISTR,  TYP_NUMSTR,      TYP_EMB_PDV};
+    TYP_UTF8STR,       TYP_ABSTR_STX,     TYP_TYPE_ID, TYP_INSTANCE_OF, TYP_OBJDESCR,
+    TYP_EXTERNAL_1994, TYP_EXTERNAL_1990, TYP_UTCTIME, TYP_GENTIME,     TYP_CHASTR,
+    TYP_BMPSTR,        TYP_GENSTR,        TYP_GRASTR,  TYP_IA5STR,      TYP_VISSTR,
+    TYP_VIDSTR,        TYP_TELSTR,        TYP_PRISTR,  TYP_NUMSTR,      TYP_EMB_PDV};
 
 int32_t typeName(std::string_view name) {
     return static_cast<int32_t>(putStri(cMP, name).nr);
@@ -37,7 +41,7 @@ int32_t typeName(std::string_view name) {
 /// The assignment of a name in the text; fatal when there is none.
 TNodeNr definitionOf(std::string_view name) {
     const StriNr stri = findStri(cMP, name);
-    for (const TNodeNr node : chain(cMP, TNodeNr{stri ? firstAssignment : 0}))
+    for (const TNodeNr node : chain(cMP, TNodeNr{stri ? firstAssignment() : 0}))
         if (nameStri(tNode.name) == stri) return node;
     fatalError(Fatal::Internal, "Invalid ISO8824 module");
 }
@@ -60,10 +64,13 @@ void hideDefinition(TNodeNr definition, int32_t hidden) {
 void makeIso8824ModuleString() {
     iso8824State.iso8824Module.clear();
     for (const char* piece : moduleLines()) iso8824State.iso8824Module += piece;
+    if (newNotation())
+        for (const char* piece : laterLines()) iso8824State.iso8824Module += piece;
+    iso8824State.iso8824Module += "END ";
 }
 
 void parseISO8824() {
-    for (uint32_t kind = 1; kind < firstAssignment; ++kind) addTypeArc(nullptr, textLine);
+    for (uint32_t kind = 1; kind < firstAssignment(); ++kind) addTypeArc(nullptr, textLine);
     makeIso8824ModuleString();
     char program[] = "orvo", module[] = "iso8824";
     char* argV[] = {program, module, nullptr};
@@ -72,7 +79,9 @@ void parseISO8824() {
     flushRecs(-1);
     setInput({});
     if (cMP->parseState != PARSE_OK) return; // the caller reports what was recorded
-    for (const TypeCode kind : definedKinds) addSynonym(kind);
+    for (const TypeCode kind : definedKinds)
+        if (kind < firstAssignment()) addSynonym(kind);
+    if (newNotation()) iso8824State.realComponents = definitionOf("REAL_COMPONENTS");
 }
 
 void addSynonym(TypeCode kind) {

@@ -1,8 +1,9 @@
 #pragma once
 
 // The built-in module: the useful and character string types of ISO 8824, written in ASN.1 and
-// compiled before every user module. Its type nodes 1 to 39 stand for the type kinds of the same
-// numbers.
+// compiled for every run; each pass takes it before the user modules, but for the first, which
+// finds out which kinds of types the modules may have. Its type nodes 1 to 39 (from 42 on the later
+// ones) stand for the type kinds of the same numbers.
 
 #include <string>
 
@@ -12,6 +13,7 @@ namespace orvo {
 
 struct Iso8824State {
     std::string iso8824Module; // the text; one line
+    TNodeNr realComponents;    // the associated type of REAL, with notation of today
 };
 extern Iso8824State iso8824State;
 

@@ -122,16 +122,27 @@ constexpr const char* lines[] = {
         "type-id TYPE-IDENTIFIER.&id, ",
         "value [0] TYPE-IDENTIFIER.&Type ",
     "} ",
-    "END ",
     "",
 };
+constexpr const char* later[] = {
+    "UTF8String ::= [UNIVERSAL 12] IMPLICIT UniversalString ",
+    "REAL-COMPONENTS ::= SEQUENCE { ",
+        "mantissa INTEGER, ",
+        "base INTEGER (2|10), ",
+        "exponent INTEGER ",
+    "} ",
+};
 // clang-format on
-static_assert(std::size(lines) == 133 + 1);
+static_assert(std::size(lines) == 132 + 1);
 
 } // namespace
 
 std::span<const char* const> moduleLines() {
     return {lines, std::size(lines) - 1};
+}
+
+std::span<const char* const> laterLines() {
+    return later;
 }
 
 } // namespace orvo

@@ -13,7 +13,9 @@
 #include "options/orvoopt.h"
 #include "parser/parser_defer.h"
 #include "parser/parser_mod.h"
+#include "parser/parser_typ.h"
 #include "symtab/orvosym_imp.h"
+#include "tree/orvorec.h"
 #include "util/text.h"
 
 namespace orvo {
@@ -168,6 +170,29 @@ void convertToken() {
     token.setStri(moduleRef);
 }
 
+void relexBehind() {
+    if (parserState.MGStop) return;
+    TokenList& list = inputList();
+    uint32_t firstOption = UINT32_MAX; // comments are read again, with their options
+    for (TokNr at{tokenAt(list.first).next}; at;) {
+        const Token& token = tokenAt(at);
+        if (token.options.first > 0)
+            firstOption = std::min(firstOption, static_cast<uint32_t>(token.options.first));
+        const TokNr next{token.next};
+        freeToken(at);
+        at = next;
+    }
+    if (firstOption != UINT32_MAX) {
+        flushRecs(KIND_TED);
+        cMP->nextRecNr[KIND_TED] = firstOption;
+    }
+    tokenAt(list.first).next = 0;
+    list.last = list.first;
+    list.count = 1;
+    resumeBehind(inp());
+    while (list.count < lookAheadTokens) NextToken(list);
+}
+
 void splitVersionBrackets() {
     Token& token = inp();
     if (token.code != TOK_LVERSION && token.code != TOK_RVERSION) return;
@@ -313,7 +338,7 @@ bool isReferenceToType(bool inBraces) {
 
 bool typeFollows(bool inBraces) {
     const int32_t code = inp().code;
-    if (MGIsInSet(typeWords) || (code >= firstTypeName && code <= lastTypeName)) return true;
+    if (MGIsInSet(typeWords) || isTypeName(code)) return true;
     if (code == TOK_NULL) {
         const int32_t next = lookAhead(1).code;
         return next == TOK_LPAREN || next == TOK_COLON;

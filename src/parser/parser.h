@@ -43,7 +43,7 @@ struct ParserState {
 };
 extern ParserState parserState;
 
-/// A set of token codes 0..148.
+/// A set of token codes.
 class TokenSet {
   public:
     constexpr TokenSet(std::initializer_list<int32_t> codes) {
@@ -54,7 +54,7 @@ class TokenSet {
     }
 
   private:
-    uint32_t words_[5] = {};
+    uint32_t words_[(tokenCount + 31) / 32] = {};
 };
 
 /// Pass 1 of the current module; its source file must be open.
@@ -73,6 +73,8 @@ void insertToken(int32_t code, int32_t value);
 /// componentid, a typeid before `.` and a reference a moduleid whose value is its reference number
 /// (the reference is entered in the symbol table).
 void convertToken();
+/// Lexes what follows the current token, a reserved word, anew: the notation changes behind it.
+void relexBehind();
 /// Takes `[[` as two `[` and `]]` as two `]` (WITH SYNTAX, where optional groups are nested).
 void splitVersionBrackets();
 [[nodiscard]] bool MGIsInSet(const TokenSet& set);

@@ -51,6 +51,17 @@ void extensibilityDefault() {
     if (expectToken(TOK_IMPLIED)) cMP->extensibilityImplied = true;
 }
 
+/// BEGIN. What the options of the module say about its notation holds from here on.
+void beginBody() {
+    const bool isNew = cMP->options.standardVersion == 2021;
+    if (parserState.Inp.code == TOK_BEGIN && isNew != cMP->newNotation && !lexState.fromMemory) {
+        cMP->newNotation = isNew;
+        run.anyNewNotation |= isNew;
+        relexBehind();
+    }
+    expectToken(TOK_BEGIN);
+}
+
 /// [EXPORTS [SymbolList] `;`]
 void exportsClause() {
     if (parserState.Inp.code != TOK_EXPORTS) return;
@@ -125,7 +136,7 @@ void MGR3ModuleDefinition() {
     tagDefault();
     extensibilityDefault();
     expectToken(TOK_ASSIGN);
-    expectToken(TOK_BEGIN);
+    beginBody();
     constexpr TokenSet bodyStart = {TOK_EXPORTS, TOK_IMPORTS, TOK_TYPEID, TOK_VALUEID, TOK_END};
     if (!MGIsInSet(bodyStart)) MGError(notAllowed);
     exportsClause();

@@ -128,6 +128,22 @@ void parseTags(TNodeNr node) {
 
 // ---- built-in types -----------------------------------------------------------------------------
 
+/// The types of X.680 (02/2021) that are a single token.
+TypeCode laterTypeCode(int32_t token) {
+    switch (token) {
+    case TOK_UTF8STRING: return TYP_UTF8STR;
+    case TOK_RELATIVE_OID: return TYP_RELOID;
+    case TOK_OID_IRI: return TYP_OIDIRI;
+    case TOK_RELATIVE_OID_IRI: return TYP_RELOIDIRI;
+    case TOK_TIME: return TYP_TIME;
+    case TOK_DATE: return TYP_DATE;
+    case TOK_TIME_OF_DAY: return TYP_TIMEOFDAY;
+    case TOK_DATE_TIME: return TYP_DATETIME;
+    case TOK_DURATION: return TYP_DURATION;
+    default: return TYP_NONE;
+    }
+}
+
 /// Code of a type that is a single token; TYP_NONE for all others.
 TypeCode simpleTypeCode(int32_t token) {
     switch (token) {
@@ -151,7 +167,7 @@ TypeCode simpleTypeCode(int32_t token) {
     case TOK_UTCTIME: return TYP_UTCTIME;
     case TOK_UNIVERSALSTRING: return TYP_UNISTR;
     case TOK_VIDEOTEXSTRING: return TYP_VIDSTR;
-    default: return TYP_NONE;
+    default: return laterTypeCode(token);
     }
 }
 
@@ -329,8 +345,12 @@ void takeOptions(TNodeNr node) {
     if (buildsTree()) patchOpts(node, parserState.Inp.optFlags, parserState.Inp.options);
 }
 
+bool isTypeName(int32_t code) {
+    return (code >= firstTypeName && code <= lastTypeName) || laterTypeCode(code) != TYP_NONE;
+}
+
 bool beginsType(int32_t code) {
-    return typeStart.has(code) || (code >= firstTypeName && code <= lastTypeName);
+    return typeStart.has(code) || isTypeName(code);
 }
 
 // ---- rules --------------------------------------------------------------------------------------

@@ -22,6 +22,8 @@ void setTypeCode(TypeCode code);
 /// Attaches the option comments before the current token to a TNode, which is current afterwards.
 void takeOptions(TNodeNr node);
 
+/// One of the names of types that are a token of their own.
+[[nodiscard]] bool isTypeName(int32_t code);
 /// Tells whether a token can begin a type: a type keyword, `[`, a reference, or a type name.
 [[nodiscard]] bool beginsType(int32_t code);
 

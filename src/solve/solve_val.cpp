@@ -170,7 +170,7 @@ namespace {
 /// One component of { mantissa m, base b, exponent e } with the separator behind it.
 bool parseRealValComp(std::string_view identifier, int32_t separator, I64& value, Cause& cause) {
     if (!advance()) return false;
-    if (cMP->options.standardVersion == 1994) {
+    if (cMP->options.standardVersion != 1990) {
         if (curCode() != TOK_VALUEID || getStri(cMP, curToken().stri()) != identifier) {
             cause.set(tokenExpected(TOK_VALUEID));
             return false;

@@ -113,7 +113,7 @@ inline constexpr TypeRow typeArr[] = {
     {name, asnName, tag, static_cast<TypeCode>(code), classMask(classes), syntax, invalid},
 #include "tree/types.def"
 };
-inline constexpr int typeCount = 42;
+inline constexpr int typeCount = 51;
 static_assert(std::size(typeArr) == typeCount);
 static_assert([] {
     for (int code = 0; code < typeCount; ++code)

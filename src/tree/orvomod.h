@@ -112,6 +112,7 @@ struct OptionBlock {
     uint8_t encf = 0xFF, decf = 0xFF, askf = 0xFF, prif = 0xFF;
     uint8_t altEncf[8] = {}, altDecf[8] = {};
     bool allow = false;
+    bool lenient = false; // with newNotation: common faults of published modules are warnings
     TedNr backEndFirst, backEndLast;
     std::string info, backEndDir, headerDir, tabRef;
     uint8_t codeGen[3] = {1, 1, 1}, testGen[3] = {1, 1, 1};
@@ -182,12 +183,14 @@ struct ModuleRec {
     uint8_t importsState = 0, exportsState = 0; // 0 no clause, 1 empty, 2 a list
     uint8_t tagDefault = 1;                     // 1 explicit, 2 implicit or automatic
     bool automaticTags = false, extensibilityImplied = false;
+    bool newNotation = false;     // its notation is that of 2021
     bool optionsDisabled = false; // pass 5 has switched off options of types
     int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;
-    int32_t nbRecorded = 0;           // diagnostics recorded, kept or not
-    std::vector<ErrRec> errors;       // sorted by line, then order of recording
-    std::FILE* srcFile = nullptr;     // open during pass 1 and during the listing
-    std::FILE* lstFile = nullptr;     // open during the listing
+    int32_t nbRecorded = 0;                             // diagnostics recorded, kept or not
+    std::vector<ErrRec> errors;                         // sorted by line, then order of recording
+    std::set<std::pair<int32_t, std::string>> warnedOf; // message and detail (recordOnce)
+    std::FILE* srcFile = nullptr;                       // open during pass 1 and during the listing
+    std::FILE* lstFile = nullptr;                       // open during the listing
     std::set<uint32_t> preparedLists; // component lists that solve/solve_ref has prepared
     uint64_t touchedIn = 0;           // the trial parse that has noted the counters
     Owned<RecPages> recDir[kindCount];
@@ -235,6 +238,11 @@ struct Run {
     uint8_t verbose = VERBOSE_NORMAL;
     int32_t verboseEx = 3;
     bool strict_standard = false;
+    // STANDARD-VERSION= and LENIENT= of the command line and the option files outside of scopes:
+    // they hold from the first character of every module.
+    uint16_t editionFromStart = 1994;
+    bool lenientFromStart = false;
+    bool anyNewNotation = false; // of one of the modules: the built-in module has more kinds then
     std::string lstDir, stxDir;
     uint8_t firstPrefixLen = 0; // the first PREFIXLEN= value given in the run, 0 = none yet
     std::unordered_map<std::string, std::vector<OptionLine>> optionFiles; // by name
@@ -253,6 +261,19 @@ extern ModuleRec*
 /// The module that a reference number of `module` designates: itself for 1, null when there is
 /// none.
 ModuleRec* getModPtr(ModuleRec* module, uint32_t refNr);
+
+/// The notation of today is in force in the current module; what is read of an instance or another
+/// module's record is judged by the module that is given.
+inline bool newNotation() {
+    return cMP->newNotation;
+}
+inline bool newNotation(const ModuleRec* module) {
+    return module != nullptr && module->newNotation;
+}
+/// Common faults of published modules are warnings in the module.
+inline bool isLenient(const ModuleRec* module) {
+    return newNotation(module) && module->options.lenient;
+}
 
 /// Progress lines are printed at all.
 inline bool progressShown() {
