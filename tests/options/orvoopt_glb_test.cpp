@@ -89,6 +89,7 @@ const OptionCase optionCases[] = {
     {"-LIST=0", [](const Block& b) { return !b.list; }}, {"-LIST=n", rejected},
     {"-ANSI-C=No", [](const Block& b) { return !b.ansiC; }}, {"-ANSI-C=n", rejected},
     {"-STANDARD-VERSION=1990", [](const Block& b) { return b.standardVersion == 1990; }}, {"-STANDARD-VERSION=1992", rejected},
+    {"-STANDARD-VERSION=2021 -LENIENT=yes", [](const Block& b) { return b.standardVersion == 2021 && b.lenient; }}, {"-LENIENT=on", rejected},
     {"-TYP=no", [](const Block& b) { return b.typ == 0; }}, {"-TYP=TRUE", rejected},
     {"-DEF=0", [](const Block& b) { return b.def == 0; }}, {"-DEF=2", rejected},
     {"-TAB=yes", [](const Block& b) { return b.tab == 1; }}, {"-TAB=2", rejected},
