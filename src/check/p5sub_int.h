@@ -38,8 +38,6 @@ void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail = {}
 [[nodiscard]] bool subUserDefConstr(ModuleRec* module);
 [[nodiscard]] bool subNoValueConstr(ModuleRec* module);
 [[nodiscard]] bool subOpenTypeConstr();
-
-// ---- p5sub_alpha
 [[nodiscard]] bool subPermittedAlphabet(ModuleRec* module, ParentType parent);
 
 // ---- p5sub_tab
