@@ -214,10 +214,7 @@ std::string_view digitsOf(ModuleRec* module, const VNode& value) {
 /// Calls fn(number) for the bit numbers of a list of named bits.
 template <typename Fn> void forEachBitNumber(ModuleRec* module, VNodeNr first, Fn&& fn) {
     const KeepRec<KIND_VNODE> keep;
-    uint32_t left = module->nextRecNr[KIND_VNODE];
-    for (VNodeNr nr = first; nr && left != 0; --left) {
-        readRec(module, nr);
-        nr = {vNode.next};
+    for ([[maybe_unused]] const VNodeNr nr : chain(module, first)) {
         skipValues(false);
         if (vNode.valCode == TYP_INTEGER) fn(i64native(vNode.val.number));
     }

@@ -103,17 +103,16 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
     const SubRef self = currentSub();
     SubRef before{self.module, SubNr{subRec.left}};
     readRec(before);
-    SubRef member{self.module, SubNr{subRec.next}};
+    const SubNr second{subRec.next};
     bool ok = chkSubRec(module, parent);
-    uint32_t left = nextRec<KIND_SUB>(self.module).nr;
-    if (ok && member) {
+    if (ok && second) {
         const SeriesEnd end(before);
         readRec(type);
         noteEndpoints();
     }
-    while (ok && member && left-- != 0) {
-        readRec(member);
-        const SubRef next{self.module, SubNr{subRec.next}};
+    for (const SubNr nr : chain(self.module, second)) {
+        if (!ok) break;
+        const SubRef member{self.module, nr};
         readRec(type);
         const TemporaryReference temporary(type);
         const SeriesEnd end(before);
@@ -126,7 +125,6 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
         if (extensible) markExtensible(parent);
         extendNotedEndpoints(member);
         before = member;
-        member = next;
     }
     forgetEndpoints(type);
     readRec(type);

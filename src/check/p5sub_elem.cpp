@@ -1,5 +1,6 @@
 // Elements of constraints: ranges, sizes, values, contained subtypes, inner subtypes, parameters,
 // permitted alphabets.
+
 #include <string>
 #include <vector>
 

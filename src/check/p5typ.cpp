@@ -213,13 +213,9 @@ namespace {
 
 /// Notes of each component of the current structure what it stands in.
 void noteComponents(ModuleRec* module, std::vector<uint32_t>& enclosing) {
-    const uint32_t structure = recState.recJustRead[KIND_TNODE].nr;
-    size_t left = enclosing.size();
-    for (TNodeNr nr{tNode.ref}; nr && nr.nr < enclosing.size() && left-- != 0;) {
-        enclosing[nr.nr] = structure;
-        readRec(module, nr);
-        nr = TNodeNr{tNode.next};
-    }
+    const uint32_t structure = currentRec<KIND_TNODE>().nr.nr;
+    for (const TNodeNr nr : chain(module, TNodeNr{tNode.ref}))
+        if (nr.nr < enclosing.size()) enclosing[nr.nr] = structure;
 }
 
 /// The enclosing structure or group of the record, which is of the module; 0 when there is none.

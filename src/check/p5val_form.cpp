@@ -1,5 +1,6 @@
 // The form of values that have a form of their own: enumeration items, named bits, open type
 // values, characters, times.
+
 #include <string_view>
 
 #include "check/check_cache.h"
@@ -20,10 +21,7 @@ const std::set<std::pair<ModuleRec*, uint32_t>>& itemsOfEnum() {
     ModuleRec* module = typeModule();
     const auto [note, isNew] = checkCacheOf(module).enumItems.try_emplace(tNode.namedVals);
     if (!isNew) return note->second;
-    uint32_t left = module->nextRecNr[KIND_VNODE];
-    for (VNodeNr nr{tNode.namedVals}; nr && left != 0; --left) {
-        readRec(module, nr);
-        nr = {vNode.next};
+    for ([[maybe_unused]] const VNodeNr nr : chain(module, VNodeNr{tNode.namedVals})) {
         if (vNode.valCode == TYP_EXTENSION_MARKER) continue;
         skipValues(false);
         const VNodeRef item = currentRec<KIND_VNODE>();
