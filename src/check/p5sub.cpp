@@ -45,14 +45,9 @@ SubRef currentSub() {
 
 /// The operands of the current operator, in order; the first one that fails ends the walk.
 bool subOperands(ModuleRec* module, ParentType parent) {
-    const SubRef self = currentSub();
-    bool ok = true;
-    for ([[maybe_unused]] const SubNr nr : chain(self.module, SubNr{subRec.left})) {
-        ok = chkSubRec(module, parent);
-        if (!ok) break;
-    }
-    readRec(self);
-    return ok;
+    for ([[maybe_unused]] const SubNr nr : chain(subModule(), SubNr{subRec.left}))
+        if (!chkSubRec(module, parent)) return false;
+    return true;
 }
 
 /// Lets a series end behind one of its members while the scope lasts. Within what such an end hides
@@ -127,8 +122,6 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
         before = member;
     }
     forgetEndpoints(type);
-    readRec(type);
-    readRec(self);
     return ok;
 }
 
@@ -157,8 +150,6 @@ bool checkByKind(ModuleRec* module, ParentType parent) {
 } // namespace
 
 bool chkSubRec(ModuleRec* module, ParentType parent) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    const SubRef self = currentSub();
     const uint8_t kind = subRec.subKind;
     const uint32_t line = subRec.line;
     if (!isSubKind(kind)) return false;
@@ -167,9 +158,11 @@ bool chkSubRec(ModuleRec* module, ParentType parent) {
         return true;
     }
     if (isSetTNode()) parent = ParentType::None;
-    const bool ok = kind == SUB_TABLE ? subTableConstr(module) : checkByKind(module, parent);
-    readRec(type);
-    readRec(self);
+    bool ok = false;
+    {
+        const KeepConstrained keep;
+        ok = kind == SUB_TABLE ? subTableConstr(module) : checkByKind(module, parent);
+    }
     if (ok || kind == SUB_TABLE) return ok;
     subError(module,
              kind == SUB_EXCEPTION ? Msg::InvalidExceptionValue : invalidConstraint(subName(kind)),
@@ -178,11 +171,10 @@ bool chkSubRec(ModuleRec* module, ParentType parent) {
 }
 
 bool checkSubRec(ModuleRec* module) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
     const bool isReference = tNode.typeCode == TYP_SYNONYM;
     const KeepRec<KIND_SUB> keepSub;
     const KeepRec<KIND_VNODE> keepValue;
-    readRec(type.module, SubNr{static_cast<uint32_t>(tNode.constraint)});
+    readRec(typeModule(), SubNr{static_cast<uint32_t>(tNode.constraint)});
     bool ok = false;
     if (subRec.subKind == SUB_EXTENSION_MARKER && !isObjSetTNode()) {
         recordSubRecError(module, Msg::ElementSetSpecIsInvalid,
@@ -190,7 +182,6 @@ bool checkSubRec(ModuleRec* module) {
     } else {
         ok = chkSubRec(module, isReference ? ParentType::Referenced : ParentType::None);
     }
-    readRec(type);
     return ok;
 }
 
