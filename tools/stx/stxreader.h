@@ -40,6 +40,8 @@ struct MNode { // a module: record 1 the module itself, the others those that it
     uint8_t exportsState = 0, importsState = 0, automaticTags = 0, selection = 0;
     uint32_t srcDir = 0, srcFile = 0;
     uint32_t modWords[6] = {};
+    /// STANDARD-VERSION=: 0 for 1994, 1 for 1990, 2 for 2021.
+    uint32_t standard() const { return modWords[3] >> 8 & 0xFF; }
 };
 struct TNode { // a type, component, field, formal parameter or the head of a type assignment
     int32_t name = 0;
@@ -260,6 +262,15 @@ std::vector<uint32_t> componentValues(const Tree& tree, uint32_t valueNr);
 uint32_t constraintOf(const Tree& tree, uint32_t typeNr);
 /// Operands of a constraint that are constraints themselves.
 std::vector<uint32_t> operands(const Tree& tree, uint32_t subNr);
+/// The value behind `!` of an extension marker (TNODE of a list, VNODE of an enumeration) or of a
+/// constraint (SUB), 0 = none.
+uint32_t exceptionOf(const Tree& tree, Kind kind, uint32_t nr);
+/// A component reference of a table constraint: `@a.b` has no dots, `@..a` two.
+struct Relation {
+    uint32_t dots = 0;           // right behind "@": the levels to go out, 0 = to the outermost
+    std::vector<uint32_t> steps; // sNodes, each a component or the number of an element
+};
+std::vector<Relation> relations(const Tree& tree, uint32_t subNr);
 /// Option comments of a type (TNODE) or value (VNODE).
 std::vector<uint32_t> options(const Tree& tree, Kind kind, uint32_t nr);
 /// A definition or component by name, hyphens written as "-" or "_"; 0 = none.
@@ -320,8 +331,9 @@ class Trees {
 };
 
 /// The type records of the built-in module ISO8824 as the bytes of a tree file. No such file is
-/// ever written; Trees takes this one where a reference leads there.
-std::vector<uint8_t> builtinTree();
+/// ever written; Trees takes this one where a reference leads there. `later`: as it is in a run
+/// with a module of STANDARD-VERSION=2021; the mNodes of that run tell it by their counts.
+std::vector<uint8_t> builtinTree(bool later = false);
 
 /// The record that a link leads to, in whichever file; null tree with `error` set when out of
 /// reach.
@@ -341,10 +353,11 @@ ValueRef skipValues(Trees& trees, ValueRef value, std::string& error);
 struct Component {
     TypeRef type;
     int64_t automaticTag = -1; // number of the automatic tag; -1 = none
-    bool extension = false;    // stands behind the first extension marker
+    bool extension = false;    // an addition: between the markers, or behind the only one
+    TypeRef group;             // the `[[ ]]` that it stands in; its sizeLimit is the version number
 };
-/// The components in order; the limit is that of the compiler, 32767. `error` when a file is
-/// missing.
+/// The components in the order of the source (a second root list behind the additions); the limit
+/// is that of the compiler, 32767. `error` when a file is missing.
 std::vector<Component> allComponents(Trees& trees, TypeRef type, std::string& error);
 
 struct Tag {
@@ -378,8 +391,14 @@ std::string valueText(Trees& trees, ValueRef value);
 std::string constraintText(Trees& trees, const Tree& tree, uint32_t subNr);
 /// What a type is called where it is used: the name of a reference, else its ASN.1 name.
 std::string typeText(Trees& trees, TypeRef type);
+/// "[[", or with its version number "[[ 2:"
+std::string groupText(const TNode& group);
+/// "...", with its exception "... !5": a marker of a list (TNODE) or of an enumeration (VNODE).
+std::string markerText(Trees& trees, const Tree& tree, Kind kind, uint32_t nr);
 /// ASN.1 name of a type code, "" for the codes without one.
 std::string_view asnName(uint8_t typeCode);
+/// Decodes the character of UTF-8 at `at` and moves on; false where the bytes are not UTF-8.
+[[nodiscard]] bool decodeUtf8(std::string_view text, size_t& at, uint32_t& code);
 /// The bytes as a text of printable ASCII in double quotes; others as \xhh.
 std::string quoted(std::string_view text);
 
