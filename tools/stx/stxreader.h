@@ -267,7 +267,9 @@ std::vector<uint32_t> operands(const Tree& tree, uint32_t subNr);
 uint32_t exceptionOf(const Tree& tree, Kind kind, uint32_t nr);
 /// A component reference of a table constraint: `@a.b` has no dots, `@..a` two.
 struct Relation {
-    uint32_t dots = 0;           // right behind "@": the levels to go out, 0 = to the outermost
+    /// Right behind "@": 1 = it starts at the innermost structure, each more one further out; 0 =
+    /// at the outermost.
+    uint32_t dots = 0;
     std::vector<uint32_t> steps; // sNodes, each a component or the number of an element
 };
 std::vector<Relation> relations(const Tree& tree, uint32_t subNr);
