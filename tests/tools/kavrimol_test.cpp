@@ -45,10 +45,54 @@ constexpr struct {
     {"A DEFINITIONS ::= BEGIN X MACRO ::= BEGIN TYPE NOTATION ::= \"x\" END\n"
      "T ::= B.T END C DEFINITIONS ::= BEGIN END", "A 1 (B 2); C 2"},
     {"A DEFINITIONS ::= BEGIN o CLS ::= { BEGIN 1 } END B DEFINITIONS ::= BEGIN END", "A 1; B 1"},
+    {"\xef\xbb\xbf" "A\xc2\xa0" "DEFINITIONS ::= BEGIN -- x\fT ::= B.T\nEND", "A 1 (B 1)"},
+    {"A { iso a(1) } \"/ISO/DEFINITIONS\"\nDEFINITIONS XER INSTRUCTIONS AUTOMATIC TAGS ::= BEGIN T ::= B.T END", "A 1 (B 2)"},
+    {"A DEFINITIONS ::= BEGIN EXPORTS ALL; IMPORTS T FROM B { b 1 } WITH SUCCESSORS U FROM C; END", "A 1 (B 1, C 1)"},
+    {"A DEFINITIONS ::= BEGIN T ::= [XER: NAME AS \"X.y\"] B.T\nENCODING-CONTROL XER NAME C.c [D.d] AS \"END\" ::= BEGIN\n"
+     "END E DEFINITIONS ::= BEGIN END", "A 1 (B 1); E 3"},
+    {"A DEFINITIONS ::= BEGIN X MACRO ::= BEGIN VALUE NOTATION ::= Y.z END T ::= B.T END", "A 1 (B 1)"},
+    {"My_Module DEFINITIONS ::= BEGIN T ::= B_C.T END", "My_Module 1 (B_C 1)"},
 };
 // clang-format on
 TEST(Kavrimol, FindsModulesAndWhatTheyReferTo) {
     for (const auto& row : scanCases) EXPECT_EQ(scanned(row.text), row.modules) << row.text;
+}
+
+// clang-format off
+constexpr struct {
+    const char* body;
+    const char* sign; // with its line; the module begins in line 1 and its body in line 2
+} signCases[] = {
+    {"T ::= /* no */ NULL", "a /* */ comment 2"},
+    {"EXPORTS\nALL;", "EXPORTS ALL 3"},                        {"EXPORTS T; T ::= ALL", ""},
+    {"IMPORTS T FROM B WITH DESCENDANTS;", "WITH DESCENDANTS 2"},
+    {"\nT ::= UTF8String", "UTF8String 3"},                    {"T ::= UTF8String UTF8String ::= IA5String", ""},
+    {"IMPORTS DATE-TIME FROM B; T ::= DATE-TIME", ""},         {"T ::= DATE", ""},
+    {"T ::= IA5String\n(PATTERN \"a\")", "PATTERN 3"},          {"T ::= IA5String (PATTERN | B)", ""},
+    {"T ::= TIME (SETTINGS \"a\")", "SETTINGS 2"},
+    {"T ::= SEQUENCE OF a INTEGER", "OF a 2"},                 {"T ::= SEQUENCE OF a < B", ""},
+    {"X MACRO ::= BEGIN END", "MACRO 2"},                      {"X MACRO ::= { a }", ""},
+    {"T ::= NULL\nENCODING-CONTROL XER END", "ENCODING-CONTROL 3"}, {"ENCODING-CONTROL ::= CLASS { &a NULL }", ""},
+    {"T ::= RELATIVE-OID\n/* */", "RELATIVE-OID 2"},           {"/* */\nT ::= RELATIVE-OID", "a /* */ comment 2"},
+};
+// clang-format on
+TEST(Kavrimol, KnowsNewerNotation) {
+    for (const auto& row : signCases) {
+        const std::string text = std::string("A DEFINITIONS ::= BEGIN\n") + row.body + "\nEND";
+        const std::vector<kavrimol::ModuleText> found = kavrimol::scanModules(text);
+        ASSERT_EQ(found.size(), 1U) << text;
+        const kavrimol::Sign& sign = found[0].newer;
+        EXPECT_EQ(sign.what + (sign.line == 0 ? "" : " " + std::to_string(sign.line)), row.sign)
+            << text;
+    }
+    EXPECT_EQ(kavrimol::scanModules("A { iso } \"/ISO\" DEFINITIONS ::=")[0].newer.what,
+              "\"/ISO\"");
+    EXPECT_EQ(kavrimol::scanModules("A DEFINITIONS XER INSTRUCTIONS ::=")[0].newer.what,
+              "INSTRUCTIONS");
+    EXPECT_EQ(kavrimol::scanModules("/**/ A DEFINITIONS ::= BEGIN END "
+                                    "B DEFINITIONS ::= BEGIN END")[1]
+                  .newer.what,
+              "");
 }
 
 // ---- option files -------------------------------------------------------------------------------
@@ -84,6 +128,20 @@ TEST(Kavrimol, OptionFileLeadsTheCompilerToFilesOfAnyName) {
                                  "-PREFIX=Bravo:b:b\n");
     EXPECT_EQ(runAgain(run, {"+p.opt", "-A=asn", "-A=lib", "main"}).status, 0);
     for (const char* stem : {"main", "Some-Name", "q_1", "b"}) EXPECT_NE(run.tree(stem), "");
+}
+
+TEST(Kavrimol, WritesTheVersionAndAdvisesIt) {
+    const SourceFile file = {"m.asn", module("M", "T ::= NULL\nU ::= UTF8String")};
+    const RunResult silent = prefixesOf({file}, {"m"});
+    EXPECT_EQ(silent.status, 0);
+    EXPECT_EQ(silent.err, "kavrimol: warning: m.asn:2: UTF8String is read with "
+                          "-STANDARD-VERSION=2021 only\n");
+    EXPECT_EQ(silent.file("p.opt"), "-PREFIXLEN=32\n-PREFIX=M:m:m\n");
+    const RunResult told = prefixesOf({file}, {"-standard-version=2021", "m"});
+    EXPECT_EQ(told.status, 0);
+    EXPECT_EQ(told.err, "");
+    EXPECT_EQ(told.file("p.opt"), "-PREFIXLEN=32\n-STANDARD-VERSION=2021\n-PREFIX=M:m:m\n");
+    EXPECT_EQ(runAgain(told, {"+p.opt", "m"}).status, 0);
 }
 
 const std::string importY = module("X", "\nIMPORTS T FROM Y;");
@@ -181,6 +239,7 @@ TEST(Kavrimol, UsageIsShownForWrongArguments) {
                                               {"-option-file=p"},
                                               {"-option-file=p", "-split=d", "x"},
                                               {"-option-file=p", "-PREFIXLEN=33", "x"},
+                                              {"-option-file=p", "-STANDARD-VERSION=2022", "x"},
                                               {"-option-file=p", "-B=c", "x"}};
     for (const std::vector<std::string>& arguments : wrong) {
         SCOPED_TRACE(testing::PrintToString(arguments));

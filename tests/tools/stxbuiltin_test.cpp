@@ -10,16 +10,17 @@ using BuiltInTree = StoreTest;
 
 /// The reader keeps a copy of the built-in module's types; a change of the module's text shows
 /// here.
-TEST_F(BuiltInTree, HasTheNumbersNamesAndTypesOfTheCompiler) {
+void compareBuiltIn(bool later) {
     run.verbose = VERBOSE_NONE;
     ModuleRec* const module = newModuleRec();
     changeCMP(module);
+    module->newNotation = later;
     initAnyPassVars();
     parseISO8824();
     flushRecs(-1);
     stx::Tree tree;
     std::string error;
-    ASSERT_TRUE(tree.parse("ISO8824", stx::builtinTree(), error)) << error;
+    ASSERT_TRUE(tree.parse("ISO8824", stx::builtinTree(later), error)) << error;
     EXPECT_EQ(tree.count(stx::TNODE) + 1, module->nextRecNr[KIND_TNODE]);
     EXPECT_EQ(tree.mNode(1).firstTypeAss, module->firstTypeHead.nr);
     for (uint32_t nr = 1; nr <= tree.count(stx::TNODE); ++nr) {
@@ -36,6 +37,13 @@ TEST_F(BuiltInTree, HasTheNumbersNamesAndTypesOfTheCompiler) {
         EXPECT_EQ(read.typeCode, built.typeCode);
         EXPECT_EQ(read.ref, isStructured(built.typeCode) ? built.ref : read.ref);
     }
+}
+
+TEST_F(BuiltInTree, HasTheNumbersNamesAndTypesOfTheCompiler) {
+    compareBuiltIn(false);
+}
+TEST_F(BuiltInTree, HasThoseOfARunWithNotationOfTodayToo) {
+    compareBuiltIn(true);
 }
 
 } // namespace

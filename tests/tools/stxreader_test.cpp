@@ -23,7 +23,7 @@ std::string errorOf(std::vector<uint8_t> bytes) {
 }
 
 /// A module with every sort of link in use:
-/// S ::= [1] SEQUENCE { a T (SIZE (1..n)) DEFAULT v, ..., [[ b INTEGER { one(1) } ]] }
+/// S ::= [1] SEQUENCE { a T (SIZE (1..n)) DEFAULT v, ... !n, [[ b INTEGER { one(1) } ]] }
 /// T ::= OCTET STRING; C ::= CLASS { &id INTEGER } WITH SYNTAX { [ID &id] }; n INTEGER ::= 5
 TreeBytes sample() {
     TreeBytes file;
@@ -39,7 +39,8 @@ TreeBytes sample() {
     s.checkFlags = orvo::CF_OPTIONALS | orvo::CF_EXTENSIBLE;
     orvo::TNode& a = file.type("a", orvo::TYP_SYNONYM, orvo::TCS_OPTIONAL);
     a.refMod = 1, a.ref = 6, a.next = 3, a.constraint = 1, a.defaultVal = 2;
-    file.type("", orvo::TYP_EXTENSION_MARKER).next = 4;
+    orvo::TNode& marker = file.type("", orvo::TYP_EXTENSION_MARKER);
+    marker.next = 4, marker.constraint = 4;
     file.type("", orvo::TYP_EXTADDGRP, orvo::TCS_EXTADDGRP).ref = 5;
     file.type("b", orvo::TYP_INTEGER).namedVals = 3;
     file.type("T", orvo::TYP_OCTSTR, orvo::TCS_HEADER).next = 7;
@@ -57,10 +58,13 @@ TreeBytes sample() {
     one.val.number = orvo::i64of(1);
     orvo::VNode& ref = file.value("", orvo::TYP_SYNONYM);
     ref.refMod = 1, ref.ref = 1;
+    file.value("", orvo::TYP_EXTENSION_MARKER, orvo::VST_NAMED_NUMBER).ref = 4;
 
     file.tags = {{orvo::TAG_CONTEXT, orvo::TAGMODE_IMPLICIT, 1, 2},
                  {orvo::TAG_APPLICATION, orvo::TAGMODE_EXPLICIT, -1, 0}};
-    file.subs.resize(3);
+    file.subs.resize(5);
+    file.subs[3] = {0, orvo::SUB_EXCEPTION, 0, {}, 1, 5, 4, 0, 4, 0, 0};
+    file.subs[4] = {0, orvo::SUB_CONTENTS, 0, {}, 1, 5, 4, 0, 0, 2, 4};
     file.subs[0] = {0, orvo::SUB_SIZE, 0, {}, 1, 2, 4, 0, 0, 2, 0};
     file.subs[1] = {0, orvo::SUB_UNION, 0, {}, 1, 5, 4, 0, 0, 3, 0};
     file.subs[2] = {
@@ -129,6 +133,14 @@ TEST(StxReader, DamagedRecordsAreDiagnosed) {
         {[](TreeBytes& f) { f.values[2].next = 3; }, "vNode 3, ", circle},
         {[](TreeBytes& f) { f.tags[1].next = 1; }, "tagRec 1, ", circle},
         {[](TreeBytes& f) { f.subs[1].left = 1; }, "subRec ", circle},
+        {[](TreeBytes& f) { f.values[4].ref = 5; }, "vNode 5, ", circle},
+        {[](TreeBytes& f) { f.values[4].ref = 6; }, "vNode 5, field ref: ", "6 is out of range (vNode 1..5)"},
+        {[](TreeBytes& f) { f.types[2].constraint = 6; }, "tNode 3, field constraint: ", "6 is out of range (subRec 1..5)"},
+        {[](TreeBytes& f) { f.subs[3].third = 6; }, "subRec 4, field third: ", "6 is out of range (vNode 1..5)"},
+        {[](TreeBytes& f) { f.subs[4].left = 6; }, "subRec 5, field left: ", "6 is out of range (vNode 1..5)"},
+        {[](TreeBytes& f) { f.subs[4].right = 6; }, "subRec 5, field right: ", "6 is out of range (vNode 1..5)"},
+        {[](TreeBytes& f) { f.subs[4].subKind = orvo::SUB_PATTERN; f.subs[4].left = 6; },
+         "subRec 5, field left: ", "6 is out of range (vNode 1..5)"},
         {[](TreeBytes& f) { f.syntax[0].value = 1; }, "sNode 1, ", circle},
         {[](TreeBytes& f) { f.types[0].typeCode = 51; }, "tNode 1, field typeCode: ", "51 is not a known code"},
         {[](TreeBytes& f) { f.types[1].compStatus = 8; }, "tNode 2, field compStatus: ", "8 is not a known code"},
@@ -159,14 +171,15 @@ size_t walkAll(const stx::Tree& tree) {
         size +=
             stx::allComponents(trees, type, error).size() + stx::tagListText(trees, type).size() +
             stx::finalTags(trees, type, 1, error).tags.size() + stx::typeText(trees, type).size() +
-            stx::options(tree, stx::TNODE, nr).size() + stx::namedValues(tree, nr).size();
+            stx::options(tree, stx::TNODE, nr).size() + stx::namedValues(tree, nr).size() +
+            stx::markerText(trees, tree, stx::TNODE, nr).size();
     }
     for (uint32_t nr = 1; nr <= tree.count(stx::VNODE); ++nr) {
         size += stx::valueText(trees, {&tree, nr}).size();
         stx::skipValues(trees, {&tree, nr}, error);
     }
     for (uint32_t nr = 1; nr <= tree.count(stx::SUB); ++nr)
-        size += stx::constraintText(trees, tree, nr).size();
+        size += stx::constraintText(trees, tree, nr).size() + stx::relations(tree, nr).size();
     return size;
 }
 
@@ -190,6 +203,100 @@ TEST(StxReader, DamagedBytesEndInAnErrorOrInASoundTree) {
         walkAll(tree);
     }
     EXPECT_GT(sound, 1000);
+}
+
+/// S ::= SEQUENCE { a NULL, ... !7, [[ 2: b NULL ]], c NULL, ..., d UTF8String (PATTERN "\u00e9") }
+/// T ::= SEQUENCE { x NULL, ..., [[ COMPONENTS OF S ]], ..., e DATE }, both with automatic tags
+/// O ::= OCTET STRING (CONTAINING S ENCODED BY {n(0) 2}) (ENCODED BY {n 2}), and a relation
+/// {@..a.b,@c}
+TreeBytes laterSample() {
+    TreeBytes file;
+    file.modules[0].modName = file.text("M");
+    orvo::TNode& s = file.type("S", orvo::TYP_SEQ, orvo::TCS_HEADER);
+    s.ref = 2, s.next = 9, s.checkFlags = orvo::CF_AUTOMATIC_TAGS;
+    file.type("a", orvo::TYP_NULL).next = 3;
+    orvo::TNode& marker = file.type("", orvo::TYP_EXTENSION_MARKER);
+    marker.next = 4, marker.constraint = 1;
+    orvo::TNode& group = file.type("", orvo::TYP_EXTADDGRP, orvo::TCS_EXTADDGRP);
+    group.ref = 5, group.next = 6, group.sizeLimit = 2;
+    file.type("b", orvo::TYP_NULL);
+    file.type("c", orvo::TYP_NULL).next = 7;
+    file.type("", orvo::TYP_EXTENSION_MARKER).next = 8;
+    file.type("d", orvo::TYP_UTF8STR).constraint = 2;
+    orvo::TNode& t = file.type("T", orvo::TYP_SEQ, orvo::TCS_HEADER);
+    t.ref = 10, t.next = 16, t.checkFlags = orvo::CF_AUTOMATIC_TAGS;
+    file.type("x", orvo::TYP_NULL).next = 11;
+    file.type("", orvo::TYP_EXTENSION_MARKER).next = 12;
+    orvo::TNode& other = file.type("", orvo::TYP_EXTADDGRP, orvo::TCS_EXTADDGRP);
+    other.ref = 13, other.next = 14;
+    orvo::TNode& whole = file.type("", orvo::TYP_SYNONYM, orvo::TCS_COMPOF);
+    whole.refMod = 1, whole.ref = 1;
+    file.type("", orvo::TYP_EXTENSION_MARKER).next = 15;
+    file.type("e", orvo::TYP_DATE);
+    file.type("O", orvo::TYP_OCTSTR, orvo::TCS_HEADER).constraint = 3;
+    file.modules[0].firstTypeAss = 1;
+
+    file.value("", orvo::TYP_INTEGER).val.number = orvo::i64of(7);
+    file.value("", orvo::TYP_UTF8STR).val.str = {1, 0, file.text("\xc3\xa9\xff"), 0};
+    orvo::VNode& holder = file.value("", orvo::TYP_OPEN);
+    holder.refMod = 1, holder.ref = 1;
+    file.value("", orvo::TYP_RELOID).ref = 5;
+    file.value("n", orvo::TYP_INTEGER).next = 6;
+    file.value("", orvo::TYP_INTEGER).val.number = orvo::i64of(2);
+    orvo::VNode& list = file.value("", orvo::TYP_SEQOF);
+    list.ref = 5;
+
+    file.subs.resize(7);
+    file.subs[0] = {0, orvo::SUB_EXCEPTION, 0, {}, 0, 0, 1, 0, 1, 0, 0};
+    file.subs[1] = {0, orvo::SUB_PATTERN, 0, {}, 0, 0, 1, 0, 0, 2, 0};
+    file.subs[2] = {0, orvo::SUB_SERIAL, 0, {}, 0, 0, 1, 0, 0, 4, 0};
+    file.subs[3] = {0, orvo::SUB_CONTENTS, 0, {}, 0, 0, 1, 5, 0, 3, 4};
+    file.subs[4] = {0, orvo::SUB_CONTENTS, 0, {}, 0, 0, 1, 0, 0, 0, 4};
+    file.subs[5] = {0, orvo::SUB_TABLE, 0, {}, 0, 0, 1, 0, 0, 3, 1};
+    file.subs[6] = {0, orvo::SUB_SETTINGS, orvo::SUBF_EXCEPTION, {}, 0, 0, 1, 0, 1, 2, 0};
+    const auto name = [&](const char* text) { return static_cast<int32_t>(file.text(text)); };
+    file.syntax = {{orvo::TOK_AT, {}, 0, 0, 1, 2},
+                   {orvo::TOK_DOT, {}, 0, 0, 1, 3},
+                   {orvo::TOK_DOT, {}, 0, 0, 1, 4},
+                   {orvo::TOK_VALUEID, {}, 0, name("a"), 1, 5},
+                   {orvo::TOK_VALUEID, {}, 0, name("b"), 1, 6},
+                   {orvo::TOK_AT, {}, 0, 0, 1, 7},
+                   {orvo::TOK_VALUEID, {}, 0, name("c"), 1, 0}};
+    return file;
+}
+
+/// "a 0, b 2+ [[ 2:": components with their automatic tags, "+" for additions, and their groups.
+std::string listed(stx::Trees& trees, stx::TypeRef type) {
+    std::string all, error;
+    for (const stx::Component& entry : stx::allComponents(trees, type, error)) {
+        all += (all.empty() ? "" : ", ") + std::string(type.tree->text(entry.type.node().name)) +
+               ' ' + std::to_string(entry.automaticTag) + (entry.extension ? "+" : "");
+        if (entry.group) all += ' ' + stx::groupText(entry.group.node());
+    }
+    return all + error;
+}
+
+TEST(StxReader, NotationOfTodayIsWalkedAndWritten) {
+    stx::Tree tree;
+    std::string error;
+    ASSERT_TRUE(tree.parse("x", laterSample().bytes(), error)) << error;
+    stx::Trees trees;
+    EXPECT_EQ(listed(trees, {&tree, 1}), "a 0, b 2+ [[ 2:, c 3+, d 1");
+    EXPECT_EQ(listed(trees, {&tree, 9}), "x 0, a 2+ [[, d 3+ [[, e 1");
+    EXPECT_EQ(stx::markerText(trees, tree, stx::TNODE, 3), "... !7");
+    EXPECT_EQ(stx::markerText(trees, tree, stx::TNODE, 7), "...");
+    constexpr const char* texts[] = {
+        "()",
+        "(PATTERN \"\\u00e9\\xff\")",
+        "(CONTAINING SEQUENCE ENCODED BY {n(0) 2})(ENCODED BY {n(0) 2})",
+        "(CONTAINING SEQUENCE ENCODED BY {n(0) 2})",
+        "(ENCODED BY {n(0) 2})",
+        "(SEQUENCE {@..a.b,@c})",
+        "(SETTINGS \"\\u00e9\\xff\" !7)"};
+    for (uint32_t nr = 2; nr <= tree.count(stx::SUB); ++nr)
+        EXPECT_EQ(stx::constraintText(trees, tree, nr), texts[nr - 1]);
+    EXPECT_EQ(stx::valueText(trees, {&tree, 7}), "{n 0, 2}");
+    walkAll(tree);
 }
 
 } // namespace

@@ -19,6 +19,8 @@ expect 'orvo x -TAGUSAGE=' IGNORE WARNING ERROR
 expect 'orvo -tagusage=w' WARNING
 expect 'orvo -INT=u' U8 U16 U32 U64
 expect 'orvo -COD=none:c' combined
+expect 'orvo -STANDARD-VERSION=' 1990 1994 2021
+expect 'orvo -LENIENT=y' YES
 expect 'orvo -NAMELEN='
 expect 'orvo -A=d' dir/
 expect 'orvo x' x.asn

@@ -24,18 +24,21 @@ namespace {
 using orvo::concat;
 
 constexpr int statusFault = 1, statusFailure = 2;
+constexpr std::string_view standardVersions[] = {"1990", "1994", "2021"};
 
 constexpr std::string_view usageText =
-    "usage: kavrimol -option-file=FILE [-A=dir]... [-PREFIXLEN=n] asn-file...\n"
+    "usage: kavrimol -option-file=FILE [-A=dir]... [-PREFIXLEN=n] [-STANDARD-VERSION=v]\n"
+    "                asn-file...\n"
     "       kavrimol -split=dir [-A=dir]... [-PREFIXLEN=n] asn-file...\n"
     "       kavrimol -VERSION\n"
     "  -option-file=FILE  write the option file by which orvo finds the modules\n"
     "  -split=dir         write a file for each module of the asn-files\n"
     "  -A=dir             directory of ASN.1 files, in the order of the search\n"
-    "  -PREFIXLEN=n       longest file prefix, 1 to 32 [32]\n";
+    "  -PREFIXLEN=n       longest file prefix, 1 to 32 [32]\n"
+    "  -STANDARD-VERSION=v  write that option too: 1990, 1994, or 2021 for today's notation\n";
 
 struct Command {
-    std::string optionFile, splitDirectory;
+    std::string optionFile, splitDirectory, standardVersion;
     std::vector<std::string> directories, files;
     size_t prefixLength = maxPrefixLength;
     bool version = false;
@@ -65,6 +68,11 @@ void addLines(std::string& text, const std::vector<std::string>& lines,
     if (name == "-OPTION-FILE=") {
         command.optionFile = std::move(value);
         return true;
+    }
+    if (name == "-STANDARD-VERSION=") {
+        command.standardVersion = std::move(value);
+        return std::ranges::find(standardVersions, command.standardVersion) !=
+               std::end(standardVersions);
     }
     if (name != "-A=" && name != "-SPLIT=") return false;
     if (!value.ends_with('/')) value += '/';
@@ -131,10 +139,12 @@ void writeOptionFile(const Command& command, Result& result) {
     PrefixPool pool{.maxLength = command.prefixLength};
     std::vector<UsedModule> modules = collectModules(sources, command.files, findings);
     choosePrefixes(sources, pool, modules, findings);
+    if (command.standardVersion.empty()) findNewerNotation(modules, findings);
     if (isLoaded(sources, command.optionFile))
         findings.errors.push_back(command.optionFile + ": not overwritten, it is a source file");
     if (report(sources, findings, result))
-        writeFile(command.optionFile, optionFileText(pool, modules), result);
+        writeFile(command.optionFile, optionFileText(pool, command.standardVersion, modules),
+                  result);
 }
 
 /// A file of this name that says something else may be the only copy of what it says.

@@ -224,8 +224,21 @@ void choosePrefixes(const Sources& sources, PrefixPool& pool, std::vector<UsedMo
     }
 }
 
-std::string optionFileText(const PrefixPool& pool, const std::vector<UsedModule>& modules) {
+void findNewerNotation(const std::vector<UsedModule>& modules, Findings& findings) {
+    for (const UsedModule& used : modules) {
+        const Sign& newer = used.found.module->newer;
+        if (newer.what.empty()) continue;
+        findings.warnings.push_back(concat(used.found.file->path, ":", std::to_string(newer.line),
+                                           ": ", newer.what,
+                                           " is read with -STANDARD-VERSION=2021 only"));
+        return;
+    }
+}
+
+std::string optionFileText(const PrefixPool& pool, const std::string& standardVersion,
+                           const std::vector<UsedModule>& modules) {
     std::string text = concat("-PREFIXLEN=", std::to_string(pool.maxLength), "\n");
+    if (!standardVersion.empty()) text += concat("-STANDARD-VERSION=", standardVersion, "\n");
     for (const UsedModule& used : modules)
         text +=
             concat("-PREFIX=", used.found.module->name, ":", used.prefix, ":", used.prefix, "\n");

@@ -51,7 +51,11 @@ std::vector<UsedModule> collectModules(Sources& sources, const std::vector<std::
 /// Gives each module its prefix.
 void choosePrefixes(const Sources& sources, PrefixPool& pool, std::vector<UsedModule>& modules,
                     Findings& findings);
-/// The text of the option file.
-std::string optionFileText(const PrefixPool& pool, const std::vector<UsedModule>& modules);
+/// Warns of the first module that shows newer notation; for a run without STANDARD-VERSION=.
+void findNewerNotation(const std::vector<UsedModule>& modules, Findings& findings);
+/// The text of the option file; the options are outside of scopes, as they hold for all modules.
+/// `standardVersion`: "" = not given.
+std::string optionFileText(const PrefixPool& pool, const std::string& standardVersion,
+                           const std::vector<UsedModule>& modules);
 
 } // namespace kavrimol

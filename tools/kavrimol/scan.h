@@ -19,11 +19,18 @@ struct Reference {
     uint32_t line = 0; // where it is named first
 };
 
+/// Something that only notation newer than that of 1994 has.
+struct Sign {
+    std::string what; // "" = there is none
+    uint32_t line = 0;
+};
+
 /// A module inside a source text.
 struct ModuleText {
     std::string name;
     uint32_t line = 0; // of the name in the header
     size_t end = 0;    // offset behind its END; the end of the text when END is missing
+    Sign newer;        // the first one in the module or in front of it
     std::vector<Reference> references; // every module once, in the order in which they are named
 };
 

@@ -2,9 +2,9 @@
 
 // The built-in module ISO8824 has no tree file, yet files refer to its type records: to the fields
 // of TYPE-IDENTIFIER and ABSTRACT-SYNTAX, and to the components of EXTERNAL, EMBEDDED PDV,
-// CHARACTER STRING and INSTANCE OF values. Its text never changes and neither do its numbers, so
-// the records that matter are made here: names, types, components, tags. Class field types stand as
-// what they denote.
+// CHARACTER STRING and INSTANCE OF values. Its text never changes and neither do its numbers,
+// but that there are two forms of it, so the records that matter are made here: names, types,
+// components, tags. Class field types stand as what they denote.
 
 namespace stx {
 namespace {
@@ -143,6 +143,37 @@ constexpr Row rows[] = {
 
 constexpr uint32_t firstHead = 13;
 
+// A run with a module of today's notation: nine more kinds stand in front of the definitions, whose
+// numbers move, and what the later kinds are made of stands behind them.
+constexpr uint32_t kinds = 41, laterKinds = 50;
+constexpr Row laterKind = {"UTF8String", TYP_SYNONYM, TCS_HEADER, 130, 51, -1, 0}; // 42
+constexpr Row laterRows[] = {
+    {"__UTF8String", TYP_UNISTR, TCS_HEADER, 0, 131, TAG_UNIVERSAL, 12}, // 130
+    {"REAL_COMPONENTS", TYP_SEQ, TCS_HEADER, 132, 0, -1, 0},             // 131
+    {"-mantissa", TYP_INTEGER, TCS_MANDATORY, 0, 133, -1, 0},            // 132
+    {"-base", TYP_INTEGER, TCS_MANDATORY, 0, 134, -1, 0},                // 133
+    {"-exponent", TYP_INTEGER, TCS_MANDATORY, 0, 0, -1, 0},              // 134
+};
+
+std::vector<Row> rowsOf(bool later) {
+    std::vector<Row> all(std::begin(rows), std::end(rows));
+    if (!later) return all;
+    const auto moved = [](uint8_t nr) {
+        return static_cast<uint8_t>(nr > kinds ? nr + (laterKinds - kinds) : nr);
+    };
+    for (Row& row : all) {
+        row.ref = moved(row.ref);
+        row.next = moved(row.next);
+    }
+    all[TYP_ABSTR_STX - 1].next = kinds + 1; // the last head of a kind
+    for (Row& row : all)                     // the last definition
+        if (row.compStatus == TCS_HEADER && row.next == 0) row.next = laterKind.ref;
+    all.insert(all.begin() + kinds, laterKinds - kinds, {"", TYP_NONE, TCS_MANDATORY, 0, 0, -1, 0});
+    all[kinds] = laterKind;
+    all.insert(all.end(), std::begin(laterRows), std::end(laterRows));
+    return all;
+}
+
 void addWord(std::vector<uint8_t>& out, size_t at, int64_t word) {
     for (size_t byte = 0; byte < 4; ++byte)
         out[at + byte] = static_cast<uint8_t>(static_cast<uint64_t>(word) >> 8 * byte);
@@ -181,11 +212,12 @@ std::vector<uint8_t> typeRecord(const Row& row, std::vector<uint8_t>& tags,
 
 } // namespace
 
-std::vector<uint8_t> builtinTree() {
+std::vector<uint8_t> builtinTree(bool later) {
+    const std::vector<Row> all = rowsOf(later);
     std::vector<uint8_t> out(recordSize[MNODE]);
     std::vector<uint8_t> tags;
     std::vector<std::string> names = {"ISO8824"};
-    for (const Row& row : rows) {
+    for (const Row& row : all) {
         const std::vector<uint8_t> rec = typeRecord(row, tags, names);
         out.insert(out.end(), rec.begin(), rec.end());
     }
@@ -199,7 +231,7 @@ std::vector<uint8_t> builtinTree() {
     addWord(out, 12, 1);
     addWord(out, 20, firstHead);
     addWord(out, 36, 1);
-    addWord(out, 40, static_cast<int64_t>(std::size(rows)));
+    addWord(out, 40, static_cast<int64_t>(all.size()));
     addWord(out, 48, static_cast<int64_t>(tags.size() / recordSize[TAG]));
     addWord(out, 64, static_cast<int64_t>(names.size()));
     return out;

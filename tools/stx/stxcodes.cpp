@@ -502,6 +502,10 @@ constexpr CodeName moduleOptionRows[] = {
     {1 << 21, "ALLOW"},
     {1 << 22, "LENIENT"},
 };
+constexpr CodeName standardRows[] = {
+    {1, "1990"},
+    {2, "2021"},
+};
 constexpr CodeName cGenerationRows[] = {
     {1, "OLD"},
     {2, "REAL"},
@@ -522,6 +526,7 @@ const std::span<const CodeName> typeNames{typeRows}, compStatusNames{compStatusR
     vfKindNames{vfKindRows}, sizeNames{sizeRows}, tokenNames{tokenRows},
     entryFlagNames{entryFlagRows}, exportsNames{exportsRows}, importsNames{importsRows},
     selectionNames{selectionRows}, formNames{formRows}, skipNames{skipRows},
-    moduleOptionNames{moduleOptionRows}, cGenerationNames{cGenerationRows};
+    moduleOptionNames{moduleOptionRows}, cGenerationNames{cGenerationRows},
+    standardNames{standardRows};
 
 } // namespace stx

@@ -205,6 +205,6 @@ extern const std::span<const CodeName> typeNames, compStatusNames, subKindNames,
     tagClassNames, tagModeNames, refModNames, valStatusNames, valueFlagNames, nodeFlagNames,
     checkFlagNames, checkStateNames, optFlagNames, tedKindNames, vfKindNames, sizeNames, tokenNames,
     entryFlagNames, exportsNames, importsNames, selectionNames, formNames, skipNames,
-    moduleOptionNames, cGenerationNames;
+    moduleOptionNames, cGenerationNames, standardNames;
 
 } // namespace stx

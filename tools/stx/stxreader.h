@@ -21,8 +21,7 @@
 
 namespace stx {
 
-// ---- records
-// ----------------------------------------------------------------------------------------
+// ---- records ------------------------------------------------------------------------------------
 
 struct TimeStamp {
     uint16_t version = 0; // times 100
@@ -40,6 +39,8 @@ struct MNode { // a module: record 1 the module itself, the others those that it
     uint8_t exportsState = 0, importsState = 0, automaticTags = 0, selection = 0;
     uint32_t srcDir = 0, srcFile = 0;
     uint32_t modWords[6] = {};
+    /// STANDARD-VERSION=: 0 for 1994, 1 for 1990, 2 for 2021.
+    uint32_t standard() const { return modWords[3] >> 8 & 0xFF; }
 };
 struct TNode { // a type, component, field, formal parameter or the head of a type assignment
     int32_t name = 0;
@@ -65,8 +66,8 @@ struct TNode { // a type, component, field, formal parameter or the head of a ty
     /// parameters too, and the role negated).
     bool isParameterized() const { return formals != 0 && compStatus >= 0; }
 };
-struct VNode { // a value, named number, component value, DEFAULT value or head of a value
-               // assignment
+/// A value, named number, component value, DEFAULT value or head of a value assignment.
+struct VNode {
     int32_t name = 0, valStatus = 0;
     uint8_t vflags = 0;
     uint32_t actParRec = 0, line = 0, govType = 0, govTypeMod = 0, next = 0;
@@ -105,8 +106,7 @@ struct SNode {
     int32_t next = 0;
 };
 
-// ---- field tables
-// -----------------------------------------------------------------------------------
+// ---- field tables -------------------------------------------------------------------------------
 
 /// How the bytes of a field are read.
 enum class Form : uint8_t { Unsigned, Signed, Wide, Words, Stamp, Value, Unused };
@@ -179,8 +179,7 @@ struct Link {
     bool optional = false; // strings: a number above the count is legal and means none
 };
 
-// ---- one file
-// ---------------------------------------------------------------------------------------
+// ---- one file -----------------------------------------------------------------------------------
 
 class Tree {
   public:
@@ -241,8 +240,7 @@ std::string_view codeName(std::span<const CodeName> names, int64_t code);
 /// The names of the bits that are set, joined by blanks; unknown bits as one hexadecimal number.
 std::string bitNames(std::span<const CodeName> names, int64_t bits);
 
-// ---- lists of one file
-// ------------------------------------------------------------------------------
+// ---- lists of one file --------------------------------------------------------------------------
 
 /// The records of a list from its first number on, along `next`. SNODE: one level, groups unopened.
 std::vector<uint32_t> listFrom(const Tree& tree, Kind kind, int64_t first);
@@ -260,6 +258,17 @@ std::vector<uint32_t> componentValues(const Tree& tree, uint32_t valueNr);
 uint32_t constraintOf(const Tree& tree, uint32_t typeNr);
 /// Operands of a constraint that are constraints themselves.
 std::vector<uint32_t> operands(const Tree& tree, uint32_t subNr);
+/// The value behind `!` of an extension marker (TNODE of a list, VNODE of an enumeration) or of a
+/// constraint (SUB), 0 = none.
+uint32_t exceptionOf(const Tree& tree, Kind kind, uint32_t nr);
+/// A component reference of a table constraint: `@a.b` has no dots, `@..a` two.
+struct Relation {
+    /// Right behind "@": 1 = it starts at the innermost structure, each more one further out; 0 =
+    /// at the outermost.
+    uint32_t dots = 0;
+    std::vector<uint32_t> steps; // sNodes, each a component or the number of an element
+};
+std::vector<Relation> relations(const Tree& tree, uint32_t subNr);
 /// Option comments of a type (TNODE) or value (VNODE).
 std::vector<uint32_t> options(const Tree& tree, Kind kind, uint32_t nr);
 /// A definition or component by name, hyphens written as "-" or "_"; 0 = none.
@@ -267,8 +276,7 @@ uint32_t findType(const Tree& tree, std::string_view name);
 uint32_t findValue(const Tree& tree, std::string_view name);
 uint32_t findComponent(const Tree& tree, uint32_t typeNr, std::string_view name);
 
-// ---- several files
-// ----------------------------------------------------------------------------------
+// ---- several files ------------------------------------------------------------------------------
 
 struct TypeRef {
     const Tree* tree = nullptr;
@@ -320,8 +328,9 @@ class Trees {
 };
 
 /// The type records of the built-in module ISO8824 as the bytes of a tree file. No such file is
-/// ever written; Trees takes this one where a reference leads there.
-std::vector<uint8_t> builtinTree();
+/// ever written; Trees takes this one where a reference leads there. `later`: as it is in a run
+/// with a module of STANDARD-VERSION=2021; the mNodes of that run tell it by their counts.
+std::vector<uint8_t> builtinTree(bool later = false);
 
 /// The record that a link leads to, in whichever file; null tree with `error` set when out of
 /// reach.
@@ -341,10 +350,11 @@ ValueRef skipValues(Trees& trees, ValueRef value, std::string& error);
 struct Component {
     TypeRef type;
     int64_t automaticTag = -1; // number of the automatic tag; -1 = none
-    bool extension = false;    // stands behind the first extension marker
+    bool extension = false;    // an addition: between the markers, or behind the only one
+    TypeRef group;             // the `[[ ]]` that it stands in; its sizeLimit is the version number
 };
-/// The components in order; the limit is that of the compiler, 32767. `error` when a file is
-/// missing.
+/// The components in the order of the source (a second root list behind the additions); the limit
+/// is that of the compiler, 32767. `error` when a file is missing.
 std::vector<Component> allComponents(Trees& trees, TypeRef type, std::string& error);
 
 struct Tag {
@@ -363,8 +373,7 @@ FinalTags finalTags(Trees& trees, TypeRef type, int64_t automaticTag, std::strin
 /// Number of a tag record, resolved when a value gives it; -1 when it cannot be obtained.
 int64_t tagNumber(Trees& trees, const Tree& tree, const TagRec& tag);
 
-// ---- texts
-// ------------------------------------------------------------------------------------------
+// ---- texts --------------------------------------------------------------------------------------
 
 /// "[1]", "[APPLICATION 2]"
 std::string tagText(const Tag& tag);
@@ -378,8 +387,14 @@ std::string valueText(Trees& trees, ValueRef value);
 std::string constraintText(Trees& trees, const Tree& tree, uint32_t subNr);
 /// What a type is called where it is used: the name of a reference, else its ASN.1 name.
 std::string typeText(Trees& trees, TypeRef type);
+/// "[[", or with its version number "[[ 2:"
+std::string groupText(const TNode& group);
+/// "...", with its exception "... !5": a marker of a list (TNODE) or of an enumeration (VNODE).
+std::string markerText(Trees& trees, const Tree& tree, Kind kind, uint32_t nr);
 /// ASN.1 name of a type code, "" for the codes without one.
 std::string_view asnName(uint8_t typeCode);
+/// Decodes the character of UTF-8 at `at` and moves on; false where the bytes are not UTF-8.
+[[nodiscard]] bool decodeUtf8(std::string_view text, size_t& at, uint32_t& code);
 /// The bytes as a text of printable ASCII in double quotes; others as \xhh.
 std::string quoted(std::string_view text);
 

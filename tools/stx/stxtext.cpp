@@ -87,17 +87,35 @@ void appendHex(std::string& out, uint32_t code, int digits) {
         out += "0123456789abcdef"[code >> shift & 15];
 }
 
+void writeChar(Writer& writer, uint32_t code) {
+    if (code >= 32 && code < 127 && code != '"' && code != '\\') {
+        writer.out += static_cast<char>(code);
+        return;
+    }
+    writer.out += code > 0xFFFF ? "\\U" : "\\u";
+    appendHex(writer.out, code, code > 0xFFFF ? 8 : 4);
+}
+
 template <typename Text> void writeWide(Writer& writer, const Text& text) {
     writer.out += '"';
     for (const auto unit : text) {
-        const auto code = static_cast<uint32_t>(unit);
         if (writer.full()) return;
-        if (code >= 32 && code < 127 && code != '"' && code != '\\') {
-            writer.out += static_cast<char>(code);
+        writeChar(writer, static_cast<uint32_t>(unit));
+    }
+    writer.out += '"';
+}
+
+/// The characters of UTF-8; bytes that are none as \xhh.
+void writeUtf8(Writer& writer, std::string_view text) {
+    writer.out += '"';
+    for (size_t at = 0; at < text.size() && !writer.full();) {
+        uint32_t code = 0;
+        if (decodeUtf8(text, at, code)) {
+            writeChar(writer, code);
             continue;
         }
-        writer.out += code > 0xFFFF ? "\\U" : "\\u";
-        appendHex(writer.out, code, code > 0xFFFF ? 8 : 4);
+        writer.out += "\\x";
+        appendHex(writer.out, static_cast<unsigned char>(text[at++]), 2);
     }
     writer.out += '"';
 }
@@ -108,13 +126,18 @@ void writeString(Writer& writer, const Tree& tree, const VNode& node) {
     case TYP_OCTSTR: writer.out += '\'' + std::string(tree.text(node.stri)) + "'H"; break;
     case TYP_BMPSTR: writeWide(writer, tree.text16(node.stri)); break;
     case TYP_UNISTR: writeWide(writer, tree.text32(node.stri)); break;
+    case TYP_UTF8STR: writeUtf8(writer, tree.text(node.stri)); break;
     default: writer.out += quoted(tree.text(node.stri)); break;
     }
 }
 
+bool isArcs(uint8_t valCode) {
+    return valCode == TYP_OBJID || valCode == TYP_RELOID;
+}
+
 /// Values in braces: with their names, separated by commas; arcs by blanks.
-void writeList(Writer& writer, ValueRef value, bool names) {
-    const bool arcs = value.node().valCode == TYP_OBJID;
+void writeList(Writer& writer, ValueRef value) {
+    const bool arcs = isArcs(value.node().valCode);
     writer.out += '{';
     bool first = true;
     for (const uint32_t nr : componentValues(*value.tree, value.nr)) {
@@ -129,7 +152,7 @@ void writeList(Writer& writer, ValueRef value, bool names) {
             writer.out += ')';
             continue;
         }
-        if (names && !name.empty()) writer.out += std::string(name) + ' ';
+        if (!name.empty()) writer.out += std::string(name) + ' ';
         writeValue(writer, {value.tree, nr});
     }
     writer.out += '}';
@@ -229,6 +252,13 @@ void writeReference(Writer& writer, ValueRef value) {
     writer.out += refName(writer.trees, *value.tree, link);
 }
 
+void writeMarker(Writer& writer, const Tree& tree, uint32_t exception) {
+    writer.out += "...";
+    if (exception == 0) return;
+    writer.out += " !";
+    writeValue(writer, {&tree, exception});
+}
+
 void writeValue(Writer& writer, ValueRef value) {
     const Level level(writer.depth);
     if (!value) return;
@@ -255,21 +285,19 @@ void writeValue(Writer& writer, ValueRef value) {
     case TYP_NULL: writer.out += "NULL"; return;
     case TYP_OPEN:
     case TYP_ANY: writeOpen(writer, value); return;
-    case TYP_EXTENSION_MARKER: writer.out += "..."; return;
+    case TYP_EXTENSION_MARKER: return writeMarker(writer, tree, exceptionOf(tree, VNODE, value.nr));
     case TYP_CHOICE: {
         const std::vector<uint32_t> chosen = componentValues(tree, value.nr);
         if (chosen.empty()) return;
         writer.out += std::string(tree.text(tree.vNode(chosen[0]).name)) + " : ";
         return writeValue(writer, {&tree, chosen[0]});
     }
-    case TYP_SEQOF:
-    case TYP_SETOF: return writeList(writer, value, false);
     default: break;
     }
     const Link string = tree.linkOf(VNODE, value.nr, fieldNamed(VNODE, "val"));
-    if (string.target == Target::String && node.valCode != TYP_OBJID && node.ref == 0)
+    if (string.target == Target::String && !isArcs(node.valCode) && node.ref == 0)
         return writeString(writer, tree, node);
-    writeList(writer, value, true);
+    writeList(writer, value);
 }
 
 void writeOperands(Writer& writer, const Tree& tree, uint32_t nr, std::string_view between) {
@@ -326,25 +354,27 @@ void writeInner(Writer& writer, const Tree& tree, uint32_t nr, const SubRec& par
     writer.out += '}';
 }
 
-/// An object set and, in braces, the components that select from it: "{@a.b,@.c}".
-void writeTable(Writer& writer, const Tree& tree, const SubRec& sub) {
+/// An object set and, in braces, the components that select from it: "{@a.b,@..c}".
+void writeTable(Writer& writer, const Tree& tree, uint32_t nr) {
+    writeValue(writer, {&tree, tree.subRec(nr).left});
+    std::string list;
+    for (const Relation& relation : relations(tree, nr)) {
+        if (list.size() > maxText) break;
+        list += (list.empty() ? "@" : ",@") + std::string(relation.dots, '.');
+        for (size_t at = 0; at < relation.steps.size(); ++at)
+            list += (at == 0 ? "" : ".") + syntaxName(writer.trees, tree, relation.steps[at]);
+    }
+    if (!list.empty()) writer.out += " {" + list + '}';
+}
+
+/// "CONTAINING T ENCODED BY v", either part of it alone.
+void writeContents(Writer& writer, const Tree& tree, const SubRec& sub) {
+    if (sub.left != 0 || sub.right == 0) writer.out += "CONTAINING";
+    if (sub.left != 0) writer.out += ' ';
     writeValue(writer, {&tree, sub.left});
     if (sub.right == 0) return;
-    std::string list;
-    const int64_t first = sub.right; // negative until the references are solved
-    for (const uint32_t nr : listFrom(tree, SNODE, first < 0 ? -first : first)) {
-        const uint8_t token = tree.sNode(nr).token;
-        const char last = list.empty() ? '\0' : list.back();
-        if (token == TOK_AT) {
-            list += list.empty() ? "@" : ",@";
-        } else if (token == TOK_DOT) {
-            list += '.';
-        } else {
-            if (last != '@' && last != '.') list += '.';
-            list += syntaxName(writer.trees, tree, nr);
-        }
-    }
-    writer.out += " {" + list + '}';
+    writer.out += sub.left != 0 ? " ENCODED BY " : "ENCODED BY ";
+    writeValue(writer, {&tree, static_cast<uint32_t>(sub.right)});
 }
 
 void writeEnclosed(Writer& writer, const Tree& tree, uint32_t nr, const char* word) {
@@ -378,10 +408,15 @@ void writeSub(Writer& writer, const Tree& tree, uint32_t nr) {
     case SUB_CONTAINED_SUBTYPE:
     case SUB_SINGLE_VALUE:
     case SUB_OPEN_TYPE: writeValue(writer, {&tree, sub.left}); break;
-    case SUB_TABLE: writeTable(writer, tree, sub); break;
+    case SUB_TABLE: writeTable(writer, tree, nr); break;
     case SUB_USER_DEFINED: writer.out += "CONSTRAINED BY {}"; break;
     case SUB_EXTENSION_MARKER: writer.out += "..."; break;
-    case SUB_CONTENTS: writer.out += "CONTAINING"; break;
+    case SUB_CONTENTS: writeContents(writer, tree, sub); break;
+    case SUB_PATTERN:
+    case SUB_SETTINGS:
+        writer.out += sub.subKind == SUB_PATTERN ? "PATTERN " : "SETTINGS ";
+        writeValue(writer, {&tree, sub.left});
+        break;
     default: break;
     }
     if ((sub.subFlags & SUBF_EXCEPTION) == 0) return;
@@ -446,8 +481,38 @@ std::string constraintText(Trees& trees, const Tree& tree, uint32_t subNr) {
     return finished(writer);
 }
 
+std::string groupText(const TNode& group) {
+    return group.sizeLimit == 0 ? "[[" : "[[ " + std::to_string(group.sizeLimit) + ':';
+}
+
+std::string markerText(Trees& trees, const Tree& tree, Kind kind, uint32_t nr) {
+    Writer writer{trees, {}};
+    writeMarker(writer, tree, exceptionOf(tree, kind, nr));
+    return finished(writer);
+}
+
 std::string_view asnName(uint8_t typeCode) {
     return typeCode < typeCount ? typeTable[typeCode].asnName : "";
+}
+
+bool decodeUtf8(std::string_view text, size_t& at, uint32_t& code) {
+    const auto byte = [&](size_t place) { return static_cast<unsigned char>(text[place]); };
+    const uint32_t first = byte(at);
+    const size_t more = first < 0x80   ? 0
+                        : first < 0xC2 ? 9
+                        : first < 0xE0 ? 1
+                        : first < 0xF0 ? 2
+                                       : 3;
+    if (first > 0xF4 || more > 3 || at + more >= text.size()) return false;
+    code = more == 0 ? first : first & (0x3FU >> more);
+    for (size_t place = 1; place <= more; ++place) {
+        if ((byte(at + place) & 0xC0) != 0x80) return false;
+        code = code << 6 | (byte(at + place) & 0x3F);
+    }
+    constexpr uint32_t least[] = {0, 0x80, 0x800, 0x10000};
+    if (code < least[more] || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) return false;
+    at += more + 1;
+    return true;
 }
 
 std::string quoted(std::string_view text) {

@@ -15,8 +15,10 @@ constexpr int maxSteps = 1'000'000;
 /// Components of one structure, the limit of `fieldSize`.
 constexpr size_t maxComponents = 32767;
 constexpr int maxNesting = 200;
-/// Stands for the path of the built-in module.
-constexpr const char* builtinName = "(ISO8824)";
+/// Stand for the path of the built-in module: as it was, and with the later types.
+constexpr const char *builtinName = "(ISO8824)", *laterName = "(ISO8824, 2021)";
+/// Types of the built-in module in a run without modules of today's notation.
+constexpr uint32_t builtinTypes = 120;
 /// Tagged types that refer to one another, for one list of tags.
 constexpr int maxTags = 1000;
 
@@ -40,8 +42,10 @@ const Tree* Trees::open(const std::string& path, std::string& error) {
     auto [at, isNew] = files_.try_emplace(key);
     if (isNew) {
         auto tree = std::make_unique<Tree>();
-        const bool sound = path == builtinName ? tree->parse(path, builtinTree(), at->second.error)
-                                               : tree->open(path, at->second.error);
+        const bool builtin = path == builtinName || path == laterName;
+        const bool sound = builtin
+                               ? tree->parse(path, builtinTree(path == laterName), at->second.error)
+                               : tree->open(path, at->second.error);
         if (sound) at->second.tree = std::move(tree);
     }
     if (!at->second.tree) error = at->second.error;
@@ -66,7 +70,7 @@ const Tree* Trees::module(const Tree& from, int64_t refMod, std::string& error) 
     std::string cause;
     std::error_code failed;
     if (name == "ISO8824" && !std::filesystem::exists(path, failed))
-        return open(builtinName, cause);
+        return open(other.recCount[TNODE] > builtinTypes ? laterName : builtinName, cause);
     const Tree* tree = open(path.string(), cause);
     if (tree == nullptr) {
         error = "module " + name + ": " + cause;
@@ -175,31 +179,53 @@ struct Expansion {
     Trees& trees;
     std::vector<Component>& list;
     std::string& error;
-    bool automatic;
     int steps = 0;
 };
 
-/// The entries of one list. `included`: brought in by COMPONENTS OF, so only up to the marker.
-void expand(Expansion& expansion, TypeRef type, bool included, int depth) {
+/// What an entry shares with those that it brings in.
+struct Place {
     bool extension = false;
-    for (const uint32_t nr : components(*type.tree, type.nr)) {
-        const TNode node = type.tree->tNode(nr);
-        if (++expansion.steps > maxSteps || expansion.list.size() == maxComponents) return;
-        if (node.typeCode == TYP_EXTENSION_MARKER) {
-            if (included) return;
-            extension = true;
-            continue;
-        }
-        if (node.role() == TCS_COMPOF) {
-            const TypeRef from =
-                skipTypes(expansion.trees, {type.tree, nr}, false, expansion.error);
-            if (from && depth < maxNesting) expand(expansion, from, true, depth + 1);
-            continue;
-        }
-        Component entry{{type.tree, nr}, -1, extension};
-        if (expansion.automatic) entry.automaticTag = static_cast<int64_t>(expansion.list.size());
-        expansion.list.push_back(entry);
+    TypeRef group{};
+};
+
+void expand(Expansion& expansion, TypeRef type, bool included, Place place, int depth);
+
+/// A component; COMPONENTS OF brings in those of its type.
+void addEntry(Expansion& expansion, TypeRef entry, Place place, int depth) {
+    if (++expansion.steps > maxSteps || expansion.list.size() == maxComponents) return;
+    if (entry.node().role() != TCS_COMPOF) {
+        expansion.list.push_back({entry, -1, place.extension, place.group});
+        return;
     }
+    const TypeRef from = skipTypes(expansion.trees, entry, false, expansion.error);
+    if (from && depth < maxNesting) expand(expansion, from, true, place, depth + 1);
+}
+
+/// The entries of one list. `included`: brought in by COMPONENTS OF, so without the additions.
+void expand(Expansion& expansion, TypeRef type, bool included, Place place, int depth) {
+    int markers = 0;
+    for (const uint32_t nr : components(*type.tree, type.nr, true)) {
+        const TNode node = type.tree->tNode(nr);
+        const bool added = markers == 1; // behind a second one stand components of the root
+        if (node.typeCode == TYP_EXTENSION_MARKER)
+            ++markers;
+        else if (added && included)
+            continue;
+        else if (node.typeCode == TYP_EXTADDGRP)
+            for (const uint32_t member : components(*type.tree, nr))
+                addEntry(expansion, {type.tree, member}, {true, {type.tree, nr}}, depth);
+        else
+            addEntry(expansion, {type.tree, nr}, {place.extension || added, place.group}, depth);
+        if (++expansion.steps > maxSteps) return;
+    }
+}
+
+/// Automatic tags: the components of the root first, then the additions (X.680 (02/2021) 25.8).
+void numberTags(std::vector<Component>& list) {
+    int64_t number = 0;
+    for (const bool extension : {false, true})
+        for (Component& entry : list)
+            if (entry.extension == extension) entry.automaticTag = number++;
 }
 
 } // namespace
@@ -207,8 +233,9 @@ void expand(Expansion& expansion, TypeRef type, bool included, int depth) {
 std::vector<Component> allComponents(Trees& trees, TypeRef type, std::string& error) {
     std::vector<Component> list;
     if (!type) return list;
-    Expansion expansion{trees, list, error, (type.node().checkFlags & CF_AUTOMATIC_TAGS) != 0};
-    expand(expansion, type, false, 0);
+    Expansion expansion{trees, list, error};
+    expand(expansion, type, false, {}, 0);
+    if ((type.node().checkFlags & CF_AUTOMATIC_TAGS) != 0) numberTags(list);
     return list;
 }
 

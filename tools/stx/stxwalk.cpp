@@ -117,6 +117,36 @@ std::vector<uint32_t> operands(const Tree& tree, uint32_t subNr) {
     return listFrom(tree, SUB, ownTarget(tree, SUB, subNr, "left", SUB));
 }
 
+uint32_t exceptionOf(const Tree& tree, Kind kind, uint32_t nr) {
+    if (kind == VNODE)
+        return tree.vNode(nr).valCode == TYP_EXTENSION_MARKER
+                   ? ownTarget(tree, VNODE, nr, "ref", VNODE)
+                   : 0;
+    if (kind == TNODE) {
+        if (tree.tNode(nr).typeCode != TYP_EXTENSION_MARKER) return 0;
+        nr = constraintOf(tree, nr);
+    }
+    const SubRec sub = tree.subRec(nr);
+    const bool given = (sub.subFlags & SUBF_EXCEPTION) != 0 || sub.subKind == SUB_EXCEPTION;
+    return given ? sub.third : 0;
+}
+
+std::vector<Relation> relations(const Tree& tree, uint32_t subNr) {
+    std::vector<Relation> list;
+    const SubRec sub = tree.subRec(subNr);
+    if (sub.subKind != SUB_TABLE) return list;
+    const int64_t first = sub.right; // negative until the references are solved
+    for (const uint32_t nr : listFrom(tree, SNODE, first < 0 ? -first : first)) {
+        const uint8_t token = tree.sNode(nr).token;
+        if (token == TOK_AT || list.empty()) list.emplace_back();
+        if (token == TOK_DOT)
+            ++list.back().dots;
+        else if (token != TOK_AT)
+            list.back().steps.push_back(nr);
+    }
+    return list;
+}
+
 std::vector<uint32_t> options(const Tree& tree, Kind kind, uint32_t nr) {
     std::vector<uint32_t> list;
     const uint32_t first = ownTarget(tree, kind, nr, "tedFirst", TED);

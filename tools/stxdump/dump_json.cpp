@@ -41,31 +41,10 @@ void addChar(std::string& out, uint32_t code) {
     }
 }
 
-/// Decodes one character of UTF-8 at `at` and moves on; false where the bytes are not UTF-8.
-bool decode(std::string_view text, size_t& at, uint32_t& code) {
-    const auto byte = [&](size_t place) { return static_cast<unsigned char>(text[place]); };
-    const uint32_t first = byte(at);
-    const size_t more = first < 0x80   ? 0
-                        : first < 0xC2 ? 9
-                        : first < 0xE0 ? 1
-                        : first < 0xF0 ? 2
-                                       : 3;
-    if (first > 0xF4 || more > 3 || at + more >= text.size()) return false;
-    code = more == 0 ? first : first & (0x3FU >> more);
-    for (size_t place = 1; place <= more; ++place) {
-        if ((byte(at + place) & 0xC0) != 0x80) return false;
-        code = code << 6 | (byte(at + place) & 0x3F);
-    }
-    constexpr uint32_t least[] = {0, 0x80, 0x800, 0x10000};
-    if (code < least[more] || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) return false;
-    at += more + 1;
-    return true;
-}
-
 bool isUtf8(std::string_view text) {
     uint32_t code = 0;
     for (size_t at = 0; at < text.size();)
-        if (!decode(text, at, code)) return false;
+        if (!stx::decodeUtf8(text, at, code)) return false;
     return true;
 }
 
@@ -73,7 +52,8 @@ std::string jsonText(std::string_view text) {
     std::string out = "\"";
     if (isUtf8(text)) {
         uint32_t code = 0;
-        for (size_t at = 0; at < text.size() && decode(text, at, code);) addChar(out, code);
+        for (size_t at = 0; at < text.size() && stx::decodeUtf8(text, at, code);)
+            addChar(out, code);
     } else {
         for (const char byte : text) addChar(out, static_cast<unsigned char>(byte));
     }

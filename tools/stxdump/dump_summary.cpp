@@ -47,6 +47,8 @@ std::string moduleLine(const Tree& tree, uint32_t nr) {
     if (node.stxName != 0) text += " (" + std::string(tree.text(node.stxName)) + ".stx)";
     if (node.importsState >> 4 == 1) text += ", by external reference";
     if (node.importsState >> 4 == 2) text += ", by IMPORTS";
+    if (node.selection != stx::SELECT_ONE)
+        text += ", WITH " + std::string(stx::codeName(stx::selectionNames, node.selection));
     return text;
 }
 
@@ -136,6 +138,7 @@ void dumpSummary(Trees& trees, const Tree& tree, Sink& out) {
             std::string(tree.text(self.srcDir)) + std::string(tree.text(self.srcFile)));
     if (self.modOid != 0) addLine(text, "identifier", stx::valueText(trees, {&tree, self.modOid}));
     if (self.automaticTags != 0) addLine(text, "tags", "AUTOMATIC");
+    addLine(text, "standard", stx::codeName(stx::standardNames, self.standard()));
     addLine(text, "exports", stx::codeName(stx::exportsNames, self.exportsState));
     addLine(text, "options", stx::bitNames(stx::moduleOptionNames, self.modWords[0]));
     addLine(text, "records", countsText(tree));

@@ -54,7 +54,7 @@ std::string namedText(Walk& walk, TypeRef type) {
         const stx::VNode node = type.tree->vNode(nr);
         text += text.empty() ? "" : ", ";
         if (node.valCode == stx::TYP_EXTENSION_MARKER) {
-            text += "...";
+            text += stx::markerText(walk.trees, *type.tree, stx::VNODE, nr);
             continue;
         }
         text += std::string(type.tree->text(node.name)) + '(' +
@@ -107,11 +107,12 @@ void showComponents(Walk& walk, TypeRef type) {
     for (const uint32_t nr : stx::components(*type.tree, type.nr, true)) {
         const stx::TNode node = type.tree->tNode(nr);
         if (node.typeCode == stx::TYP_EXTENSION_MARKER) {
-            walk.out.add(indent(walk) + "...\n");
+            walk.out.add(indent(walk) + stx::markerText(walk.trees, *type.tree, stx::TNODE, nr) +
+                         '\n');
             continue;
         }
-        if (node.typeCode == stx::TYP_EXTADDGRP) walk.out.add(indent(walk) + "[[\n");
         const bool group = node.typeCode == stx::TYP_EXTADDGRP;
+        if (group) walk.out.add(indent(walk) + stx::groupText(node) + '\n');
         const std::vector<uint32_t> entries =
             group ? stx::components(*type.tree, nr) : std::vector<uint32_t>{nr};
         for (const uint32_t entry : entries) {
