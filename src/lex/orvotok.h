@@ -42,6 +42,10 @@ inline constexpr size_t maxNumberDigits = 19;
 /// Notation nested deeper than this stops the parse.
 inline constexpr uint32_t maxNesting = 500;
 
+/// A word that is reserved in the notation of today only.
+constexpr bool isLaterWord(int32_t code) {
+    return code >= firstLaterWord && code <= lastLaterWord;
+}
 /// Spelling of a code; empty for codes outside the table.
 constexpr std::string_view tokenName(int32_t code) {
     return code >= 0 && code < tokenCount ? gMGTabInp[code] : std::string_view();

@@ -142,12 +142,22 @@ void withSyntax(TNodeNr classNode) {
     expectToken(TOK_RBRACE);
 }
 
+/// A word that later editions reserved stays a name as a literal, as it is in modules of the older
+/// ones; not so where it begins a type or value (X.681 (02/2021) 10.6).
+bool isLaterLiteral(int32_t code) {
+    return isLaterWord(code) && !isTypeName(code) && code != TOK_NOT_A_NUMBER;
+}
+
 /// Reserved words and type names are literals here: they become typeids with minus their code.
 void literalFromKeyword() {
     splitVersionBrackets();
     const int32_t code = parserState.Inp.code;
-    if ((code >= firstReservedWord && code <= lastReservedWord) ||
-        (code >= firstTypeName && code <= lastTypeName))
+    if (isLaterLiteral(code))
+        rewriteToken(TOK_TYPEID, i64of(putStri(cMP, tokenName(code)).nr));
+    else if (isLaterWord(code))
+        rewriteToken(TOK_TYPEID, i64of(-code));
+    else if ((code >= firstReservedWord && code <= lastReservedWord) ||
+             (code >= firstTypeName && code <= lastTypeName))
         rewriteToken(TOK_TYPEID, i64of(-code));
 }
 

@@ -135,9 +135,7 @@ constexpr TokenSet plainContents = {
 /// clause or the notation around it. Type names begin types.
 bool isContents(int32_t code) {
     const bool reserved = code >= firstReservedWord && code <= lastReservedWord;
-    const bool later = code >= firstLaterWord && code <= lastLaterWord;
-    return plainContents.has(code) || code == TOK_REALNUMBER ||
-           (later && code != TOK_ENCODING_CONTROL && code != TOK_INSTRUCTIONS) ||
+    return plainContents.has(code) || code == TOK_REALNUMBER || isLaterWord(code) ||
            (reserved && code != TOK_EXTENSIBILITY && code != TOK_IMPLIED);
 }
 

@@ -113,6 +113,31 @@ bool standsAlone(std::string_view name, Cause& cause) {
            fail(cause, Msg::ConstraintStandsAlone, name);
 }
 
+/// Elements of an object set begin at the cursor, not those of a set of values, which constrain a
+/// field of a class or INSTANCE OF as the type that it stands for (X.681 (02/2021) 14.6).
+bool objectSetFollows() {
+    if (curCode() != TOK_LBRACE) return false;
+    switch (nextCode()) {
+    case TOK_VALUEID:
+        switch (codeAhead(2)) {
+        case TOK_RBRACE:
+        case TOK_LBRACE: // of a parameterized object
+        case TOK_DOT:
+        case TOK_COMMA:
+        case TOK_BAR:
+        case TOK_UNION:
+        case TOK_CARET:
+        case TOK_INTERSECTION:
+        case TOK_EXCEPT: return true;
+        default: return false;
+        }
+    case TOK_NUMBER:
+    case TOK_MINUS:
+    case TOK_RBRACE: return false;
+    default: return true;
+    }
+}
+
 /// The contents of a constraint by the type it restricts.
 bool parseConstraintSpec(SubNr nr, Cause& cause) {
     if (curCode() == TOK_CONSTRAINED) return parseUserDefConstr(nr, cause);
@@ -124,8 +149,8 @@ bool parseConstraintSpec(SubNr nr, Cause& cause) {
     // Information from an object that is still there leads nowhere: no table, but an error.
     const bool isField = tNode.typeCode == TYP_FIELDLIST && tNode.refMod != REF_OBJECT;
     if (!isField && tNode.typeCode != TYP_INSTANCE_OF) return parseElemSetSpec(nr, cause);
-    if (!isField && newNotation() && curCode() != TOK_LBRACE) return parseElemSetSpec(nr, cause);
     if (isOpenTypeConstraint()) return parseOpenTypeConstraint(nr, cause);
+    if (newNotation() && !objectSetFollows()) return parseElemSetSpec(nr, cause);
     return parseTableConstr(nr, cause);
 }
 

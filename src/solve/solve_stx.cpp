@@ -75,6 +75,28 @@ bool fieldMatches(const ObjectClass& objectClass, std::string_view name, Cause& 
     return false;
 }
 
+/// The word stands at the cursor, be it reserved in the notation of the object.
+bool isWord(std::string_view word) {
+    return (curCode() == TOK_TYPEID || isLaterWord(curCode())) && curTokenText() == word;
+}
+
+/// The token at the cursor is a word that may stand behind the optional group `group`.
+bool wordFollows(const ObjectClass& objectClass, SNodeNr group) {
+    readRec(objectClass.module, group);
+    for (int32_t nr = sNode.next; nr != 0; nr = sNode.next) {
+        readRec(objectClass.module, SNodeNr{magnitude(nr)});
+        if (nr < 0) continue; // the end of a group around it: on behind that
+        const SNode entry = sNode;
+        while (sNode.token == TOK_LBRACKET && sNode.value > 0)
+            readRec(objectClass.module, SNodeNr{static_cast<uint32_t>(sNode.value)});
+        if (sNode.token == TOK_TYPEID && isWord(getStri(objectClass.module, sNode.value)))
+            return true;
+        if (entry.token != TOK_LBRACKET) return false;
+        sNode = entry;
+    }
+    return false;
+}
+
 /// The token at the cursor can begin the syntax entry `nr`. A group that cannot begin is no error:
 /// the cause stays empty.
 bool tokenMatches(const ObjectClass& objectClass, SNodeNr nr, Cause& cause) {
@@ -90,13 +112,16 @@ bool tokenMatches(const ObjectClass& objectClass, SNodeNr nr, Cause& cause) {
     bool ok = curCode() == entry.token;
     if (entry.token == TOK_TYPEID) {
         const std::string_view word = getStri(objectClass.module, entry.value);
-        ok = ok && curTokenText() == word;
+        ok = isWord(word);
         mismatch.set(Msg::LiteralExpected, word);
     } else if (isField(entry)) {
         ok = fieldMatches(objectClass, getStri(objectClass.module, entry.value), mismatch);
     } else {
         mismatch.set(tokenExpected(entry.token));
     }
+    // A group that begins with a type is left out where the word behind it comes first.
+    if (ok && inGroup && entry.token == TOK_TYPEFIELDID && newNotation() && curCode() == TOK_TYPEID)
+        ok = !wordFollows(objectClass, nr);
     if (!ok && !inGroup) cause = mismatch;
     readRec(objectClass.module, nr);
     return ok;
