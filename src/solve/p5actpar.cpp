@@ -108,6 +108,12 @@ void actParInTypDefVal(Search& search, ModuleRec* module, const TNode& node) {
     enterValue(search, module, node.defaultVal);
 }
 
+/// A parameter of the instance may be what governs another one. Older editions did not have that
+/// counted.
+void actParInGovernors(Search& search, ModuleRec* module, uint32_t formals) {
+    if (newNotation(module)) actParInTypCompList(search, module, formals);
+}
+
 void actParInTypConstr(Search& search, ModuleRec* module, const TNode& node) {
     if (node.constraint > 0) enterSub(search, module, static_cast<uint32_t>(node.constraint));
 }
@@ -123,6 +129,7 @@ void actParInTypNode(Search& search, TNodeRef type) {
         actParInTypCompList(search, refModule(type.module, node.refMod), node.ref);
     else if (isStructured(node.typeCode))
         actParInTypCompList(search, type.module, node.ref);
+    actParInGovernors(search, type.module, node.formals);
     actParInTags(search, type.module, node.tags);
     actParInValCompList(search, type.module, node.namedVals);
     actParInTypDefVal(search, type.module, node);
@@ -170,6 +177,14 @@ void subUnion_Intersection_etc_etc(Search& search, ModuleRec* module, uint32_t f
     for (const SubNr nr : chain(module, SubNr{first})) enterSub(search, module, nr.nr);
 }
 
+/// The parameters of a user-defined constraint.
+void actParInUserDefined(Search& search, ModuleRec* module, uint32_t first) {
+    actParInValCompList(search, module, first);
+    if (!newNotation(module)) return;
+    for ([[maybe_unused]] const VNodeNr nr : chain(module, VNodeNr{first}))
+        enterType(search, refModule(module, signedWord(vNode.govTypeMod)), vNode.govType);
+}
+
 void actParInSub(Search& search, SubRef nr) {
     readRec(nr);
     const SubRec sub = subRec;
@@ -195,7 +210,7 @@ void actParInSub(Search& search, SubRef nr) {
     case SUB_PATTERN:
     case SUB_SETTINGS:
     case SUB_OPEN_TYPE: enterValue(search, nr.module, sub.left); break;
-    case SUB_USER_DEFINED: actParInValCompList(search, nr.module, sub.left); break;
+    case SUB_USER_DEFINED: actParInUserDefined(search, nr.module, sub.left); break;
     default: break;
     }
 }
@@ -316,6 +331,7 @@ bool checkVNodeActuals() {
     readRec(instance);
     // A governor that depends on the parameters was copied with the value.
     enterType(search, refModule(instance.module, signedWord(vNode.govTypeMod)), vNode.govType);
+    actParInGovernors(search, instance.module, vNode.formals);
     searchInstance(search);
     static_cast<void>(reportUnused(search, by));
     return true;
