@@ -166,7 +166,7 @@ bool checkInnerSubtype(InnerSubtypes& inner) {
 bool subWithComps(ModuleRec* module) {
     const SubRef self = currentRec<KIND_SUB>();
     skipTypes(true);
-    static_cast<void>(readAssociatedType(tNode.typeCode));
+    static_cast<void>(readAssociatedType(self.module, tNode.typeCode));
     InnerSubtypes inner;
     inner.errors = module;
     inner.structure = currentRec<KIND_TNODE>();

@@ -336,7 +336,7 @@ bool presencesAreKept(const CheckedValue& value, SubRef first, std::set<std::str
 /// The current type becomes the structure whose components are restricted.
 void readRestrictedStructure() {
     skipTypes(true);
-    static_cast<void>(readAssociatedType(tNode.typeCode));
+    static_cast<void>(readAssociatedType(subModule(), tNode.typeCode));
 }
 
 bool valWithComps(const CheckedValue& value) {

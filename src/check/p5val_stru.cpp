@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "check/p5val_int.h"
+#include "parser/iso8824.h"
 #include "tree/orvoutil_find.h"
 #include "tree/types_compat.h"
 #include "util/text.h"
@@ -199,7 +200,12 @@ bool checkSOfVal(const ValueErrors& errors, const CheckedValue& value) {
 
 bool checkISO8824StruVal(const ValueErrors& errors, const CheckedValue& value) {
     const KeepRec<KIND_TNODE> keep;
-    return !readBuiltinType(value.rec.valCode) || checkStruVal(errors, value);
+    const uint8_t kind = value.rec.valCode;
+    if (!newNotation(value.module) || !is(kind, TypeClass::Associated))
+        return !readBuiltinType(kind) || checkStruVal(errors, value);
+    if (!readAssociatedType(value.module, kind)) return true;
+    const Structure structure = structureOf(TYP_SEQ);
+    return checkParts(errors, value, structure) || failValue(errors, value, structure.invalid);
 }
 
 /// The values of INSTANCE OF are those of the associated type, which no rule makes compatible.

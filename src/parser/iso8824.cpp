@@ -82,15 +82,31 @@ void parseISO8824() {
     if (cMP->parseState != PARSE_OK) return; // the caller reports what was recorded
     for (const TypeCode kind : definedKinds)
         if (kind < firstAssignment()) addSynonym(kind);
-    if (newNotation()) iso8824State.realComponents = definitionOf("REAL_COMPONENTS");
+    if (!newNotation()) return;
+    iso8824State.realComponents = definitionOf("REAL_COMPONENTS");
+    iso8824State.externalComponents = definitionOf("EXTERNAL_COMPONENTS");
+    iso8824State.pdvComponents = definitionOf("EMBEDDED_PDV_COMPONENTS");
+    iso8824State.stringComponents = definitionOf("CHARACTER_STRING_COMPONENTS");
 }
 
-bool readAssociatedType(uint8_t kind) {
-    TNodeNr type;
-    if (kind == TYP_REAL)
-        type = iso8824State.realComponents;
-    else if (is(kind, TypeClass::Associated) || kind == TYP_INSTANCE_OF)
-        type = TNodeNr{kind};
+namespace {
+
+/// What is different in the notation of today; none for other kinds.
+TNodeNr laterAssociatedType(uint8_t kind) {
+    switch (kind) {
+    case TYP_REAL: return iso8824State.realComponents;
+    case TYP_EXTERNAL_1994: return iso8824State.externalComponents;
+    case TYP_EMB_PDV: return iso8824State.pdvComponents;
+    case TYP_CHASTR: return iso8824State.stringComponents;
+    default: return {};
+    }
+}
+
+} // namespace
+
+bool readAssociatedType(const ModuleRec* module, uint8_t kind) {
+    TNodeNr type = newNotation(module) ? laterAssociatedType(kind) : TNodeNr{};
+    if (!type && (is(kind, TypeClass::Associated) || kind == TYP_INSTANCE_OF)) type = TNodeNr{kind};
     if (!type || run.iso8824MP == nullptr) return false;
     readRec(run.iso8824MP, type);
     skipTypes(true);

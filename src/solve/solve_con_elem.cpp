@@ -291,28 +291,16 @@ bool parseWithComponent(SubNr nr, TNodeRef list, Cause& cause) {
                            cause);
 }
 
-/// The types of which only later editions restrict the components of their associated type (X.680
-/// (02/2021) 51.8).
-bool readLaterAssociatedType(uint8_t kind) {
-    if (!newNotation() || (kind != TYP_REAL && kind != TYP_INSTANCE_OF)) return false;
-    return readAssociatedType(kind);
-}
-
 bool parseInnerSubtyping(SubNr nr, TNodeRef governor, Cause& cause) {
     readRec(governor);
-    if (readLaterAssociatedType(tNode.typeCode))
+    // Components of REAL and INSTANCE OF have been restricted since 2002.
+    const bool isOlder = !newNotation() && tNode.typeCode == TYP_INSTANCE_OF;
+    if (!isOlder && readAssociatedType(cMP, tNode.typeCode))
         return parseWithComponents(nr, currentRec<KIND_TNODE>(), cause);
     switch (tNode.typeCode) {
     case TYP_SEQ:
     case TYP_SET:
     case TYP_CHOICE: return parseWithComponents(nr, governor, cause);
-    case TYP_EMB_PDV:
-    case TYP_CHASTR:
-    case TYP_EXTERNAL_1990:
-    case TYP_EXTERNAL_1994:
-        readRec(run.iso8824MP, TNodeNr{tNode.typeCode});
-        skipTypes(false);
-        return parseWithComponents(nr, currentRec<KIND_TNODE>(), cause);
     case TYP_SEQOF:
     case TYP_SETOF: return parseWithComponent(nr, governor, cause);
     default: recordSubError(nr, Msg::InnerSubtypingNotAllowed); return false;

@@ -9,6 +9,7 @@
 
 #include "check/orvonum.h"
 #include "diag/orvoerr_fatal.h"
+#include "parser/iso8824.h"
 #include "solve/p5actpar.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_par.h"
@@ -44,9 +45,8 @@ void readBuiltinType(uint8_t kind) {
 }
 
 Msg parseStructured(uint8_t kind, Cause& cause) {
-    if (!is(kind, TypeClass::Associated) && kind != TYP_INSTANCE_OF)
+    if (!readAssociatedType(cMP, kind))
         return parseSeqValue(kind, cause) ? Msg::None : valueSyntax(kind);
-    readBuiltinType(kind);
     return parseSeqValue(tNode.typeCode, cause) ? Msg::None : valueSyntax(kind);
 }
 
