@@ -215,17 +215,27 @@ bool parseObjIdComp(uint32_t position, Cause& cause) {
     return false;
 }
 
-} // namespace
-
-bool parseObjIdValue(Cause& cause) {
+/// The components; the first one has the place behind `position`.
+bool parseArcs(uint32_t position, Cause& cause) {
     if (curCode() != TOK_LBRACE) return false;
+    const uint32_t before = position;
     ValueList components;
-    uint32_t position = 0;
     while (advance() && curCode() != TOK_RBRACE) {
         components.append(curToken().line);
         if (!parseObjIdComp(++position, cause)) return false;
     }
-    return position != 0 && curCode() == TOK_RBRACE;
+    return position != before && curCode() == TOK_RBRACE;
+}
+
+} // namespace
+
+bool parseObjIdValue(Cause& cause) {
+    return parseArcs(0, cause);
+}
+
+bool parseRelativeOidValue(Cause& cause) {
+    constexpr uint32_t belowNames = 100; // only the first components have well-known names
+    return parseArcs(belowNames, cause);
 }
 
 } // namespace orvo
