@@ -52,18 +52,19 @@ struct TableIndex {
 };
 
 struct CheckCache {
-    std::unordered_map<uint32_t, uint64_t>
-        segmentLengths; // first segment -> characters of the list
+    // first segment -> characters of the list
+    std::unordered_map<uint32_t, uint64_t> segmentLengths;
     std::unordered_map<uint32_t, int64_t> highestNamedBits; // first named bit -> largest number
     std::unordered_map<uint32_t, EndpointNote> endpoints;   // TNode
-    std::unordered_map<uint32_t, TNodeRef> rangeParents; // TNode -> first on its chain with a range
+    // TNode -> first on its chain with a range
+    std::unordered_map<uint32_t, TNodeRef> rangeParents;
     // TNode -> first on its chain with a constraint, or the end of the chain
     std::unordered_map<uint32_t, TNodeRef> nextConstrained;
     // first item of an enumeration -> the values that its items stand for
     std::unordered_map<uint32_t, std::set<std::pair<ModuleRec*, uint32_t>>> enumItems;
-    std::unordered_map<uint32_t, std::u32string>
-        alphabets;                                   // single value in FROM -> characters, sorted
-    std::unordered_map<uint32_t, UnionIndex> unions; // large unions of simple values
+    // single value in FROM -> characters, sorted
+    std::unordered_map<uint32_t, std::u32string> alphabets;
+    std::unordered_map<uint32_t, UnionIndex> unions;             // large unions of simple values
     std::map<std::pair<uint32_t, FieldPath>, TableIndex> tables; // table constraint and fields
     TypeNotes types;
 };

@@ -124,7 +124,7 @@ bool subEndpoint(const Request& request, SubRef sub, Endpoint& end) {
     }
 }
 
-// ---- ranges
+// ---- ranges -------------------------------------------------------------------------------------
 
 bool hasRangeEndpoints(uint8_t kind) {
     switch (kind) {

@@ -36,7 +36,7 @@ void subError(ModuleRec* module, Msg code, uint32_t line);
 /// Reports at the line of the current constraint record.
 void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail = {});
 
-// ---- p5sub_elem
+// ---- p5sub_elem ---------------------------------------------------------------------------------
 [[nodiscard]] bool subRange();
 [[nodiscard]] bool subSizeConstr(ModuleRec* module, ParentType parent);
 [[nodiscard]] bool subSingleValue(ModuleRec* module, ParentType parent);
@@ -48,7 +48,7 @@ void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail = {}
 [[nodiscard]] bool subOpenTypeConstr();
 [[nodiscard]] bool subPermittedAlphabet(ModuleRec* module, ParentType parent);
 
-// ---- p5sub_tab
+// ---- p5sub_tab ----------------------------------------------------------------------------------
 /// Reports by itself.
 [[nodiscard]] bool subTableConstr(ModuleRec* module);
 

@@ -59,7 +59,7 @@ void markIgnorables();
 /// is through and the representation of all is chosen.
 void markListElements();
 
-// ---- p5typ_tag
+// ---- p5typ_tag ----------------------------------------------------------------------------------
 /// The tag of the current type record as seen from outside: the first one on the way through
 /// references, selection types and fields of classes and objects, else the universal tag of the
 /// kind reached. Preserving.
@@ -71,7 +71,7 @@ SeenTag getNextTag();
 /// number.
 int32_t tagNumberOf(ModuleRec* module, const TagRec& tag);
 
-// ---- p5typ_named
+// ---- p5typ_named --------------------------------------------------------------------------------
 /// Numbers the enumeration items without a number in the list of the current type record, before
 /// anything compares them; returns those for which none was left. Preserving.
 std::vector<VNodeNr> numberItems();
@@ -79,12 +79,12 @@ std::vector<VNodeNr> numberItems();
 /// is what numberItems returned. Preserving.
 void checkNamedList(ModuleRec* module, const std::vector<VNodeNr>& numberless);
 
-// ---- p5typ_rec
+// ---- p5typ_rec ----------------------------------------------------------------------------------
 /// Marks the current type record when it can be reached from itself and reports recursion without
 /// end (Msg::RecursiveTypeReference) against `module`. Preserving.
 void markRecursion(ModuleRec* module);
 
-// ---- p5typ_vf
+// ---- p5typ_vf -----------------------------------------------------------------------------------
 /// Chooses the value field of the current type record (vfKind, sizeOpt) and stores the record.
 void setTypeVF();
 

@@ -76,7 +76,7 @@ bool checkValidComponentType(ModuleRec* module, bool inClass) {
     return false;
 }
 
-// ---- the flat list of entries ------------------------------------------------------------------
+// ---- the flat list of entries -------------------------------------------------------------------
 
 /// Builds the flat list of a structure.
 struct EntryList {

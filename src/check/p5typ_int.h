@@ -15,17 +15,17 @@ void recordTNodeError(ModuleRec* module, ErrClass errClass, Msg code, std::strin
 /// The name of the current type record; data() is null when it has none.
 std::string_view tNodeName();
 
-// ---- p5typ_comp
+// ---- p5typ_comp ---------------------------------------------------------------------------------
 /// Structures and classes: components, their identifiers and tags, extension markers.
 [[nodiscard]] bool checkStruType(ModuleRec* module);
 
-// ---- p5typ_cls
+// ---- p5typ_cls ----------------------------------------------------------------------------------
 /// The current record is a field specification of a class: UNIQUE, optionality, links to classes.
 [[nodiscard]] bool checkFieldSpec(ModuleRec* module);
 [[nodiscard]] bool checkEmbeddedType(ModuleRec* module);
 [[nodiscard]] bool checkObjClassFieldType(ModuleRec* module);
 
-// ---- p5typ_any
+// ---- p5typ_any ----------------------------------------------------------------------------------
 [[nodiscard]] bool checkAnyType(ModuleRec* module);
 /// ANY= options and ENTRY on classes; findings are warnings.
 void checkOptions(ModuleRec* module);
@@ -62,8 +62,8 @@ class TagComparison {
     bool sequence_;
     uint8_t kind_;
     uint32_t count_ = 0; // entries so far
-    std::unordered_map<uint64_t, uint32_t>
-        earlier_; // tag -> place of the nearest earlier entry that has it
+    // tag -> place of the nearest earlier entry that has it
+    std::unordered_map<uint64_t, uint32_t> earlier_;
 };
 
 } // namespace orvo

@@ -40,7 +40,7 @@ SubRef operandsOf(SubRef sub) {
     return {sub.module, SubNr{subRec.left}};
 }
 
-// ---- operators
+// ---- operators ----------------------------------------------------------------------------------
 
 /// Equality of such values is decided by all of the value, so equal values have equal hashes.
 bool isSimple(uint8_t kind) {
@@ -135,7 +135,7 @@ bool valAllExcept(const ValueErrors& errors, const CheckedValue& value) {
     return !met;
 }
 
-// ---- elements
+// ---- elements -----------------------------------------------------------------------------------
 
 /// Two kinds of character strings whose characters are the same.
 bool isSameWidth(uint8_t a, uint8_t b) {
@@ -288,7 +288,7 @@ bool valContainedSubtype(const ValueErrors& errors, const CheckedValue& value) {
                              [&] { return checkAgainstType(errors, value, true); });
 }
 
-// ---- inner subtypes
+// ---- inner subtypes -----------------------------------------------------------------------------
 
 bool checkElements(const ValueErrors& errors, const CheckedValue& value, SubRef inner) {
     const KeepRec<KIND_VNODE> keep;

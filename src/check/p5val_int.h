@@ -34,6 +34,7 @@ struct CheckedValue {
     bool isOwn = false;       // what it holds is checked with it
     bool isCharacter = false; // of a string that is checked against an alphabet
     bool isOutermost = false; // component relations of what it holds go no further
+
     // A type nearer to the value on the chain under check has a WITH COMPONENTS.
     bool isRestricted = false;
     const CheckedValue* enclosing = nullptr; // the structured value that holds `at`
@@ -103,14 +104,14 @@ ModuleRec* moduleForErrors(ModuleRec* caller);
 /// The constraint, one of a type, is or contains WITH COMPONENTS.
 [[nodiscard]] bool hasWithComps(SubRef sub);
 
-// ---- p5val_stru
+// ---- p5val_stru ---------------------------------------------------------------------------------
 /// The current type has components, the value is one of its kind.
 [[nodiscard]] bool checkValWithComps(const ValueErrors& errors, const CheckedValue& value);
 /// Makes the definition that the built-in module has for a kind the current type; false when there
 /// is none.
 bool readBuiltinType(uint8_t kind);
 
-// ---- p5val_form
+// ---- p5val_form ---------------------------------------------------------------------------------
 [[nodiscard]] bool checkEnumVal(const ValueErrors& errors, const CheckedValue& value);
 [[nodiscard]] bool checkBitStriVal(const ValueErrors& errors, const CheckedValue& value);
 [[nodiscard]] bool checkOpenTypeVal(const ValueErrors& errors, const CheckedValue& value);
@@ -118,10 +119,10 @@ bool readBuiltinType(uint8_t kind);
 [[nodiscard]] bool checkCharacters(const ValueErrors& errors, const CheckedValue& value);
 [[nodiscard]] bool checkTimeVal(const ValueErrors& errors, const CheckedValue& value);
 
-// ---- p5val_oid
+// ---- p5val_oid ----------------------------------------------------------------------------------
 [[nodiscard]] bool checkObjIdVal(const ValueErrors& errors, const CheckedValue& value);
 
-// ---- p5val_tab
+// ---- p5val_tab ----------------------------------------------------------------------------------
 /// The current constraint is a table constraint.
 [[nodiscard]] bool valTableConstr(const ValueErrors& errors, const CheckedValue& value);
 

@@ -53,7 +53,7 @@ bool fieldPath(FieldPath& path) {
     return true;
 }
 
-// ---- the objects of a set
+// ---- the objects of a set -----------------------------------------------------------------------
 
 struct Collecting {
     TableIndex& table;
@@ -163,7 +163,7 @@ const TableIndex& objSetFieldsToList(SubRef sub, const FieldPath& path) {
     return note->second;
 }
 
-// ---- objects that agree with a value
+// ---- objects that agree with a value ------------------------------------------------------------
 
 /// A value of an open type is written with its type: what counts is the value behind it.
 CheckedValue withoutType(const CheckedValue& value) {
@@ -231,7 +231,7 @@ bool objectAgrees(const ValueErrors& errors, VNodeRef object, const FieldPath& p
     return (setting || isSet) && compareValueAndTableObject(errors, value, setting);
 }
 
-// ---- component relations
+// ---- component relations ------------------------------------------------------------------------
 
 /// Where a reference of a component relation leads.
 enum class Reached { Value, Absent, Nowhere };

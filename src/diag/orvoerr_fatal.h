@@ -19,8 +19,8 @@ enum class Fatal : int {
 using FatalHook = void (*)(std::string_view text, std::string_view detail);
 struct FatalState {
     FatalHook hook = nullptr;
-    bool reporting =
-        false; // a second failure while reporting ends the process without another word
+    // A second failure while reporting ends the process without another word.
+    bool reporting = false;
 };
 extern FatalState fatalState;
 

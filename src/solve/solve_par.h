@@ -28,8 +28,8 @@ struct AplEntry {
 /// The stack of active instantiations. Handles (from 1; 0 = none) address all entries of the run.
 struct ParState {
     std::vector<AplEntry> entries;
-    std::unordered_map<uint64_t, uint32_t>
-        byInstance;        // module handle and instance number -> handle
+    // module handle and instance number -> handle
+    std::unordered_map<uint64_t, uint32_t> byInstance;
     uint32_t aplStack = 0; // handle of the top entry
     InstContext context;   // what the top entry gives to new records
 };

@@ -66,8 +66,7 @@ using TNodeRef = RecRef<KIND_TNODE>;
 using VNodeRef = RecRef<KIND_VNODE>;
 using SubRef = RecRef<KIND_SUB>;
 
-// ---- codes
-// ------------------------------------------------------------------------------------------
+// ---- codes --------------------------------------------------------------------------------------
 
 enum TypeCode : uint8_t {
 #define TYPE(code, sym, name, asnName, tag, classes, syntax, invalid) TYP_##sym = code,
@@ -275,8 +274,7 @@ enum OptFlags : uint32_t {
     OPTF_EXTENSIONS = 1U << 17,
 };
 
-// ---- records
-// ----------------------------------------------------------------------------------------
+// ---- records ------------------------------------------------------------------------------------
 
 struct TimeStamp {
     uint16_t version; // times 100
@@ -547,8 +545,7 @@ constexpr std::span<const Field> fieldsOf(RecKind kind) {
     return {};
 }
 
-// ---- fields that hold two kinds of number, told apart by sign
-// ---------------------------------------
+// ---- fields that hold two kinds of number, told apart by sign -----------------------------------
 
 /// Minus a record number, and back. Goes through 64 bits: the negation of a word never overflows.
 constexpr int32_t minus(uint32_t nr) {

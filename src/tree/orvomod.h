@@ -29,8 +29,8 @@ struct SymTab {
     STabNr first, last;
     std::unordered_map<int32_t, STabNr> byName; // the first symbol of a name
     std::unordered_map<int32_t, STabNr> byNode; // the first symbol of a definition
-    std::unordered_set<std::string_view>
-        definedPrefixes;   // own table: the characters of defined names
+    // Of the own table: the characters of defined names.
+    std::unordered_set<std::string_view> definedPrefixes;
     uint8_t prefixLen = 0; // that count (NAMELEN=); 0 = none noted yet
 };
 
@@ -101,7 +101,8 @@ struct OptionBlock {
     bool sourceDirKnown = false; // sourceDir has been set by opening the source
     std::string sourceFileName;
     std::string listingFileName;
-    PrefixMap prefixes; // PREFIX= of the module's comments
+    // PREFIX= of the module's comments.
+    PrefixMap prefixes;
     // PREFIX= of the command line, which goes before; shared by the modules that have the same.
     std::shared_ptr<const PrefixMap> sharedPrefixes;
     OptRange range;             // the module's options

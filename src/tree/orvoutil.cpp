@@ -41,15 +41,10 @@ bool isSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-} // namespace
-
+/// The current record of the list's kind.
 NodeRef currentNode(NodeListKind kind) {
     const RecPlace place = currentPlace(recKindOf(kind));
     return {place.module, place.nr};
-}
-
-void addFstNode(NodeList& list) {
-    pushNode(list, currentNode(list.kind));
 }
 
 bool containsNode(NodeList& list, const NodeRef& node) {
@@ -58,6 +53,12 @@ bool containsNode(NodeList& list, const NodeRef& node) {
         list.indexed = true;
     }
     return list.index.contains(node);
+}
+
+} // namespace
+
+void addFstNode(NodeList& list) {
+    pushNode(list, currentNode(list.kind));
 }
 
 bool pushNodeUnique(NodeList& list) {

@@ -43,10 +43,6 @@ struct NodeList {
 void addFstNode(NodeList& list);
 /// Pushes it unless it is on the stack already; true when pushed.
 bool pushNodeUnique(NodeList& list);
-/// Tells whether a record is on the stack.
-[[nodiscard]] bool containsNode(NodeList& list, const NodeRef& node);
-/// The current record of the list's kind.
-NodeRef currentNode(NodeListKind kind);
 /// Pops the top; fatal 13 when the stack is empty.
 void delFstNode(NodeList& list);
 /// Moves the top of `from` to the top of `to`; fatal 13 when `from` is empty.

@@ -54,7 +54,7 @@ template <RecKind K> bool findInChain(ModuleRec* module, RecNr<K> first, std::st
     return nameIs(module, buffer<K>().name, name);
 }
 
-// ---- flattened component lists
+// ---- flattened component lists ------------------------------------------------------------------
 
 bool isMarker() {
     return tNode.typeCode == TYP_EXTENSION_MARKER;
@@ -89,7 +89,7 @@ const IncludedList* notedInclusion(TNodeRef first) {
     return note == notes.end() ? nullptr : &note->second;
 }
 
-// ---- what lists bring in
+// ---- what lists bring in ------------------------------------------------------------------------
 
 /// Sums up a list and those that it includes, each once, with a stack of its own: levels of
 /// COMPONENTS OF may be as many as a module has types.
@@ -194,7 +194,7 @@ IncludedList sumUp(TNodeRef first, const OpenLists& open) {
     return InclusionSum(open).of(first);
 }
 
-// ---- lists with what they include in place
+// ---- lists with what they include in place ------------------------------------------------------
 
 /// A list on the way from the outermost to the one being walked.
 struct OpenList {

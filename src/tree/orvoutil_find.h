@@ -16,7 +16,7 @@
 
 namespace orvo {
 
-// ---- look-ups ---------------------------------------------------------------------------------
+// ---- look-ups -----------------------------------------------------------------------------------
 // Names are texts, since a look-up may cross modules; a stored name counts by its magnitude. A miss
 // leaves the buffer on the last record examined.
 
@@ -86,7 +86,7 @@ IncludedList includedList(const OpenLists& open = {});
 /// walks noted about records that no longer exist.
 void forgetTakenBack(ModuleRec* module);
 
-// ---- walks ------------------------------------------------------------------------------------
+// ---- walks --------------------------------------------------------------------------------------
 
 /// From the current type through type references, selection types and information from objects (and
 /// class field types when asked for) to the type they stand for. An unresolved reference, or a
@@ -111,7 +111,7 @@ bool skipFieldList();
 /// The module of a reference that stands in a record of `module`; null for the special values.
 ModuleRec* refModule(ModuleRec* module, int32_t refMod);
 
-// ---- predicates over the current type ---------------------------------------------------------
+// ---- predicates over the current type -----------------------------------------------------------
 
 /// CLASS, TYPE-IDENTIFIER or ABSTRACT-SYNTAX.
 constexpr bool isClassCode(uint8_t code) {
@@ -152,7 +152,7 @@ inline bool isVariabTypeTNode() {
 /// Reads the class of an object class field type; fatal 13 when the current type is none.
 void getClassOfObjClassFieldTypeTNode();
 
-// ---- predicates over the current value --------------------------------------------------------
+// ---- predicates over the current value ----------------------------------------------------------
 
 /// An object; an object set; neither. All are preserving.
 [[nodiscard]] bool isObjVNode();

@@ -21,8 +21,7 @@
 
 namespace stx {
 
-// ---- records
-// ----------------------------------------------------------------------------------------
+// ---- records ------------------------------------------------------------------------------------
 
 struct TimeStamp {
     uint16_t version = 0; // times 100
@@ -67,8 +66,8 @@ struct TNode { // a type, component, field, formal parameter or the head of a ty
     /// parameters too, and the role negated).
     bool isParameterized() const { return formals != 0 && compStatus >= 0; }
 };
-struct VNode { // a value, named number, component value, DEFAULT value or head of a value
-               // assignment
+/// A value, named number, component value, DEFAULT value or head of a value assignment.
+struct VNode {
     int32_t name = 0, valStatus = 0;
     uint8_t vflags = 0;
     uint32_t actParRec = 0, line = 0, govType = 0, govTypeMod = 0, next = 0;
@@ -107,8 +106,7 @@ struct SNode {
     int32_t next = 0;
 };
 
-// ---- field tables
-// -----------------------------------------------------------------------------------
+// ---- field tables -------------------------------------------------------------------------------
 
 /// How the bytes of a field are read.
 enum class Form : uint8_t { Unsigned, Signed, Wide, Words, Stamp, Value, Unused };
@@ -181,8 +179,7 @@ struct Link {
     bool optional = false; // strings: a number above the count is legal and means none
 };
 
-// ---- one file
-// ---------------------------------------------------------------------------------------
+// ---- one file -----------------------------------------------------------------------------------
 
 class Tree {
   public:
@@ -243,8 +240,7 @@ std::string_view codeName(std::span<const CodeName> names, int64_t code);
 /// The names of the bits that are set, joined by blanks; unknown bits as one hexadecimal number.
 std::string bitNames(std::span<const CodeName> names, int64_t bits);
 
-// ---- lists of one file
-// ------------------------------------------------------------------------------
+// ---- lists of one file --------------------------------------------------------------------------
 
 /// The records of a list from its first number on, along `next`. SNODE: one level, groups unopened.
 std::vector<uint32_t> listFrom(const Tree& tree, Kind kind, int64_t first);
@@ -280,8 +276,7 @@ uint32_t findType(const Tree& tree, std::string_view name);
 uint32_t findValue(const Tree& tree, std::string_view name);
 uint32_t findComponent(const Tree& tree, uint32_t typeNr, std::string_view name);
 
-// ---- several files
-// ----------------------------------------------------------------------------------
+// ---- several files ------------------------------------------------------------------------------
 
 struct TypeRef {
     const Tree* tree = nullptr;
@@ -378,8 +373,7 @@ FinalTags finalTags(Trees& trees, TypeRef type, int64_t automaticTag, std::strin
 /// Number of a tag record, resolved when a value gives it; -1 when it cannot be obtained.
 int64_t tagNumber(Trees& trees, const Tree& tree, const TagRec& tag);
 
-// ---- texts
-// ------------------------------------------------------------------------------------------
+// ---- texts --------------------------------------------------------------------------------------
 
 /// "[1]", "[APPLICATION 2]"
 std::string tagText(const Tag& tag);
