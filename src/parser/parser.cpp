@@ -51,8 +51,9 @@ void openComment(Token& token) {
 /// to the front.
 void loadInp() {
     Token& token = tokenAt(inputList().first);
-    if (token.code == TOK_EOF && token.lexError != 0) return openComment(token);
-    if (token.lexError != 0) {
+    if (token.code == TOK_EOF && lexicalError(token.lexError) == Msg::InvalidEndCharacterIn)
+        return openComment(token);
+    if (token.lexError != 0 && !parserState.passingOver) {
         const Msg code = lexicalError(token.lexError);
         recordError(cMP, code == Msg::NameTooLong ? ERR_WARNING : ERR_SYNTAX, code, token.line,
                     tokenName(token.code));

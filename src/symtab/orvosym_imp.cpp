@@ -39,6 +39,10 @@ ModuleRec* distinctModule(std::string_view name, uint32_t line) {
 ModRef* modRefOfClause(std::string_view name, uint32_t line) {
     ModRef* const known = matchingName(cMP->modRefs, name);
     if (known != nullptr && known->state == 1) return known;
+    if (known != nullptr && known->module != nullptr && isLenient(cMP)) {
+        recordOnce(cMP, Msg::ModuleImportedTwice, line, name);
+        return known;
+    }
     if (known != nullptr || name == cMP->moduleName) {
         recordError(cMP, ERR_SEMANTIC, Msg::ChangeModuleName, line, name);
         return newModRef(cMP, name, nullptr);
@@ -58,13 +62,21 @@ void indexImported(ModRef& ref) {
     }
 }
 
+/// A definition that its module does not export may be imported all the same.
+bool isReadOn(STabNr symbol, int32_t name, uint32_t line) {
+    if (!isLenient(cMP) || symAt(symbol).node == 0) return false;
+    recordOnce(cMP, Msg::ImportedNotExported, line, getStri(cMP, name));
+    return true;
+}
+
 /// The symbol of the exporting module that an importing name leads to; 0 = none.
-STabNr exportedSymbol(ModuleRec* exporter, int32_t name) {
+STabNr exportedSymbol(ModuleRec* exporter, int32_t name, uint32_t line) {
     const auto number = static_cast<int32_t>(findStri(exporter, getStri(cMP, name)).nr);
     if (number == 0) return {};
     const STabNr found = findSymbol(exporter->symTab, name < 0 ? -number : number);
     if (!found || exporter->exportsState == 0) return found;
-    return (symAt(found).flags & SYM_EXPORTED) != 0 ? found : STabNr{};
+    return (symAt(found).flags & SYM_EXPORTED) != 0 || isReadOn(found, name, line) ? found
+                                                                                   : STabNr{};
 }
 
 } // namespace
@@ -95,7 +107,7 @@ void handleImports(SymTab& symbolList, int32_t moduleName, bool hasAssignedId, u
     ref->line = line;
     catSymTab(ref->symbols, symbolList, SYM_IMPORTED);
     indexImported(*ref);
-    if (hasAssignedId) ref->value = nextRec<KIND_VNODE>(cMP);
+    if (hasAssignedId && !ref->value) ref->value = nextRec<KIND_VNODE>(cMP);
 }
 
 void handleExtRef(int32_t& moduleRef, int32_t name, uint32_t line) {
@@ -155,13 +167,14 @@ void loadImpSymbols(ModRef& ref) {
 void defineImpSymbols(ModRef& ref) {
     for (STabNr nr = ref.symbols.first; nr; nr = STabNr{symAt(nr).next}) {
         STabRec& symbol = symAt(nr);
-        const STabNr exported = exportedSymbol(ref.module, symbol.name);
+        const STabNr exported = exportedSymbol(ref.module, symbol.name, symbol.line);
         if (!exported) continue;
         const STabRec& definition = symAt(exported);
         setSymbolNode(ref.symbols, nr, definition.node);
         symbol.formals = definition.formals;
         const uint8_t braces = definition.flags & SYM_PARAMETERIZED;
-        if ((symbol.flags & SYM_IMPORTED) != 0 && (symbol.flags & SYM_PARAMETERIZED) != braces)
+        const bool differs = (symbol.flags & SYM_PARAMETERIZED) != braces;
+        if ((symbol.flags & SYM_IMPORTED) != 0 && differs && !newNotation())
             recordError(cMP, ERR_SEMANTIC,
                         braces != 0 ? Msg::BracesExpected : Msg::BracesNotAllowed, symbol.line,
                         getStri(cMP, symbol.name));
