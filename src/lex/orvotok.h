@@ -56,6 +56,8 @@ constexpr bool isOneTokenValue(int32_t code) {
     case TOK_PLUS_INFINITY:
     case TOK_MINUS_INFINITY:
     case TOK_NUMBER:
+    case TOK_REALNUMBER:
+    case TOK_NOT_A_NUMBER:
     case TOK_BSTRING:
     case TOK_HSTRING:
     case TOK_CSTRING: return true;

@@ -496,6 +496,14 @@ DNodeNr collectionConstraint() {
     return constraint;
 }
 
+/// [identifier] of the element (X.680 (02/2021) 26.1), not that of a selection type or object
+void elementName() {
+    const int32_t behind = lookAhead(1).code;
+    if (parserState.Inp.code != TOK_VALUEID || behind == TOK_LESS || behind == TOK_DOT) return;
+    if (buildsTree()) tNode.name = parserState.Inp.stri();
+    ReadIn();
+}
+
 /// [SizeConstraint] OF Type
 void collectionOf(TNodeNr node) {
     const DNodeNr constraint = collectionConstraint();
@@ -506,6 +514,7 @@ void collectionOf(TNodeNr node) {
         newTypeNode();
         tNode.compStatus = TCS_MULTIPLE;
     }
+    if (newNotation()) elementName();
     MGR59Type();
     atType(node);
 }

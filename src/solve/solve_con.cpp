@@ -56,6 +56,7 @@ bool parseRoot(SubNr root, Msg& outer, Cause& cause) {
         return parseOldSizeConstraint(root, cause);
     }
     outer = Msg::InvalidConstraint;
+    if (curCode() == TOK_EXCLAMATION) return parseExceptionSpec(root, true, cause); // of a marker
     return parseConstraints(root, cause);
 }
 

@@ -199,8 +199,8 @@ bool parsePlainReal(RealVal& real) {
     if (isNegative && !advance()) return false;
     const Token& token = curToken();
     if (token.code != TOK_NUMBER && token.code != TOK_REALNUMBER) return false;
-    const std::string text = token.text != 0 ? std::string(getStri(cMP, token.text))
-                                             : i64tostr(token.value);
+    const std::string text =
+        token.text != 0 ? std::string(getStri(cMP, token.text)) : i64tostr(token.value);
     switch (realOfText(text, isNegative, real)) {
     case RealText::Exact: break;
     case RealText::LongMantissa:

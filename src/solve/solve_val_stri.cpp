@@ -54,7 +54,8 @@ char32_t largestCharacter(uint8_t kind) {
     }
 }
 
-/// The literal at the cursor, whose characters are UTF-8; false for one that the kind does not have.
+/// The literal at the cursor, whose characters are UTF-8; false for one that the kind does not
+/// have.
 bool parseUtf8String(uint8_t kind) {
     const int32_t stri = curToken().stri();
     const std::u32string text = fromUtf8(getStri(cMP, stri));
