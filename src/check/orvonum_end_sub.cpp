@@ -112,6 +112,8 @@ bool subEndpoint(const Request& request, SubRef sub, Endpoint& end) {
     case SUB_UNION: return operandsEndpoint(request, operand, true, end);
     case SUB_INTERSECTION: return operandsEndpoint(request, operand, false, end);
     case SUB_SERIAL: return seriesEndpoint(request, operand, end);
+    case SUB_EXCEPT: // older notation: none
+        return newNotation(sub.module) && operand && subEndpoint(request, operand, end);
     case SUB_SIZE: {
         const Request inner{request.upper, TYP_INTEGER, false, true};
         return request.ofSize && operand && subEndpoint(inner, operand, end);
@@ -135,7 +137,8 @@ bool hasRangeEndpoints(uint8_t kind) {
     case TYP_VISSTR:
     case TYP_IA5STR:
     case TYP_BMPSTR:
-    case TYP_UNISTR: return true;
+    case TYP_UNISTR:
+    case TYP_UTF8STR: return true;
     default: return false;
     }
 }
@@ -151,6 +154,7 @@ void setStringInfinity(Endpoint& end, bool plus, uint8_t kind, ModuleRec* module
     switch (kind) {
     case TYP_BMPSTR: stri = putStri16(module, plus ? u"\xFFFF" : u"").nr; break;
     case TYP_UNISTR: stri = putStri32(module, plus ? U"\U0010FFFF" : U"").nr; break;
+    case TYP_UTF8STR: stri = putStri(module, plus ? "\xF4\x8F\xBF\xBF" : "").nr; break;
     default: stri = putStri(module, plus ? "\xFF" : "").nr; break;
     }
 }

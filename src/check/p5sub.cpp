@@ -133,7 +133,7 @@ bool checkByKind(ModuleRec* module, ParentType parent) {
     case SUB_EXCEPT:
     case SUB_ALL_EXCEPT: return subOperands(module, parent);
     case SUB_SERIAL: return subCatenation(module, parent);
-    case SUB_RANGE: return subRange();
+    case SUB_RANGE: return subRange(module);
     case SUB_PERMITTED_ALPHABET: return subPermittedAlphabet(module, parent);
     case SUB_SIZE: return subSizeConstr(module, parent);
     case SUB_SINGLE_VALUE: return subSingleValue(module, parent);
@@ -143,6 +143,9 @@ bool checkByKind(ModuleRec* module, ParentType parent) {
     case SUB_USER_DEFINED: return subUserDefConstr(module);
     case SUB_EXCEPTION: return subNoValueConstr(module);
     case SUB_OPEN_TYPE: return subOpenTypeConstr();
+    case SUB_CONTENTS: return subContents(module);
+    case SUB_PATTERN:
+    case SUB_SETTINGS: return subText(module);
     default: return true;
     }
 }
@@ -176,7 +179,8 @@ bool checkSubRec(ModuleRec* module) {
     const KeepRec<KIND_VNODE> keepValue;
     readRec(typeModule(), SubNr{static_cast<uint32_t>(tNode.constraint)});
     bool ok = false;
-    if (subRec.subKind == SUB_EXTENSION_MARKER && !isObjSetTNode()) {
+    // The lenient were warned when it was read.
+    if (subRec.subKind == SUB_EXTENSION_MARKER && !isObjSetTNode() && !isLenient(module)) {
         recordSubRecError(module, Msg::ElementSetSpecIsInvalid,
                           "{ ... } is allowed only in ObjectSets.");
     } else {

@@ -10,6 +10,7 @@
 #include "check/p5typ.h"
 #include "check/p5val.h"
 #include "diag/orvoerr.h"
+#include "parser/iso8824.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
@@ -17,7 +18,31 @@
 
 namespace orvo {
 
-bool subRange() {
+namespace {
+
+/// The endpoints that a range of times is written with are times of that kind.
+bool subTimeRange(ModuleRec* module) {
+    const SubRec range = subRec;
+    ModuleRec* const owner = subModule();
+    bool ok = true;
+    for (const uint32_t end : {range.left, range.right}) {
+        if (end == 0) continue;
+        readRec(owner, VNodeNr{end});
+        ok &= checkVNode(module, true, false);
+    }
+    return ok;
+}
+
+bool isTime() {
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    return is(tNode.typeCode, TypeClass::Time);
+}
+
+} // namespace
+
+bool subRange(ModuleRec* module) {
+    if (isTime()) return subTimeRange(module);
     Endpoint lower;
     Endpoint upper;
     if (!getRangeEndpoint(lower, false) || !getRangeEndpoint(upper, true)) return false;
@@ -141,11 +166,7 @@ bool checkInnerSubtype(InnerSubtypes& inner) {
 bool subWithComps(ModuleRec* module) {
     const SubRef self = currentRec<KIND_SUB>();
     skipTypes(true);
-    const uint8_t code = tNode.typeCode;
-    if (is(code, TypeClass::Associated) && run.iso8824MP != nullptr) {
-        readRec(run.iso8824MP, TNodeNr{code});
-        skipTypes(true);
-    }
+    static_cast<void>(readAssociatedType(tNode.typeCode));
     InnerSubtypes inner;
     inner.errors = module;
     inner.structure = currentRec<KIND_TNODE>();
@@ -176,11 +197,35 @@ bool subNoValueConstr(ModuleRec* module) {
     return checkVNode(module, true, true);
 }
 
-bool subOpenTypeConstr() {
-    if (!readTypeSetting({subModule(), VNodeNr{subRec.left}})) return false;
+namespace {
+
+/// The setting is a type, not a class.
+bool isValidType(VNodeRef setting) {
+    if (!readTypeSetting(setting)) return false;
     const bool ok = checkTNode();
     skipTypes(true);
     return ok && !is(tNode.typeCode, TypeClass::Reference) && !isClassCode(tNode.typeCode);
+}
+
+} // namespace
+
+bool subOpenTypeConstr() {
+    return isValidType({subModule(), VNodeNr{subRec.left}});
+}
+
+bool subContents(ModuleRec* module) {
+    const SubRec contents = subRec;
+    ModuleRec* const owner = subModule();
+    const bool ok = contents.left == 0 || isValidType({owner, VNodeNr{contents.left}});
+    if (contents.right == 0) return ok;
+    readRec(owner, VNodeNr{contents.right});
+    return checkVNode(module, true, true) && ok;
+}
+
+bool subText(ModuleRec* module) {
+    if (subRec.left == 0) return false;
+    readRec(subModule(), VNodeNr{subRec.left});
+    return checkVNode(module, true, true);
 }
 
 // ---- permitted alphabets ------------------------------------------------------------------------

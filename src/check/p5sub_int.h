@@ -37,7 +37,7 @@ void subError(ModuleRec* module, Msg code, uint32_t line);
 void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail = {});
 
 // ---- p5sub_elem ---------------------------------------------------------------------------------
-[[nodiscard]] bool subRange();
+[[nodiscard]] bool subRange(ModuleRec* module);
 [[nodiscard]] bool subSizeConstr(ModuleRec* module, ParentType parent);
 [[nodiscard]] bool subSingleValue(ModuleRec* module, ParentType parent);
 [[nodiscard]] bool subContainedSubtype();
@@ -46,6 +46,9 @@ void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail = {}
 [[nodiscard]] bool subUserDefConstr(ModuleRec* module);
 [[nodiscard]] bool subNoValueConstr(ModuleRec* module);
 [[nodiscard]] bool subOpenTypeConstr();
+[[nodiscard]] bool subContents(ModuleRec* module);
+/// The text of PATTERN or SETTINGS.
+[[nodiscard]] bool subText(ModuleRec* module);
 [[nodiscard]] bool subPermittedAlphabet(ModuleRec* module, ParentType parent);
 
 // ---- p5sub_tab ----------------------------------------------------------------------------------

@@ -69,18 +69,30 @@ std::string_view stepName(ModuleRec* module, const SNode& step) {
     return tNode.name == 0 ? std::string_view() : getStri(owner, tNode.name);
 }
 
+/// From the current type to the structure that a reference of so many dots begins at: the outermost
+/// for none, else as many structures around it. `named`: lists do not count (X.682 (02/2021) 10.8).
+bool readEnclosingStructure(uint32_t dots, bool named) {
+    if (dots == 0) return outerEnclStru();
+    while (dots != 0) {
+        if (!innerEnclStru()) return false;
+        if (!named || !is(tNode.typeCode, TypeClass::List)) --dots;
+    }
+    return true;
+}
+
 /// One reference: `entry` is its "@"; moved to the entry behind it.
 bool solveReference(ModuleRec* errors, ModuleRec* module, TNodeRef under, SNodeNr& entry) {
     readRec(module, entry);
     entry = SNodeNr{static_cast<uint32_t>(sNode.next)};
-    bool inner = false;
-    if (entry) {
+    uint32_t dots = 0;
+    for (; entry; ++dots) {
         readRec(module, entry);
-        inner = sNode.token == TOK_DOT;
-        if (inner) entry = SNodeNr{static_cast<uint32_t>(sNode.next)};
+        if (sNode.token != TOK_DOT) break;
+        entry = SNodeNr{static_cast<uint32_t>(sNode.next)};
     }
+    const bool isElement = sNode.token == TOK_NUMBER;
     readRec(under);
-    bool ok = inner ? innerEnclStru() : outerEnclStru();
+    bool ok = readEnclosingStructure(dots, newNotation(module) && !isElement);
     while (entry) {
         readRec(module, entry);
         if (sNode.token == TOK_AT) break;

@@ -10,6 +10,7 @@
 #include "check/orvonum_end.h"
 #include "check/orvostri.h"
 #include "check/p5val_int.h"
+#include "parser/iso8824.h"
 #include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
 
@@ -158,6 +159,7 @@ bool isInside(const CheckedValue& value, Endpoint end, bool upper) {
 }
 
 bool valRange(const CheckedValue& value) {
+    if (is(value.rec.valCode, TypeClass::Time)) return true;
     for (const bool upper : {false, true}) {
         Endpoint end;
         if (!getRangeEndpoint(end, upper) || !isInside(value, end, upper)) return false;
@@ -334,9 +336,7 @@ bool presencesAreKept(const CheckedValue& value, SubRef first, std::set<std::str
 /// The current type becomes the structure whose components are restricted.
 void readRestrictedStructure() {
     skipTypes(true);
-    if (!is(tNode.typeCode, TypeClass::Associated) || run.iso8824MP == nullptr) return;
-    readRec(run.iso8824MP, TNodeNr{tNode.typeCode});
-    skipTypes(true);
+    static_cast<void>(readAssociatedType(tNode.typeCode));
 }
 
 bool valWithComps(const CheckedValue& value) {
@@ -372,8 +372,11 @@ bool meets(const ValueErrors& errors, const CheckedValue& value) {
     case SUB_WITH_COMPONENT: return valWithComp(errors, value);
     case SUB_WITH_COMPONENTS: return valWithComps(value);
     case SUB_TABLE: return valTableConstr(errors, value);
+    case SUB_CONTENTS: return newNotation(subModule());
     case SUB_USER_DEFINED:
-    case SUB_EXCEPTION: return true;
+    case SUB_EXCEPTION:
+    case SUB_PATTERN:
+    case SUB_SETTINGS: return true;
     default: return false;
     }
 }

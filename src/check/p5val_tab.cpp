@@ -236,11 +236,16 @@ bool objectAgrees(const ValueErrors& errors, VNodeRef object, const FieldPath& p
 /// Where a reference of a component relation leads.
 enum class Reached { Value, Absent, Nowhere };
 
-/// The innermost or outermost value that encloses the one under check.
-bool readEnclosing(const CheckedValue& value, bool innermost) {
+/// The value that a reference of so many dots begins at: the outermost one around the value under
+/// check for none, else as many further out. `named`: lists do not count.
+bool readEnclosing(const CheckedValue& value, uint32_t dots, bool named) {
     const CheckedValue* enclosing = value.enclosing;
-    while (enclosing != nullptr && !innermost && enclosing->enclosing != nullptr)
-        enclosing = enclosing->enclosing;
+    const auto counts = [&] { return !named || !is(enclosing->rec.valCode, TypeClass::List); };
+    if (dots == 0)
+        while (enclosing != nullptr && enclosing->enclosing != nullptr)
+            enclosing = enclosing->enclosing;
+    else
+        while (enclosing != nullptr && !(counts() && --dots == 0)) enclosing = enclosing->enclosing;
     if (enclosing != nullptr) readRec(enclosing->module, enclosing->nr);
     return enclosing != nullptr;
 }
@@ -305,9 +310,13 @@ bool relatedValues(const CheckedValue& value, ModuleRec* module, SNodeNr entry,
         moveOn();
         if (!entry) break;
         readRec(module, entry);
-        const bool innermost = sNode.token == TOK_DOT;
-        if (innermost) moveOn();
-        if (!readEnclosing(value, innermost)) return false;
+        uint32_t dots = 0;
+        for (; entry && sNode.token == TOK_DOT; ++dots) {
+            moveOn();
+            if (entry) readRec(module, entry);
+        }
+        const bool named = newNotation(module) && sNode.token != TOK_NUMBER;
+        if (!readEnclosing(value, dots, named)) return false;
         const Reached reached = valAt(module, entry);
         if (reached == Reached::Nowhere) return false;
         const VNodeRef at = currentRec<KIND_VNODE>();

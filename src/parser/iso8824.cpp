@@ -11,6 +11,7 @@
 #include "parser/parser.h"
 #include "symtab/orvosym.h"
 #include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
 #include "tree/types.h"
 #include "tree/types_compat.h"
 
@@ -82,6 +83,18 @@ void parseISO8824() {
     for (const TypeCode kind : definedKinds)
         if (kind < firstAssignment()) addSynonym(kind);
     if (newNotation()) iso8824State.realComponents = definitionOf("REAL_COMPONENTS");
+}
+
+bool readAssociatedType(uint8_t kind) {
+    TNodeNr type;
+    if (kind == TYP_REAL)
+        type = iso8824State.realComponents;
+    else if (is(kind, TypeClass::Associated) || kind == TYP_INSTANCE_OF)
+        type = TNodeNr{kind};
+    if (!type || run.iso8824MP == nullptr) return false;
+    readRec(run.iso8824MP, type);
+    skipTypes(true);
+    return true;
 }
 
 void addSynonym(TypeCode kind) {

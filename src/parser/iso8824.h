@@ -19,6 +19,9 @@ extern Iso8824State iso8824State;
 
 /// Pass 1 of the built-in module, which must be the current one.
 void parseISO8824();
+/// Reads the type whose components are those of values of a kind that has no components in its own
+/// notation (an associated type). False, and nothing is read, when the kind has none.
+[[nodiscard]] bool readAssociatedType(uint8_t kind);
 /// Builds the text of the module in iso8824State.
 void makeIso8824ModuleString();
 /// Makes type node `kind` of the built-in module a synonym of the text's definition of that kind.

@@ -184,6 +184,7 @@ void actParInSub(Search& search, SubRef nr) {
     case SUB_PERMITTED_ALPHABET:
     case SUB_SIZE:
     case SUB_WITH_COMPONENT: enterSub(search, nr.module, sub.left); break;
+    case SUB_CONTENTS:
     case SUB_RANGE:
         enterValue(search, nr.module, sub.left);
         enterValue(search, nr.module, sub.right);
@@ -191,6 +192,8 @@ void actParInSub(Search& search, SubRef nr) {
     case SUB_SINGLE_VALUE:
     case SUB_CONTAINED_SUBTYPE:
     case SUB_TABLE:
+    case SUB_PATTERN:
+    case SUB_SETTINGS:
     case SUB_OPEN_TYPE: enterValue(search, nr.module, sub.left); break;
     case SUB_USER_DEFINED: actParInValCompList(search, nr.module, sub.left); break;
     default: break;
@@ -338,6 +341,14 @@ void recordError2(Msg code, const Cause& cause, uint32_t line, std::string_view 
                     cause.hasText ? std::string_view(cause.text) : std::string_view());
     }
     recordError(module, ERR_SEMANTIC, code, line, detail);
+}
+
+bool tolerate(Msg code, uint32_t line, std::string_view detail) {
+    ModuleRec* const module = actErrModPtr();
+    if (!isLenient(module)) return false;
+    const InstContext* instance = instContext();
+    recordOnce(module, code, instance != nullptr ? instance->line : line, detail);
+    return true;
 }
 
 void resolveUse(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line,

@@ -33,6 +33,10 @@ ModuleRec* actErrModPtr();
 /// actErrModPtr(). A detail whose data() is not null is listed behind the error.
 void recordError2(Msg code, const Cause& cause, uint32_t line, std::string_view detail = {});
 
+/// What is being parsed has a fault that is read on where those whom it is charged to are lenient:
+/// a warning. False where they are not.
+[[nodiscard]] bool tolerate(Msg code, uint32_t line, std::string_view detail = {});
+
 /// Resolves a name in what is being parsed (chkIfSymbolDef), errors as recordError2. `line` is that
 /// of the record it is for, `useLine` that of the name itself: inside an instance the former lies
 /// in the module of the instantiating reference.

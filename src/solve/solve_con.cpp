@@ -1,11 +1,16 @@
 // Constraint notation: the entry, serial constraints, set arithmetic (X.680 (07/2002) clauses 45
-// and 46).
+// and 46, where operators of different kinds need parentheses; X.680 (02/2021) clause 50, where
+// they have precedence).
 //
 // An operator is seen only behind its first operand. The record that was the operand then becomes
 // the operator and keeps its number, which the type or the enclosing operator already holds, and
 // the operand moves to a fresh number (addAndSwap).
 
 #include "solve/solve_con.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include "solve/p5actpar.h"
 #include "solve/solve_con_int.h"
@@ -91,15 +96,32 @@ void parseSubRec() {
 
 namespace {
 
+bool isIntersectionMark(int32_t code) {
+    return code == TOK_INTERSECTION || code == TOK_CARET;
+}
+bool isUnionMark(int32_t code) {
+    return code == TOK_UNION || code == TOK_BAR || code == TOK_COMMA;
+}
+
+/// No operator follows the constraint, which is no element of a set.
+bool standsAlone(std::string_view name, Cause& cause) {
+    const int32_t code = nextCode();
+    return (code != TOK_EXCEPT && !isIntersectionMark(code) && !isUnionMark(code)) ||
+           fail(cause, Msg::ConstraintStandsAlone, name);
+}
+
 /// The contents of a constraint by the type it restricts.
 bool parseConstraintSpec(SubNr nr, Cause& cause) {
     if (curCode() == TOK_CONSTRAINED) return parseUserDefConstr(nr, cause);
+    if (newNotation() && (curCode() == TOK_CONTAINING || curCode() == TOK_ENCODED))
+        return parseContents(nr, cause) && standsAlone("CONTAINING", cause);
     if (curCode() == TOK_CONTAINING) return parseContentsConstraint(nr, cause);
     readGovernor(nr);
     if (findActType()) skipTypes(false);
     // Information from an object that is still there leads nowhere: no table, but an error.
     const bool isField = tNode.typeCode == TYP_FIELDLIST && tNode.refMod != REF_OBJECT;
     if (!isField && tNode.typeCode != TYP_INSTANCE_OF) return parseElemSetSpec(nr, cause);
+    if (!isField && newNotation() && curCode() != TOK_LBRACE) return parseElemSetSpec(nr, cause);
     if (isOpenTypeConstraint()) return parseOpenTypeConstraint(nr, cause);
     return parseTableConstr(nr, cause);
 }
@@ -116,11 +138,7 @@ bool parseConstraint(SubNr nr, Cause& cause) {
                expectNext(TOK_RPAREN, cause, "Invalid exception specification");
     }
     if (!parseConstraintSpec(nr, cause)) return false;
-    if (nextCode() == TOK_EXCLAMATION) {
-        static_cast<void>(advance());
-        if (!parseExceptionSpec(nr, false, cause))
-            return failWith(cause, "Invalid exception specification");
-    }
+    if (!parseOptionalException(nr, cause)) return false;
     return expectNext(TOK_RPAREN, cause, "Missing end of constraint");
 }
 
@@ -157,13 +175,6 @@ SubNr addNext(Operator& op) {
 bool parseExcept(SubNr nr, Cause& cause) {
     Operator op = makeOperator(nr, SUB_EXCEPT);
     return advance() && advance() && parseElements(addNext(op), cause);
-}
-
-bool isIntersectionMark(int32_t code) {
-    return code == TOK_INTERSECTION || code == TOK_CARET;
-}
-bool isUnionMark(int32_t code) {
-    return code == TOK_UNION || code == TOK_BAR || code == TOK_COMMA;
 }
 
 /// Elements {(`^` | INTERSECTION) Elements}; the first one is parsed.
@@ -215,8 +226,112 @@ bool parseUnion(SubNr nr, Cause& cause) {
 
 } // namespace
 
+// ---- with precedence ----------------------------------------------------------------------------
+// A set is flat: its union holds the operands, the extension marker and the additions.
+
+namespace {
+
+/// Elements [EXCEPT Elements]
+bool parseIntersectionElements(SubNr nr, Cause& cause) {
+    if (curCode() == TOK_ALL) return fail(cause, Msg::AllExceptIsNoOperand);
+    if (!parseElements(nr, cause)) return false;
+    if (nextCode() != TOK_EXCEPT) return true;
+    if (!parseExcept(nr, cause)) return false;
+    return nextCode() != TOK_EXCEPT || fail(cause, Msg::SecondExcept);
+}
+
+/// IntersectionElements {(`^` | INTERSECTION) IntersectionElements}
+bool parseIntersections(SubNr nr, Cause& cause) {
+    if (!parseIntersectionElements(nr, cause)) return false;
+    if (!isIntersectionMark(nextCode())) return true;
+    Operator op = makeOperator(nr, SUB_INTERSECTION);
+    while (isIntersectionMark(nextCode())) {
+        if (!advance() || !advance() || !parseIntersectionElements(addNext(op), cause))
+            return false;
+    }
+    return true;
+}
+
+/// Intersections {(`|` | UNION) Intersections}, the first of which goes into `nr`. `op`, once it is
+/// there, is the union that all of them stand in.
+bool parseUnions(SubNr nr, std::optional<Operator>& op, Cause& cause) {
+    SubNr operand = nr;
+    for (;;) {
+        if (!parseIntersections(operand, cause)) return false;
+        if (nextCode() != TOK_BAR && nextCode() != TOK_UNION) return true;
+        if (!op) op = makeOperator(nr, SUB_UNION);
+        if (!advance() || !advance()) return false;
+        if (curCode() == TOK_ELLIPSIS)
+            return fail(cause, tokenExpected(TOK_COMMA),
+                        "In sets a comma is expected before an extension marker");
+        operand = addNext(*op);
+    }
+}
+
+/// Unions | ALL EXCEPT Elements
+bool parseElementSetSpec(SubNr nr, std::optional<Operator>& op, Cause& cause) {
+    if (curCode() != TOK_ALL) return parseUnions(nr, op, cause);
+    if (!parseAllExcept(nr, cause)) return false;
+    const int32_t behind = nextCode();
+    const bool isOperand = behind == TOK_EXCEPT || isIntersectionMark(behind) ||
+                           (isUnionMark(behind) && behind != TOK_COMMA);
+    return !isOperand || fail(cause, Msg::AllExceptIsNoOperand);
+}
+
+/// The set begins with the marker: a set of objects may.
+bool mayBeginWithMarker(SubNr nr, Cause& cause) {
+    readGovernor(nr);
+    const std::string name(currentTypeName());
+    if (findActType()) skipTypes(true);
+    return isClassCode(tNode.typeCode) ||
+           tolerate(Msg::MarkerBeginsSet, curToken().line, name) ||
+           fail(cause, Msg::MarkerBeginsSet, name);
+}
+
+/// [`,` AdditionalElementSetSpec] behind the marker at the cursor.
+bool parseAdditions(std::optional<Operator>& op, SubNr nr, Cause& cause) {
+    if (isUnionMark(nextCode()) && nextCode() != TOK_COMMA)
+        return fail(cause, tokenExpected(TOK_COMMA),
+                    "In sets a comma is expected after an extension marker");
+    if (nextCode() != TOK_COMMA) return true;
+    if (!op) op = makeOperator(nr, SUB_UNION);
+    if (!advance() || !advance() || !parseElementSetSpec(addNext(*op), op, cause)) return false;
+    return !markerFollows() || fail(cause, Msg::MisplacedMarker);
+}
+
+/// RootElementSetSpec [`,` `...` [`,` AdditionalElementSetSpec]], for objects without a root too
+/// (X.681 (02/2021) 12.3)
+bool parseElementSetSpecs(SubNr nr, Cause& cause) {
+    std::optional<Operator> op;
+    if (curCode() == TOK_ELLIPSIS) {
+        if (!mayBeginWithMarker(nr, cause)) return false;
+        makePending(cMP, nr);
+        subRec.subKind = SUB_EXTENSION_MARKER;
+        return parseAdditions(op, nr, cause);
+    }
+    if (!parseElementSetSpec(nr, op, cause)) return false;
+    if (nextCode() != TOK_COMMA) return true;
+    static_cast<void>(advance());
+    if (!advance() || curCode() != TOK_ELLIPSIS)
+        return fail(cause, tokenExpected(TOK_ELLIPSIS),
+                    "In sets a comma is allowed only before an extension marker");
+    if (!op) op = makeOperator(nr, SUB_UNION);
+    addNext(*op);
+    subRec.subKind = SUB_EXTENSION_MARKER;
+    return parseAdditions(op, nr, cause);
+}
+
+} // namespace
+
+bool parseNestedSet(SubNr nr, Cause& cause) {
+    if (!newNotation()) return parseElemSetSpec(nr, cause);
+    std::optional<Operator> op;
+    return parseElementSetSpec(nr, op, cause);
+}
+
 /// ALL EXCEPT Elements, or elements joined by operators of one kind.
 bool parseElemSetSpec(SubNr nr, Cause& cause) {
+    if (newNotation()) return parseElementSetSpecs(nr, cause);
     if (curCode() == TOK_ALL) return parseAllExcept(nr, cause);
     if (!parseElements(nr, cause)) return false;
     if (nextCode() == TOK_EXCEPT) return parseExcept(nr, cause);

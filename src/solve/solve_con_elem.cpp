@@ -1,5 +1,7 @@
 // Elements of sets: values and ranges, sizes, alphabets, contained subtypes, inner subtypes.
 
+#include "lex/orvotok.h"
+#include "parser/iso8824.h"
 #include "solve/p5actpar.h"
 #include "solve/solve_con_int.h"
 #include "solve/solve_cur.h"
@@ -33,6 +35,10 @@ bool failWith(Cause& cause, std::string_view text) {
 }
 bool expectNext(int32_t code, Cause& cause, std::string_view text) {
     return (advance() && curCode() == code) || fail(cause, tokenExpected(code), text);
+}
+
+bool markerFollows() {
+    return nextCode() == TOK_COMMA && codeAhead(2) == TOK_ELLIPSIS;
 }
 
 uint32_t lineHere() {
@@ -94,7 +100,12 @@ namespace {
 
 constexpr std::string_view innerSubtypingText = "Invalid inner subtyping constraint";
 
+/// What later editions added: times (X.680 (02/2021) 51.11 to 51.13), and another alphabet.
+bool hasLaterValueRange(uint8_t kind) {
+    return kind == TYP_UTF8STR || is(kind, TypeClass::Time);
+}
 bool hasValueRange(uint8_t kind) {
+    if (hasLaterValueRange(kind)) return true;
     return kind == TYP_INTEGER || kind == TYP_REAL || kind == TYP_NUMSTR || kind == TYP_PRISTR ||
            kind == TYP_VISSTR || kind == TYP_IA5STR || kind == TYP_BMPSTR || kind == TYP_UNISTR;
 }
@@ -148,7 +159,9 @@ bool parseSingleValueOrValueRange(SubNr nr, TNodeRef governor, Cause& cause) {
 /// `(` ElementSetSpec `)` behind SIZE or FROM.
 bool parseParenthesized(SubNr nr, Cause& cause, std::string_view text) {
     if (!expectNext(TOK_LPAREN, cause, text)) return false;
-    return advance() && parseElemSetSpec(nr, cause) && expectNext(TOK_RPAREN, cause, text);
+    if (!advance() || !parseElemSetSpec(nr, cause)) return false;
+    if (newNotation() && !parseOptionalException(nr, cause)) return false;
+    return expectNext(TOK_RPAREN, cause, text);
 }
 
 bool parseSizeConstraint(SubNr nr, uint8_t kind, Cause& cause) {
@@ -278,8 +291,17 @@ bool parseWithComponent(SubNr nr, TNodeRef list, Cause& cause) {
                            cause);
 }
 
+/// The types of which only later editions restrict the components of their associated type (X.680
+/// (02/2021) 51.8).
+bool readLaterAssociatedType(uint8_t kind) {
+    if (!newNotation() || (kind != TYP_REAL && kind != TYP_INSTANCE_OF)) return false;
+    return readAssociatedType(kind);
+}
+
 bool parseInnerSubtyping(SubNr nr, TNodeRef governor, Cause& cause) {
     readRec(governor);
+    if (readLaterAssociatedType(tNode.typeCode))
+        return parseWithComponents(nr, currentRec<KIND_TNODE>(), cause);
     switch (tNode.typeCode) {
     case TYP_SEQ:
     case TYP_SET:
@@ -297,6 +319,39 @@ bool parseInnerSubtyping(SubNr nr, TNodeRef governor, Cause& cause) {
     }
 }
 
+/// A value of a character string kind behind the token at the cursor.
+bool parseTextOfConstraint(SubNr nr, SubKind subKind, TypeCode kind, Cause& cause) {
+    if (!advance()) return false;
+    const TNodeNr type = addTypeArc(instContext(), curToken().line);
+    setTypeNode(kind);
+    flushRecs(KIND_TNODE);
+    VNodeNr text;
+    if (!parseValueSetting(text, {cMP, type}, cause)) return false;
+    makePending(cMP, nr);
+    subRec.subKind = subKind;
+    subRec.left = text.nr;
+    return true;
+}
+
+/// PATTERN value, a text of any characters (X.680 (02/2021) 51.9)
+bool parsePattern(SubNr nr, uint8_t kind, Cause& cause) {
+    if (!is(kind, TypeClass::Text)) {
+        recordSubError(nr, Msg::PatternNotAllowed, currentTypeName());
+        return false;
+    }
+    return parseTextOfConstraint(nr, SUB_PATTERN, TYP_UNISTR, cause);
+}
+
+/// SETTINGS cstring (X.680 (02/2021) 51.10)
+bool parseSettings(SubNr nr, uint8_t kind, Cause& cause) {
+    if (!is(kind, TypeClass::Time)) {
+        recordSubError(nr, Msg::SettingsNotAllowed, currentTypeName());
+        return false;
+    }
+    if (nextCode() != TOK_CSTRING) return fail(cause, tokenExpected(TOK_CSTRING));
+    return parseTextOfConstraint(nr, SUB_SETTINGS, TYP_VISSTR, cause);
+}
+
 /// [`,`] `...` [`,` Elements]: an element behind the marker takes the record over.
 bool parseExtendedElements(SubNr nr, Cause& cause) {
     if (curCode() == TOK_COMMA) static_cast<void>(advance());
@@ -309,7 +364,8 @@ bool parseExtendedElements(SubNr nr, Cause& cause) {
 
 /// `(` ElementSetSpec `)`
 bool parseElemSetSpecWithinParen(SubNr nr, Cause& cause) {
-    if (!advance() || !parseElemSetSpec(nr, cause)) return false;
+    if (!advance() || !parseNestedSet(nr, cause)) return false;
+    if (newNotation() && markerFollows()) return fail(cause, Msg::MisplacedMarker);
     return expectNext(TOK_RPAREN, cause, "Invalid \"ElementSetSpec\"");
 }
 
@@ -339,8 +395,17 @@ bool parseElements(SubNr nr, Cause& cause) {
     case TOK_SIZE: return parseSizeConstraint(nr, kind, cause);
     case TOK_FROM: return parsePermittedAlphabet(nr, kind, cause);
     case TOK_WITH: return parseInnerSubtyping(nr, governor, cause);
+    case TOK_PATTERN: return parsePattern(nr, kind, cause);
+    case TOK_SETTINGS: return parseSettings(nr, kind, cause);
     case TOK_ELLIPSIS:
-    case TOK_COMMA: return parseExtendedElements(nr, cause);
+    case TOK_COMMA:
+        if (newNotation()) return fail(cause, Msg::MisplacedMarker);
+        return parseExtendedElements(nr, cause);
+    case TOK_CONTAINING:
+    case TOK_ENCODED:
+    case TOK_CONSTRAINED:
+        if (newNotation()) return fail(cause, Msg::ConstraintStandsAlone, tokenName(curCode()));
+        [[fallthrough]];
     default: return parseSingleValueOrValueRange(nr, governor, cause);
     }
 }

@@ -34,6 +34,8 @@ void readGovernor(SubNr nr);
 /// `last`.
 SubNr addOperand(SubNr nr);
 SubNr addSibling(SubNr last, uint32_t typeMod, TNodeNr type);
+/// `,` `...` follows.
+bool markerFollows();
 /// Records an error of the constraint record at its line.
 void recordSubError(SubNr nr, Msg code, std::string_view detail = {});
 /// The name of the type in `tNode` for a message; data() is null without one.
@@ -44,15 +46,19 @@ bool parseTypeSetting(VNodeNr& value, TNodeRef governor, Cause& cause);
 
 // ---- solve_con ----------------------------------------------------------------------------------
 bool parseConstraint(SubNr nr, Cause& cause);
+/// A set as a whole, and one inside parentheses, where the notation of today has no marker.
 bool parseElemSetSpec(SubNr nr, Cause& cause);
+bool parseNestedSet(SubNr nr, Cause& cause);
 
 // ---- solve_con_elem -----------------------------------------------------------------------------
 bool parseElements(SubNr nr, Cause& cause);
 
 // ---- solve_con_tab ------------------------------------------------------------------------------
 bool parseExceptionSpec(SubNr nr, bool alone, Cause& cause);
+bool parseOptionalException(SubNr nr, Cause& cause);
 bool parseUserDefConstr(SubNr nr, Cause& cause);
 bool parseContentsConstraint(SubNr nr, Cause& cause);
+bool parseContents(SubNr nr, Cause& cause);
 bool parseTableConstr(SubNr nr, Cause& cause);
 bool isOpenTypeConstraint();
 bool parseOpenTypeConstraint(SubNr nr, Cause& cause);

@@ -7,6 +7,7 @@
 #include "solve/solve_con_int.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_par.h"
+#include "solve/solve_ref.h"
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
@@ -31,6 +32,14 @@ bool parseExceptionSpec(SubNr nr, bool alone, Cause& cause) {
     makePending(cMP, nr);
     subRec.third = value.nr;
     return true;
+}
+
+/// [`!` ExceptionValue] behind the constraint `nr`.
+bool parseOptionalException(SubNr nr, Cause& cause) {
+    if (nextCode() != TOK_EXCLAMATION) return true;
+    static_cast<void>(advance());
+    return parseExceptionSpec(nr, false, cause) ||
+           failWith(cause, "Invalid exception specification");
 }
 
 namespace {
@@ -107,7 +116,7 @@ bool parseUserDefConstr(SubNr nr, Cause& cause) {
     return curCode() == TOK_RBRACE || fail(cause, tokenExpected(TOK_RBRACE), parameterText);
 }
 
-/// CONTAINING Type: only its presence is kept.
+/// CONTAINING Type in the notation of 1994: only its presence is kept.
 bool parseContentsConstraint(SubNr nr, Cause& cause) {
     makePending(cMP, nr);
     subRec.subKind = SUB_CONTENTS;
@@ -115,6 +124,54 @@ bool parseContentsConstraint(SubNr nr, Cause& cause) {
         return fail(cause, tokenExpected(TOK_TYPEID), "Invalid \"Contents constraint\"");
     uint32_t actuals = 0;
     return nextCode() != TOK_LBRACE || (advance() && deferBraces(actuals));
+}
+
+namespace {
+
+constexpr std::string_view contentsText = "Invalid \"Contents constraint\"";
+
+/// The strings that may hold an encoding: those whose bits have no meaning of their own (X.682
+/// (02/2021) 11.2).
+bool mayHaveContents(SubNr nr) {
+    readGovernor(nr);
+    if (findActType()) skipTypes(true);
+    return tNode.typeCode == TYP_OCTSTR || (tNode.typeCode == TYP_BITSTR && tNode.namedVals == 0);
+}
+
+/// ENCODED BY value; the cursor is on ENCODED.
+bool parseEncodedBy(SubNr nr, Cause& cause) {
+    if (!expectNext(TOK_BY, cause, contentsText) || !advance()) return false;
+    const TNodeNr objectId = addTypeArc(instContext(), curToken().line);
+    setTypeNode(TYP_OBJID);
+    flushRecs(KIND_TNODE);
+    VNodeNr rules;
+    if (!parseValueSetting(rules, {cMP, objectId}, cause)) return failWith(cause, contentsText);
+    makePending(cMP, nr);
+    subRec.right = rules.nr;
+    return true;
+}
+
+} // namespace
+
+/// CONTAINING Type [ENCODED BY value] | ENCODED BY value (X.682 (02/2021) 11)
+bool parseContents(SubNr nr, Cause& cause) {
+    if (!mayHaveContents(nr)) {
+        recordSubError(nr, Msg::ContentsNotAllowed, currentTypeName());
+        return false;
+    }
+    const TNodeRef governor = currentRec<KIND_TNODE>();
+    makePending(cMP, nr);
+    subRec.subKind = SUB_CONTENTS;
+    if (curCode() == TOK_ENCODED) return parseEncodedBy(nr, cause);
+    if (!advance()) return false;
+    VNodeNr type;
+    if (!parseTypeSetting(type, governor, cause)) {
+        return cause.code != Msg::None ? failWith(cause, contentsText)
+                                       : fail(cause, tokenExpected(TOK_TYPEID), contentsText);
+    }
+    makePending(cMP, nr);
+    subRec.left = type.nr;
+    return nextCode() != TOK_ENCODED || (advance() && parseEncodedBy(nr, cause));
 }
 
 namespace {
@@ -143,14 +200,31 @@ bool parseAtStep(SNodeNr& first, Cause& cause) {
     return true;
 }
 
-/// `@` [`.`] step {`.` step}; the cursor is on the token that should be the `@`.
+/// Dots that the token behind the cursor is made of.
+int dotsBehind() {
+    switch (nextCode()) {
+    case TOK_DOT: return 1;
+    case TOK_RANGE: return newNotation() ? 2 : 0;
+    case TOK_ELLIPSIS: return newNotation() ? 3 : 0;
+    default: return 0;
+    }
+}
+
+/// The level: a dot for the innermost structure around the component, one more for each structure
+/// further out (X.682 (02/2021) 10.8).
+void parseLevel(SNodeNr& first) {
+    do {
+        const int dots = dotsBehind();
+        if (dots != 0) static_cast<void>(advance());
+        for (int dot = 0; dot < dots; ++dot) addAtEntry(first, TOK_DOT, 0);
+    } while (newNotation() && dotsBehind() != 0);
+}
+
+/// `@` [Level] step {`.` step}; the cursor is on the token that should be the `@`.
 bool parseAtNotation(SNodeNr& first, Cause& cause) {
     if (curCode() != TOK_AT) return fail(cause, tokenExpected(TOK_AT), relationText);
     addAtEntry(first, TOK_AT, 0);
-    if (nextCode() == TOK_DOT) {
-        static_cast<void>(advance());
-        addAtEntry(first, TOK_DOT, 0);
-    }
+    parseLevel(first);
     for (;;) {
         if (!advance() || !parseAtStep(first, cause)) return false;
         if (nextCode() != TOK_DOT) return true;

@@ -79,6 +79,7 @@ enum class TypeClass : char {
     Characters = 'c',
     Enclosing = 'e',
     StringGroup = 'g',
+    Time = 'i',
     Class = 'k',
     List = 'l',
     Members = 'm',
