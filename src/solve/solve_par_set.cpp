@@ -85,7 +85,9 @@ bool parseValueSettingPassOne(Cause& cause) {
 }
 
 bool parseSetSettingPassOne(uint32_t govTypeMod, TNodeNr govType, Cause& cause) {
-    if (curCode() != TOK_LBRACE) {
+    const bool isNaked = curCode() == TOK_TYPEID && isLenient(cMP);
+    if (isNaked) recordOnce(cMP, Msg::SetWithoutBraces, curToken().line, curTokenText());
+    if (curCode() != TOK_LBRACE && !isNaked) {
         cause.set(tokenExpected(TOK_LBRACE));
         return false;
     }
