@@ -54,6 +54,8 @@ namespace {
 bool isPlaceOfObjClFldTyp() {
     switch (magnitude(tNode.compStatus)) {
     case TCS_MANDATORY:
+        if (tNode.name == 0 && newNotation(typeModule())) return true; // in a setting or contents
+        [[fallthrough]];
     case TCS_OPTIONAL:
         return (isValFieldTNode() || isValSetFieldTNode()) && !isVariabTypeFieldTNode();
     case TCS_CHOICE:
