@@ -92,7 +92,7 @@ bool parseSetSettingPassOne(uint32_t govTypeMod, TNodeNr govType, Cause& cause) 
         return false;
     }
     setValSetNode(govTypeMod, govType, minus(nextRec<KIND_DNODE>(cMP).nr));
-    return deferValue(cause);
+    return isNaked ? deferSetReference(cause) : deferValue(cause);
 }
 
 } // namespace
