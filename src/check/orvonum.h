@@ -37,8 +37,8 @@ int32_t getSpecialRealVal(const RealVal& real);
 double retRealVal(const RealVal& real);
 /// -1, 0 or 1.
 [[nodiscard]] int compareReal(const RealVal& a, const RealVal& b);
-/// Sets the real that a number or real number, such as 2.50E-3, is written as: in base 10, its mantissa
-/// without trailing zeros.
+/// Sets the real that a number or real number, such as 2.50E-3, is written as: in base 10, its
+/// mantissa without trailing zeros.
 enum class RealText : uint8_t { Exact, LongMantissa, LongExponent };
 [[nodiscard]] RealText realOfText(std::string_view text, bool isNegative, RealVal& real);
 /// Negates a mantissa or an integer for a leading minus sign; zero records 341 at the line against

@@ -297,8 +297,7 @@ bool mayBeginWithMarker(SubNr nr, Cause& cause) {
     readGovernor(nr);
     const std::string name(currentTypeName());
     if (findActType()) skipTypes(true);
-    return isClassCode(tNode.typeCode) ||
-           tolerate(Msg::MarkerBeginsSet, curToken().line, name) ||
+    return isClassCode(tNode.typeCode) || tolerate(Msg::MarkerBeginsSet, curToken().line, name) ||
            fail(cause, Msg::MarkerBeginsSet, name);
 }
 
