@@ -94,6 +94,44 @@ double retRealVal(const RealVal& real) {
     return std::clamp(value, -largest, largest);
 }
 
+RealText realOfText(std::string_view text, bool isNegative, RealVal& real) {
+    std::string digits;
+    int64_t exponent = 0;
+    const size_t mark = text.find_first_of("eE");
+    const std::string_view number = text.substr(0, mark);
+    const size_t point = number.find('.');
+    digits = number.substr(0, point);
+    if (point != number.npos) {
+        digits += number.substr(point + 1);
+        exponent = -static_cast<int64_t>(number.size() - point - 1);
+    }
+    digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
+    if (digits.empty()) {
+        makeSpecialRealVal(real, isNegative ? REAL_MINUS_ZERO : REAL_ZERO);
+        return RealText::Exact;
+    }
+    const size_t kept = digits.find_last_not_of('0') + 1;
+    exponent += static_cast<int64_t>(digits.size() - kept);
+    digits.resize(kept);
+    if (mark != text.npos) {
+        std::string_view written = text.substr(mark + 1);
+        const bool isDown = written.starts_with('-');
+        if (isDown || written.starts_with('+')) written.remove_prefix(1);
+        written.remove_prefix(std::min(written.find_first_not_of('0'), written.size()));
+        constexpr size_t longest = 9; // digits of what may still come into range
+        if (written.size() > longest) return RealText::LongExponent;
+        const int64_t power = written.empty() ? 0 : std::stoll(std::string(written));
+        exponent += isDown ? -power : power;
+    }
+    I64 mantissa;
+    if (digits.size() > maxNumberDigits || !i64strtosint64(digits, mantissa))
+        return RealText::LongMantissa;
+    if (exponent < INT16_MIN || exponent > INT16_MAX) return RealText::LongExponent;
+    if (isNegative) mantissa = i64neg(mantissa);
+    makeRealVal(real, mantissa, 10, static_cast<int16_t>(exponent));
+    return RealText::Exact;
+}
+
 int compareReal(const RealVal& a, const RealVal& b) {
     const double left = retRealVal(a);
     const double right = retRealVal(b);

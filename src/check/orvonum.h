@@ -3,6 +3,7 @@
 // Real values.
 
 #include <cstdint>
+#include <string_view>
 
 #include "lex/i64.h"
 #include "tree/orvodef.h"
@@ -11,7 +12,13 @@
 namespace orvo {
 
 /// Codes of the special real values, held in the mantissa under base -1.
-enum SpecialReal : int32_t { REAL_ZERO = 0, REAL_MINUS_INFINITY = -1, REAL_PLUS_INFINITY = -2 };
+enum SpecialReal : int32_t {
+    REAL_ZERO = 0,
+    REAL_MINUS_INFINITY = -1,
+    REAL_PLUS_INFINITY = -2,
+    REAL_NOT_A_NUMBER = -3,
+    REAL_MINUS_ZERO = -4,
+};
 /// What getSpecialRealVal gives for a mantissa that is no code.
 inline constexpr int32_t noSpecialReal = 2147483647;
 
@@ -30,6 +37,10 @@ int32_t getSpecialRealVal(const RealVal& real);
 double retRealVal(const RealVal& real);
 /// -1, 0 or 1.
 [[nodiscard]] int compareReal(const RealVal& a, const RealVal& b);
+/// Sets the real that a number or real number, such as 2.50E-3, is written as: in base 10, its
+/// mantissa without trailing zeros.
+enum class RealText : uint8_t { Exact, LongMantissa, LongExponent };
+[[nodiscard]] RealText realOfText(std::string_view text, bool isNegative, RealVal& real);
 /// Negates a mantissa or an integer for a leading minus sign; zero records 341 at the line against
 /// the current module.
 void fixNegative(I64& number, uint32_t line);

@@ -218,6 +218,31 @@ void noteComponents(ModuleRec* module, std::vector<uint32_t>& enclosing) {
         if (nr.nr < enclosing.size()) enclosing[nr.nr] = structure;
 }
 
+/// The type in a contents constraint stands where the constrained type does.
+void noteContainedType(ModuleRec* module, uint32_t owner, std::vector<uint32_t>& enclosing) {
+    if (subRec.subKind != SUB_CONTENTS || subRec.left == 0) return;
+    const KeepRec<KIND_VNODE> keep;
+    readRec(module, VNodeNr{subRec.left});
+    if (vNode.ref < enclosing.size()) enclosing[vNode.ref] = enclosing[owner];
+}
+
+/// The contents constraints of the types of a module, alone or in a series.
+void noteContents(ModuleRec* module, std::vector<uint32_t>& enclosing) {
+    const KeepRec<KIND_SUB> keep;
+    for (uint32_t nr = 1; nr < enclosing.size(); ++nr) {
+        if (enclosing[nr] == 0) continue;
+        readRec(module, TNodeNr{nr});
+        if (tNode.constraint <= 0) continue;
+        readRec(module, SubNr{magnitude(tNode.constraint)});
+        if (subRec.subKind != SUB_SERIAL) {
+            noteContainedType(module, nr, enclosing);
+            continue;
+        }
+        for ([[maybe_unused]] const SubNr member : chain(module, SubNr{subRec.left}))
+            noteContainedType(module, nr, enclosing);
+    }
+}
+
 /// The enclosing structure or group of the record, which is of the module; 0 when there is none.
 uint32_t holderOf(ModuleRec* module, TNodeNr nr) {
     noteEnclosing(module);
@@ -251,6 +276,7 @@ void noteEnclosing(ModuleRec* module) {
         readRec(module, TNodeNr{nr});
         if (is(tNode.typeCode, TypeClass::Enclosing)) noteComponents(module, enclosing);
     }
+    if (newNotation(module)) noteContents(module, enclosing);
 }
 
 bool isEnclosed() {

@@ -88,7 +88,8 @@ struct EntryList {
     int32_t nextAutomatic = 0;
     bool tooLong = false;
     bool ok = true;
-    OpenLists open; // the structure's own list and those that are being expanded in it
+    bool inAdditions = false; // between the markers of the structure
+    OpenLists open;           // the structure's own list and those that are being expanded in it
     std::vector<CompEntry> entries;
 };
 
@@ -202,6 +203,7 @@ void addEntry(EntryList& list, TNodeRef bringer) {
     entry.record = bringer ? bringer : currentRec<KIND_TNODE>();
     entry.name = tNodeName();
     entry.compStatus = tNode.compStatus;
+    entry.isAddition = list.inAdditions;
     setEntryTag(list, entry);
     list.entries.push_back(entry);
 }
@@ -211,8 +213,15 @@ void addEntry(EntryList& list, TNodeRef bringer) {
 void addEntries(EntryList& list, TNodeRef first, TNodeRef bringer) {
     needStack();
     if (!list.open.insert({first.module, first.nr.nr}).second) return;
+    bool skipping = false; // additions of an included type
     forEachComponent(first.module, first.nr, [&] {
-        if (tNode.typeCode == TYP_EXTENSION_MARKER) return !bringer;
+        if (tNode.typeCode == TYP_EXTENSION_MARKER) {
+            if (bringer && !newNotation(first.module)) return false;
+            bool& between = bringer ? skipping : list.inAdditions;
+            between = !between;
+            return true;
+        }
+        if (skipping) return true;
         if (isCompOf()) {
             const TNodeRef entry = bringer ? bringer : currentRec<KIND_TNODE>();
             const IncludedList sum = includedList(list.open);
@@ -226,6 +235,37 @@ void addEntries(EntryList& list, TNodeRef first, TNodeRef bringer) {
     list.open.erase({first.module, first.nr.nr});
 }
 
+/// Automatic tags number both root lists before the additions (X.680 (02/2021) 25.3).
+void numberRootsFirst(EntryList& list) {
+    int32_t next = 0;
+    for (const bool isAddition : {false, true})
+        for (CompEntry& entry : list.entries)
+            if (entry.isAddition == isAddition) entry.tag.tagNr = next++;
+}
+
+/// Where the roots are written for automatic tags, additions have none (25.9). The structure is the
+/// current type record.
+void checkTagsOfAdditions(EntryList& list) {
+    ModuleRec* const module = list.structure.module;
+    if (list.kind == TYP_CLASS || !module->automaticTags) return;
+    readRec(list.structure);
+    bool inAdditions = false, rootHasTags = false;
+    uint32_t line = 0;
+    forEachComponent(module, TNodeNr{tNode.ref}, [&] {
+        if (tNode.typeCode == TYP_EXTENSION_MARKER)
+            inAdditions = !inAdditions;
+        else if (tNode.tags != 0 && inAdditions && line == 0)
+            line = tNode.line;
+        else if (tNode.tags != 0 && !inAdditions)
+            rootHasTags = true;
+        return true;
+    });
+    if (rootHasTags || line == 0) return;
+    if (isLenient(list.errors)) return recordOnce(list.errors, Msg::TaggedAddition, line, {});
+    recordError(list.errors, ERR_SEMANTIC, Msg::TaggedAddition, line);
+    list.ok = false;
+}
+
 /// The flat list of the current structure.
 EntryList dynaListForComps(ModuleRec* errors) {
     EntryList list;
@@ -236,6 +276,12 @@ EntryList dynaListForComps(ModuleRec* errors) {
     list.automatic = isAutomatic();
     const KeepRec<KIND_TNODE> keep;
     addEntries(list, {list.structure.module, TNodeNr{tNode.ref}}, {});
+    if (newNotation(list.structure.module)) {
+        if (list.automatic)
+            numberRootsFirst(list);
+        else
+            checkTagsOfAdditions(list);
+    }
     return list;
 }
 
@@ -286,17 +332,26 @@ bool checkStruComps(ModuleRec* module, size_t& count) {
     return ok;
 }
 
+/// Markers that a list may have up to the current component: additions stand between two, and in a
+/// CHOICE nothing stands behind them (X.680 (02/2021) 25.1, 29.1).
+uint32_t allowedMarkers(uint8_t kind) {
+    const bool isLast = tNode.next == 0;
+    const bool admitsTwo = kind == TYP_SEQ || kind == TYP_SET || (kind == TYP_CHOICE && isLast);
+    return newNotation(typeModule()) && admitsTwo ? 2 : 1;
+}
+
 /// Checks the components one by one and counts what they are.
 bool checkComponents(ModuleRec* module, StruCounts& counts) {
     const TNodeRef self = currentRec<KIND_TNODE>();
-    const bool isClass = tNode.typeCode == TYP_CLASS;
+    const uint8_t kind = tNode.typeCode;
+    const bool isClass = kind == TYP_CLASS;
     const TNodeNr first{tNode.ref};
     bool ok = true;
     forEachComponent(self.module, first, [&] {
         checkOptCompsAndExtMarks(counts);
-        if (counts.markers > 1) {
+        if (counts.markers > allowedMarkers(kind)) {
             recordTNodeError(module, ERR_SEMANTIC, Msg::DuplicateExtensionMarker);
-            counts.markers = 1;
+            counts.markers = allowedMarkers(kind);
             ok = false;
         }
         ok &= checkTNode();

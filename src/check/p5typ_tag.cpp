@@ -21,7 +21,9 @@ ErrClass classOfSetting(uint8_t setting) {
 
 bool checkTagClass(ModuleRec* module, const TagRec& tag, bool outermost) {
     const OptionBlock& options = module->options;
-    if (tag.tagClass == TAG_UNIVERSAL && !options.allow) {
+    if (tag.tagClass == TAG_UNIVERSAL && !options.allow && isLenient(module)) {
+        recordOnce(module, Msg::UniversalTag, tNode.line, {});
+    } else if (tag.tagClass == TAG_UNIVERSAL && !options.allow) {
         recordTNodeError(module, ERR_SEMANTIC, Msg::TagClassShallNotBeUniversal);
         return false;
     }

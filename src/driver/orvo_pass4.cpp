@@ -32,6 +32,7 @@ void describeTarget(const ModuleRec& target, const ModRef* ref) {
         mNode.recCount[kind] = target.nextRecNr[kind] - 1;
     const unsigned refState = ref != nullptr ? ref->state : 0;
     mNode.exportsState = target.exportsState;
+    mNode.selection = ref != nullptr ? ref->selection : 0;
     mNode.importsState = static_cast<uint8_t>(target.importsState | refState << 4);
     mNode.automaticTags = target.automaticTags ? 1 : 0;
     const OptionBlock& own = cMP->options;

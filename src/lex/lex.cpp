@@ -9,6 +9,7 @@
 #include <cassert>
 #include <cstdio>
 
+#include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "lex/i64.h"
 #include "lex/lex_meta.h"
@@ -34,7 +35,7 @@ consteval CharTable makeCharTable() {
     add('0', '9', CHAR_DIGIT);
     add('\t', '\r', CHAR_SPACE); // tab, line feed, vertical tab, form feed, carriage return
     add(' ', ' ', CHAR_SPACE);
-    for (const int c : {'\0', '\n', '$', '-'}) add(c, c, CHAR_COMMENT);
+    for (const int c : {'\0', '\n', '$', '-', '\v', '\f'}) add(c, c, CHAR_COMMENT);
     return table;
 }
 
@@ -66,6 +67,8 @@ void startInput() {
     lexState.begin = lexState.Inp = text.data();
     lexState.end = text.data() + text.size();
     lexState.LineNumb = 1;
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (newNotation() && text.starts_with(byteOrderMark)) lexState.Inp += byteOrderMark.size();
 }
 
 void skipSpace() {
@@ -87,6 +90,16 @@ std::string_view rewriteName(const char* from, const char* end) {
     return name;
 }
 
+/// Modules that were written for one tool have names with underscores. They are stored as hyphens
+/// are.
+bool readsUnderscores() {
+    return isLenient(cMP);
+}
+void noteUnderscores(std::string_view name) {
+    if (readsUnderscores() && name.find('_') != name.npos)
+        recordOnce(cMP, Msg::UnderscoreInName, lexState.LineNumb, name);
+}
+
 /// Reads a name at the current character. A hyphen belongs to it only before a letter or digit, so
 /// that `a--` is a name and a comment (X.680 (07/2002) 11.3).
 std::string_view readRef() {
@@ -95,10 +108,12 @@ std::string_view readRef() {
     bool hyphens = false;
     for (;; hyphens = true, ++at) {
         while (isChar(*at, CHAR_NAME)) ++at;
+        if (*at == '_' && readsUnderscores()) continue;
         if (*at != '-' || !isChar(at[1], CHAR_NAME)) break;
     }
     lexState.Inp = at;
     const auto length = static_cast<size_t>(at - from);
+    if (hyphens) noteUnderscores({from, length});
     if (hyphens || length > maxIdentifierLength) return rewriteName(from, at);
     return {from, length};
 }
@@ -155,13 +170,42 @@ void installNumber(std::string_view digits) {
     I64& value = lexState.Outp->value;
     const bool fits = digits.size() <= maxNumberDigits && i64strtosint64(digits, value);
     if (!fits) value = i64max();
+    if (newNotation()) {
+        if (!fits) lexState.Outp->text = internText(digits);
+        return;
+    }
     if (i64ismax(value)) noteLexError(Msg::TooManyDigits);
+}
+
+const char* skipDigits(const char* at) {
+    while (isChar(*at, CHAR_DIGIT)) ++at;
+    return at;
+}
+
+/// The end of a real number whose integer part ends at `at`; `at` when it is a number. The point of
+/// `1..5`, `1.id` and `1.&Field` belongs to what follows (X.680 (02/2021) 12.9).
+const char* endOfReal(const char* at) {
+    if (*at == '.' && at[1] != '.' && at[1] != '&' && !isChar(at[1], CHAR_LETTER))
+        at = skipDigits(at + 1);
+    if (*at != 'e' && *at != 'E') return at;
+    const char* exponent = at + 1;
+    if (*exponent == '-' || *exponent == '+') ++exponent;
+    return isChar(*exponent, CHAR_DIGIT) ? skipDigits(exponent) : at;
+}
+
+int32_t realNumber(const char* from, const char* end) {
+    lexState.Inp = end;
+    if (from[0] == '0' && isChar(from[1], CHAR_DIGIT)) noteLexError(Msg::LeadingZeroesIn);
+    lexState.Outp->text = internText({from, static_cast<size_t>(end - from)});
+    return TOK_REALNUMBER;
 }
 
 int32_t readNumber() {
     const char* const from = lexState.Inp;
     const char* at = from;
     while (isChar(*at, CHAR_DIGIT)) ++at;
+    if (newNotation())
+        if (const char* const end = endOfReal(at); end != at) return realNumber(from, end);
     lexState.Inp = at;
     installNumber({from, static_cast<size_t>(at - from)});
     return TOK_NUMBER;
@@ -210,6 +254,44 @@ int32_t readHyphen() {
     return -1;
 }
 
+/// The comment that begins with `/*` at the current character, those inside it included. One that
+/// is not closed swallows the rest: the end of the text has its line then, and the error (X.680
+/// (02/2021) 12.6.4).
+int32_t readBlockComment() {
+    const uint32_t line = lexState.LineNumb;
+    uint32_t open = 0;
+    const char* at = lexState.Inp;
+    do {
+        if (at[0] == '/' && at[1] == '*') {
+            ++open;
+            at += 2;
+        } else if (at[0] == '*' && at[1] == '/') {
+            --open;
+            at += 2;
+        } else {
+            if (*at == '\n') ++lexState.LineNumb;
+            if (atEnd(at)) break;
+            ++at;
+        }
+    } while (open != 0);
+    lexState.Inp = at;
+    if (open == 0) return -1;
+    noteLexError(Msg::InvalidEndCharacterIn);
+    lexState.Outp->line = line;
+    return TOK_EOF;
+}
+
+constexpr std::string_view noBreakSpace = "\xC2\xA0";
+
+/// What only notation of today knows; -1 when there was no token.
+int32_t readLaterSymbol() {
+    const char* const at = lexState.Inp;
+    if (at[0] == '/' && at[1] == '*') return readBlockComment();
+    if (at[0] == noBreakSpace[0] && at[1] == noBreakSpace[1])
+        return symbol(-1, static_cast<int>(noBreakSpace.size()));
+    return noToken(1);
+}
+
 /// A token that begins with a character that is no letter, digit or white space; -1 when there was
 /// none after all.
 int32_t readSymbol() {
@@ -235,7 +317,7 @@ int32_t readSymbol() {
     case '\'': return readBinaryString();
     case '&': return readFieldName();
     case '-': return readHyphen();
-    default: return noToken(1);
+    default: return newNotation() ? readLaterSymbol() : noToken(1);
     }
 }
 

@@ -123,12 +123,14 @@ bool getMetaCmd() {
 
 void skipComment() {
     const bool commands = cMP->parseState != PARSE_ERROR;
+    const bool newLines = newNotation();
     for (;; ++lexState.Inp) {
         while (!isChar(*lexState.Inp, CHAR_COMMENT)) ++lexState.Inp;
         while (commands && *lexState.Inp == '$')
             if (getMetaCmd()) return;
         const char* const at = lexState.Inp;
         if (*at == '\n' || atEnd(at)) return;
+        if (newLines && (*at == '\v' || *at == '\f')) return;
         if (*at == '-' && at[1] == '-') break;
     }
     lexState.Inp += 2;

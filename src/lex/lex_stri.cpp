@@ -8,6 +8,8 @@
 #include <string_view>
 
 #include "lex/lex.h"
+#include "tree/orvomod.h"
+#include "util/utf8.h"
 
 namespace orvo {
 
@@ -69,9 +71,49 @@ void checkStri(std::string_view allowed) {
     }
 }
 
+/// A line end in a cstring, with the white space around it, is none of its characters
+/// (X.680 (02/2021) 12.14.1).
+void dropLineEnds() {
+    std::string& text = lexState.strBuf;
+    if (text.find_first_of("\n\v\f") == text.npos) return;
+    std::string kept;
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find_first_not_of(" \t\r\n\v\f", at), text.size());
+        const std::string_view space = std::string_view(text).substr(at, end - at);
+        if (space.find_first_of("\n\v\f") == space.npos) kept += space;
+        const size_t next = std::min(text.find_first_of(" \t\r\n\v\f", end), text.size());
+        kept.append(text, end, next - end);
+        at = next;
+    }
+    text = std::move(kept);
+}
+
+/// Bytes that are no UTF-8 are replaced, and control characters.
+void checkUtf8() {
+    std::string& text = lexState.strBuf;
+    for (size_t at = 0; at < text.size();) {
+        const size_t length = utf8Length(std::string_view(text).substr(at));
+        if (length > 1 || (length == 1 && isText(text, at))) {
+            at += length;
+            continue;
+        }
+        noteLexError(Msg::InvalidCharacterIn);
+        text[at++] = '~';
+    }
+}
+
+int32_t readLaterCString() {
+    readStri('"', false);
+    checkUtf8();
+    dropLineEnds();
+    lexState.Outp->setStri(internText(lexState.strBuf));
+    return TOK_CSTRING;
+}
+
 } // namespace
 
 int32_t readCString() {
+    if (newNotation()) return readLaterCString();
     readStri('"', false);
     checkStri({});
     lexState.Outp->setStri(internText(lexState.strBuf));

@@ -60,6 +60,8 @@ constexpr bool isOneTokenValue(int32_t code) {
     case TOK_PLUS_INFINITY:
     case TOK_MINUS_INFINITY:
     case TOK_NUMBER:
+    case TOK_REALNUMBER:
+    case TOK_NOT_A_NUMBER:
     case TOK_BSTRING:
     case TOK_HSTRING:
     case TOK_CSTRING: return true;
@@ -85,6 +87,7 @@ struct Token {
     int32_t code = 0;     // TOK_*
     int32_t lexError = 0; // 0 or the number of the lexical error found in the token
     I64 value;            // a number; names and strings: the string number (see stri)
+    int32_t text = 0;     // of a real number, and a number beyond 64 bits: its string number
     uint32_t line = 0;
     uint32_t offset = 0;   // of its first byte in the text of the module
     uint32_t optFlags = 0; // bit k: a `$` command of kind k in the comments before the token

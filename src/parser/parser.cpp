@@ -37,11 +37,23 @@ TokNr following(TokNr at) {
     return TokNr{tokenAt(at).next};
 }
 
+/// A comment that is not closed hides the rest of the module: nothing is said of that.
+void openComment(Token& token) {
+    recordError(cMP, ERR_SYNTAX, lexicalError(token.lexError), token.line, "/*");
+    token.lexError = 0;
+    cMP->parseState = PARSE_ERROR;
+    ++parserState.NbErrors;
+    inp() = token;
+    StopParsing();
+}
+
 /// Makes the first token current. Its lexical error is recorded once, however often the token gets
 /// to the front.
 void loadInp() {
     Token& token = tokenAt(inputList().first);
-    if (token.lexError != 0) {
+    if (token.code == TOK_EOF && lexicalError(token.lexError) == Msg::InvalidEndCharacterIn)
+        return openComment(token);
+    if (token.lexError != 0 && !parserState.passingOver) {
         const Msg code = lexicalError(token.lexError);
         recordError(cMP, code == Msg::NameTooLong ? ERR_WARNING : ERR_SYNTAX, code, token.line,
                     tokenName(token.code));

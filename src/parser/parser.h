@@ -36,6 +36,7 @@ struct ParserState {
     int16_t openInst = 0;                  // > 0: in the own text of a type assignment
     DNode deferred = noRange;              // the range being recorded
     uint32_t inDeferred = 0;               // > 0: MGR259DeferredType reads a type
+    bool passingOver = false;              // lexical errors are none: the text is not read
     uint32_t depth = 0;                    // nesting of the notation, see NestingLevel
     SymTab identList;                      // identifiers being collected
     STabNr formalList;                     // symbol of the assignment being parsed

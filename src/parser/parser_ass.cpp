@@ -7,6 +7,7 @@
 #include "parser/parser.h"
 #include "parser/parser_cls.h"
 #include "parser/parser_defer.h"
+#include "parser/parser_macro.h"
 #include "parser/parser_oid.h"
 #include "parser/parser_typ.h"
 #include "symtab/orvosym.h"
@@ -180,7 +181,9 @@ void typeAssignment() {
 /// {Assignment}
 void parseAssignments() {
     while (parserState.Inp.code == TOK_VALUEID || parserState.Inp.code == TOK_TYPEID) {
-        if (parserState.Inp.code == TOK_VALUEID)
+        if (newNotation() && macroFollows())
+            macroAssignment();
+        else if (parserState.Inp.code == TOK_VALUEID)
             valueAssignment();
         else
             typeAssignment();

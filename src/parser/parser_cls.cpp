@@ -208,7 +208,7 @@ void MGR60ObjectClassDefn() {
     expectToken(TOK_RBRACE);
     if (parserState.Inp.code == TOK_WITH)
         withSyntax(classNode);
-    else if (!MGIsInSet({TOK_END, TOK_TYPEID, TOK_VALUEID}))
+    else if (!MGIsInSet({TOK_END, TOK_TYPEID, TOK_VALUEID, TOK_ENCODING_CONTROL}))
         MGError(notAllowed);
     takeOptions(classNode);
 }

@@ -4,6 +4,9 @@
 
 #include "parser/parser_comp.h"
 
+#include <algorithm>
+#include <cstdint>
+
 #include "diag/orvoerr.h"
 #include "parser/parser.h"
 #include "parser/parser_defer.h"
@@ -25,10 +28,23 @@ void linkNext() {
     if (buildsTree()) tNode.next = cMP->nextRecNr[KIND_TNODE];
 }
 
+/// [`!` ExceptionIdentification] behind a marker (X.680 (02/2021) 53.4), as the constraint of its
+/// node
+void markerException() {
+    if (parserState.Inp.code != TOK_EXCLAMATION || !newNotation()) return;
+    const TNodeNr marker = thisTypeNode();
+    const DNodeNr text = initDeferList();
+    ReadIn();
+    MGR68OpenValue();
+    storeDeferList(text);
+    if (atType(marker)) tNode.constraint = minus(text.nr);
+}
+
 /// `...`
 void extensionMarker() {
     appendExtensionMarker();
     ReadIn();
+    markerException();
     if (anotherFollows()) linkNext();
 }
 
@@ -78,12 +94,12 @@ void optionality(TNodeNr component) {
 }
 
 /// The element behind a comma of a component list; tells whether it is a marker.
-bool componentAfterComma() {
+bool componentAfterComma(int64_t& latest) {
     switch (parserState.Inp.code) {
     case TOK_ELLIPSIS: extensionMarker(); return true;
     case TOK_COMPONENTS:
     case TOK_VALUEID: MGR185Component(); break;
-    case TOK_LVERSION: MGR999ExtensionAdditionGroup(); break;
+    case TOK_LVERSION: MGR999ExtensionAdditionGroup(latest); break;
     default: MGError(notAllowed);
     }
     return false;
@@ -97,29 +113,72 @@ void alternative() {
     if (atType(node) && anotherFollows()) linkNext();
 }
 
-/// [number [`:`]] of the version behind `[[`; it is of no consequence.
-void versionNumber() {
-    if (parserState.Inp.code != TOK_NUMBER) return;
+/// The numbers of the groups of a module are all there or all missing.
+void noteNumbering(bool isNumbered) {
+    bool& other = isNumbered ? cMP->hasPlainGroups : cMP->hasNumberedGroups;
+    (isNumbered ? cMP->hasNumberedGroups : cMP->hasPlainGroups) = true;
+    if (other) recordOnce(cMP, Msg::GroupsPartlyNumbered, parserState.Inp.line, {});
+}
+
+/// [number [`:`]] of the version behind `[[`, into the node of the group: from 2 on, and ascending
+/// within an insertion point (X.680 (02/2021) 25.16). Older notation makes nothing of it.
+void versionNumber(TNodeNr group, int64_t& latest) {
+    const bool isNumbered = parserState.Inp.code == TOK_NUMBER;
+    if (newNotation()) noteNumbering(isNumbered);
+    if (!isNumbered) return;
+    const int64_t number = i64native(parserState.Inp.value);
+    if (newNotation() && buildsTree()) {
+        if (number <= latest || number > INT32_MAX)
+            recordError(cMP, ERR_SEMANTIC, Msg::VersionNumberNotAscending, parserState.Inp.line);
+        else
+            latest = number;
+        if (atType(group))
+            tNode.sizeLimit = static_cast<uint32_t>(std::min<int64_t>(number, INT32_MAX));
+    }
     ReadIn();
     if (parserState.Inp.code == TOK_COLON) ReadIn();
 }
 
+/// `[[` [VersionNumber] NamedType {`,` NamedType} `]]` (X.680 (02/2021) 29.1)
+void alternativeGroup(int64_t& latest) {
+    const TNodeNr node = newTypeNode();
+    if (buildsTree()) {
+        setTypeNode(TYP_EXTADDGRP);
+        tNode.compStatus = TCS_EXTADDGRP;
+    }
+    ReadIn();
+    versionNumber(node, latest);
+    alternative();
+    while (parserState.Inp.code == TOK_COMMA) {
+        ReadIn();
+        alternative();
+    }
+    expectToken(TOK_RVERSION);
+    if (atType(node) && anotherFollows()) linkNext();
+}
+
 /// The element behind a comma of an alternative list; tells whether it is a marker.
-bool alternativeAfterComma() {
+bool alternativeAfterComma(int64_t& latest) {
     switch (parserState.Inp.code) {
     case TOK_ELLIPSIS: extensionMarker(); return true;
-    // No case for `[[`: groups of alternatives are later notation (X.680 (07/2002) 28.1).
-    default: alternative(); return false;
+    case TOK_LVERSION:
+        if (!newNotation()) break; // groups of alternatives are later notation
+        alternativeGroup(latest);
+        return false;
+    default: break;
     }
+    alternative();
+    return false;
 }
 
 /// What follows the first element of a list of the structure `type`; `afterComma` reads the element
 /// behind a comma and tells whether it is a marker.
-void restOfList(TNodeNr type, bool hasMarker, bool (*afterComma)()) {
+void restOfList(TNodeNr type, bool hasMarker, bool (*afterComma)(int64_t&)) {
+    int64_t latest = 1; // version
     while (anotherFollows()) {
         if (parserState.Inp.code == TOK_COMMA) {
             ReadIn();
-            if (afterComma()) hasMarker = true;
+            if (afterComma(latest)) hasMarker = true;
         } else {
             markerWithoutComma();
             hasMarker = true;
@@ -177,14 +236,14 @@ void MGR191NamedType() {
 }
 
 /// ExtensionAdditionGroup ::= `[[` [number [`:`]] Component {`,` Component} `]]`
-void MGR999ExtensionAdditionGroup() {
+void MGR999ExtensionAdditionGroup(int64_t& latest) {
     const TNodeNr node = newTypeNode();
     if (buildsTree()) {
         setTypeNode(TYP_EXTADDGRP);
         tNode.compStatus = TCS_EXTADDGRP;
     }
     ReadIn();
-    versionNumber();
+    versionNumber(node, latest);
     MGR185Component();
     while (parserState.Inp.code == TOK_COMMA) {
         ReadIn();

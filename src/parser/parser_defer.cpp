@@ -223,7 +223,10 @@ void openValue() {
     case TOK_LBRACE: enclosedContents(TOK_LBRACE, TOK_RBRACE); break;
     case TOK_MINUS:
         ReadIn();
-        expectToken(TOK_NUMBER);
+        if (parserState.Inp.code == TOK_REALNUMBER)
+            ReadIn();
+        else
+            expectToken(TOK_NUMBER);
         break;
     case TOK_VALUEID:
     case TOK_MODULEID: valueReference(); break;

@@ -6,11 +6,13 @@
 #include "diag/orvoerr.h"
 #include "parser/parser.h"
 #include "parser/parser_ass.h"
+#include "parser/parser_macro.h"
 #include "parser/parser_oid.h"
 #include "parser/parser_typ.h"
 #include "symtab/orvosym.h"
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
+#include "tree/orvoutil.h"
 
 namespace orvo {
 namespace {
@@ -21,6 +23,23 @@ constexpr int tagDefaultImplicit = TAGMODE_OPEN;
 
 bool isReference(int32_t code) {
     return code == TOK_TYPEID || code == TOK_VALUEID;
+}
+
+/// Published modules list words that need no import: `BIT`, `BMPString`.
+bool beginsWithReservedSymbol() {
+    const int32_t code = parserState.Inp.code;
+    const bool isWord = (code >= firstReservedWord && code <= lastReservedWord) ||
+                        (code >= firstTypeName && code <= lastTypeName) ||
+                        (code >= firstLaterWord && code <= lastLaterWord);
+    const int32_t behind = lookAhead(1).code;
+    return isWord && isLenient(cMP) && code != TOK_FROM && code != TOK_END &&
+           (behind == TOK_COMMA || behind == TOK_FROM || behind == TOK_SEMICOLON);
+}
+
+/// The name that is the current token; empty for another token.
+std::string_view currentName() {
+    const Token& token = parserState.Inp;
+    return isReference(token.code) && token.stri() != 0 ? getStri(cMP, token.stri()) : "";
 }
 
 /// [(EXPLICIT | IMPLICIT | AUTOMATIC) TAGS]
@@ -42,6 +61,14 @@ void tagDefault() {
     }
     if (cMP->tagDefault == tagDefaultExplicit && cMP->options.explicitTags != 0)
         recordError(cMP, ERR_WARNING, Msg::ExplicitTaggingNotAllowed, parserState.prevL);
+}
+
+/// [reference INSTRUCTIONS] of X.680 (02/2021) 13.1
+void encodingReferenceDefault() {
+    if (parserState.Inp.code != TOK_TYPEID || lookAhead(1).code != TOK_INSTRUCTIONS) return;
+    cMP->otherInstructions = currentName() != "TAG";
+    ReadIn();
+    ReadIn();
 }
 
 /// [EXTENSIBILITY IMPLIED]
@@ -67,6 +94,10 @@ void exportsClause() {
     if (parserState.Inp.code != TOK_EXPORTS) return;
     ReadIn();
     cMP->exportsState = parserState.Inp.code == TOK_SEMICOLON ? 1 : 2;
+    if (parserState.Inp.code == TOK_ALL && newNotation()) {
+        ReadIn();
+        cMP->exportsState = 0;
+    }
     if (cMP->exportsState == 2) {
         MGR24SymbolList(SYM_EXPORTED);
         if (buildsTree()) catSymTab(cMP->symTab, parserState.symbolList, SYM_EXPORTED);
@@ -100,7 +131,23 @@ void assignedIdentifier() {
     }
 }
 
-/// SymbolList FROM typeid [AssignedIdentifier]
+/// WITH (SUCCESSORS | DESCENDANTS), words that are reserved nowhere else
+void selectionOption(int32_t module, bool hasIdentifier) {
+    const uint32_t line = parserState.Inp.line;
+    ReadIn();
+    const std::string_view word = currentName();
+    if (word != "SUCCESSORS" && word != "DESCENDANTS") {
+        MGError(notAllowed);
+        return;
+    }
+    ReadIn();
+    if (!buildsTree()) return;
+    if (!hasIdentifier) recordError(cMP, ERR_SEMANTIC, Msg::SelectionWithoutIdentifier, line, word);
+    ModRef* const ref = matchingName(cMP->modRefs, getStri(cMP, module));
+    if (ref != nullptr && ref->selection == 0) ref->selection = word == "SUCCESSORS" ? 1 : 2;
+}
+
+/// SymbolList FROM typeid [AssignedIdentifier] [SelectionOption]
 void symbolsFromModule() {
     MGR24SymbolList(SYM_IMPORTED);
     expectToken(TOK_FROM);
@@ -112,6 +159,9 @@ void symbolsFromModule() {
         handleImports(parserState.symbolList, module.stri(),
                       token == TOK_LBRACE || token == TOK_MARKER, module.line);
     assignedIdentifier();
+    if (parserState.Inp.code == TOK_WITH && newNotation())
+        selectionOption(module.stri(), token == TOK_LBRACE || token == TOK_MARKER);
+    if (beginsWithReservedSymbol()) return;
     if (!isReference(parserState.Inp.code) && parserState.Inp.code != TOK_SEMICOLON)
         MGError(notAllowed);
 }
@@ -121,7 +171,7 @@ void importsClause() {
     if (parserState.Inp.code != TOK_IMPORTS) return;
     ReadIn();
     cMP->importsState = parserState.Inp.code == TOK_SEMICOLON ? 1 : 2;
-    while (isReference(parserState.Inp.code)) symbolsFromModule();
+    while (isReference(parserState.Inp.code) || beginsWithReservedSymbol()) symbolsFromModule();
     expectToken(TOK_SEMICOLON);
 }
 
@@ -133,15 +183,18 @@ void importsClause() {
 void MGR3ModuleDefinition() {
     MGR4ModuleIdentifier();
     expectToken(TOK_DEFINITIONS);
+    if (newNotation()) encodingReferenceDefault();
     tagDefault();
     extensibilityDefault();
     expectToken(TOK_ASSIGN);
     beginBody();
-    constexpr TokenSet bodyStart = {TOK_EXPORTS, TOK_IMPORTS, TOK_TYPEID, TOK_VALUEID, TOK_END};
+    constexpr TokenSet bodyStart = {TOK_EXPORTS, TOK_IMPORTS, TOK_TYPEID,
+                                    TOK_VALUEID, TOK_END,     TOK_ENCODING_CONTROL};
     if (!MGIsInSet(bodyStart)) MGError(notAllowed);
     exportsClause();
     importsClause();
     parseAssignments();
+    if (newNotation()) encodingControlSections();
     expectToken(TOK_END);
 }
 
@@ -155,6 +208,7 @@ void MGR4ModuleIdentifier() {
     if (hasObjId) {
         newObjectIdNode();
         MGR13ObjectIdValue();
+        if (parserState.Inp.code == TOK_CSTRING && newNotation()) ReadIn(); // its IRI
     }
     constexpr TokenSet behindIdentifier = {TOK_DEFINITIONS, TOK_EOF};
     if (!MGIsInSet(behindIdentifier)) MGSkip({TOK_DEFINITIONS});
@@ -173,6 +227,11 @@ void MGR24SymbolList(uint8_t clause) {
 /// Symbol ::= (typeid | valueid) [`{` `}`]
 void MGR26Symbol(uint8_t clause) {
     const Token symbol = parserState.Inp;
+    if (beginsWithReservedSymbol()) {
+        recordOnce(cMP, Msg::ReservedWordInSymbolList, symbol.line, tokenName(symbol.code));
+        ReadIn();
+        return;
+    }
     if (!isReference(symbol.code)) {
         MGError(notAllowed);
         return;

@@ -11,6 +11,7 @@
 #include "parser/parser_cls.h"
 #include "parser/parser_comp.h"
 #include "parser/parser_defer.h"
+#include "parser/parser_macro.h"
 #include "parser/parser_named.h"
 #include "parser/parser_oid.h"
 #include "tree/orvorec.h"
@@ -21,10 +22,10 @@ namespace orvo {
 namespace {
 
 /// What may stand behind a type that is not part of deferred notation.
-constexpr TokenSet typeFollow = {TOK_END,      TOK_EOF,    TOK_COMMA,    TOK_RBRACE,
-                                 TOK_RVERSION, TOK_RPAREN, TOK_COLON,    TOK_ASSIGN,
-                                 TOK_ELLIPSIS, TOK_LBRACE, TOK_OPTIONAL, TOK_DEFAULT,
-                                 TOK_UNIQUE,   TOK_WITH,   TOK_TYPEID,   TOK_VALUEID};
+constexpr TokenSet typeFollow = {
+    TOK_END,    TOK_EOF,    TOK_COMMA,    TOK_RBRACE,  TOK_RVERSION,        TOK_RPAREN,
+    TOK_COLON,  TOK_ASSIGN, TOK_ELLIPSIS, TOK_LBRACE,  TOK_OPTIONAL,        TOK_DEFAULT,
+    TOK_UNIQUE, TOK_WITH,   TOK_TYPEID,   TOK_VALUEID, TOK_ENCODING_CONTROL};
 
 constexpr TokenSet typeStart = {TOK_ANY,     TOK_BIT,      TOK_BOOLEAN,     TOK_CHARACTER,
                                 TOK_CHOICE,  TOK_EMBEDDED, TOK_ENUMERATED,  TOK_INSTANCE,
@@ -108,16 +109,23 @@ int32_t tagMode() {
 TagNr parseTag() {
     TagRec tag = {};
     ReadIn();
+    if (newNotation() && parserState.Inp.code == TOK_TYPEID && lookAhead(1).code == TOK_COLON) {
+        ReadIn(); // `TAG:`
+        ReadIn();
+    }
     tag.tagClass = tagClassOf();
     tag.tagNr = tagNumber();
     expectToken(TOK_RBRACKET);
+    if (newNotation()) encodingPrefixes();
     tag.tagMode = tagMode();
+    if (newNotation()) encodingPrefixes();
     if (!beginsType(parserState.Inp.code)) MGError(notAllowed);
     return buildsTree() ? addTagRec(tag) : TagNr{};
 }
 
-/// {Tag}
+/// {Tag}, encoding prefixes among them
 void parseTags(TNodeNr node) {
+    if (newNotation()) encodingPrefixes();
     if (parserState.Inp.code != TOK_LBRACKET) return;
     const TagNr first = parseTag();
     while (parserState.Inp.code == TOK_LBRACKET) parseTag();
@@ -488,6 +496,14 @@ DNodeNr collectionConstraint() {
     return constraint;
 }
 
+/// [identifier] of the element (X.680 (02/2021) 26.1), not that of a selection type or object
+void elementName() {
+    const int32_t behind = lookAhead(1).code;
+    if (parserState.Inp.code != TOK_VALUEID || behind == TOK_LESS || behind == TOK_DOT) return;
+    if (buildsTree()) tNode.name = parserState.Inp.stri();
+    ReadIn();
+}
+
 /// [SizeConstraint] OF Type
 void collectionOf(TNodeNr node) {
     const DNodeNr constraint = collectionConstraint();
@@ -498,6 +514,7 @@ void collectionOf(TNodeNr node) {
         newTypeNode();
         tNode.compStatus = TCS_MULTIPLE;
     }
+    if (newNotation()) elementName();
     MGR59Type();
     atType(node);
 }

@@ -27,7 +27,17 @@ ConstraintState constraintState;
 
 namespace {
 
+/// A set that holds nothing is read as one that may be extended.
+bool parseEmptySet(SubNr nr) {
+    readGovernor(nr);
+    if (!tolerate(Msg::EmptySet, curToken().line, currentTypeName())) return false;
+    makePending(cMP, nr);
+    subRec.subKind = SUB_EXTENSION_MARKER;
+    return advance();
+}
+
 bool parseValueSet(SubNr nr, Cause& cause) {
+    if (nextCode() == TOK_RBRACE && newNotation()) return parseEmptySet(nr);
     if (!advance() || !parseElemSetSpec(nr, cause)) return false;
     return expectNext(TOK_RBRACE, cause);
 }
@@ -59,6 +69,10 @@ bool parseRoot(SubNr root, Msg& outer, Cause& cause) {
     if (curCode() == TOK_SIZE) {
         outer = Msg::InvalidSizeConstraint;
         return parseOldSizeConstraint(root, cause);
+    }
+    if (curCode() == TOK_EXCLAMATION) { // of a marker
+        outer = Msg::InvalidConstraint;
+        return parseExceptionSpec(root, true, cause);
     }
     if (newNotation() && curCode() != TOK_LPAREN) { // a set whose braces are missing
         outer = Msg::ElementSetSpecIsInvalid;

@@ -143,6 +143,14 @@ Msg parseBuiltinValue(Cause& cause) {
     case TYP_CLASS:
     case TYP_TYPE_ID:
     case TYP_ABSTR_STX: return parseObject(kind, cause);
+    case TYP_RELOID: ok = parseRelativeOidValue(cause); break;
+    case TYP_OIDIRI:
+    case TYP_RELOIDIRI:
+    case TYP_TIME:
+    case TYP_DATE:
+    case TYP_TIMEOFDAY:
+    case TYP_DATETIME:
+    case TYP_DURATION: ok = parseTextValue(kind); break;
     default:
         if (is(kind, TypeClass::Text)) ok = parseCharStringValue(kind, cause);
         break;
@@ -185,6 +193,24 @@ bool parseRealValComp(std::string_view identifier, int32_t separator, I64& value
     return true;
 }
 
+/// [`-`] (number | realnumber): the value in base 10, without trailing zeros in the mantissa.
+bool parsePlainReal(RealVal& real) {
+    const bool isNegative = curCode() == TOK_MINUS;
+    if (isNegative && !advance()) return false;
+    const Token& token = curToken();
+    if (token.code != TOK_NUMBER && token.code != TOK_REALNUMBER) return false;
+    const std::string text =
+        token.text != 0 ? std::string(getStri(cMP, token.text)) : i64tostr(token.value);
+    switch (realOfText(text, isNegative, real)) {
+    case RealText::Exact: break;
+    case RealText::LongMantissa:
+    case RealText::LongExponent:
+        recordError2(Msg::RealBeyondLimits, {}, vNode.line, text);
+        makeSpecialRealVal(real, REAL_ZERO);
+    }
+    return true;
+}
+
 /// Narrows a component of a REAL that was found in range.
 int16_t i64toi16(I64 value) {
     const int64_t native = i64native(value);
@@ -197,6 +223,10 @@ int16_t i64toi16(I64 value) {
 
 bool parseRealValue(RealVal& real, Cause& cause) {
     real.base = -1;
+    if (curCode() == TOK_NOT_A_NUMBER) {
+        makeSpecialRealVal(real, REAL_NOT_A_NUMBER);
+        return true;
+    }
     if (curCode() == TOK_NUMBER && curToken().value == I64{}) {
         makeSpecialRealVal(real, REAL_ZERO);
         return true;
@@ -206,6 +236,7 @@ bool parseRealValue(RealVal& real, Cause& cause) {
                                                                 : REAL_MINUS_INFINITY);
         return true;
     }
+    if (newNotation() && curCode() != TOK_LBRACE) return parsePlainReal(real);
     if (curCode() != TOK_LBRACE) return false;
     I64 mantissa;
     I64 base;

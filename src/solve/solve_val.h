@@ -36,8 +36,11 @@ Msg parseDefinedValue(bool parsAndFields, Cause& cause);
 [[nodiscard]] bool parseChoiceValue(Cause& cause);
 [[nodiscard]] bool parseAnyValue(Cause& cause);
 [[nodiscard]] bool parseObjIdValue(Cause& cause);
+[[nodiscard]] bool parseRelativeOidValue(Cause& cause);
 
 // ---- solve_val_stri -----------------------------------------------------------------------------
 [[nodiscard]] bool parseCharStringValue(uint8_t kind, Cause& cause);
+/// A literal that is the whole value: times and IRIs.
+[[nodiscard]] bool parseTextValue(uint8_t kind);
 
 } // namespace orvo

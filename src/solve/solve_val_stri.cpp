@@ -1,5 +1,6 @@
 // Character string values: literals, lists of strings, and single characters by quadruple or tuple.
 
+#include <algorithm>
 #include <array>
 #include <span>
 #include <string>
@@ -10,6 +11,7 @@
 #include "solve/solve_val_int.h"
 #include "tree/orvorec.h"
 #include "tree/values.h"
+#include "util/utf8.h"
 
 namespace orvo {
 
@@ -38,6 +40,52 @@ void parseCString(uint8_t kind) {
     }
 }
 
+/// The largest character that a kind can hold.
+char32_t largestCharacter(uint8_t kind) {
+    switch (kind) {
+    case TYP_IA5STR:
+    case TYP_VISSTR:
+    case TYP_PRISTR:
+    case TYP_NUMSTR: return 0x7F;
+    case TYP_BMPSTR: return 0xFFFF;
+    case TYP_UNISTR:
+    case TYP_UTF8STR: return 0x10FFFF;
+    default: return 0xFF;
+    }
+}
+
+/// The literal at the cursor, whose characters are UTF-8; false for one that the kind does not
+/// have.
+bool parseUtf8String(uint8_t kind) {
+    const int32_t stri = curToken().stri();
+    const std::u32string text = fromUtf8(getStri(cMP, stri));
+    const char32_t largest = largestCharacter(kind);
+    if (std::ranges::any_of(text, [largest](char32_t c) { return c > largest; })) return false;
+    if (kind == TYP_UTF8STR) {
+        setString(kind, text.size(), static_cast<uint32_t>(stri));
+    } else if (kind == TYP_UNISTR) {
+        setString(kind, text.size(), putStri32(cMP, text).nr);
+    } else if (kind == TYP_BMPSTR) {
+        setString(kind, text.size(), putStri16(cMP, std::u16string(text.begin(), text.end())).nr);
+    } else {
+        std::string narrow;
+        for (const char32_t c : text) narrow += static_cast<char>(c);
+        setString(kind, text.size(), putStri(cMP, narrow).nr);
+    }
+    return true;
+}
+
+/// The cstring at the cursor, read as the module that it stands in has it.
+bool parseLiteral(uint8_t kind, Cause& cause) {
+    if (!newNotation()) {
+        parseCString(kind);
+        return true;
+    }
+    if (parseUtf8String(kind)) return true;
+    cause.set(Msg::CharacterOutsideOfType);
+    return false;
+}
+
 /// The value becomes the string of one character given by two or four numbers; false for a number
 /// that the width of the kind does not admit.
 bool setCharacter(uint8_t kind, std::span<const uint32_t> numbers) {
@@ -47,13 +95,18 @@ bool setCharacter(uint8_t kind, std::span<const uint32_t> numbers) {
         setString(kind, 1, putStri(cMP, text).nr);
         return true;
     }
-    const size_t significant = kind == TYP_UNISTR ? 4 : kind == TYP_BMPSTR ? 2 : 1;
+    const bool isWide = kind == TYP_UNISTR || kind == TYP_UTF8STR;
+    const size_t significant = isWide ? 4 : kind == TYP_BMPSTR ? 2 : 1;
     uint32_t character = 0;
     for (size_t i = 0; i < numbers.size(); ++i) {
         if (numbers[i] != 0 && i + significant < numbers.size()) return false;
         character = character << 8 | numbers[i];
     }
-    if (kind == TYP_UNISTR)
+    if (kind == TYP_UTF8STR) {
+        std::string text;
+        appendUtf8(text, static_cast<char32_t>(character));
+        setString(kind, 1, putStri(cMP, text).nr);
+    } else if (kind == TYP_UNISTR)
         setString(kind, 1, putStri32(cMP, std::u32string(1, static_cast<char32_t>(character))).nr);
     else if (kind == TYP_BMPSTR)
         setString(kind, 1, putStri16(cMP, std::u16string(1, static_cast<char16_t>(character))).nr);
@@ -87,10 +140,7 @@ bool parseQuadrupleTuple(uint8_t kind, Cause& cause) {
 }
 
 bool parseStringElement(uint8_t kind, Cause& cause) {
-    if (curCode() == TOK_CSTRING) {
-        parseCString(kind);
-        return true;
-    }
+    if (curCode() == TOK_CSTRING) return parseLiteral(kind, cause);
     if (!definedValueFollows()) return false;
     if (parseDefinedValue(false, cause) == Msg::None) return true;
     cause.set(Msg::DefinedValueSyntax);
@@ -111,11 +161,15 @@ bool parseStringList(uint8_t kind, Cause& cause) {
 
 } // namespace
 
+bool parseTextValue(uint8_t kind) {
+    if (curCode() != TOK_CSTRING) return false;
+    setString(kind, fromUtf8(getStri(cMP, curToken().stri())).size(),
+              static_cast<uint32_t>(curToken().stri()));
+    return true;
+}
+
 bool parseCharStringValue(uint8_t kind, Cause& cause) {
-    if (curCode() == TOK_CSTRING) {
-        parseCString(kind);
-        return true;
-    }
+    if (curCode() == TOK_CSTRING) return parseLiteral(kind, cause);
     if (curCode() != TOK_LBRACE) return false;
     if (nextCode() == TOK_NUMBER) return parseQuadrupleTuple(kind, cause);
     return parseStringList(kind, cause);

@@ -98,6 +98,28 @@ bool parseBitStringValue(Cause& cause) {
     return parseNamedBits(cause);
 }
 
+namespace {
+
+/// The identifier of the element, the current type, in front of its value; published values may
+/// lack it.
+bool passElementName(int32_t& name, Cause& cause) {
+    const int32_t behind = nextCode();
+    const bool isAlone = behind == TOK_COMMA || behind == TOK_RBRACE || behind == TOK_DOT;
+    if (curCode() == TOK_VALUEID && !isAlone &&
+        getStri(typeModule(), tNode.name) == identifierText()) {
+        name = curToken().stri();
+        return advance();
+    }
+    if (!isLenient(cMP)) {
+        cause.set(Msg::UnnamedElementValue, identifierText());
+        return false;
+    }
+    recordOnce(cMP, Msg::UnnamedElementValue, curToken().line, getStri(typeModule(), tNode.name));
+    return true;
+}
+
+} // namespace
+
 bool parseSeqValue(uint8_t kind, Cause& cause) {
     if (curCode() != TOK_LBRACE) return false;
     ModuleRec* const module = typeModule();
@@ -114,6 +136,7 @@ bool parseSeqValue(uint8_t kind, Cause& cause) {
             if (!advance()) return false;
         } else {
             readRec(module, first);
+            if (tNode.name != 0 && !passElementName(name, cause)) return false;
         }
         components.append(curToken().line);
         vNode.name = name;
@@ -215,17 +238,27 @@ bool parseObjIdComp(uint32_t position, Cause& cause) {
     return false;
 }
 
-} // namespace
-
-bool parseObjIdValue(Cause& cause) {
+/// The components; the first one has the place behind `position`.
+bool parseArcs(uint32_t position, Cause& cause) {
     if (curCode() != TOK_LBRACE) return false;
+    const uint32_t before = position;
     ValueList components;
-    uint32_t position = 0;
     while (advance() && curCode() != TOK_RBRACE) {
         components.append(curToken().line);
         if (!parseObjIdComp(++position, cause)) return false;
     }
-    return position != 0 && curCode() == TOK_RBRACE;
+    return position != before && curCode() == TOK_RBRACE;
+}
+
+} // namespace
+
+bool parseObjIdValue(Cause& cause) {
+    return parseArcs(0, cause);
+}
+
+bool parseRelativeOidValue(Cause& cause) {
+    constexpr uint32_t belowNames = 100; // only the first components have well-known names
+    return parseArcs(belowNames, cause);
 }
 
 } // namespace orvo

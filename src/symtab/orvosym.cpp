@@ -127,7 +127,8 @@ bool noteDefined(SymTab& table, int32_t name) {
 /// A symbol of the own table that was entered before its definition meets it.
 void meetDefinition(STabRec& symbol, uint8_t flags, uint32_t line) {
     const uint8_t braces = flags & SYM_PARAMETERIZED;
-    if ((symbol.flags & SYM_EXPORTED) != 0 && (symbol.flags & SYM_PARAMETERIZED) != braces) {
+    const bool differs = (symbol.flags & SYM_PARAMETERIZED) != braces;
+    if ((symbol.flags & SYM_EXPORTED) != 0 && differs && !newNotation()) {
         recordError(cMP, ERR_SEMANTIC, braces != 0 ? Msg::BracesExpected : Msg::BracesNotAllowed,
                     symbol.line, nameText(symbol.name));
     }
@@ -197,6 +198,8 @@ STabNr createSymbTabRec(int32_t name, uint8_t flags, uint32_t line) {
 
 void handleSymbol(SymTab& list, int32_t name, uint8_t flags, uint32_t line) {
     if (list.byName.contains(name)) {
+        if ((flags & (SYM_EXPORTED | SYM_IMPORTED)) != 0 && isLenient(cMP))
+            return recordOnce(cMP, Msg::SymbolListedTwice, line, nameText(name));
         recordError(cMP, ERR_SEMANTIC, Msg::SymbolTwiceInSymbolList, line, nameText(name));
         if ((flags & (SYM_EXPORTED | SYM_IMPORTED)) != 0) return;
     }

@@ -39,6 +39,10 @@ ModuleRec* distinctModule(std::string_view name, uint32_t line) {
 ModRef* modRefOfClause(std::string_view name, uint32_t line) {
     ModRef* const known = matchingName(cMP->modRefs, name);
     if (known != nullptr && known->state == 1) return known;
+    if (known != nullptr && known->module != nullptr && isLenient(cMP)) {
+        recordOnce(cMP, Msg::ModuleImportedTwice, line, name);
+        return known;
+    }
     if (known != nullptr || name == cMP->moduleName) {
         recordError(cMP, ERR_SEMANTIC, Msg::ChangeModuleName, line, name);
         return newModRef(cMP, name, nullptr);
@@ -58,13 +62,21 @@ void indexImported(ModRef& ref) {
     }
 }
 
+/// A definition that its module does not export may be imported all the same.
+bool isReadOn(STabNr symbol, int32_t name, uint32_t line) {
+    if (!isLenient(cMP) || symAt(symbol).node == 0) return false;
+    recordOnce(cMP, Msg::ImportedNotExported, line, getStri(cMP, name));
+    return true;
+}
+
 /// The symbol of the exporting module that an importing name leads to; 0 = none.
-STabNr exportedSymbol(ModuleRec* exporter, int32_t name) {
+STabNr exportedSymbol(ModuleRec* exporter, int32_t name, uint32_t line) {
     const auto number = static_cast<int32_t>(findStri(exporter, getStri(cMP, name)).nr);
     if (number == 0) return {};
     const STabNr found = findSymbol(exporter->symTab, name < 0 ? -number : number);
     if (!found || exporter->exportsState == 0) return found;
-    return (symAt(found).flags & SYM_EXPORTED) != 0 ? found : STabNr{};
+    return (symAt(found).flags & SYM_EXPORTED) != 0 || isReadOn(found, name, line) ? found
+                                                                                   : STabNr{};
 }
 
 } // namespace
@@ -95,7 +107,7 @@ void handleImports(SymTab& symbolList, int32_t moduleName, bool hasAssignedId, u
     ref->line = line;
     catSymTab(ref->symbols, symbolList, SYM_IMPORTED);
     indexImported(*ref);
-    if (hasAssignedId) ref->value = nextRec<KIND_VNODE>(cMP);
+    if (hasAssignedId && !ref->value) ref->value = nextRec<KIND_VNODE>(cMP);
 }
 
 void handleExtRef(int32_t& moduleRef, int32_t name, uint32_t line) {
@@ -152,16 +164,74 @@ void loadImpSymbols(ModRef& ref) {
     }
 }
 
+namespace {
+
+/// A definition with its module.
+struct Definition {
+    ModuleRec* module = nullptr;
+    STabNr symbol;
+};
+
+/// The module exports what it imports under a name: all of it without a list, else what the list
+/// names (X.680 (02/2021) 13.12).
+bool reexports(ModuleRec* module, int32_t number, int32_t name, uint32_t line) {
+    if (module->exportsState == 0) return true;
+    const STabNr listed = findSymbol(module->symTab, number);
+    if (listed && (symAt(listed).flags & SYM_EXPORTED) != 0) return true;
+    if (!isLenient(cMP)) return false;
+    recordOnce(cMP, Msg::ImportedNotExported, line, getStri(cMP, name));
+    return true;
+}
+
+/// The definition that a name of the current module leads to through modules that import it.
+Definition reexportedDefinition(ModuleRec* exporter, int32_t name, uint32_t line) {
+    for (size_t left = run.modules.size(); left != 0; --left) { // imports may go round
+        const auto own = static_cast<int32_t>(findStri(exporter, getStri(cMP, name)).nr);
+        const int32_t number = name < 0 ? -own : own;
+        const auto found = exporter->modRefs.imported.find(number);
+        if (own == 0 || found == exporter->modRefs.imported.end() ||
+            !reexports(exporter, number, name, line))
+            return {};
+        exporter = found->second.front().first->module;
+        if (exporter == nullptr) return {};
+        const STabNr symbol = exportedSymbol(exporter, name, line);
+        if (symbol && symAt(symbol).node != 0) return {exporter, symbol};
+    }
+    return {};
+}
+
+/// Lets an imported symbol lead to the module that defines it.
+void defineReexported(const ModRef& ref, STabNr nr) {
+    STabRec& symbol = symAt(nr);
+    const Definition definition = reexportedDefinition(ref.module, symbol.name, symbol.line);
+    if (definition.module == nullptr || definition.module == cMP) return;
+    static_cast<void>(handleImplImports(cMP, definition.module));
+    ModRef* const target = cMP->modRefs.byModule.find(definition.module)->second;
+    const STabRec& defined = symAt(definition.symbol);
+    setSymbolNode(target->symbols, nr, defined.node);
+    symbol.formals = defined.formals;
+    symbol.flags = static_cast<uint8_t>((symbol.flags & ~SYM_PARAMETERIZED) |
+                                        (defined.flags & SYM_PARAMETERIZED));
+    for (auto& [from, imported] : cMP->modRefs.imported[symbol.name])
+        if (imported == nr) from = target;
+}
+
+} // namespace
+
 void defineImpSymbols(ModRef& ref) {
     for (STabNr nr = ref.symbols.first; nr; nr = STabNr{symAt(nr).next}) {
         STabRec& symbol = symAt(nr);
-        const STabNr exported = exportedSymbol(ref.module, symbol.name);
-        if (!exported) continue;
+        const STabNr exported = exportedSymbol(ref.module, symbol.name, symbol.line);
+        if (!exported || symAt(exported).node == 0) {
+            if (newNotation()) defineReexported(ref, nr);
+            if (!exported || newNotation()) continue;
+        }
         const STabRec& definition = symAt(exported);
         setSymbolNode(ref.symbols, nr, definition.node);
         symbol.formals = definition.formals;
         const uint8_t braces = definition.flags & SYM_PARAMETERIZED;
-        if ((symbol.flags & SYM_IMPORTED) != 0 && (symbol.flags & SYM_PARAMETERIZED) != braces)
+        const bool differs = (symbol.flags & SYM_PARAMETERIZED) != braces;
+        if ((symbol.flags & SYM_IMPORTED) != 0 && differs && !newNotation())
             recordError(cMP, ERR_SEMANTIC,
                         braces != 0 ? Msg::BracesExpected : Msg::BracesNotAllowed, symbol.line,
                         getStri(cMP, symbol.name));

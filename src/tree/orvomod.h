@@ -40,7 +40,8 @@ struct ModRef {
     uint32_t number = 0; // from 2; 1 always means the module itself
     VNodeNr value;       // the assigned identifier given after FROM
     ModuleRec* module = nullptr;
-    uint8_t state = 0; // 0 on demand, 1 external reference, 2 IMPORTS
+    uint8_t state = 0;     // 0 on demand, 1 external reference, 2 IMPORTS
+    uint8_t selection = 0; // 1 WITH SUCCESSORS, 2 WITH DESCENDANTS
     uint32_t line = 0;
     SymTab symbols; // taken from that module
     ModRef* next = nullptr;
@@ -184,8 +185,12 @@ struct ModuleRec {
     uint8_t importsState = 0, exportsState = 0; // 0 no clause, 1 empty, 2 a list
     uint8_t tagDefault = 1;                     // 1 explicit, 2 implicit or automatic
     bool automaticTags = false, extensibilityImplied = false;
-    bool newNotation = false;     // its notation is that of 2021
-    bool optionsDisabled = false; // pass 5 has switched off options of types
+    bool hasNumberedGroups = false, hasPlainGroups = false; // `[[ 2: ]]` and `[[ ]]`
+    bool hasEnumExceptions = false;                         // behind the marker of an enumeration
+    bool otherInstructions = false;            // unprefixed `[NAME]` is an encoding instruction
+    std::set<std::string, std::less<>> macros; // names that are defined or used as macros
+    bool newNotation = false;                  // its notation is that of 2021
+    bool optionsDisabled = false;              // pass 5 has switched off options of types
     int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;
     int32_t nbRecorded = 0;                             // diagnostics recorded, kept or not
     std::vector<ErrRec> errors;                         // sorted by line, then order of recording

@@ -66,6 +66,16 @@ bool isCompOf() {
     return magnitude(tNode.compStatus) == TCS_COMPOF;
 }
 
+/// What COMPONENTS OF brings in of the list behind its first marker, the current record: the second
+/// root, behind the second one (X.680 (02/2021) 25.5).
+TNodeNr secondRoot() {
+    ModuleRec* const module = typeModule();
+    if (!newNotation(module)) return {};
+    for ([[maybe_unused]] const TNodeNr nr : chain(module, TNodeNr{tNode.next}))
+        if (isMarker()) return {tNode.next};
+    return {};
+}
+
 uint32_t addPlaces(uint32_t a, uint32_t b) {
     return a > std::numeric_limits<uint32_t>::max() - b ? std::numeric_limits<uint32_t>::max()
                                                         : a + b;
@@ -132,7 +142,7 @@ class InclusionSum {
         readRec(entry);
         level.next = {tNode.next};
         if (isMarker()) {
-            level.next = {};
+            level.next = secondRoot();
             level.result.sum.hasMarker = true;
         } else if (isGroup()) {
             enter({entry.module, TNodeNr{tNode.ref}}, true);
@@ -271,7 +281,7 @@ Flattening flatten(TNodeRef first, bool included) {
         readRec(entry);
         list.next = {tNode.next};
         if (isMarker() && list.included)
-            list.next = {};
+            list.next = secondRoot();
         else if (isCompOf())
             includeList(flat);
         else if (isGroup())

@@ -54,6 +54,8 @@ namespace {
 bool isPlaceOfObjClFldTyp() {
     switch (magnitude(tNode.compStatus)) {
     case TCS_MANDATORY:
+        if (tNode.name == 0 && newNotation(typeModule())) return true; // in a setting or contents
+        [[fallthrough]];
     case TCS_OPTIONAL:
         return (isValFieldTNode() || isValSetFieldTNode()) && !isVariabTypeFieldTNode();
     case TCS_CHOICE:
@@ -65,15 +67,29 @@ bool isPlaceOfObjClFldTyp() {
 
 } // namespace
 
+namespace {
+
+/// References lead from the current type to a set.
+bool leadsToSet() {
+    const KeepRec<KIND_TNODE> keep;
+    for (uint32_t left = maxLinks; left != 0 && !isSetTNode(); --left)
+        if (tNode.typeCode != TYP_SYNONYM || !followTypeRef(false)) return false;
+    return isSetTNode();
+}
+
+} // namespace
+
 bool isObjClFldTyp() {
     skipTypes(false);
     if (tNode.typeCode != TYP_FIELDLIST || tNode.refMod < 0 || tNode.ref == 0) return false;
     if (!isPlaceOfObjClFldTyp()) return false;
+    const bool mayBeInformation = tNode.compStatus == TCS_MANDATORY && tNode.name == 0;
     ModuleRec* module = typeModule();
     // The class is a node of the same module, or a reference to one, whose refMod stays 0.
     ModuleRec* classModule = tNode.refMod == 0 ? module : refModule(module, tNode.refMod);
     if (classModule == nullptr) return false;
     readRec(classModule, TNodeNr{tNode.ref});
+    if (mayBeInformation && leadsToSet()) return false; // from an object set
     skipTypes(false);
     return isClassTNode();
 }

@@ -79,7 +79,8 @@ TEST(DiagnosticsDocument, ExamplesProvokeTheirMessages) {
         if (body.find("DEFINITIONS") == std::string::npos)
             body = "M DEFINITIONS ::= BEGIN\n" + body + "\nEND\n";
         std::vector<std::string> options{"-V=3"};
-        if (!row.option.empty()) options.push_back(row.option);
+        std::istringstream words(row.option);
+        for (std::string word; words >> word;) options.push_back(word);
         const RunResult run = compile({{"m.asn", body}}, options);
         EXPECT_NE(run.listing("m").find(beginning(row.text)), std::string::npos)
             << body << run.listing("m");

@@ -1,0 +1,227 @@
+// A macro is not expanded: its arguments are notation of its own, which only its author knows. What
+// protocols and management modules need of it is what stands behind `::=`, or behind SYNTAX.
+
+#include "parser/parser_macro.h"
+
+#include <string>
+#include <string_view>
+
+#include "diag/orvoerr.h"
+#include "parser/parser.h"
+#include "parser/parser_ass.h"
+#include "parser/parser_defer.h"
+#include "parser/parser_oid.h"
+#include "parser/parser_typ.h"
+#include "symtab/orvosym.h"
+#include "tree/orvorec.h"
+#include "tree/types.h"
+#include "tree/values.h"
+#include "util/guard.h"
+
+namespace orvo {
+namespace {
+
+std::string_view nameOf(const Token& token) {
+    const bool isName = token.code == TOK_TYPEID || token.code == TOK_VALUEID;
+    return isName && token.stri() != 0 ? getStri(cMP, token.stri()) : std::string_view();
+}
+
+/// Brackets of every kind that the current token opens, less those that it closes.
+int bracketsOf(int32_t code) {
+    switch (code) {
+    case TOK_LBRACE:
+    case TOK_LPAREN:
+    case TOK_LBRACKET: return 1;
+    case TOK_LVERSION: return 2;
+    case TOK_RBRACE:
+    case TOK_RPAREN:
+    case TOK_RBRACKET: return -1;
+    case TOK_RVERSION: return -2;
+    default: return 0;
+    }
+}
+
+/// Passes over tokens up to one of the set that stands in no brackets, END or the end of the text.
+void passOverTo(const TokenSet& stop) {
+    const Restore<bool> quiet(parserState.passingOver, true);
+    int open = 0;
+    while (parserState.Inp.code != TOK_EOF) {
+        if (open <= 0 && (stop.has(parserState.Inp.code) || parserState.Inp.code == TOK_END))
+            return;
+        open += bracketsOf(parserState.Inp.code);
+        ReadIn();
+    }
+}
+
+bool isMacroDefinition() {
+    return parserState.Inp.code == TOK_TYPEID && nameOf(lookAhead(1)) == "MACRO" &&
+           lookAhead(2).code == TOK_ASSIGN;
+}
+
+/// Notation that no type is written with stands behind the name of the macro.
+bool isMacroValue() {
+    if (parserState.Inp.code != TOK_VALUEID || lookAhead(1).code != TOK_TYPEID) return false;
+    if (cMP->macros.contains(nameOf(lookAhead(1)))) return true;
+    const int32_t behind = lookAhead(2).code;
+    if (behind == TOK_ASSIGN) // v OPERATION ::= localValue 5
+        return lookAhead(3).code == TOK_VALUEID &&
+               (nameOf(lookAhead(3)) == "localValue" || nameOf(lookAhead(3)) == "globalValue");
+    return behind == TOK_TYPEID || behind == TOK_VALUEID || behind == TOK_CSTRING ||
+           (behind >= firstReservedWord && behind <= lastReservedWord);
+}
+
+/// T ::= MACRO WORD "text" ..., T ::= MACRO WORD name ...
+bool isMacroType() {
+    if (parserState.Inp.code != TOK_TYPEID || lookAhead(1).code != TOK_ASSIGN ||
+        lookAhead(2).code != TOK_TYPEID)
+        return false;
+    if (cMP->macros.contains(nameOf(lookAhead(2)))) return true;
+    if (lookAhead(3).code != TOK_TYPEID) return false;
+    const int32_t argument = lookAhead(4).code;
+    return argument == TOK_CSTRING || (argument == TOK_VALUEID && lookAhead(5).code != TOK_DOT);
+}
+
+void noteUse(const Token& macro) {
+    const std::string name(nameOf(macro));
+    if (name.empty()) return;
+    cMP->macros.insert(name);
+    recordOnce(cMP, Msg::MacroUsed, macro.line, name);
+}
+
+/// name MACRO `::=` (BEGIN ... END | reference)
+void macroDefinition() {
+    recordError(cMP, ERR_WARNING, Msg::MacroPassedOver, parserState.Inp.line,
+                nameOf(parserState.Inp));
+    if (buildsTree()) cMP->macros.insert(std::string(nameOf(parserState.Inp)));
+    for (int i = 0; i < 3; ++i) ReadIn();
+    if (parserState.Inp.code == TOK_BEGIN) {
+        passOverTo({});
+        expectToken(TOK_END);
+        return;
+    }
+    expectToken(TOK_TYPEID);
+    if (parserState.Inp.code != TOK_DOT) return;
+    ReadIn();
+    expectToken(TOK_TYPEID);
+}
+
+/// Kind of the value behind `::=`: a number is an INTEGER, braces an OBJECT IDENTIFIER.
+TypeCode kindOfValue() {
+    switch (parserState.Inp.code) {
+    case TOK_NUMBER:
+    case TOK_MINUS: return TYP_INTEGER;
+    case TOK_LBRACE: return TYP_OBJID;
+    default: return TYP_NONE;
+    }
+}
+
+/// name MACRO ... `::=` [localValue | globalValue] [`:`] value
+void macroValue() {
+    const Token name = parserState.Inp;
+    ReadIn();
+    noteUse(parserState.Inp);
+    passOverTo({TOK_ASSIGN});
+    if (!expectToken(TOK_ASSIGN)) return;
+    const std::string_view form = nameOf(parserState.Inp);
+    if (form == "localValue" || form == "globalValue") {
+        ReadIn();
+        if (parserState.Inp.code == TOK_COLON) ReadIn();
+    }
+    const TypeCode kind = kindOfValue();
+    if (kind == TYP_NONE) {
+        recordError(cMP, ERR_WARNING, Msg::MacroValueLeftOut, name.line, nameOf(name));
+        if (buildsTree()) cMP->macros.insert(std::string(nameOf(name)));
+        MGR68OpenValue();
+        return;
+    }
+    VNodeNr head;
+    if (buildsTree()) {
+        parserState.formalList = updateSymbTab(name.stri(), 0, name.line);
+        parserState.symbolList = {};
+        head =
+            addValHeadArc(name.stri(), symAt(parserState.formalList).flags, TNodeNr{}, name.line);
+    }
+    const TNodeNr type = newTypeNode();
+    setTypeCode(kind);
+    if (atValue(head)) vNode.govType = type.nr;
+    const DNodeNr text = MGR68OpenValue();
+    if (!atValue(head)) return;
+    vNode.refMod = REF_DEFERRED;
+    vNode.ref = minusWord(text.nr);
+}
+
+/// name `::=` MACRO ... SYNTAX Type
+void macroType() {
+    const Token name = parserState.Inp;
+    ReadIn();
+    ReadIn();
+    noteUse(parserState.Inp);
+    passOverTo({TOK_SYNTAX});
+    if (!expectToken(TOK_SYNTAX)) return;
+    const Restore own(parserState.openInst, static_cast<int16_t>(parserState.openInst + 1));
+    TNodeNr head;
+    if (buildsTree()) {
+        parserState.formalList = updateSymbTab(name.stri(), 0, name.line);
+        parserState.symbolList = {};
+        const uint8_t flags = symAt(parserState.formalList).flags;
+        head = addTypeHeadArc(name.stri(), flags, name.line);
+        if (cMP->exportsState == 0 || (flags & SYM_EXPORTED) != 0) ++cMP->options.exportedTypes;
+    }
+    atType(head);
+    MGR59Type();
+}
+
+constexpr std::string_view encodingReferences[] = {"XER", "PER", "JER", "OER", "BER", "CER", "DER"};
+
+/// Passes over the brackets at the current token.
+void passOverBrackets() {
+    recordOnce(cMP, Msg::EncodingPassedOver, parserState.Inp.line, {});
+    const Restore<bool> quiet(parserState.passingOver, true);
+    int open = 0;
+    do {
+        if (parserState.Inp.code == TOK_EOF) return;
+        open += bracketsOf(parserState.Inp.code);
+        ReadIn();
+    } while (open > 0);
+}
+
+} // namespace
+
+bool macroFollows() {
+    return isMacroDefinition() || isMacroValue() || isMacroType();
+}
+
+void macroAssignment() {
+    if (isMacroDefinition())
+        macroDefinition();
+    else if (parserState.Inp.code == TOK_VALUEID)
+        macroValue();
+    else
+        macroType();
+}
+
+void encodingPrefixes() {
+    while (parserState.Inp.code == TOK_LBRACKET && lookAhead(1).code == TOK_TYPEID) {
+        const std::string_view reference = nameOf(lookAhead(1));
+        if (lookAhead(2).code == TOK_COLON) {
+            if (reference == "TAG") return;
+            if (buildsTree() &&
+                std::ranges::find(encodingReferences, reference) == std::end(encodingReferences))
+                recordError(cMP, ERR_SEMANTIC, Msg::UnknownEncodingReference, parserState.Inp.line,
+                            reference);
+        } else if (!cMP->otherInstructions || lookAhead(2).code == TOK_DOT) {
+            return;
+        }
+        passOverBrackets();
+    }
+}
+
+void encodingControlSections() {
+    while (parserState.Inp.code == TOK_ENCODING_CONTROL) {
+        recordOnce(cMP, Msg::EncodingPassedOver, parserState.Inp.line, {});
+        ReadIn();
+        passOverTo({TOK_ENCODING_CONTROL});
+    }
+}
+
+} // namespace orvo

@@ -1,0 +1,191 @@
+// Notation of X.680 to X.683 (02/2021): by clause a legal module, what its tree holds, and the
+// nearest illegal one with its message.
+
+#include <gtest/gtest.h>
+
+#include "support/cases.h"
+#include "support/tree.h"
+
+namespace orvo::test {
+namespace {
+
+const std::vector<std::string> edition = {"-STANDARD-VERSION=2021"};
+const std::vector<std::string> lenient = {"-STANDARD-VERSION=2021", "-LENIENT=yes"};
+
+/// Errors of the notation read "*** ERROR on line   N : ..." in a listing.
+std::string lexical(int line, const std::string& text) {
+    return " *** ERROR on line " + std::string(line < 10 ? "  " : " ") + std::to_string(line) +
+           " : " + text + "\n";
+}
+
+TEST(Notation2021, WordsCommentsAndNumbers) {
+    // 12.1, 12.6: byte order mark, NO-BREAK SPACE, nested comments in which `--` means nothing.
+    const RunResult run = compile(
+        {{"m.asn", "\xEF\xBB\xBFM DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                   "/* a -- b /* \"c */ \xFF */ T\xC2\xA0::= UTF8String -- ends here\vU ::= T\n"
+                   "s UTF8String ::= \"\xC3\xA9  \n  x\" b BIT STRING ::= '01\n10'B\n"
+                   "r REAL ::= 3.14E-2 q REAL ::= -2.50 n INTEGER ::= 99999999999999999999\n"
+                   "w REAL ::= NOT-A-NUMBER i INTEGER (1..5) ::= 3\nEND\n"}},
+        edition);
+    EXPECT_EQ(run.diagnostics("m"), "");
+    const TreeFacts tree(run, "m");
+    EXPECT_EQ(tree.types(), "T U");
+    EXPECT_EQ(tree.finalTags("T"), "[UNIVERSAL 12]");
+    EXPECT_EQ(tree.value("s").node().valCode, 42);
+    // The line end with its white space is none of the characters (12.14.1).
+    EXPECT_EQ(tree.valueText("s"), "\"\\u00e9x\"");
+    // A comment that is not closed hides the rest (12.6.4).
+    EXPECT_EQ(compileBody("T ::= NULL\n/* /* */\nU ::= 5", edition).diagnostics("m"),
+              lexical(3, "Invalid end character in: /*"));
+    EXPECT_EQ(
+        compileBody("v IA5String ::= \"\xC3\xA9\"", edition).diagnostics("m"),
+        listed({{2, "Character that the type does not have"}, {2, "IA5String value syntax"}}));
+    EXPECT_EQ(compileBody("v REAL ::= 1.0E40000", edition).diagnostics("m"),
+              listed({{2, "Mantissa beyond 64 bits or exponent beyond 16 bits: 1.0E40000"}}));
+}
+
+TEST(Notation2021, ModuleHeadersAndSymbolLists) {
+    const RunResult run =
+        compile({{"m.asn",
+                  "M { iso 1 2 } \"/ISO/a\" DEFINITIONS XER INSTRUCTIONS AUTOMATIC TAGS ::= BEGIN\n"
+                  "EXPORTS ALL;\n"
+                  "IMPORTS P{}, Q FROM N { iso 1 3 } WITH DESCENDANTS X FROM O;\n"
+                  "T ::= [NAME AS \"x\"] SEQUENCE { a [TAG: 7] INTEGER, b [PER: x [[ y ]] ] Q, c P "
+                  "{NULL}, d X }\n"
+                  "ENCODING-CONTROL XER GLOBAL-DEFAULTS MODIFIED-ENCODINGS { # }\nEND\n"},
+                 {"n.asn", "N { iso 1 3 } DEFINITIONS ::= BEGIN Q ::= NULL P {A} ::= A END\n"},
+                 {"o.asn", "O DEFINITIONS ::= BEGIN EXPORTS X; IMPORTS X FROM R; END\n"},
+                 {"r.asn", "R DEFINITIONS ::= BEGIN X ::= BOOLEAN END\n"}},
+                edition);
+    EXPECT_EQ(run.diagnostics("m"), listed({{4, "W Encoding instructions passed over"}}));
+    const TreeFacts tree(run, "m");
+    EXPECT_EQ(tree.kind("T.d"), "R.X"); // the definition, not the module that hands it on
+    EXPECT_EQ(tree.finalTags("T.a"), "[7]");
+    EXPECT_EQ(
+        compile({{"m.asn",
+                  "M DEFINITIONS ::= BEGIN\nIMPORTS Q FROM N WITH SUCCESSORS;\nT ::= Q\nEND\n"},
+                 {"n.asn", "N DEFINITIONS ::= BEGIN Q ::= NULL END\n"}},
+                edition)
+            .diagnostics("m"),
+        listed(
+            {{2, "WITH SUCCESSORS and WITH DESCENDANTS need an object identifier: SUCCESSORS"}}));
+    EXPECT_EQ(compileBody("T ::= [ABC: x] NULL", edition).diagnostics("m"),
+              listed({{2, "Unknown encoding reference: ABC"},
+                      {2, "W Encoding instructions passed over"}}));
+}
+
+TEST(Notation2021, MarkersRootsAndGroups) {
+    const RunResult run =
+        compileBody("A ::= SEQUENCE { a INTEGER, ... ! 5, [[ 2: b NULL ]], [[ 3: c NULL, d BOOLEAN "
+                    "]], ..., e NULL }\n"
+                    "B ::= CHOICE { a NULL, ..., [[ 2: b INTEGER, c BOOLEAN ]], ... }\n"
+                    "C ::= SEQUENCE { x INTEGER, COMPONENTS OF A, y NULL }\n"
+                    "D ::= ENUMERATED { a, b, ... ! INTEGER : 7, c }\n"
+                    "E ::= SEQUENCE { ..., ... }\n"
+                    "F ::= SEQUENCE OF item INTEGER\nv F ::= { item 5, item 7 }",
+                    edition, "AUTOMATIC TAGS ");
+    EXPECT_EQ(run.diagnostics("m"), "");
+    const TreeFacts tree(run, "m");
+    // 25.3: the roots a, e are 0 and 1, the additions b, c, d follow.
+    EXPECT_EQ(tree.finalTags("A.a"), "[0]");
+    EXPECT_EQ(tree.finalTags("A.e"), "[1]");
+    EXPECT_EQ(tree.finalTags("A.b"), "[2]");
+    EXPECT_EQ(tree.finalTags("A.d"), "[4]");
+    EXPECT_EQ(tree.finalTags("B.c"), "[2]");
+    EXPECT_EQ(tree.node("A").fieldSize, 6); // five components and 1 for the markers
+    EXPECT_EQ(tree.node("C").fieldSize, 4); // x, a and e of both roots, y (25.5)
+    EXPECT_EQ(tree.named("D"), "a(0) b(1) ... c(2)");
+    EXPECT_EQ(tree.node("F").typeCode, 8);
+    const std::string twice = "Duplicate extension marker in a component list.";
+    const auto diagnostics = [](const std::string& body) {
+        return compileBody(body, edition, "AUTOMATIC TAGS ").diagnostics("m");
+    };
+    EXPECT_EQ(diagnostics("T ::= SEQUENCE { ..., ..., a NULL, ... }"), listed({{2, twice}}));
+    EXPECT_EQ(diagnostics("T ::= CHOICE { a NULL, ..., ..., b NULL }"), listed({{2, twice}}));
+    EXPECT_EQ(diagnostics("T ::= SEQUENCE { a NULL, ..., [[ 3: b NULL ]], [[ 2: c NULL ]] }"),
+              listed({{2, "Version number of a group below 2 or not ascending"}}));
+    EXPECT_EQ(diagnostics("T ::= SEQUENCE { a NULL, ..., [[ 2: b NULL ]], [[ c NULL ]] }"),
+              listed({{2, "W Groups with and without version number"}}));
+    EXPECT_EQ(diagnostics("T ::= SEQUENCE { a NULL, ..., b [5] NULL }"),
+              listed({{2, "Tag in an addition of an automatically tagged list"}}));
+    EXPECT_EQ(compileBody("T ::= SEQUENCE { a NULL, ..., b [5] NULL }", lenient, "AUTOMATIC TAGS ")
+                  .diagnostics("m"),
+              listed({{2, "W Tag in an addition of an automatically tagged list"}}));
+}
+
+TEST(Notation2021, MacrosAreReadOver) {
+    const RunResult run =
+        compileBody("OBJECT-TYPE MACRO ::=\nBEGIN TYPE NOTATION ::= \"SYNTAX\" # END\n"
+                    "sysDescr OBJECT-TYPE SYNTAX NULL ACCESS read-only ::= { 1 3 6 }\n"
+                    "op OPERATION ARGUMENT NULL ::= localValue 5\n"
+                    "DisplayString ::= TEXTUAL-CONVENTION DISPLAY-HINT \"255a\" STATUS "
+                    "current SYNTAX OCTET STRING (SIZE (0..255))",
+                    edition);
+    const std::string use = "W Definition by a macro: what is read of it is its value or type: ";
+    EXPECT_EQ(run.diagnostics("m"), listed({{2, "W Macro definition passed over: OBJECT_TYPE"},
+                                            {4, use + "OBJECT_TYPE"},
+                                            {5, use + "OPERATION"},
+                                            {6, use + "TEXTUAL_CONVENTION"}}));
+    const TreeFacts tree(run, "m");
+    EXPECT_EQ(tree.values(), "sysDescr op");
+    EXPECT_EQ(tree.constraint("DisplayString"), "(SIZE (0..255))");
+    EXPECT_EQ(tree.valueText("op"), "5");
+}
+
+TEST(Notation2021, SetsContentsAndRelations) {
+    const RunResult run =
+        compileBody("A ::= INTEGER (1 | 2 ^ 3 | 4 EXCEPT 5, ..., 7)\n"
+                    "B ::= OCTET STRING (SIZE (1..9)) (CONTAINING A ENCODED BY { 2 1 1 })\n"
+                    "C ::= VisibleString (PATTERN \"[a-z]*\")\n"
+                    "K ::= CLASS { &id INTEGER UNIQUE, &Type } WITH SYNTAX { &Type ID &id }\n"
+                    "S K ::= { { BOOLEAN ID 1 }, ... }\n"
+                    "E ::= SEQUENCE { id K.&id ({S}), in SEQUENCE { v OCTET STRING (CONTAINING "
+                    "K.&Type ({S}{@id})),\n"
+                    " w K.&Type ({S}{@..id}) } }\n"
+                    "F ::= REAL (WITH COMPONENTS { ..., base (10) })",
+                    edition, "AUTOMATIC TAGS ");
+    EXPECT_EQ(run.diagnostics("m"), "");
+    const TreeFacts tree(run, "m");
+    EXPECT_EQ(tree.constraint("B"), "(SIZE (1..9))(CONTAINING A ENCODED BY {2 1 1})");
+    EXPECT_EQ(tree.constraint("C"), "(PATTERN \"[a-z]*\")");
+    EXPECT_EQ(tree.constraint("E.in.w"), "({S} {@..id})");
+    EXPECT_EQ(compileBody("A ::= INTEGER (1 | 2 EXCEPT 3 EXCEPT 4)", edition).diagnostics("m"),
+              listed({{2, "A second EXCEPT needs parentheses"}, {2, "Invalid constraint"}}));
+}
+
+TEST(Notation2021, FaultsOfPublishedModulesAreWarnings) {
+    const std::vector<SourceFile> files = {
+        {"m.asn", "M DEFINITIONS ::= BEGIN\nIMPORTS A, A, BIT FROM N\nB, Hid FROM N;\n"
+                  "T ::= [UNIVERSAL 5] A\nU_x ::= B\nv INTEGER ::= 5\nW ::= P {S} X ::= P {{}}\n"
+                  "K ::= CLASS { &id INTEGER UNIQUE } S K ::= { { &id 1 } }\n"
+                  "P {K:Set} ::= SEQUENCE { i K.&id ({Set}) }\nQ ::= SEQUENCE OF n INTEGER q Q ::= "
+                  "{ 5 }\nY ::= Hid\nEND\n"},
+        {"n.asn",
+         "N DEFINITIONS ::= BEGIN\nEXPORTS A, B;\nA ::= NULL B ::= NULL Hid ::= NULL END\n"}};
+    EXPECT_EQ(compile(files, lenient).diagnostics("m"),
+              listed({{2, "W Symbol listed twice: A"},
+                      {2, "W Reserved word in symbol list: BIT"},
+                      {3, "W Module is named by two FROM clauses: N"},
+                      {3, "W Imported symbol is not exported: Hid"},
+                      {4, "W Tag class UNIVERSAL"},
+                      {5, "W Underscore in name: U_x"},
+                      {7, "W Set without its braces: S"},
+                      {7, "W Empty set"},
+                      {10, "W Value without the name of the element: n"}}));
+    EXPECT_NE(compile(files, edition).status, 0);
+}
+
+/// A module of an older edition reads as ever, beside one of today and in front of its own header.
+TEST(Notation2021, HoldsForTheModulesThatAskForIt) {
+    const RunResult run =
+        compile({{"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nIMPORTS U FROM N;\n"
+                           "T ::= SEQUENCE { u U, p PATTERN }\nPATTERN ::= NULL\nEND\n"},
+                 {"n.asn", "--$STANDARD-VERSION=2021--\nN DEFINITIONS ::= BEGIN "
+                           "U ::= UTF8String /* */ END\n"}});
+    EXPECT_EQ(run.diagnostics("m"), "");
+    EXPECT_EQ(run.diagnostics("n"), "");
+    EXPECT_EQ(TreeFacts(run, "m").finalTags("T.u"), "[0]");
+}
+
+} // namespace
+} // namespace orvo::test
