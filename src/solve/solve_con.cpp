@@ -163,8 +163,8 @@ bool parseConstraintSpec(SubNr nr, Cause& cause) {
     // Information from an object that is still there leads nowhere: no table, but an error.
     const bool isField = tNode.typeCode == TYP_FIELDLIST && tNode.refMod != REF_OBJECT;
     if (!isField && tNode.typeCode != TYP_INSTANCE_OF) return parseElemSetSpec(nr, cause);
-    if (isOpenTypeConstraint()) return parseOpenTypeConstraint(nr, cause);
     if (newNotation() && !objectSetFollows()) return parseElemSetSpec(nr, cause);
+    if (isOpenTypeConstraint()) return parseOpenTypeConstraint(nr, cause);
     return parseTableConstr(nr, cause);
 }
 

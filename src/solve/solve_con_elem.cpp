@@ -363,6 +363,13 @@ bool containedSubtypeFollows() {
            (curCode() == TOK_MARKER && nextCode() != TOK_COLON);
 }
 
+/// A type begins at the cursor, one of those that the values of an open type may be of; a value
+/// would begin with its type and a colon.
+bool typeOfOpenTypeFollows() {
+    return curCode() == TOK_TYPEID ||
+           ((curCode() == TOK_MARKER || curCode() == TOK_NULL) && nextCode() != TOK_COLON);
+}
+
 } // namespace
 
 bool parseElements(SubNr nr, Cause& cause) {
@@ -377,6 +384,11 @@ bool parseElements(SubNr nr, Cause& cause) {
     if (is(kind, TypeClass::Reference)) {
         recordSubError(nr, Msg::InvalidGoverningTypeClass, currentTypeName());
         return false;
+    }
+    if (kind == TYP_OPEN && newNotation() && typeOfOpenTypeFollows()) {
+        readGovernor(nr);
+        skipTypes(false);
+        return parseOpenTypeConstraint(nr, cause);
     }
     if (containedSubtypeFollows()) return parseContainedSubtype(nr, governor, cause);
     switch (curCode()) {
