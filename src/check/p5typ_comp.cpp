@@ -56,9 +56,11 @@ void checkOptCompsAndExtMarks(StruCounts& counts) {
     counts.mandatory |= tNode.compStatus == TCS_MANDATORY;
 }
 
-/// A class is no type of a component; a field of a class is no open class field type of a value.
+/// A class is no type of a component; a field of a class is no open class field type of a value in
+/// older notation.
 bool checkValidComponentType(ModuleRec* module, bool inClass) {
     if (inClass) {
+        if (newNotation(typeModule())) return true;
         const bool isFixedType =
             (isValFieldTNode() || isValSetFieldTNode()) && !isVariabTypeFieldTNode();
         if (!isFixedType || !isOpenObjClassFieldTypeTNode()) return true;

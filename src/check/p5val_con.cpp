@@ -373,6 +373,7 @@ bool meets(const ValueErrors& errors, const CheckedValue& value) {
     case SUB_WITH_COMPONENTS: return valWithComps(value);
     case SUB_TABLE: return valTableConstr(errors, value);
     case SUB_CONTENTS: return newNotation(subModule());
+    case SUB_OPEN_TYPE: return newNotation(subModule()) && valOpenType(errors, value);
     case SUB_USER_DEFINED:
     case SUB_EXCEPTION:
     case SUB_PATTERN:

@@ -125,5 +125,7 @@ bool readBuiltinType(uint8_t kind);
 // ---- p5val_tab ----------------------------------------------------------------------------------
 /// The current constraint is a table constraint.
 [[nodiscard]] bool valTableConstr(const ValueErrors& errors, const CheckedValue& value);
+/// The value of an open type is one of the type in the constraint.
+[[nodiscard]] bool valOpenType(const ValueErrors& errors, const CheckedValue& value);
 
 } // namespace orvo

@@ -231,6 +231,19 @@ bool objectAgrees(const ValueErrors& errors, VNodeRef object, const FieldPath& p
     return (setting || isSet) && compareValueAndTableObject(errors, value, setting);
 }
 
+} // namespace
+
+bool valOpenType(const ValueErrors& errors, const CheckedValue& value) {
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    readRec(subModule(), VNodeNr{subRec.left});
+    const bool ok = readTypeSetting() &&
+                    checkAgainstType({errors.module, false}, withoutType(value), true);
+    return ok || failValue(errors, value, valueOutOfConstraint(SUBNAME_OPEN_TYPE));
+}
+
+namespace {
+
 // ---- component relations ------------------------------------------------------------------------
 
 /// Where a reference of a component relation leads.

@@ -1,0 +1,265 @@
+// Constraints, objects and parameters in the notation of X.680 to X.683 (02/2021).
+
+#include <gtest/gtest.h>
+
+#include "support/findings.h"
+#include "support/tree.h"
+
+namespace orvo::test {
+namespace {
+
+const std::vector<std::string> edition = {"-STANDARD-VERSION=2021"};
+const std::vector<std::string> lenient = {"-STANDARD-VERSION=2021", "-LENIENT=yes"};
+
+constexpr const char* definitions =
+    "n INTEGER ::= 4 O ::= OCTET STRING per OBJECT IDENTIFIER ::= {2 1 3} text IA5String ::= \"x\" "
+    "K ::= CLASS { &id INTEGER UNIQUE, &Type, &Vs INTEGER OPTIONAL, &Ks K OPTIONAL, &o K OPTIONAL }"
+    "  WITH SYNTAX { &Type ID &id [VS &Vs] [KS &Ks] [O &o] } "
+    "k1 K ::= { INTEGER ID 1 VS {1..3} } k2 K ::= { NULL ID 2 KS {k1} O k1 } Ks K ::= { k1 | k2 } ";
+
+RunResult compileWith(const std::string& body, const std::vector<std::string>& options = edition) {
+    return compileBody(std::string(definitions) + "\n" + body, options, "AUTOMATIC TAGS ");
+}
+
+constexpr struct {
+    const char* type;
+    const char* constraint; // as the tree has it; parentheses around what is a record of its own
+} legalCases[] = {
+    // X.680 50.1: EXCEPT binds strongest, then intersections, then unions; one flat union.
+    {"T ::= INTEGER (1 | 2 ^ 3 | 9 EXCEPT 5)", "(1 | (2 ^ 3) | (9 EXCEPT 5))"},
+    {"T ::= INTEGER (1 ^ 2 EXCEPT 3 INTERSECTION 4)", "(1 ^ (2 EXCEPT 3) ^ 4)"},
+    {"T ::= INTEGER (1 | (2 UNION 3) | (((4))))", "(1 | (2 | 3) | 4)"},
+    {"T ::= INTEGER (1 | 2, ..., 3 | 4 ^ 5 ! 6)", "(1 | 2, ... | 3 | (4 ^ 5) !6)"},
+    {"T ::= INTEGER (ALL EXCEPT 5, ..., ALL EXCEPT (6 | 7))",
+     "((ALL EXCEPT 5), ... | (ALL EXCEPT (6 | 7)))"},
+    {"T ::= INTEGER (1 ^ (ALL EXCEPT 2))", "(1 ^ (ALL EXCEPT 2))"},
+    {"T INTEGER ::= { 1 ^ n, ..., n }", "((1 ^ n), ... | n)"},
+    {"T ::= IA5String (SIZE (1..5, ..., 6 ! 7) ^ FROM (\"a\"..\"z\" EXCEPT \"b\"))",
+     "(SIZE (1..5, ... | 6 !7) ^ FROM (\"a\"..\"z\" EXCEPT \"b\"))"},
+    // X.681 12.3
+    {"T K ::= { ..., k1 | k2 }", "(... | k1 | k2)"},
+    {"T K ::= { k2.&Ks | Ks EXCEPT k1, ... }", "(k2.&Ks | (Ks EXCEPT k1), ...)"},
+    {"T K ::= { ... }", "(...)"},
+    // X.680 51.8
+    {"T ::= REAL (WITH COMPONENTS { mantissa (1..9), base (2), exponent (-5..5) })",
+     "(WITH COMPONENTS {mantissa (1..9), base (2), exponent (-5..5)})"},
+    {"T ::= EXTERNAL (WITH COMPONENTS { ..., identification (WITH COMPONENTS { ..., fixed ABSENT "
+     "}),"
+     " data-value (CONTAINING NULL) })",
+     "(WITH COMPONENTS {..., identification (WITH COMPONENTS {..., fixed ABSENT}), "
+     "data_value (CONTAINING NULL)})"},
+    {"T ::= CHARACTER STRING (WITH COMPONENTS { ..., string-value (SIZE (4)) })",
+     "(WITH COMPONENTS {..., string_value (SIZE (4))})"},
+    {"T ::= INSTANCE OF TYPE-IDENTIFIER (WITH COMPONENTS { ..., type-id ({2 1}) })",
+     "(WITH COMPONENTS {..., type_id ({2 1})})"},
+    // X.680 51.9, 51.10, 51.11
+    {"T ::= UTF8String (PATTERN \"a.*\" ^ SIZE (1..9) | PATTERN text)",
+     "((PATTERN \"a.*\" ^ SIZE (1..9)) | PATTERN text)"},
+    {"T ::= TIME (SETTINGS \"Basic=Date Date=YMD\")", "(SETTINGS \"Basic=Date Date=YMD\")"},
+    {"T ::= DATE (\"2020-01-01\"..\"2021-12-31\")", "(\"2020-01-01\"..\"2021-12-31\")"},
+    // X.682 11
+    {"T ::= O (SIZE (1..9))(CONTAINING SEQUENCE OF NULL ENCODED BY per ! 3)",
+     "(SIZE (1..9))(CONTAINING SEQUENCE OF ENCODED BY per !3)"},
+    {"T ::= BIT STRING (ENCODED BY {2 1 1})", "(ENCODED BY {2 1 1})"},
+    {"T ::= O (CONTAINING T)", "(CONTAINING T)"},
+    // X.681 14: what constrains a field of a class constrains the type that it stands for.
+    {"T ::= K.&id (1..5 | k2.&id)", "(1..5 | k2.&id)"},
+    {"T ::= K.&Type (INTEGER | SEQUENCE OF NULL)", "(INTEGER | SEQUENCE OF)"},
+    {"T ::= INTEGER (k1.&Vs | Ks.&id ^ 2)", "(k1.&Vs | (Ks.&id ^ 2))"},
+};
+
+TEST(NotationConstraints, AreKept) {
+    for (const auto& row : legalCases) {
+        SCOPED_TRACE(row.type);
+        const RunResult run = compileWith(row.type);
+        EXPECT_EQ(run.diagnostics("m"), "");
+        if (run.status != 0) continue;
+        EXPECT_EQ(TreeFacts(run, "m").constraint("T"), row.constraint);
+    }
+}
+
+const ErrorCase illegalCases[] = {
+    {"INTEGER (1 EXCEPT 2 EXCEPT 3)", "A second EXCEPT needs parentheses"},
+    {"INTEGER (1 | ALL EXCEPT 5)", "ALL EXCEPT cannot be an operand"},
+    {"INTEGER (ALL EXCEPT 5 | 6)", "ALL EXCEPT cannot be an operand"},
+    {"INTEGER (..., 5)", "A set of values begins with an extension marker: T"},
+    {"INTEGER ((1, ...) | 2)", "An extension marker stands once, behind the root of the whole set"},
+    {"INTEGER (1, ..., 2, ...)",
+     "An extension marker stands once, behind the root of the whole set"},
+    {"INTEGER (1 | 2, 3)",
+     "'...' expected: In sets a comma is allowed only before an extension marker"},
+    {"INTEGER (1 | ...)", "',' expected: In sets a comma is expected before an extension marker"},
+    {"INTEGER (1, ... | 2)", "',' expected: In sets a comma is expected after an extension marker"},
+    {"INTEGER (1 ! 5, ...)", "')' expected: Missing end of constraint"},
+    {"REAL (WITH COMPONENTS { ..., sign (1) })", "Invalid component identifier: sign"},
+    {"BOOLEAN (WITH COMPONENTS { })", "Inner subtyping not allowed"},
+    {"O (PATTERN \"a\")", "PATTERN not allowed"},
+    {"IA5String (SETTINGS \"Basic=Date\")", "SETTINGS not allowed: T"},
+    {"TIME (SETTINGS text)", "'cstring' expected"},
+    {"BIT STRING { a(0) } (CONTAINING NULL)", "Contents constraint not allowed: T"},
+    {"K.&id (CONTAINING NULL)", "Contents constraint not allowed: id"},
+    {"O (CONTAINING 5)", "'typeid' expected: Invalid \"Contents constraint\""},
+    {"O (CONTAINING NULL ENCODED per)", "'BY' expected: Invalid \"Contents constraint\""},
+    {"O (SIZE (5) | CONTAINING NULL)", "Not allowed beside other elements of a set: CONTAINING"},
+    {"O (CONTAINING NULL ^ SIZE (5))", "Not allowed beside other elements of a set: CONTAINING"},
+    {"K.&Type ({Ks}{@..})", "Invalid component relation constraint(s)"},
+};
+
+TEST(NotationConstraints, ThatAreNoneSayWhy) {
+    for (const ErrorCase& row : illegalCases) {
+        SCOPED_TRACE(row.notation);
+        EXPECT_EQ(compileWith(std::string("T ::= ") + row.notation).diagnostics("m"),
+                  listed({{3, row.messages}, {3, "Invalid constraint"}}));
+    }
+    EXPECT_EQ(compileWith("T ::= INTEGER (..., 5)", lenient).diagnostics("m"),
+              listed({{3, "W A set of values begins with an extension marker: T"}}));
+}
+
+/// What the later passes find: in the text of a pattern, in what is contained, in bounds.
+TEST(NotationConstraints, AreChecked) {
+    EXPECT_EQ(compileWith("A ::= IA5String (PATTERN n)\nB ::= O (CONTAINING NULL ENCODED BY n)\n"
+                          "C ::= O (CONTAINING K)\nD ::= O (CONTAINING INTEGER (5..3))\n"
+                          "E ::= REAL (WITH COMPONENTS { base (3) })\n"
+                          "f K.&Type (NULL) ::= BOOLEAN : TRUE")
+                  .diagnostics("m"),
+              listed({{3, "Invalid UniversalString value"},
+                      {3, "Invalid PATTERN constraint(s)"},
+                      {4, "Invalid OBJECT IDENTIFIER value"},
+                      {4, "Invalid contents constraint(s)"},
+                      {5, "Invalid contents constraint(s)"},
+                      {6, "Invalid range constraint(s)"},
+                      {6, "Invalid contents constraint(s)"},
+                      {7, "Value out of union constraint(s)"},
+                      {7, "Invalid single value constraint(s)"},
+                      {7, "Invalid WITH COMPONENTS constraint(s)"},
+                      {8, "Value out of TypeConstraint constraint(s)"}}));
+    // The bounds of EXCEPT are those of its left operand, in older modules it has none.
+    const std::string body = "\nT ::= INTEGER ((1..100000 EXCEPT 5) | 20)";
+    EXPECT_EQ(TreeFacts(compileWith(body), "m").bounds("T"), "1..100000");
+    EXPECT_EQ(TreeFacts(compileBody(body), "m").bounds("T"), "20..20");
+}
+
+// X.682 10.8: `@.` begins at the innermost structure, each further dot one further out; the lists
+// between them do not count. `a` is the id of `v`'s object three structures out.
+constexpr const char* relations =
+    "T ::= SEQUENCE { a K.&id ({Ks}), b SEQUENCE { c K.&id ({Ks}), d SEQUENCE OF SEQUENCE { "
+    "e K.&id ({Ks}), f K.&Type ({Ks}{@.e}), g K.&Type ({Ks}{@..c}), h K.&Type ({Ks}{@...a}), "
+    "i K.&Type ({Ks}{@...b.c, @a}) } } }\n";
+
+TEST(NotationConstraints, RelationsClimbTheStructures) {
+    const RunResult run = compileWith(relations);
+    EXPECT_EQ(run.diagnostics("m"), "");
+    const TreeFacts tree(run, "m");
+    EXPECT_EQ(tree.constraint("T.b.d.*.f"), "({Ks} {@.e})");
+    EXPECT_EQ(tree.constraint("T.b.d.*.g"), "({Ks} {@..c})");
+    EXPECT_EQ(tree.constraint("T.b.d.*.h"), "({Ks} {@...a})");
+    EXPECT_EQ(tree.constraint("T.b.d.*.i"), "({Ks} {@...b.c,@a})");
+    const std::string faulty = "T ::= SEQUENCE { a K.&id ({Ks}), b SEQUENCE { "
+                               "c K.&Type ({Ks}{@...a}) } }";
+    EXPECT_EQ(compileWith(faulty).diagnostics("m"),
+              listed({{3, "Invalid component relation constraint(s)"}}));
+    // 1 is that of INTEGER, 2 that of NULL.
+    const auto value = [](const char* g, const char* h) {
+        return compileWith(std::string(relations) +
+                           "t T ::= { a 1, b { c 2, d { { e 1, f INTEGER : "
+                           "5, g " +
+                           g + ", h " + h + ", i NULL : NULL } } } }")
+            .diagnostics("m");
+    };
+    EXPECT_NE(value("NULL : NULL", "INTEGER : 5").find("Value out of component relation"),
+              std::string::npos)
+        << "i agrees with b.c and a, which name different objects";
+    EXPECT_NE(value("INTEGER : 5", "INTEGER : 5"), value("NULL : NULL", "INTEGER : 5"));
+    EXPECT_NE(value("NULL : NULL", "NULL : NULL"), value("NULL : NULL", "INTEGER : 5"));
+}
+
+// ---- objects and parameters ---------------------------------------------------------------------
+
+constexpr struct {
+    const char* body; // defines T
+    const char* fact; // the kind or constraint of T
+} objectCases[] = {
+    // X.681 9: a DEFAULT for every sort of field.
+    {"F ::= CLASS { &Type DEFAULT INTEGER, &fix INTEGER DEFAULT 5, &var &Type DEFAULT 7, "
+     "&FixSet INTEGER DEFAULT {1 | 2 ^ 3, ...}, &VarSet &Type DEFAULT {1..3}, &obj K DEFAULT k1, "
+     "&Objs K DEFAULT {..., k1} } f F ::= {} T ::= INTEGER (f.&fix | f.&obj.&id)",
+     "(f.&fix | f.&obj.&id)"},
+    // 10.6: words that begin no type are names still.
+    {"F ::= CLASS { &a INTEGER, &b INTEGER OPTIONAL } WITH SYNTAX { PATTERN &a [SETTINGS &b] } "
+     "f F ::= { PATTERN 5 SETTINGS 7 } T ::= INTEGER (f.&b)",
+     "(f.&b)"},
+    // 10.12: a group that begins with a type is left out where the word behind it comes first.
+    {"F ::= CLASS { &Type OPTIONAL, &id INTEGER } WITH SYNTAX { [&Type] IDENTIFIED BY &id } "
+     "f F ::= { IDENTIFIED BY 5 } g F ::= { K.&Type IDENTIFIED BY 6 } T ::= INTEGER (f.&id | "
+     "g.&id)",
+     "(f.&id | g.&id)"},
+    // X.683 8.2: parameters that govern others, also those in front of them.
+    {"P {C, v : D, C : Set, D} ::= SEQUENCE { a C.&id ({Set}), b D } "
+     "T ::= INTEGER (1)",
+     "(1)"},
+    {"P {A, A : Vs} ::= SEQUENCE { a A (Vs) } T ::= P {INTEGER, {1..5 | 7}}", ""},
+    {"P {C, C : Set} ::= SEQUENCE { a C.&id ({Set}), b C.&Type ({Set}{@a}) } T ::= P {K, {Ks}}",
+     ""},
+    {"P {A, A : v} ::= INTEGER (v) T ::= P {INTEGER, 5}", ""},
+    {"P {A, A : v} ::= SEQUENCE { a INTEGER (CONSTRAINED BY {A : v}) } T ::= P {BOOLEAN, TRUE}",
+     ""},
+    // X.683 9.5: every actual parameter.
+    {"o {INTEGER : i, A} K ::= { A ID i } P {K : o, INTEGER : v, A} ::= SEQUENCE { a INTEGER "
+     "(o.&id), "
+     "b INTEGER (v), c A } T ::= P {o {5, NULL}, o {5, NULL}.&id, o {7, BOOLEAN}.&Type}",
+     ""},
+    {"P {INTEGER : Vs, K : Set} ::= SEQUENCE { a INTEGER (Vs), b K.&id ({Set}) } "
+     "T ::= P {{Ks.&id}, {k2.&Ks | k2.&o, ..., k2}}",
+     ""},
+    // Braces in braces, to any depth.
+    {"P {K : S} ::= SEQUENCE { a K.&id ({S}) } Q {A, K : S} ::= SEQUENCE { a A, b P {{S}} } "
+     "R {K : S} ::= SEQUENCE { a Q {P {{S | {NULL ID 9}}}, {S}} } T ::= R {{Ks}}",
+     ""},
+    {"P {A, OBJECT IDENTIFIER : rules, UTF8String : p} ::= SEQUENCE { a O (CONTAINING A ENCODED BY "
+     "rules), b UTF8String (PATTERN p) } T ::= P {NULL, per, \"abc\"}",
+     ""},
+};
+
+TEST(NotationConstraints, ObjectsAndParameters) {
+    for (const auto& row : objectCases) {
+        SCOPED_TRACE(row.body);
+        const RunResult run = compileWith(row.body);
+        EXPECT_EQ(run.diagnostics("m"), "");
+        if (run.status != 0) continue;
+        EXPECT_EQ(TreeFacts(run, "m").constraint("T"), row.fact);
+    }
+    EXPECT_EQ(compileWith("F ::= CLASS { &a INTEGER } WITH SYNTAX { DATE &a }").diagnostics("m"),
+              listed({{3, "Invalid literal: DATE"}}));
+    EXPECT_EQ(compileWith("P {K : S} ::= K.&id ({S})\nT ::= P {Ks}").diagnostics("m"),
+              listed({{4, "'{' expected"}, {4, "Invalid actual parameter list"}}));
+}
+
+/// The lenient read any set without its braces, and say it to whom the fault is charged.
+TEST(NotationConstraints, SetsWithoutBracesAreForgiven) {
+    const RunResult run = compileWith("P {K : S, INTEGER : Vs} ::= SEQUENCE { a K.&id ({S}), b "
+                                      "INTEGER (Vs) }\n"
+                                      "A ::= P {Ks, 1..5 | 7}\nB ::= P {k2.&Ks, INTEGER}\n"
+                                      "Q {K : Objects} ::= P {Objects, {1}}\nC ::= Q {{}}",
+                                      lenient);
+    EXPECT_EQ(run.diagnostics("m"), listed({{4, "W Set without its braces: Ks"},
+                                            {4, "W Set without its braces: Vs"},
+                                            {5, "W Set without its braces: S"},
+                                            {7, "W Set without its braces: Objects"},
+                                            {7, "W Empty set"}}));
+}
+
+/// An associated type is that of the notation in which a value or constraint is written.
+TEST(NotationConstraints, AssociatedTypesAreThoseOfTheEdition) {
+    const std::string later =
+        "e EXTERNAL ::= { identification syntax : {1 2}, data-value '00'H }\n"
+        "p EMBEDDED PDV ::= { identification fixed : NULL, data-value '00'H }";
+    const std::string older =
+        "e EXTERNAL ::= { identification syntax : {1 2}, data-value encoded : '0'B }";
+    EXPECT_EQ(compileWith(later).diagnostics("m"), "");
+    EXPECT_EQ(compileBody(older).diagnostics("m"), "");
+    EXPECT_EQ(compileWith(older).diagnostics("m"),
+              listed({{3, "OCTET STRING value syntax"}, {3, "EXTERNAL value syntax"}}));
+}
+
+} // namespace
+} // namespace orvo::test
