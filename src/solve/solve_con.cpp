@@ -27,16 +27,7 @@ ConstraintState constraintState;
 
 namespace {
 
-/// A set that holds nothing is read as one that may be extended.
-bool parseEmptySet(SubNr nr) {
-    recordOnce(cMP, Msg::EmptySet, lineHere(), {});
-    makePending(cMP, nr);
-    subRec.subKind = SUB_EXTENSION_MARKER;
-    return advance();
-}
-
 bool parseValueSet(SubNr nr, Cause& cause) {
-    if (nextCode() == TOK_RBRACE && isLenient(cMP)) return parseEmptySet(nr);
     if (!advance() || !parseElemSetSpec(nr, cause)) return false;
     return expectNext(TOK_RBRACE, cause);
 }
@@ -68,10 +59,6 @@ bool parseRoot(SubNr root, Msg& outer, Cause& cause) {
     if (curCode() == TOK_SIZE) {
         outer = Msg::InvalidSizeConstraint;
         return parseOldSizeConstraint(root, cause);
-    }
-    if (curCode() == TOK_TYPEID && isLenient(cMP)) { // an actual parameter without braces
-        outer = Msg::ElementSetSpecIsInvalid;
-        return parseElemSetSpec(root, cause);
     }
     outer = Msg::InvalidConstraint;
     if (curCode() == TOK_EXCLAMATION) return parseExceptionSpec(root, true, cause); // of a marker

@@ -133,34 +133,17 @@ bool deferBraces(uint32_t& count) {
     return true;
 }
 
-namespace {
-
-/// The text from where the cursor stood, `count` tokens further, as a new range.
-void storeRange(DNode range, uint32_t count) {
+bool deferValue(Cause& cause) {
+    DNode range = inp;
+    uint32_t count = 0;
+    while ((curCode() == TOK_VALUEID || curCode() == TOK_MARKER) && nextCode() == TOK_COLON)
+        advanceTwo(count);
+    if (!deferNotation(count, cause)) return false;
     range.count = static_cast<uint16_t>(std::min<uint32_t>(count + 1, maxDeferredTokens));
     range.last = inp.first;
     newRec<KIND_DNODE>();
     dNode = range;
     flushRecs(KIND_DNODE);
-}
-
-} // namespace
-
-bool deferValue(Cause& cause) {
-    const DNode range = inp;
-    uint32_t count = 0;
-    while ((curCode() == TOK_VALUEID || curCode() == TOK_MARKER) && nextCode() == TOK_COLON)
-        advanceTwo(count);
-    if (!deferNotation(count, cause)) return false;
-    storeRange(range, count);
-    return true;
-}
-
-bool deferSetReference(Cause& cause) {
-    const DNode range = inp;
-    uint32_t count = 0;
-    if (!deferReference(count, cause)) return false;
-    storeRange(range, count);
     return true;
 }
 

@@ -51,8 +51,6 @@ std::string curTokenText();
 /// the next number of the current module, and the cursor stays on its last token. False when no
 /// value begins here; the cause is set when what is missing is known.
 [[nodiscard]] bool deferValue(Cause& cause);
-/// The same of a reference to a set, without braces; the cursor is on its name.
-[[nodiscard]] bool deferSetReference(Cause& cause);
 
 /// A trial parse. Unless keep() was called, the end of the scope takes back what was created since:
 /// every module gets the record counters, the DEFAULT value chain, the module references and the

@@ -85,14 +85,12 @@ bool parseValueSettingPassOne(Cause& cause) {
 }
 
 bool parseSetSettingPassOne(uint32_t govTypeMod, TNodeNr govType, Cause& cause) {
-    const bool isNaked = curCode() == TOK_TYPEID && isLenient(cMP);
-    if (isNaked) recordOnce(cMP, Msg::SetWithoutBraces, curToken().line, curTokenText());
-    if (curCode() != TOK_LBRACE && !isNaked) {
+    if (curCode() != TOK_LBRACE) {
         cause.set(tokenExpected(TOK_LBRACE));
         return false;
     }
     setValSetNode(govTypeMod, govType, minus(nextRec<KIND_DNODE>(cMP).nr));
-    return isNaked ? deferSetReference(cause) : deferValue(cause);
+    return deferValue(cause);
 }
 
 } // namespace
