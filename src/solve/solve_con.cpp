@@ -60,6 +60,10 @@ bool parseRoot(SubNr root, Msg& outer, Cause& cause) {
         outer = Msg::InvalidSizeConstraint;
         return parseOldSizeConstraint(root, cause);
     }
+    if (newNotation() && curCode() != TOK_LPAREN) { // a set whose braces are missing
+        outer = Msg::ElementSetSpecIsInvalid;
+        return parseElemSetSpec(root, cause);
+    }
     outer = Msg::InvalidConstraint;
     if (curCode() == TOK_EXCLAMATION) return parseExceptionSpec(root, true, cause); // of a marker
     return parseConstraints(root, cause);

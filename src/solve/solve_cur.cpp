@@ -133,17 +133,39 @@ bool deferBraces(uint32_t& count) {
     return true;
 }
 
-bool deferValue(Cause& cause) {
-    DNode range = inp;
-    uint32_t count = 0;
-    while ((curCode() == TOK_VALUEID || curCode() == TOK_MARKER) && nextCode() == TOK_COLON)
-        advanceTwo(count);
-    if (!deferNotation(count, cause)) return false;
+namespace {
+
+/// The record of a text of `count` tokens behind its first one that ends at the cursor.
+void addText(DNode range, uint32_t count) {
     range.count = static_cast<uint16_t>(std::min<uint32_t>(count + 1, maxDeferredTokens));
     range.last = inp.first;
     newRec<KIND_DNODE>();
     dNode = range;
     flushRecs(KIND_DNODE);
+}
+
+} // namespace
+
+bool deferEntry() {
+    const DNode range = inp;
+    uint32_t count = 0;
+    for (;; ++count) {
+        if (curCode() == TOK_LBRACE && !deferBraces(count)) return false;
+        const int32_t behind = nextCode();
+        if (behind == TOK_COMMA || behind == TOK_RBRACE) break;
+        if (!advance()) return false;
+    }
+    addText(range, count);
+    return true;
+}
+
+bool deferValue(Cause& cause) {
+    const DNode range = inp;
+    uint32_t count = 0;
+    while ((curCode() == TOK_VALUEID || curCode() == TOK_MARKER) && nextCode() == TOK_COLON)
+        advanceTwo(count);
+    if (!deferNotation(count, cause)) return false;
+    addText(range, count);
     return true;
 }
 

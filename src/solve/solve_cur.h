@@ -52,6 +52,10 @@ std::string curTokenText();
 /// value begins here; the cause is set when what is missing is known.
 [[nodiscard]] bool deferValue(Cause& cause);
 
+/// The same for a list entry that may be of any notation: it ends before the comma or closing brace
+/// that belongs to the list.
+[[nodiscard]] bool deferEntry();
+
 /// A trial parse. Unless keep() was called, the end of the scope takes back what was created since:
 /// every module gets the record counters, the DEFAULT value chain, the module references and the
 /// strings that it had. Taking a snapshot costs the same however many modules there are. Snapshots

@@ -2,6 +2,8 @@
 // field of an object or an element of a constraint. The first step delimits the text, the second
 // one parses it.
 
+#include <string>
+
 #include "solve/p5actpar.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_exp.h"
@@ -134,6 +136,22 @@ bool parseSettingPassOne(bool isType, int32_t sign, uint32_t govTypeMod, TNodeNr
     if (isType) return parseType(cause);
     if (sign < 0) return parseValueSettingPassOne(cause);
     return parseSetSettingPassOne(govTypeMod, govType, cause);
+}
+
+bool parseFaultySetPassOne(uint32_t govTypeMod, TNodeNr govType) {
+    const bool isBare = curCode() != TOK_LBRACE;
+    if (!newNotation() || (!isBare && nextCode() != TOK_RBRACE)) return false;
+    const VNodeRef self = currentRec<KIND_VNODE>();
+    const std::string name = isBare && curCode() == TOK_TYPEID
+                                 ? curTokenText()
+                                 : std::string(getStri(cMP, int64_t{vNode.name}));
+    if (!tolerate(isBare ? Msg::SetWithoutBraces : Msg::EmptySet, curToken().line, name))
+        return false;
+    makePending(self.module, self.nr);
+    vNode.govTypeMod = govTypeMod;
+    vNode.govType = govType.nr;
+    setValSetNode(govTypeMod, govType, isBare ? minus(nextRec<KIND_DNODE>(cMP).nr) : 0);
+    return isBare ? deferEntry() : advance();
 }
 
 namespace {
