@@ -60,12 +60,15 @@ bool parseRoot(SubNr root, Msg& outer, Cause& cause) {
         outer = Msg::InvalidSizeConstraint;
         return parseOldSizeConstraint(root, cause);
     }
+    if (curCode() == TOK_EXCLAMATION) { // of an extension marker
+        outer = Msg::InvalidConstraint;
+        return parseExceptionSpec(root, true, cause);
+    }
     if (newNotation() && curCode() != TOK_LPAREN) { // a set whose braces are missing
         outer = Msg::ElementSetSpecIsInvalid;
         return parseElemSetSpec(root, cause);
     }
     outer = Msg::InvalidConstraint;
-    if (curCode() == TOK_EXCLAMATION) return parseExceptionSpec(root, true, cause); // of a marker
     return parseConstraints(root, cause);
 }
 
