@@ -70,7 +70,7 @@ std::string_view stepName(ModuleRec* module, const SNode& step) {
 }
 
 /// From the current type to the structure that a reference of so many dots begins at: the outermost
-/// for none, else as many structures around it. `named`: lists do not count (X.682 (02/2021) 10.8).
+/// for none, else as many structures around it. `named`: lists do not count (X.682 (02/2021) 10).
 bool readEnclosingStructure(uint32_t dots, bool named) {
     if (dots == 0) return outerEnclStru();
     while (dots != 0) {

@@ -237,8 +237,8 @@ bool valOpenType(const ValueErrors& errors, const CheckedValue& value) {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     readRec(subModule(), VNodeNr{subRec.left});
-    const bool ok = readTypeSetting() &&
-                    checkAgainstType({errors.module, false}, withoutType(value), true);
+    const bool ok =
+        readTypeSetting() && checkAgainstType({errors.module, false}, withoutType(value), true);
     return ok || failValue(errors, value, valueOutOfConstraint(SUBNAME_OPEN_TYPE));
 }
 

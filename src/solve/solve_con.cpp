@@ -27,17 +27,7 @@ ConstraintState constraintState;
 
 namespace {
 
-/// A set that holds nothing is read as one that may be extended.
-bool parseEmptySet(SubNr nr) {
-    readGovernor(nr);
-    if (!tolerate(Msg::EmptySet, curToken().line, currentTypeName())) return false;
-    makePending(cMP, nr);
-    subRec.subKind = SUB_EXTENSION_MARKER;
-    return advance();
-}
-
 bool parseValueSet(SubNr nr, Cause& cause) {
-    if (nextCode() == TOK_RBRACE && newNotation()) return parseEmptySet(nr);
     if (!advance() || !parseElemSetSpec(nr, cause)) return false;
     return expectNext(TOK_RBRACE, cause);
 }
@@ -70,7 +60,7 @@ bool parseRoot(SubNr root, Msg& outer, Cause& cause) {
         outer = Msg::InvalidSizeConstraint;
         return parseOldSizeConstraint(root, cause);
     }
-    if (curCode() == TOK_EXCLAMATION) { // of a marker
+    if (curCode() == TOK_EXCLAMATION) { // of an extension marker
         outer = Msg::InvalidConstraint;
         return parseExceptionSpec(root, true, cause);
     }
@@ -128,7 +118,7 @@ bool standsAlone(std::string_view name, Cause& cause) {
 }
 
 /// Elements of an object set begin at the cursor, not those of a set of values, which constrain a
-/// field of a class or INSTANCE OF as the type that it stands for (X.681 (02/2021) 14.6).
+/// field of a class or INSTANCE OF as the type that it stands for (X.681 (02/2021) 14).
 bool objectSetFollows() {
     if (curCode() != TOK_LBRACE) return false;
     switch (nextCode()) {

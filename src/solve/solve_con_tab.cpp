@@ -131,7 +131,7 @@ namespace {
 constexpr std::string_view contentsText = "Invalid \"Contents constraint\"";
 
 /// The strings that may hold an encoding: those whose bits have no meaning of their own (X.682
-/// (02/2021) 11.2).
+/// (02/2021) 11).
 bool mayHaveContents(SubNr nr) {
     readGovernor(nr);
     if (findActType()) skipTypes(true);
@@ -211,7 +211,7 @@ int dotsBehind() {
 }
 
 /// The level: a dot for the innermost structure around the component, one more for each structure
-/// further out (X.682 (02/2021) 10.8).
+/// further out (X.682 (02/2021) 10).
 void parseLevel(SNodeNr& first) {
     do {
         const int dots = dotsBehind();

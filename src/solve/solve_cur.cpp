@@ -135,8 +135,8 @@ bool deferBraces(uint32_t& count) {
 
 namespace {
 
-/// The text from where the cursor stood, `count` tokens further, as a new range.
-void storeRange(DNode range, uint32_t count) {
+/// The record of a text of `count` tokens behind its first one that ends at the cursor.
+void addText(DNode range, uint32_t count) {
     range.count = static_cast<uint16_t>(std::min<uint32_t>(count + 1, maxDeferredTokens));
     range.last = inp.first;
     newRec<KIND_DNODE>();
@@ -155,7 +155,7 @@ bool deferEntry() {
         if (behind == TOK_COMMA || behind == TOK_RBRACE) break;
         if (!advance()) return false;
     }
-    storeRange(range, count);
+    addText(range, count);
     return true;
 }
 
@@ -165,7 +165,7 @@ bool deferValue(Cause& cause) {
     while ((curCode() == TOK_VALUEID || curCode() == TOK_MARKER) && nextCode() == TOK_COLON)
         advanceTwo(count);
     if (!deferNotation(count, cause)) return false;
-    storeRange(range, count);
+    addText(range, count);
     return true;
 }
 

@@ -77,7 +77,7 @@ bool parseActual(ModuleRec* defModule, const STabRec& formal, VNodeNr nr, Cause&
     const bool isType = (formal.flags & SYM_TYPE_PARAMETER) != 0;
     const uint32_t govMod = handleImplImports(cMP, defModule);
     const TNodeNr governor{magnitude(formal.node)};
-    if (!isType && formal.name > 0 && parseBareSetPassOne(govMod, governor)) return true;
+    if (!isType && formal.name > 0 && parseFaultySetPassOne(govMod, governor)) return true;
     return parseSettingPassOne(isType, formal.name < 0 ? -1 : 1, govMod, governor, cause);
 }
 

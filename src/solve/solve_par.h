@@ -69,9 +69,10 @@ class InstanceStack {
 /// cursor is not of that sort.
 [[nodiscard]] bool parseSettingPassOne(bool isType, int32_t sign, uint32_t govTypeMod,
                                        TNodeNr govType, Cause& cause);
-/// First step of an actual parameter that is a set without its braces, which the lenient read on.
-/// False for others.
-[[nodiscard]] bool parseBareSetPassOne(uint32_t govTypeMod, TNodeNr govType);
+/// First step of an actual parameter that is a set, where published modules have faults which the
+/// lenient read on: braces that are missing, or with nothing inside. False when it has none of
+/// these.
+[[nodiscard]] bool parseFaultySetPassOne(uint32_t govTypeMod, TNodeNr govType);
 /// Second step, over the settings linked from `first` in the current module: parses what is
 /// deferred. The current type record is kept.
 void parseSettingPassTwo(VNodeNr first);

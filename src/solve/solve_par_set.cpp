@@ -138,17 +138,20 @@ bool parseSettingPassOne(bool isType, int32_t sign, uint32_t govTypeMod, TNodeNr
     return parseSetSettingPassOne(govTypeMod, govType, cause);
 }
 
-bool parseBareSetPassOne(uint32_t govTypeMod, TNodeNr govType) {
-    if (!newNotation() || curCode() == TOK_LBRACE) return false;
+bool parseFaultySetPassOne(uint32_t govTypeMod, TNodeNr govType) {
+    const bool isBare = curCode() != TOK_LBRACE;
+    if (!newNotation() || (!isBare && nextCode() != TOK_RBRACE)) return false;
     const VNodeRef self = currentRec<KIND_VNODE>();
-    const std::string name =
-        curCode() == TOK_TYPEID ? curTokenText() : std::string(getStri(cMP, int64_t{vNode.name}));
-    if (!tolerate(Msg::SetWithoutBraces, curToken().line, name)) return false;
+    const std::string name = isBare && curCode() == TOK_TYPEID
+                                 ? curTokenText()
+                                 : std::string(getStri(cMP, int64_t{vNode.name}));
+    if (!tolerate(isBare ? Msg::SetWithoutBraces : Msg::EmptySet, curToken().line, name))
+        return false;
     makePending(self.module, self.nr);
     vNode.govTypeMod = govTypeMod;
     vNode.govType = govType.nr;
-    setValSetNode(govTypeMod, govType, minus(nextRec<KIND_DNODE>(cMP).nr));
-    return deferEntry();
+    setValSetNode(govTypeMod, govType, isBare ? minus(nextRec<KIND_DNODE>(cMP).nr) : 0);
+    return isBare ? deferEntry() : advance();
 }
 
 namespace {

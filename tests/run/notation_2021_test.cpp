@@ -169,8 +169,8 @@ TEST(Notation2021, FaultsOfPublishedModulesAreWarnings) {
                       {3, "W Imported symbol is not exported: Hid"},
                       {4, "W Tag class UNIVERSAL"},
                       {5, "W Underscore in name: U_x"},
-                      {7, "W Set without its braces: S"},
-                      {7, "W Empty set"},
+                      {7, "W A set as actual parameter has no braces: S"},
+                      {7, "W A set as actual parameter has no elements: Set"},
                       {10, "W Value without the name of the element: n"}}));
     EXPECT_NE(compile(files, edition).status, 0);
 }

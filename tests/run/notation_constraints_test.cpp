@@ -139,7 +139,7 @@ TEST(NotationConstraints, AreChecked) {
     EXPECT_EQ(TreeFacts(compileBody(body), "m").bounds("T"), "20..20");
 }
 
-// X.682 10.8: `@.` begins at the innermost structure, each further dot one further out; the lists
+// X.682 10: `@.` begins at the innermost structure, each further dot one further out; the lists
 // between them do not count. `a` is the id of `v`'s object three structures out.
 constexpr const char* relations =
     "T ::= SEQUENCE { a K.&id ({Ks}), b SEQUENCE { c K.&id ({Ks}), d SEQUENCE OF SEQUENCE { "
@@ -241,11 +241,13 @@ TEST(NotationConstraints, SetsWithoutBracesAreForgiven) {
                                       "A ::= P {Ks, 1..5 | 7}\nB ::= P {k2.&Ks, INTEGER}\n"
                                       "Q {K : Objects} ::= P {Objects, {1}}\nC ::= Q {{}}",
                                       lenient);
-    EXPECT_EQ(run.diagnostics("m"), listed({{4, "W Set without its braces: Ks"},
-                                            {4, "W Set without its braces: Vs"},
-                                            {5, "W Set without its braces: S"},
-                                            {7, "W Set without its braces: Objects"},
-                                            {7, "W Empty set"}}));
+    const std::string braces = "W A set as actual parameter has no braces: ";
+    EXPECT_EQ(run.diagnostics("m"), listed({{4, braces + "Ks"},
+                                            {4, braces + "Vs"},
+                                            {5, braces + "S"},
+                                            {7, "W A set as actual parameter has no elements: "
+                                                "Objects"},
+                                            {7, braces + "Objects"}}));
 }
 
 /// An associated type is that of the notation in which a value or constraint is written.
