@@ -134,8 +134,12 @@ constexpr std::string_view contentsText = "Invalid \"Contents constraint\"";
 /// (02/2021) 11.2).
 bool mayHaveContents(SubNr nr) {
     readGovernor(nr);
+    // `data-value` of the associated types is an OCTET STRING in later editions (X.680
+    // (02/2021) 37.5).
+    const bool isDataValue = typeModule() == run.iso8824MP && tNode.typeCode == TYP_CHOICE;
     if (findActType()) skipTypes(true);
-    return tNode.typeCode == TYP_OCTSTR || (tNode.typeCode == TYP_BITSTR && tNode.namedVals == 0);
+    return isDataValue || tNode.typeCode == TYP_OCTSTR ||
+           (tNode.typeCode == TYP_BITSTR && tNode.namedVals == 0);
 }
 
 /// ENCODED BY value; the cursor is on ENCODED.
