@@ -390,6 +390,7 @@ bool meets(const ValueErrors& errors, const CheckedValue& value) {
     case SUB_WITH_COMPONENT: return valWithComp(errors, value);
     case SUB_WITH_COMPONENTS: return valWithComps(value);
     case SUB_TABLE: return valTableConstr(errors, value);
+    case SUB_OPEN_TYPE: // the type of the value is not held against it
     case SUB_CONTENTS: return newNotation(subModule());
     case SUB_USER_DEFINED:
     case SUB_EXCEPTION:

@@ -129,7 +129,10 @@ bool parseConstraintSpec(SubNr nr, Cause& cause) {
     const bool isField = tNode.typeCode == TYP_FIELDLIST && tNode.refMod != REF_OBJECT;
     if (!isField && tNode.typeCode != TYP_INSTANCE_OF) return parseElemSetSpec(nr, cause);
     if (!isField && newNotation() && curCode() != TOK_LBRACE) return parseElemSetSpec(nr, cause);
-    if (isOpenTypeConstraint()) return parseOpenTypeConstraint(nr, cause);
+    if (isOpenTypeConstraint()) {
+        // Later editions join several types as they do other elements (X.680 (02/2021) 51.6).
+        return newNotation() ? parseElemSetSpec(nr, cause) : parseOpenTypeConstraint(nr, cause);
+    }
     if (newNotation() && curCode() != TOK_LBRACE && isField) return parseElemSetSpec(nr, cause);
     return parseTableConstr(nr, cause);
 }

@@ -390,6 +390,8 @@ bool parseElements(SubNr nr, Cause& cause) {
         recordSubError(nr, Msg::InvalidGoverningTypeClass, currentTypeName());
         return false;
     }
+    if (kind == TYP_OPEN && newNotation() && containedSubtypeFollows())
+        return parseOpenTypeConstraint(nr, cause);
     if (containedSubtypeFollows()) return parseContainedSubtype(nr, governor, cause);
     switch (curCode()) {
     case TOK_SIZE: return parseSizeConstraint(nr, kind, cause);
