@@ -15,6 +15,7 @@
 #include "check/p5typ_notes.h"
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -53,12 +54,12 @@ struct TableIndex {
 
 struct CheckCache {
     std::unordered_map<uint32_t, uint64_t>
-        segmentLengths; // first segment -> characters of the list
+        segmentLengths;                          // first segment -> characters of the list
     std::unordered_map<uint32_t, int64_t> highestNamedBits; // first named bit -> largest number
     std::unordered_map<uint32_t, EndpointNote> endpoints;   // TNode
-    std::unordered_map<uint32_t, TNodeRef> rangeParents; // TNode -> first on its chain with a range
+    FlatMap<uint32_t, TNodeRef> rangeParents;    // TNode -> first on its chain with a range
     // TNode -> first on its chain with a constraint, or the end of the chain
-    std::unordered_map<uint32_t, TNodeRef> nextConstrained;
+    FlatMap<uint32_t, TNodeRef> nextConstrained;
     // first item of an enumeration -> the values that its items stand for
     std::unordered_map<uint32_t, std::set<std::pair<ModuleRec*, uint32_t>>> enumItems;
     std::unordered_map<uint32_t, std::u32string>

@@ -8,6 +8,7 @@
 #include "check/p5typ_int.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -101,10 +102,10 @@ uint16_t checkListElem(TNodeRef list) {
 } // namespace
 
 void markListElements() {
-    std::unordered_map<uint64_t, uint16_t> settled;
+    FlatMap<uint64_t, uint16_t> settled;
     for (const TNodeRef& first : p5State.lists) {
         std::vector<TNodeRef> way; // each the element of the one before
-        std::unordered_map<uint64_t, size_t> places;
+        FlatMap<uint64_t, size_t> places;
         TNodeRef at = first;
         while (at && !settled.contains(keyOf(at)) &&
                places.try_emplace(keyOf(at), way.size()).second) {

@@ -19,6 +19,7 @@
 #include "diag/orvoerr.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -146,7 +147,7 @@ class CycleFinder {
         }
     }
 
-    std::unordered_map<uint64_t, Mark> marks_;
+    FlatMap<uint64_t, Mark> marks_;
     std::vector<TNodeRef> open_;
     std::vector<Frame> frames_;
 };
@@ -245,8 +246,8 @@ bool leadsToEnd(TNodeRef component) {
 /// The search for a way back to one component.
 struct RecursionSearch {
     TNodeRef target;
-    uint32_t cycle = 0;                          // the strongly connected component of the target
-    std::unordered_set<uint64_t> recursionStack; // what the search has entered
+    uint32_t cycle = 0;               // the strongly connected component of the target
+    FlatSet<uint64_t> recursionStack; // what the search has entered
 };
 
 /// The first way on from a type on a cycle: through the first component that stays on the cycle,
