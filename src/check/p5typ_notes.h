@@ -10,6 +10,7 @@
 
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
+#include "tree/rec_notes.h"
 #include "util/flat.h"
 
 namespace orvo {
@@ -47,7 +48,7 @@ struct TypeNotes {
     FlatMap<uint32_t, SeenTag> seenTags;
     FlatMap<uint32_t, bool> leadsToSet; // references on long ways
     FlatMap<uint32_t, AlternativeTags> alternativeTags;
-    FlatMap<uint32_t, CycleNote> cycles;
+    RecNotes<CycleNote> cycles;
     FlatMap<uint32_t, bool> leadsToEnd;   // some way on from the type ends recursion
     FlatMap<uint32_t, bool> firstWayEnds; // and the first way on does
     FlatMap<uint32_t, LinkNote> links;

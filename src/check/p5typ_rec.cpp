@@ -119,7 +119,7 @@ class CycleFinder {
     void follow(TNodeRef type) {
         Frame& top = frames_.back();
         if (type == top.type) top.toItself = true;
-        if (notesOf(type).cycles.contains(type.nr.nr)) return;
+        if (notesOf(type).cycles.find(type.nr.nr) != nullptr) return;
         const auto mark = marks_.find(keyOf(type));
         if (mark == marks_.end()) return enter(type);
         Mark& own = markOf(top.type);
@@ -142,7 +142,7 @@ class CycleFinder {
         for (bool more = true; more;) {
             const TNodeRef type = open_.back();
             open_.pop_back();
-            notesOf(type).cycles[type.nr.nr] = {onCycle, number};
+            notesOf(type).cycles.set(type.nr.nr, {onCycle, number});
             more = type != frame.type;
         }
     }
@@ -154,10 +154,9 @@ class CycleFinder {
 
 CycleNote cycleOf(TNodeRef type) {
     const auto& cycles = notesOf(type).cycles;
-    const auto known = cycles.find(type.nr.nr);
-    if (known != cycles.end()) return known->second;
+    if (const CycleNote* known = cycles.find(type.nr.nr)) return *known;
     CycleFinder().run(type);
-    return cycles.at(type.nr.nr);
+    return *cycles.find(type.nr.nr);
 }
 
 // ---- what ends a recursion ----------------------------------------------------------------------
