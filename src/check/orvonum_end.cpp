@@ -239,13 +239,9 @@ int compareNumber(const VNode& a, const VNode& b, uint8_t kind) {
 
 bool getEnumEndpoint(Endpoint& end, bool upper) {
     const KeepRec<KIND_VNODE> keep;
-    ModuleRec* module = typeModule();
     setInfinity(end, upper, TYP_INTEGER);
-    uint32_t left = module->nextRecNr[KIND_VNODE];
     bool first = true;
-    for (VNodeNr nr{tNode.namedVals}; nr && left != 0; --left) {
-        readRec(module, nr);
-        nr = {vNode.next};
+    for ([[maybe_unused]] const VNodeNr nr : chain(typeModule(), VNodeNr{tNode.namedVals})) {
         if (vNode.valCode == TYP_ENUM) return none(end);
         int64_t number = 0;
         // A number that does not resolve is reported where the items are checked.

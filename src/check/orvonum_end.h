@@ -7,6 +7,7 @@
 
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
+#include "tree/orvorec.h"
 
 namespace orvo {
 
@@ -53,6 +54,17 @@ struct SeriesView {
 extern SeriesView seriesView;
 /// The operand behind the current constraint record; none behind the last one that counts.
 SubNr nextOperand();
+/// Calls fn(operand) with each operand from the first on that counts, itself the current constraint
+/// record, until it returns false.
+template <typename Fn> void forEachOperand(SubRef first, Fn&& fn) {
+    uint32_t left = nextRec<KIND_SUB>(first.module).nr;
+    for (SubNr nr = first.nr; nr && left != 0; --left) {
+        readRec(first.module, nr);
+        const SubNr next = nextOperand();
+        if (!fn(SubRef{first.module, nr})) return;
+        nr = next;
+    }
+}
 
 /// Notes the endpoints of the current type as its constraint gives them now, a series that ends
 /// behind some member; `extendNotedEndpoints` takes the next member in. So a long series is not

@@ -44,19 +44,16 @@ void choose(Endpoint& end, const Endpoint& other, bool wide, bool upper, uint8_t
 /// Walks the operands of the current operator record.
 bool operandsEndpoint(const Request& request, SubRef first, bool wide, Endpoint& end) {
     bool given = false;
-    uint32_t left = first.module->nextRecNr[KIND_SUB];
-    for (SubNr nr = first.nr; nr && left != 0; --left) {
-        readRec(first.module, nr);
-        const SubNr next = nextOperand();
-        if (Endpoint operand; subEndpoint(request, {first.module, nr}, operand)) {
-            if (given)
-                choose(end, operand, wide, request.upper, request.kind);
-            else
-                end = operand;
-            given = true;
-        }
-        nr = next;
-    }
+    forEachOperand(first, [&](SubRef sub) {
+        Endpoint operand;
+        if (!subEndpoint(request, sub, operand)) return true;
+        if (given)
+            choose(end, operand, wide, request.upper, request.kind);
+        else
+            end = operand;
+        given = true;
+        return true;
+    });
     if (!given) setInfinity(end, request.upper, request.kind);
     return true;
 }
@@ -76,18 +73,16 @@ bool isWithin(const VNode& value, const EndpointPair& bounds, uint8_t kind) {
 /// The members of a series, one after the other.
 bool seriesEndpoint(const Request& request, SubRef first, Endpoint& end) {
     EndpointPair series;
-    uint32_t left = first.module->nextRecNr[KIND_SUB];
-    for (SubNr nr = first.nr; nr && left != 0; --left) {
+    forEachOperand(first, [&](SubRef sub) {
         EndpointPair member;
         Request asked = request;
         for (const bool upper : {false, true}) {
             asked.upper = upper;
-            member.given[upper] = subEndpoint(asked, {first.module, nr}, member.ends[upper]);
+            member.given[upper] = subEndpoint(asked, sub, member.ends[upper]);
         }
         narrowByMember(series, member, request.kind, request.ofSize);
-        readRec(first.module, nr);
-        nr = nextOperand();
-    }
+        return true;
+    });
     end = series.ends[request.upper];
     if (!series.given[request.upper]) setInfinity(end, request.upper, request.kind);
     return true;
@@ -304,15 +299,12 @@ bool isRangeInSub() {
     if (subRec.subKind == SUB_RANGE) return true;
     if (subRec.subKind != SUB_SERIAL) return false;
     const KeepRec<KIND_SUB> keep;
-    ModuleRec* module = subModule();
-    uint32_t left = module->nextRecNr[KIND_SUB];
-    for (SubNr nr{subRec.left}; nr && left != 0; --left) {
-        readRec(module, nr);
-        const SubNr next = nextOperand();
-        if (isRangeInSub()) return true;
-        nr = next;
-    }
-    return false;
+    bool found = false;
+    forEachOperand({subModule(), SubNr{subRec.left}}, [&](SubRef) {
+        found = isRangeInSub();
+        return !found;
+    });
+    return found;
 }
 
 } // namespace orvo

@@ -45,14 +45,9 @@ SubRef currentSub() {
 
 /// The operands of the current operator, in order; the first one that fails ends the walk.
 bool subOperands(ModuleRec* module, ParentType parent) {
-    const SubRef self = currentSub();
-    bool ok = true;
-    for ([[maybe_unused]] const SubNr nr : chain(self.module, SubNr{subRec.left})) {
-        ok = chkSubRec(module, parent);
-        if (!ok) break;
-    }
-    readRec(self);
-    return ok;
+    for ([[maybe_unused]] const SubNr nr : chain(subModule(), SubNr{subRec.left}))
+        if (!chkSubRec(module, parent)) return false;
+    return true;
 }
 
 /// Lets a series end behind one of its members while the scope lasts. Within what such an end hides
@@ -103,17 +98,16 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
     const SubRef self = currentSub();
     SubRef before{self.module, SubNr{subRec.left}};
     readRec(before);
-    SubRef member{self.module, SubNr{subRec.next}};
+    const SubNr second{subRec.next};
     bool ok = chkSubRec(module, parent);
-    uint32_t left = nextRec<KIND_SUB>(self.module).nr;
-    if (ok && member) {
+    if (ok && second) {
         const SeriesEnd end(before);
         readRec(type);
         noteEndpoints();
     }
-    while (ok && member && left-- != 0) {
-        readRec(member);
-        const SubRef next{self.module, SubNr{subRec.next}};
+    for (const SubNr nr : chain(self.module, second)) {
+        if (!ok) break;
+        const SubRef member{self.module, nr};
         readRec(type);
         const TemporaryReference temporary(type);
         const SeriesEnd end(before);
@@ -126,11 +120,8 @@ bool subCatenation(ModuleRec* module, ParentType parent) {
         if (extensible) markExtensible(parent);
         extendNotedEndpoints(member);
         before = member;
-        member = next;
     }
     forgetEndpoints(type);
-    readRec(type);
-    readRec(self);
     return ok;
 }
 
@@ -159,8 +150,6 @@ bool checkByKind(ModuleRec* module, ParentType parent) {
 } // namespace
 
 bool chkSubRec(ModuleRec* module, ParentType parent) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    const SubRef self = currentSub();
     const uint8_t kind = subRec.subKind;
     const uint32_t line = subRec.line;
     if (!isSubKind(kind)) return false;
@@ -169,9 +158,11 @@ bool chkSubRec(ModuleRec* module, ParentType parent) {
         return true;
     }
     if (isSetTNode()) parent = ParentType::None;
-    const bool ok = kind == SUB_TABLE ? subTableConstr(module) : checkByKind(module, parent);
-    readRec(type);
-    readRec(self);
+    bool ok = false;
+    {
+        const KeepConstrained keep;
+        ok = kind == SUB_TABLE ? subTableConstr(module) : checkByKind(module, parent);
+    }
     if (ok || kind == SUB_TABLE) return ok;
     subError(module,
              kind == SUB_EXCEPTION ? Msg::InvalidExceptionValue : invalidConstraint(subName(kind)),
@@ -180,11 +171,10 @@ bool chkSubRec(ModuleRec* module, ParentType parent) {
 }
 
 bool checkSubRec(ModuleRec* module) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
     const bool isReference = tNode.typeCode == TYP_SYNONYM;
     const KeepRec<KIND_SUB> keepSub;
     const KeepRec<KIND_VNODE> keepValue;
-    readRec(type.module, SubNr{static_cast<uint32_t>(tNode.constraint)});
+    readRec(typeModule(), SubNr{static_cast<uint32_t>(tNode.constraint)});
     bool ok = false;
     if (subRec.subKind == SUB_EXTENSION_MARKER && !isObjSetTNode()) {
         recordSubRecError(module, Msg::ElementSetSpecIsInvalid,
@@ -192,7 +182,6 @@ bool checkSubRec(ModuleRec* module) {
     } else {
         ok = chkSubRec(module, isReference ? ParentType::Referenced : ParentType::None);
     }
-    readRec(type);
     return ok;
 }
 

@@ -1,9 +1,11 @@
-// Elements of constraints: ranges, sizes, values, contained subtypes, inner subtypes, parameters.
+// Elements of constraints: ranges, sizes, values, contained subtypes, inner subtypes, parameters,
+// permitted alphabets.
 
 #include <string>
 #include <vector>
 
 #include "check/orvonum_end.h"
+#include "check/orvostri.h"
 #include "check/p5sub_int.h"
 #include "check/p5typ.h"
 #include "check/p5val.h"
@@ -16,7 +18,6 @@
 namespace orvo {
 
 bool subRange() {
-    const KeepRec<KIND_TNODE> keep;
     Endpoint lower;
     Endpoint upper;
     if (!getRangeEndpoint(lower, false) || !getRangeEndpoint(upper, true)) return false;
@@ -30,70 +31,48 @@ bool subRange() {
 
 bool subSizeConstr(ModuleRec* module, ParentType parent) {
     const TNodeRef type = currentRec<KIND_TNODE>();
-    const SubRef self = currentRec<KIND_SUB>();
-    bool ok = false;
-    bool extensible = false;
-    readRec(self.module, SubNr{subRec.left});
-    if (ModuleRec* owner = refModule(self.module, static_cast<int32_t>(subRec.typeMod))) {
-        const TNodeRef size{owner, TNodeNr{subRec.typeNr}};
-        readRec(size);
-        ok = chkSubRec(module, ParentType::None);
-        readRec(size);
-        extensible = (tNode.checkFlags & CF_EXTENSIBLE) != 0;
-    }
+    readRec(subModule(), SubNr{subRec.left});
+    ModuleRec* const owner = refModule(subModule(), static_cast<int32_t>(subRec.typeMod));
+    if (owner == nullptr) return false;
+    readRec(owner, TNodeNr{subRec.typeNr});
+    const bool ok = chkSubRec(module, ParentType::None);
+    const bool extensible = (tNode.checkFlags & CF_EXTENSIBLE) != 0;
     readRec(type);
     if (extensible) markExtensible(parent);
-    readRec(self);
     return ok;
 }
 
 bool subSingleValue(ModuleRec* module, ParentType parent) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    const SubRef self = currentRec<KIND_SUB>();
-    const VNodeRef value{self.module, VNodeNr{subRec.left}};
+    const VNodeRef value{subModule(), VNodeNr{subRec.left}};
     if (!value) return false;
     readRec(value);
-    bool ok = checkVNode(module, true, false);
-    if (ok && (parent == ParentType::Referenced || parent == ParentType::Itself)) {
-        readRec(type);
-        if (parent == ParentType::Referenced && tNode.typeCode == TYP_SYNONYM && tNode.ref != 0) {
-            if (ModuleRec* target = refModule(type.module, tNode.refMod))
-                readRec(target, TNodeNr{tNode.ref});
-        }
-        readRec(value);
-        ok = checkValNode(module, value, true, true);
+    if (!checkVNode(module, true, false)) return false;
+    if (parent != ParentType::Referenced && parent != ParentType::Itself) return true;
+    if (parent == ParentType::Referenced && tNode.typeCode == TYP_SYNONYM && tNode.ref != 0) {
+        if (ModuleRec* target = refModule(typeModule(), tNode.refMod))
+            readRec(target, TNodeNr{tNode.ref});
     }
-    readRec(type);
-    readRec(self);
-    return ok;
+    return checkValNode(module, value, true, true);
 }
 
 bool subContainedSubtype() {
     const TNodeRef type = currentRec<KIND_TNODE>();
-    const SubRef self = currentRec<KIND_SUB>();
-    if (!readTypeSetting({self.module, VNodeNr{subRec.left}})) return false;
+    if (!readTypeSetting({subModule(), VNodeNr{subRec.left}})) return false;
     const TNodeRef contained = currentRec<KIND_TNODE>();
     bool ok = checkTNode();
     ok &= subtypeCompatible(type.module, type.nr, contained.module, contained.nr);
-    readRec(type);
-    readRec(self);
     return ok;
 }
 
 bool subWithComp(ModuleRec* module) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
     skipTypes(true);
-    bool ok = false;
-    if (is(tNode.typeCode, TypeClass::List) && tNode.ref != 0) {
-        readRec(typeModule(), TNodeNr{tNode.ref});
-        // Values must be of the element type, with what its references add on the way.
-        ok = checkTNode();
-        readRec(self.module, SubNr{subRec.left});
-        ok &= chkSubRec(module, ParentType::Itself);
-    }
-    readRec(type);
-    readRec(self);
+    if (!is(tNode.typeCode, TypeClass::List) || tNode.ref == 0) return false;
+    readRec(typeModule(), TNodeNr{tNode.ref});
+    // Values must be of the element type, with what its references add on the way.
+    bool ok = checkTNode();
+    readRec(self.module, SubNr{subRec.left});
+    ok &= chkSubRec(module, ParentType::Itself);
     return ok;
 }
 
@@ -160,7 +139,6 @@ bool checkInnerSubtype(InnerSubtypes& inner) {
 } // namespace
 
 bool subWithComps(ModuleRec* module) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
     skipTypes(true);
     const uint8_t code = tNode.typeCode;
@@ -175,13 +153,10 @@ bool subWithComps(ModuleRec* module) {
     bool ok = true;
     for ([[maybe_unused]] const SubNr nr : chain(self.module, SubNr{subRec.left}))
         ok &= checkInnerSubtype(inner);
-    readRec(type);
-    readRec(self);
     return ok;
 }
 
 bool subUserDefConstr(ModuleRec* module) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
     const SubRef self = currentRec<KIND_SUB>();
     bool ok = true;
     for (const VNodeNr nr : chain(self.module, VNodeNr{subRec.left})) {
@@ -192,35 +167,81 @@ bool subUserDefConstr(ModuleRec* module) {
             ok &= checkVNode(module, true, true);
         }
     }
-    readRec(type);
-    readRec(self);
     return ok;
 }
 
 bool subNoValueConstr(ModuleRec* module) {
     if ((subRec.subFlags & SUBF_EXCEPTION) == 0 || subRec.third == 0) return true;
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    const SubRef self = currentRec<KIND_SUB>();
-    readRec(self.module, VNodeNr{subRec.third});
-    const bool ok = checkVNode(module, true, true);
-    readRec(type);
-    readRec(self);
-    return ok;
+    readRec(subModule(), VNodeNr{subRec.third});
+    return checkVNode(module, true, true);
 }
 
 bool subOpenTypeConstr() {
-    const TNodeRef type = currentRec<KIND_TNODE>();
+    if (!readTypeSetting({subModule(), VNodeNr{subRec.left}})) return false;
+    const bool ok = checkTNode();
+    skipTypes(true);
+    return ok && !is(tNode.typeCode, TypeClass::Reference) && !isClassCode(tNode.typeCode);
+}
+
+// ---- permitted alphabets ------------------------------------------------------------------------
+// X.680 (07/2002) 47.7.
+
+namespace {
+
+/// The value at an end of a range is one character.
+bool isOneCharacter(ModuleRec* module, uint32_t value) {
+    if (value == 0) return true; // MIN and MAX
+    const KeepRec<KIND_VNODE> keep;
+    readRec(module, VNodeNr{value});
+    skipValues(true);
+    return is(vNode.valCode, TypeClass::Characters) &&
+           makeRestrCharStriSeg(valueModule(), vNode, nullptr) == 1;
+}
+
+/// Four hexadecimal digits stand for a character where the module allows notation beyond the
+/// standard.
+bool isHexCharacter() {
+    return typeModule()->options.allow && vNode.valCode == TYP_OCTSTR && vNode.val.str.striLen == 4;
+}
+
+bool validValueInPermittedAlphabet(ModuleRec* module, uint32_t value) {
+    if (value == 0) return false;
+    const KeepRec<KIND_VNODE> keep;
+    readRec(module, VNodeNr{value});
+    skipValues(true);
+    return is(vNode.valCode, TypeClass::Characters) || isHexCharacter();
+}
+
+/// The constraint in `subRec`, inside FROM.
+bool validPermittedAlphabet() {
     const SubRef self = currentRec<KIND_SUB>();
-    bool ok = readTypeSetting({self.module, VNodeNr{subRec.left}});
-    if (ok) {
-        ok = checkTNode();
-        skipTypes(true);
-        ok &= tNode.typeCode != TYP_SYNONYM && tNode.typeCode != TYP_FIELDLIST &&
-              tNode.typeCode != TYP_SELECTION && !isClassCode(tNode.typeCode);
+    switch (subRec.subKind) {
+    case SUB_UNION:
+    case SUB_INTERSECTION:
+    case SUB_SERIAL:
+    case SUB_EXCEPT:
+    case SUB_ALL_EXCEPT: break;
+    case SUB_RANGE:
+        return isOneCharacter(self.module, subRec.left) &&
+               isOneCharacter(self.module, subRec.right);
+    case SUB_SINGLE_VALUE: return validValueInPermittedAlphabet(self.module, subRec.left);
+    case SUB_CONTAINED_SUBTYPE:
+    case SUB_EXTENSION_MARKER: return true;
+    default: return false;
     }
-    readRec(type);
-    readRec(self);
-    return ok;
+    for ([[maybe_unused]] const SubNr nr : chain(self.module, SubNr{subRec.left}))
+        if (!validPermittedAlphabet()) return false;
+    return true;
+}
+
+} // namespace
+
+bool subPermittedAlphabet(ModuleRec* module, ParentType parent) {
+    if (subRec.left == 0) return false;
+    readRec(subModule(), SubNr{subRec.left});
+    const bool isInner = parent == ParentType::Itself || parent == ParentType::InnerNone;
+    return chkSubRec(module, isInner ? ParentType::InnerNone : ParentType::None) &&
+           validPermittedAlphabet();
 }
 
 } // namespace orvo

@@ -1,12 +1,14 @@
 #pragma once
 
 // What the units of the constraint checks share among themselves. All functions work on the current
-// constraint record and the current type record, the one constrained, and leave both current.
+// constraint record and the current type record, the one constrained. chkSubRec leaves both
+// current; the checks of single kinds need not, as it puts both back for them.
 
 #include <string_view>
 
 #include "diag/orvomsg.h"
 #include "tree/orvodef.h"
+#include "tree/orvorec.h"
 
 namespace orvo {
 
@@ -16,6 +18,12 @@ enum class ParentType : uint8_t {
     Referenced, // what the constrained type, a reference, leads to
     Itself,     // the constrained type as it stands: an inner constraint
     InnerNone,  // none, inside an inner constraint
+};
+
+/// Puts the constrained type and the constraint back when the scope ends.
+class KeepConstrained {
+    KeepRec<KIND_TNODE> type_;
+    KeepRec<KIND_SUB> constraint_;
 };
 
 /// The current type is extensible by its constraint; an extension marker in an inner constraint
@@ -38,8 +46,6 @@ void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail = {}
 [[nodiscard]] bool subUserDefConstr(ModuleRec* module);
 [[nodiscard]] bool subNoValueConstr(ModuleRec* module);
 [[nodiscard]] bool subOpenTypeConstr();
-
-// ---- p5sub_alpha
 [[nodiscard]] bool subPermittedAlphabet(ModuleRec* module, ParentType parent);
 
 // ---- p5sub_tab

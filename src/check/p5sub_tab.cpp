@@ -22,17 +22,14 @@ bool isTableColumn() {
 
 /// The object set in the setting `set`; what is wrong in it is the affair of who wrote it.
 bool checkTable(VNodeNr set) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    const SubRef self = currentRec<KIND_SUB>();
-    bool ok = readTypeSetting({self.module, set});
+    const KeepConstrained keep;
+    bool ok = readTypeSetting({subModule(), set});
     if (ok && isTypeDefinition()) {
         static_cast<void>(checkTNode());
     } else if (ok && tNode.constraint > 0) {
         readRec(typeModule(), SubNr{static_cast<uint32_t>(tNode.constraint)});
         ok = chkSubRec(moduleForTypeErrors(), ParentType::None);
     }
-    readRec(type);
-    readRec(self);
     return ok;
 }
 
@@ -117,16 +114,15 @@ bool solveReference(ModuleRec* errors, ModuleRec* module, TNodeRef under, SNodeN
 /// All references of a component relation; `list` is its first entry.
 bool solveAt(ModuleRec* errors, SNodeNr list) {
     const TNodeRef type = currentRec<KIND_TNODE>();
-    const SubRef self = currentRec<KIND_SUB>();
-    const KeepRec<KIND_SNODE> keep;
+    ModuleRec* const module = subModule();
+    const KeepConstrained keep;
+    const KeepRec<KIND_SNODE> keepEntry;
     bool ok = true;
     while (list) {
-        const bool solved = solveReference(errors, self.module, type, list);
+        const bool solved = solveReference(errors, module, type, list);
         if (!solved) recordSubRecError(errors, invalidConstraint(SUBNAME_COMPONENT_RELATION));
         ok &= solved;
     }
-    readRec(type);
-    readRec(self);
     return ok;
 }
 
@@ -146,7 +142,6 @@ bool subTableConstr(ModuleRec* module) {
     const int32_t relation = signedWord(subRec.right);
     if (relation < 0) {
         const bool solved = solveAt(module, SNodeNr{magnitude(relation)});
-        readRec(self);
         subRec.right = solved ? magnitude(relation) : 0;
         writeRec(self);
         ok &= solved;

@@ -7,6 +7,7 @@
 
 #include "check/p5typ.h"
 
+#include <unordered_map>
 #include <vector>
 
 #include "check/check_cache.h"
@@ -201,6 +202,208 @@ bool checkTNode() {
     tNode.checkState = CHECK_DONE;
     writeRec(self);
     return ok || isTypeDefinition();
+}
+
+// ---- what encloses a type -----------------------------------------------------------------------
+// A structure names its first component, the components one another; that a component knows its
+// structure is noted for all records of a module at the first question. The records of an extension
+// addition group belong to the structure that holds the group.
+
+namespace {
+
+/// Notes of each component of the current structure what it stands in.
+void noteComponents(ModuleRec* module, std::vector<uint32_t>& enclosing) {
+    const uint32_t structure = currentRec<KIND_TNODE>().nr.nr;
+    for (const TNodeNr nr : chain(module, TNodeNr{tNode.ref}))
+        if (nr.nr < enclosing.size()) enclosing[nr.nr] = structure;
+}
+
+/// The enclosing structure or group of the record, which is of the module; 0 when there is none.
+uint32_t holderOf(ModuleRec* module, TNodeNr nr) {
+    noteEnclosing(module);
+    const std::vector<uint32_t>& enclosing = checkCacheOf(module).types.enclosing;
+    if (nr.nr >= enclosing.size()) { // a temporary reference to the type under check
+        readRec(module, nr);
+        nr = TNodeNr{tNode.ref};
+    }
+    return nr.nr < enclosing.size() ? enclosing[nr.nr] : 0;
+}
+
+/// The enclosing structure of a record that is one itself, or stands in one.
+uint32_t structureAround(ModuleRec* module, TNodeNr nr) {
+    for (uint32_t holder = holderOf(module, nr); holder != 0;
+         holder = holderOf(module, TNodeNr{holder})) {
+        readRec(module, TNodeNr{holder});
+        if (tNode.typeCode != TYP_EXTADDGRP) return holder;
+    }
+    return 0;
+}
+
+} // namespace
+
+void noteEnclosing(ModuleRec* module) {
+    std::vector<uint32_t>& enclosing = checkCacheOf(module).types.enclosing;
+    if (!enclosing.empty()) return; // temporary records come behind those that were noted
+    const KeepRec<KIND_TNODE> keep;
+    enclosing.resize(nextRec<KIND_TNODE>(module).nr);
+    for (uint32_t nr = 1; nr < enclosing.size(); ++nr) {
+        if (!recExists(module, KIND_TNODE, nr)) continue;
+        readRec(module, TNodeNr{nr});
+        if (is(tNode.typeCode, TypeClass::Enclosing)) noteComponents(module, enclosing);
+    }
+}
+
+bool isEnclosed() {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    const bool enclosed = holderOf(self.module, self.nr) != 0;
+    readRec(self);
+    return enclosed;
+}
+
+bool innerEnclStru() {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    const uint32_t structure = structureAround(self.module, self.nr);
+    readRec(structure != 0 ? TNodeRef{self.module, TNodeNr{structure}} : self);
+    return structure != 0;
+}
+
+bool outerEnclStru() {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    auto& outermost = checkCacheOf(self.module).types.outermost;
+    std::vector<uint32_t> way;
+    uint32_t top = 0;
+    for (uint32_t at = structureAround(self.module, self.nr); at != 0;
+         at = structureAround(self.module, TNodeNr{at})) {
+        top = at;
+        way.push_back(at);
+        const auto known = outermost.find(at);
+        if (known == outermost.end()) continue;
+        top = known->second;
+        break;
+    }
+    for (const uint32_t passed : way) outermost[passed] = top;
+    readRec(top != 0 ? TNodeRef{self.module, TNodeNr{top}} : self);
+    return top != 0;
+}
+
+// ---- what is marked when all types are checked --------------------------------------------------
+// It depends on what the checks of several types settle: ignorable types, which a decoder may pass
+// over because of SKIP and SIZE-LIMIT= options, and lists of lists.
+
+namespace {
+
+/// What the current record refers to: the next type on the way of a reference, selection or field,
+/// and the components of a structure (those of extension addition groups through the group).
+std::vector<TNodeRef> referredTypes() {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    std::vector<TNodeRef> types;
+    if (is(tNode.typeCode, TypeClass::Enclosing) && tNode.typeCode != TYP_CLASS) {
+        forEachTNodeByMod(self.module, TNodeNr{tNode.ref}, [&] {
+            if (tNode.typeCode != TYP_EXTENSION_MARKER) types.push_back(currentRec<KIND_TNODE>());
+        });
+    } else if (followTypeRef(true)) {
+        types.push_back(currentRec<KIND_TNODE>());
+    }
+    readRec(self);
+    return types;
+}
+
+void setIgnorableChecked(TNodeRef type) {
+    readRec(type);
+    tNode.nodeFlags |= NF_IGNORABLE_CHECKED;
+    writeRec(type);
+}
+
+/// Marks a type, and everything it refers to, as ignorable; one that is marked already ends the
+/// walk.
+void markReferencedIgnorable(std::vector<TNodeRef> pending) {
+    while (!pending.empty()) {
+        const TNodeRef type = pending.back();
+        pending.pop_back();
+        readRec(type);
+        if ((tNode.checkFlags & CF_IGNORABLE) != 0) continue;
+        tNode.checkFlags |= CF_IGNORABLE;
+        tNode.nodeFlags |= NF_IGNORABLE_CHECKED;
+        writeRec(type);
+        for (const TNodeRef& next : referredTypes()) pending.push_back(next);
+    }
+}
+
+/// Examines a type by the three rules, and what it refers to.
+void doCheckIgnorable(TNodeRef first) {
+    std::vector<TNodeRef> pending{first};
+    while (!pending.empty()) {
+        const TNodeRef type = pending.back();
+        pending.pop_back();
+        readRec(type);
+        if ((tNode.nodeFlags & NF_IGNORABLE_CHECKED) != 0) continue;
+        setIgnorableChecked(type);
+        const std::vector<TNodeRef> referred = referredTypes();
+        if ((tNode.optFlags & OPTF_SKIP) != 0 && tNode.skipOpt == 0)
+            markReferencedIgnorable({type});
+        else if (tNode.sizeLimit == 0)
+            pending.insert(pending.end(), referred.rbegin(), referred.rend());
+        else if (tNode.sizeLimitSkip == 0)
+            markReferencedIgnorable(referred);
+    }
+}
+
+} // namespace
+
+void checkIgnorable() {
+    p5State.ignorableFrom.push_back(currentRec<KIND_TNODE>());
+}
+
+void markIgnorables() {
+    for (const TNodeRef& type : p5State.ignorableFrom) doCheckIgnorable(type);
+    p5State.ignorableFrom.clear();
+}
+
+namespace {
+
+/// The list that is the element of a list, references followed; none for other elements. It is
+/// current afterwards.
+TNodeRef elementListOf(TNodeRef list) {
+    readRec(list);
+    readRec(list.module, TNodeNr{tNode.ref});
+    skipTypes(true);
+    return is(tNode.typeCode, TypeClass::List) ? currentRec<KIND_TNODE>() : TNodeRef{};
+}
+
+/// What the element of a list makes of it.
+uint16_t checkListElem(TNodeRef list) {
+    if (!elementListOf(list)) return 0;
+    const bool represented = (tNode.optFlags & (OPTF_SEG | OPTF_DYN)) != 0;
+    return represented ? CF_LIST_OF_REPR_LISTS : CF_LIST_OF_LISTS;
+}
+
+} // namespace
+
+void markListElements() {
+    std::unordered_map<uint64_t, uint16_t> settled;
+    for (const TNodeRef& first : p5State.lists) {
+        std::vector<TNodeRef> way; // each the element of the one before
+        std::unordered_map<uint64_t, size_t> places;
+        TNodeRef at = first;
+        while (at && !settled.contains(keyOf(at)) &&
+               places.try_emplace(keyOf(at), way.size()).second) {
+            way.push_back(at);
+            at = elementListOf(at);
+        }
+        uint16_t flags = 0;
+        if (const auto known = at ? settled.find(keyOf(at)) : settled.end(); known != settled.end())
+            flags = known->second;
+        else if (at) // lists of one another have the flags of all
+            for (size_t i = places[keyOf(at)]; i < way.size(); ++i) flags |= checkListElem(way[i]);
+        for (size_t i = way.size(); i-- != 0;) {
+            flags |= checkListElem(way[i]);
+            settled[keyOf(way[i])] = flags;
+            readRec(way[i]);
+            tNode.checkFlags |= flags;
+            writeRec(way[i]);
+        }
+    }
+    p5State.lists.clear();
 }
 
 } // namespace orvo

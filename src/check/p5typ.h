@@ -39,7 +39,6 @@ extern P5State p5State;
 /// instantiated.
 [[nodiscard]] ModuleRec* moduleForTypeErrors();
 
-// ---- p5typ_encl
 /// Notes for the records of a module what encloses them, once; what is added later is temporary and
 /// stands for the type it refers to.
 void noteEnclosing(ModuleRec* module);
@@ -50,6 +49,15 @@ void noteEnclosing(ModuleRec* module);
 [[nodiscard]] bool innerEnclStru();
 /// The same for the outermost structure.
 [[nodiscard]] bool outerEnclStru();
+
+/// Asks for what decoders may ignore to be marked, from the current type record on, when pass 5 is
+/// through and no size limit changes any more.
+void checkIgnorable();
+/// Marks it.
+void markIgnorables();
+/// Sets the flags of the list types that were checked which follow from their elements, when pass 5
+/// is through and the representation of all is chosen.
+void markListElements();
 
 // ---- p5typ_tag
 /// The tag of the current type record as seen from outside: the first one on the way through
@@ -75,16 +83,6 @@ void checkNamedList(ModuleRec* module, const std::vector<VNodeNr>& numberless);
 /// Marks the current type record when it can be reached from itself and reports recursion without
 /// end (Msg::RecursiveTypeReference) against `module`. Preserving.
 void markRecursion(ModuleRec* module);
-
-// ---- p5typ_ign
-/// Asks for what decoders may ignore to be marked, from the current type record on, when pass 5 is
-/// through and no size limit changes any more.
-void checkIgnorable();
-/// Marks it.
-void markIgnorables();
-/// Sets the flags of the list types that were checked which follow from their elements, when pass 5
-/// is through and the representation of all is chosen.
-void markListElements();
 
 // ---- p5typ_vf
 /// Chooses the value field of the current type record (vfKind, sizeOpt) and stores the record.

@@ -27,18 +27,12 @@ bool isIdentifying(uint8_t kind) {
 
 /// The current CHOICE has only alternatives that identify.
 bool hasIdentifyingAlternatives() {
-    ModuleRec* const module = typeModule();
-    bool ok = true;
-    forEachTNodeByMod(module, TNodeNr{tNode.ref}, [&] {
-        if (tNode.typeCode == TYP_EXTENSION_MARKER) return;
-        if (tNode.typeCode == TYP_EXTADDGRP) {
-            ok &= hasIdentifyingAlternatives();
-            return;
-        }
+    const KeepRec<KIND_TNODE> keep;
+    return forEachComponent(typeModule(), TNodeNr{tNode.ref}, [] {
+        if (tNode.typeCode == TYP_EXTENSION_MARKER) return true;
         skipTypes(true);
-        ok &= isIdentifying(tNode.typeCode);
+        return isIdentifying(tNode.typeCode);
     });
-    return ok;
 }
 
 /// The classifier in `tNode` identifies a type; a finding stands at the ANY.

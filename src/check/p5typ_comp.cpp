@@ -30,17 +30,6 @@ void needStack() {
     if (stackIsLow()) fatalError(Fatal::NoSpace, "Types are nested too deeply.");
 }
 
-/// Calls fn for each component from `first` on, those of extension addition groups in place of the
-/// group; a result of false ends the walk. The component is the current type record.
-template <typename Fn> bool forEachComponent(ModuleRec* module, uint32_t first, Fn&& fn) {
-    for ([[maybe_unused]] const TNodeNr nr : chain(module, TNodeNr{first})) {
-        const bool goOn =
-            tNode.typeCode == TYP_EXTADDGRP ? forEachComponent(module, tNode.ref, fn) : fn();
-        if (!goOn) return false;
-    }
-    return true;
-}
-
 bool isCompOf() {
     return magnitude(tNode.compStatus) == TCS_COMPOF;
 }
@@ -107,7 +96,8 @@ struct EntryList {
 /// Some component of the current structure, COMPONENTS OF entries not counted, has a tag.
 bool isTaggedComponents() {
     const KeepRec<KIND_TNODE> keep;
-    return !forEachComponent(typeModule(), tNode.ref, [] { return isCompOf() || tNode.tags == 0; });
+    return !forEachComponent(typeModule(), TNodeNr{tNode.ref},
+                             [] { return isCompOf() || tNode.tags == 0; });
 }
 
 bool isAutomatic() {
@@ -140,7 +130,7 @@ class AlternativeCollector {
         }
         const bool automatic = isAutomatic();
         int32_t nextAutomatic = 0;
-        forEachComponent(choice.module, tNode.ref, [&] {
+        forEachComponent(choice.module, TNodeNr{tNode.ref}, [&] {
             if (tNode.typeCode == TYP_EXTENSION_MARKER) return true;
             addAlternative(automatic ? SeenTag{TAG_CONTEXT, nextAutomatic++} : getNextTag());
             return true;
@@ -222,7 +212,7 @@ void addEntry(EntryList& list, TNodeRef bringer) {
 void addEntries(EntryList& list, TNodeRef first, TNodeRef bringer) {
     needStack();
     if (!list.open.insert({first.module, first.nr.nr}).second) return;
-    forEachComponent(first.module, first.nr.nr, [&] {
+    forEachComponent(first.module, first.nr, [&] {
         if (tNode.typeCode == TYP_EXTENSION_MARKER) return !bringer;
         if (isCompOf()) {
             const TNodeRef entry = bringer ? bringer : currentRec<KIND_TNODE>();
@@ -301,7 +291,7 @@ bool checkStruComps(ModuleRec* module, size_t& count) {
 bool checkComponents(ModuleRec* module, StruCounts& counts) {
     const TNodeRef self = currentRec<KIND_TNODE>();
     const bool isClass = tNode.typeCode == TYP_CLASS;
-    const uint32_t first = tNode.ref;
+    const TNodeNr first{tNode.ref};
     bool ok = true;
     forEachComponent(self.module, first, [&] {
         checkOptCompsAndExtMarks(counts);

@@ -36,16 +36,6 @@ ValueErrors silent(const ValueErrors& errors) {
     return {errors.module, false};
 }
 
-/// Calls fn(operand) with each operand of the current operator current, until it returns false.
-template <typename Fn> void forEachOperand(SubRef first, Fn&& fn) {
-    uint32_t left = first.module->nextRecNr[KIND_SUB];
-    for (SubNr nr = first.nr; nr && left != 0; --left) {
-        readRec(first.module, nr);
-        const SubNr next = nextOperand();
-        if (!fn(SubRef{first.module, nr})) return;
-        nr = next;
-    }
-}
 SubRef operandsOf(SubRef sub) {
     return {sub.module, SubNr{subRec.left}};
 }
@@ -301,17 +291,15 @@ bool valContainedSubtype(const ValueErrors& errors, const CheckedValue& value) {
 // ---- inner subtypes
 
 bool checkElements(const ValueErrors& errors, const CheckedValue& value, SubRef inner) {
+    const KeepRec<KIND_VNODE> keep;
     bool met = true;
-    uint32_t left = value.module->nextRecNr[KIND_VNODE];
-    for (VNodeNr nr{value.rec.ref}; nr && left != 0; --left) {
+    for (const VNodeNr nr : chain(value.module, VNodeNr{value.rec.ref})) {
         CheckedValue element = partAt(value, nr);
         element.enclosing = value.enclosing; // where the constraint stands, not in the list
         met &= rememberedVerdict(errors, element, {.against = keyOf(inner), .isInner = true}, [&] {
             readRec(inner);
             return checkAgainstSub(errors, element);
         });
-        readRec(value.module, nr);
-        nr = {vNode.next};
     }
     return met;
 }

@@ -116,8 +116,6 @@ bool readBuiltinType(uint8_t kind);
 [[nodiscard]] bool checkOpenTypeVal(const ValueErrors& errors, const CheckedValue& value);
 /// NumericString and PrintableString: their characters.
 [[nodiscard]] bool checkCharacters(const ValueErrors& errors, const CheckedValue& value);
-
-// ---- p5val_time
 [[nodiscard]] bool checkTimeVal(const ValueErrors& errors, const CheckedValue& value);
 
 // ---- p5val_oid

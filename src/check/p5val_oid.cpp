@@ -146,12 +146,9 @@ bool settleObjId(VNodeRef at, ModuleRec* caller) {
     ObjIdArcs arcs;
     storeArcs(at, arcs, false); // one that begins with itself
     bool ok = true;
-    uint32_t left = at.module->nextRecNr[KIND_VNODE];
-    for (VNodeNr nr{value.rec.ref}; nr && left != 0; --left) {
+    for (const VNodeNr nr : chain(at.module, VNodeNr{value.rec.ref})) {
         ++arcs.entries;
         ok &= checkObjIdComp(errors, checkedValue({at.module, nr}), arcs);
-        readRec(at.module, nr);
-        nr = {vNode.next};
     }
     ok &= isLengthValid(errors, value, arcs);
     storeArcs(at, arcs, ok);

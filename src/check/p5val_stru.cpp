@@ -34,14 +34,11 @@ Components componentsOf(const CheckedValue& value) {
     const KeepRec<KIND_VNODE> keep;
     Components components;
     components.module = value.module;
-    uint32_t left = value.module->nextRecNr[KIND_VNODE];
-    for (VNodeNr nr{value.rec.ref}; nr && left != 0; --left) {
-        readRec(value.module, nr);
+    for (const VNodeNr nr : chain(value.module, VNodeNr{value.rec.ref})) {
         if (vNode.name != 0)
             components.byName.emplace_back(getStri(value.module, vNode.name),
                                            components.records.size());
         components.records.push_back(nr);
-        nr = {vNode.next};
     }
     std::ranges::sort(components.byName);
     return components;

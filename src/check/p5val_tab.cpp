@@ -48,12 +48,8 @@ bool fieldPath(FieldPath& path) {
     skipTypes(false);
     if (tNode.typeCode != TYP_FIELDLIST || tNode.syntax <= 0) return false;
     ModuleRec* module = typeModule();
-    uint32_t left = module->nextRecNr[KIND_SNODE];
-    for (int32_t nr = tNode.syntax; nr > 0 && left != 0; --left) {
-        readRec(module, SNodeNr{static_cast<uint32_t>(nr)});
-        nr = sNode.next;
+    for ([[maybe_unused]] const SNodeNr nr : chain(module, SNodeNr{magnitude(tNode.syntax)}))
         if (!fieldName(module, path.emplace_back())) return false;
-    }
     return true;
 }
 
@@ -125,16 +121,10 @@ void collectFromSub(Collecting& collecting, SubRef sub) {
     readRec(sub);
     switch (subRec.subKind) {
     case SUB_UNION:
-    case SUB_SERIAL: {
-        uint32_t left = sub.module->nextRecNr[KIND_SUB];
-        for (SubNr nr{subRec.left}; nr && left != 0; --left) {
-            readRec(sub.module, nr);
-            const SubNr next{subRec.next};
+    case SUB_SERIAL:
+        for (const SubNr nr : chain(sub.module, SubNr{subRec.left}))
             collectFromSub(collecting, {sub.module, nr});
-            nr = next;
-        }
         return;
-    }
     case SUB_INTERSECTION:
     case SUB_EXCEPT:
     case SUB_ALL_EXCEPT: collecting.table.met = true; return;

@@ -5,6 +5,7 @@
 
 #include "driver/orvo.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 
@@ -14,7 +15,6 @@
 #include "diag/orvoerr_hello.h"
 #include "diag/orvoerr_list.h"
 #include "diag/orvozov.h"
-#include "diag/orvozov_types.h"
 #include "driver/orvo_pass4.h"
 #include "driver/orvofil.h"
 #include "driver/orvofil_stx.h"
@@ -26,6 +26,7 @@
 #include "solve/solve_pass3.h"
 #include "symtab/orvosym_list.h"
 #include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
 #include "util/guard.h"
 #include "util/text.h"
 
@@ -281,6 +282,23 @@ void compilationSummaryForZOV() {
     summaryForZOV(run.totalNbStxErrors, run.totalNbSemErrors, run.totalNbSymErrors,
                   run.totalNbWarnings);
     zovSummaryCloseFile();
+}
+
+/// Writes the type list for the integrated environment: "Module.Type" for every type assignment of
+/// every user module. The environment offers the listed types as top-level types, so parameterized
+/// ones, sets and classes are left out.
+void zovCreateTypeList() {
+    std::FILE* file = zovOpenTextFile(".atl", "w");
+    for (ModuleRec* module = run.bOfModRList; module != nullptr; module = module->next) {
+        CurrentModule current(module);
+        forEachTNodeByMod(module, module->firstTypeHead, [&] {
+            if (tNode.formals != 0 || !isTypeTNode()) return;
+            std::string line = concat(module->moduleName, ".", getStri(module, tNode.name), "\n");
+            std::ranges::replace(line, '_', '-');
+            put(file, line);
+        });
+    }
+    closeFile(file, "Type list file");
 }
 
 void typeListForZOV() {

@@ -261,7 +261,7 @@ bool isValueKind(FixKind kind) {
 }
 /// Module of the node that the kind applies to.
 ModuleRec* moduleForKind(FixKind kind) {
-    return recState.currTPtr[isValueKind(kind) ? KIND_VNODE : KIND_TNODE];
+    return isValueKind(kind) ? valueModule() : typeModule();
 }
 
 /// Overrides the record by the node's own option comments of the kind.

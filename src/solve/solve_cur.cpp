@@ -212,14 +212,6 @@ void pin(ModuleRec* module, uint32_t trial) {
     pins.push_back({trial, ++snapState.time, countersOf(module)});
 }
 
-/// The buffers hold no record any more whose number is handed out again.
-void forgetBuffers(ModuleRec* module) {
-    for (int kind = 0; kind < kindCount; ++kind) {
-        RecPlace& just = recState.recJustRead[kind];
-        if (just.module == module && just.nr >= module->nextRecNr[kind]) just.nr = 0;
-    }
-}
-
 void cutDefaultChain(ModuleRec* module, const Counters& to) {
     if (module->lastDefVal != to.lastDefVal && to.lastDefVal) {
         KeepRec<KIND_VNODE> keep;
@@ -237,7 +229,7 @@ void restoreModule(ModuleRec* module, const Counters& to) {
     dropStriFrom(module, to.nextRecNr[KIND_STRI8], to.nextRecNr[KIND_STRI16],
                  to.nextRecNr[KIND_STRI32]);
     std::ranges::copy(to.nextRecNr, module->nextRecNr);
-    forgetBuffers(module);
+    forgetBuffersBehind(module);
     forgetFoundComps(module);
     forgetTakenBack(module);
 }

@@ -61,16 +61,12 @@ namespace {
 
 /// A value record of the current module at a number that was reserved for it.
 void addReservedValue(VNodeNr nr, uint32_t line) {
-    flushRecs(KIND_VNODE);
-    vNode = VNode{};
+    newRecAt(nr);
     vNode.valCode = TYP_NONE;
     vNode.valStatus = VST_ACTUAL;
     const InstContext* instance = instContext();
     vNode.line = instance != nullptr ? instance->line : line;
     vNode.actParRec = instance != nullptr ? instance->instance : 0;
-    recState.writePend[KIND_VNODE] = {cMP, nr.nr};
-    recState.recJustRead[KIND_VNODE] = {cMP, nr.nr};
-    recState.currTPtr[KIND_VNODE] = cMP;
 }
 
 /// The actual parameter for one formal, at the cursor, into the record `nr`.

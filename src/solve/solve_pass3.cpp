@@ -47,8 +47,9 @@ void solveRefs2() {
     inp = {};
     setAplStack(0);
     forEachTNodeByMod(cMP, cMP->firstTypeHead, parseTypeAssignment);
-    recState.currTPtr[KIND_VNODE] = cMP;
-    forEachVNode(cMP->firstValueHead, parseValueAssignment);
+    const KeepRec<KIND_VNODE> keep;
+    for ([[maybe_unused]] const VNodeNr nr : chain(cMP, cMP->firstValueHead))
+        parseValueAssignment();
 }
 
 void parseTypeAssignment() {
@@ -211,11 +212,10 @@ namespace {
 
 /// The COMPONENTS OF entries on the list from `first`, those of extension addition groups included.
 void solveIncluded(ModuleRec* module, TNodeNr first, uint8_t mainKind, VisitList& visited) {
-    forEachTNodeByMod(module, first, [&] {
-        if (tNode.typeCode == TYP_EXTADDGRP)
-            solveIncluded(module, TNodeNr{tNode.ref}, mainKind, visited);
-        else if (magnitude(tNode.compStatus) == TCS_COMPOF)
-            solveCompOf(mainKind, visited);
+    const KeepRec<KIND_TNODE> keep;
+    forEachComponent(module, first, [&] {
+        if (magnitude(tNode.compStatus) == TCS_COMPOF) solveCompOf(mainKind, visited);
+        return true;
     });
 }
 

@@ -298,16 +298,16 @@ struct MNode { // one per module that the module refers to; record 1 is the modu
     uint8_t exportsState; // 0 no EXPORTS, 1 "EXPORTS ;", 2 a list
     uint8_t importsState; // low nibble likewise; high nibble 1 external reference, 2 IMPORTS
     uint8_t automaticTags;
-    uint8_t unused79;
-    uint32_t srcDir;  // string number
-    uint32_t srcFile; // string number
+    uint8_t selection; // of versions of a referenced module: 1 SUCCESSORS, 2 DESCENDANTS
+    uint32_t srcDir;   // string number
+    uint32_t srcFile;  // string number
     uint32_t modWords[6];
 };
 inline constexpr Field mNodeFields[] = {
     FIELD(0, MNode, modTimeStamp),  FIELD(12, MNode, modName),       FIELD(16, MNode, stxName),
     FIELD(20, MNode, firstTypeAss), FIELD(24, MNode, firstValAss),   FIELD(28, MNode, firstDefVal),
     FIELD(32, MNode, modOid),       FIELD(36, MNode, recCount),      FIELD(76, MNode, exportsState),
-    FIELD(77, MNode, importsState), FIELD(78, MNode, automaticTags), FIELD(79, MNode, unused79),
+    FIELD(77, MNode, importsState), FIELD(78, MNode, automaticTags), FIELD(79, MNode, selection),
     FIELD(80, MNode, srcDir),       FIELD(84, MNode, srcFile),       FIELD(88, MNode, modWords)};
 
 struct TNode {          // a type, component, field, formal parameter or type assignment head

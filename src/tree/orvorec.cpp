@@ -134,18 +134,29 @@ void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
     recState.writePend[kind].nr = 0;
 }
 
-uint32_t newRecKind(RecKind kind) {
+void beginRecKind(RecKind kind, uint32_t nr) {
     void* buffer = bufferOf(kind);
     if (buffer == nullptr || cMP == nullptr) fatalError(Fatal::WriteRecord);
     checkLeft(kind);
     flushRecs(kind);
-    const uint32_t nr = cMP->nextRecNr[kind];
-    if (nr == 0 || nr > maxRecNr) fatalError(Fatal::WriteRecord);
-    cMP->nextRecNr[kind] = nr + 1;
     recState.writePend[kind] = {cMP, nr};
     bufferHolds(kind, cMP, nr);
     std::memset(buffer, 0, recSize[kind]);
+}
+
+uint32_t newRecKind(RecKind kind) {
+    const uint32_t nr = cMP == nullptr ? 0 : cMP->nextRecNr[kind];
+    if (nr == 0 || nr > maxRecNr) fatalError(Fatal::WriteRecord);
+    beginRecKind(kind, nr);
+    cMP->nextRecNr[kind] = nr + 1;
     return nr;
+}
+
+void forgetBuffersBehind(const ModuleRec* module) {
+    for (int kind = 0; kind < kindCount; ++kind) {
+        RecPlace& just = recState.recJustRead[kind];
+        if (just.module == module && just.nr >= module->nextRecNr[kind]) just.nr = 0;
+    }
 }
 
 void flushRecs(int kind) {

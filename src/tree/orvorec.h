@@ -92,6 +92,7 @@ template <RecKind K> auto& bufferRec() {
 void readRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
 void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
 uint32_t newRecKind(RecKind kind);
+void beginRecKind(RecKind kind, uint32_t nr);
 
 /// Makes the record the buffer's contents. Reading the one that is there already copies nothing.
 template <RecKind K> void readRec(ModuleRec* module, RecNr<K> nr) {
@@ -130,6 +131,10 @@ template <RecKind K> void writeRec(RecRef<K> ref) {
 template <RecKind K> RecNr<K> newRec() {
     return {newRecKind(K)};
 }
+/// The same at a number of the current module that was reserved for it.
+template <RecKind K> void newRecAt(RecNr<K> nr) {
+    beginRecKind(K, nr.nr);
+}
 /// Number the next record of the kind will get in the module.
 template <RecKind K> RecNr<K> nextRec(const ModuleRec* module) {
     return {module->nextRecNr[K]};
@@ -141,9 +146,17 @@ template <RecKind K> void makePending(ModuleRec* module, RecNr<K> nr) {
     recState.writePend[K] = {module, nr.nr};
 }
 
+/// A record of the kind is pending.
+template <RecKind K> bool hasPending() {
+    return recState.writePend[K].nr != 0;
+}
+
 /// The record in the buffer, with its module; number 0 when the buffer holds none.
+inline RecPlace currentPlace(RecKind kind) {
+    return recState.recJustRead[kind];
+}
 template <RecKind K> RecRef<K> currentRec() {
-    return {recState.recJustRead[K].module, RecNr<K>{recState.recJustRead[K].nr}};
+    return {currentPlace(K).module, RecNr<K>{currentPlace(K).nr}};
 }
 /// The module of the current type, value, constraint record.
 inline ModuleRec* typeModule() {
@@ -169,6 +182,9 @@ template <RecKind K> void writeCurrent() {
 
 /// Writes the pending record of a kind; with a negative kind of every kind in increasing order.
 void flushRecs(int kind);
+/// The buffers hold no record any more of the module that lies behind its counters: its number will
+/// be handed out again.
+void forgetBuffersBehind(const ModuleRec* module);
 /// Makes `module` the current module; the pending records of the old one are written first.
 void changeCMP(ModuleRec* module);
 /// Points the per-kind cursors at the current module: nothing read, nothing pending (start of a
@@ -301,10 +317,16 @@ template <typename Fn> void forEachTNodeByMod(ModuleRec* module, TNodeNr first, 
     const KeepRec<KIND_TNODE> keep;
     for ([[maybe_unused]] const TNodeNr nr : chain(module, first)) fn();
 }
-/// The same over a VNode chain of the module in currTPtr[KIND_VNODE].
-template <typename Fn> void forEachVNode(VNodeNr first, Fn&& fn) {
-    const KeepRec<KIND_VNODE> keep;
-    for ([[maybe_unused]] const VNodeNr nr : chain(valueModule(), first)) fn();
+/// Calls fn for each component from `first` on, those of extension addition groups in place of the
+/// group; a result of false ends the walk. The component is the current type record.
+template <typename Fn> bool forEachComponent(ModuleRec* module, TNodeNr first, Fn&& fn) {
+    for ([[maybe_unused]] const TNodeNr nr : chain(module, first)) {
+        const bool goOn = tNode.typeCode == TYP_EXTADDGRP
+                              ? forEachComponent(module, TNodeNr{tNode.ref}, fn)
+                              : fn();
+        if (!goOn) return false;
+    }
+    return true;
 }
 
 // ---- strings (tree/orvorec_stri) ----------------------------------------------------------------

@@ -44,8 +44,8 @@ bool isSpace(char c) {
 } // namespace
 
 NodeRef currentNode(NodeListKind kind) {
-    const RecKind recKind = recKindOf(kind);
-    return {recState.currTPtr[recKind], recState.recJustRead[recKind].nr};
+    const RecPlace place = currentPlace(recKindOf(kind));
+    return {place.module, place.nr};
 }
 
 void addFstNode(NodeList& list) {

@@ -391,12 +391,10 @@ uint64_t hashAt(Hashing& state, ModuleRec* module, const VNode& value, uint32_t 
     const auto [note, isNew] = state.lists.try_emplace({module, value.ref, depth}, value.valCode);
     if (!isNew) return note->second;
     uint64_t hash = value.valCode;
-    uint32_t left = module->nextRecNr[KIND_VNODE];
-    for (VNodeRef at{module, VNodeNr{value.ref}}; at && left != 0; --left) {
-        const Entry entry = readEntry(at);
+    for (const VNodeNr nr : chain(module, VNodeNr{value.ref})) {
+        const Entry entry = readEntry({module, nr});
         const uint64_t part = hashAt(state, entry.module, entry.value, depth + 1);
         hash = isUnordered(value.valCode) ? hash + mixed(7, part) : mixed(hash, part);
-        at.nr = {entry.own.next};
     }
     state.lists[{module, value.ref, depth}] = hash;
     return hash;

@@ -29,11 +29,10 @@ template <RecKind K> auto& buffer() {
 
 /// Takes the entries that were appended since the last time into the index.
 template <RecKind K> void extendIndex(ModuleRec* module, ChainIndex& index) {
-    for (uint32_t left = module->nextRecNr[K]; left != 0; --left) {
-        readRec(module, RecNr<K>{index.last});
+    for (const RecNr<K> nr : chain(module, RecNr<K>{index.last})) {
         const auto& rec = buffer<K>();
         if (rec.next == 0) return;
-        if (rec.name != 0) index.byName.try_emplace(getStri(module, rec.name), index.last);
+        if (rec.name != 0) index.byName.try_emplace(getStri(module, rec.name), nr.nr);
         index.last = rec.next;
     }
 }
@@ -454,11 +453,10 @@ bool isGovernedBy(ModuleRec* module, TNodeRef governor) {
 
 /// Takes the values that were appended since the last time into the index, the last one excepted.
 void extendGovernors(ModuleRec* module, GovIndex& index) {
-    for (uint32_t left = module->nextRecNr[KIND_VNODE]; left != 0; --left) {
-        readRec(module, VNodeNr{index.last});
+    for (const VNodeNr nr : chain(module, VNodeNr{index.last})) {
         if (vNode.next == 0) return;
         ModuleRec* typeModule = refModule(module, static_cast<int32_t>(vNode.govTypeMod));
-        index.byType.try_emplace({typeModule, vNode.govType}, index.last);
+        index.byType.try_emplace({typeModule, vNode.govType}, nr.nr);
         index.last = vNode.next;
     }
 }

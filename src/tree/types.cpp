@@ -71,14 +71,14 @@ void setTypeNode(uint8_t code) {
 
 TagNr addTagRec(const TagRec& tag) {
     const TagRec copy = tag; // may be the buffer itself
-    if (recState.writePend[KIND_TAG].nr != 0) tagRec.next = cMP->nextRecNr[KIND_TAG];
+    if (hasPending<KIND_TAG>()) tagRec.next = cMP->nextRecNr[KIND_TAG];
     const TagNr nr = newRec<KIND_TAG>();
     tagRec = copy;
     return nr;
 }
 
 void flushTagRec() {
-    if (recState.writePend[KIND_TAG].nr == 0) return;
+    if (!hasPending<KIND_TAG>()) return;
     tagRec.next = 0;
     flushRecs(KIND_TAG);
 }

@@ -59,7 +59,7 @@ constexpr struct {
     {MNODE, "modOid", "modules of arrangements have none"},
     {MNODE, "exportsState", "modules of arrangements export all"},
     {MNODE, "importsState", "given by the arrangement"},
-    {MNODE, "unused79", "no use"},
+    {MNODE, "selection", "given by the arrangement"},
     {MNODE, "srcDir", "the run"},
     {MNODE, "srcFile", "given by the arrangement"},
     {TNODE, "line", "given by the order"},

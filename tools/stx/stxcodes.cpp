@@ -48,6 +48,15 @@ const TypeRow typeTable[typeCount] = {
     {"TYP_ABSTR_STX", "ABSTRACT-SYNTAX", -6, false, false, true, false},  // 39
     {"TYP_EXTADDGRP", "", -10, true, false, false, false},  // 40
     {"TYP_NONE", "", -11, false, false, false, false},  // 41
+    {"TYP_UTF8STR", "UTF8String", 12, false, true, true, true},  // 42
+    {"TYP_RELOID", "RELATIVE-OID", 13, false, true, true, false},  // 43
+    {"TYP_OIDIRI", "OID-IRI", 35, false, true, false, false},  // 44
+    {"TYP_RELOIDIRI", "RELATIVE-OID-IRI", 36, false, true, false, false},  // 45
+    {"TYP_TIME", "TIME", 14, false, true, false, false},  // 46
+    {"TYP_DATE", "DATE", 31, false, true, false, false},  // 47
+    {"TYP_TIMEOFDAY", "TIME-OF-DAY", 32, false, true, false, false},  // 48
+    {"TYP_DATETIME", "DATE-TIME", 33, false, true, false, false},  // 49
+    {"TYP_DURATION", "DURATION", 34, false, true, false, false},  // 50
 };
 
 namespace {
@@ -95,6 +104,15 @@ constexpr CodeName typeRows[] = {
     {39, "TYP_ABSTR_STX"},
     {40, "TYP_EXTADDGRP"},
     {41, "TYP_NONE"},
+    {42, "TYP_UTF8STR"},
+    {43, "TYP_RELOID"},
+    {44, "TYP_OIDIRI"},
+    {45, "TYP_RELOIDIRI"},
+    {46, "TYP_TIME"},
+    {47, "TYP_DATE"},
+    {48, "TYP_TIMEOFDAY"},
+    {49, "TYP_DATETIME"},
+    {50, "TYP_DURATION"},
 };
 constexpr CodeName compStatusRows[] = {
     {0, "TCS_MANDATORY"},
@@ -132,6 +150,8 @@ constexpr CodeName subKindRows[] = {
     {21, "SUB_OPEN_TYPE"},
     {22, "SUB_EXTENSION_MARKER"},
     {24, "SUB_CONTENTS"},
+    {25, "SUB_PATTERN"},
+    {26, "SUB_SETTINGS"},
 };
 constexpr CodeName subFlagRows[] = {
     {1, "EXCEPTION"},
@@ -402,6 +422,22 @@ constexpr CodeName tokenRows[] = {
     {146, "TOK_UNIVERSALSTRING"},
     {147, "TOK_VIDEOTEXSTRING"},
     {148, "TOK_VISIBLESTRING"},
+    {149, "TOK_REALNUMBER"},
+    {150, "TOK_DATE"},
+    {151, "TOK_DATE_TIME"},
+    {152, "TOK_DURATION"},
+    {153, "TOK_ENCODED"},
+    {154, "TOK_ENCODING_CONTROL"},
+    {155, "TOK_INSTRUCTIONS"},
+    {156, "TOK_NOT_A_NUMBER"},
+    {157, "TOK_OID_IRI"},
+    {158, "TOK_PATTERN"},
+    {159, "TOK_RELATIVE_OID"},
+    {160, "TOK_RELATIVE_OID_IRI"},
+    {161, "TOK_SETTINGS"},
+    {162, "TOK_TIME"},
+    {163, "TOK_TIME_OF_DAY"},
+    {164, "TOK_UTF8STRING"},
 };
 constexpr CodeName entryFlagRows[] = {
     {4, "ENCF"},
@@ -425,6 +461,11 @@ constexpr CodeName importsRows[] = {
     {32, "by IMPORTS, none"},
     {33, "by IMPORTS, nothing"},
     {34, "by IMPORTS, list"},
+};
+constexpr CodeName selectionRows[] = {
+    {0, "none"},
+    {1, "SUCCESSORS"},
+    {2, "DESCENDANTS"},
 };
 constexpr CodeName formRows[] = {
     {0, "INDEFINITE"},
@@ -459,6 +500,7 @@ constexpr CodeName moduleOptionRows[] = {
     {1 << 19, "XREF"},
     {1 << 20, "LIST"},
     {1 << 21, "ALLOW"},
+    {1 << 22, "LENIENT"},
 };
 constexpr CodeName cGenerationRows[] = {
     {1, "OLD"},
@@ -479,7 +521,7 @@ const std::span<const CodeName> typeNames{typeRows}, compStatusNames{compStatusR
     checkStateNames{checkStateRows}, optFlagNames{optFlagRows}, tedKindNames{tedKindRows},
     vfKindNames{vfKindRows}, sizeNames{sizeRows}, tokenNames{tokenRows},
     entryFlagNames{entryFlagRows}, exportsNames{exportsRows}, importsNames{importsRows},
-    formNames{formRows}, skipNames{skipRows}, moduleOptionNames{moduleOptionRows},
-    cGenerationNames{cGenerationRows};
+    selectionNames{selectionRows}, formNames{formRows}, skipNames{skipRows},
+    moduleOptionNames{moduleOptionRows}, cGenerationNames{cGenerationRows};
 
 } // namespace stx

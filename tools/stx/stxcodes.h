@@ -69,8 +69,18 @@ enum TypeCode : uint8_t {
     TYP_ABSTR_STX = 39,
     TYP_EXTADDGRP = 40,
     TYP_NONE = 41,
+    // of X.680 (02/2021)
+    TYP_UTF8STR = 42,
+    TYP_RELOID = 43,
+    TYP_OIDIRI = 44,
+    TYP_RELOIDIRI = 45,
+    TYP_TIME = 46,
+    TYP_DATE = 47,
+    TYP_TIMEOFDAY = 48,
+    TYP_DATETIME = 49,
+    TYP_DURATION = 50,
 };
-inline constexpr int typeCount = 42;
+inline constexpr int typeCount = 51;
 
 enum CompStatus : int32_t {
     TCS_MANDATORY = 0,
@@ -101,6 +111,8 @@ enum SubKind : uint8_t {
     SUB_OPEN_TYPE = 21,
     SUB_EXTENSION_MARKER = 22,
     SUB_CONTENTS = 24,
+    SUB_PATTERN = 25,
+    SUB_SETTINGS = 26,
 };
 enum SubFlags : uint8_t {
     SUBF_EXCEPTION = 1,
@@ -118,6 +130,8 @@ enum TagClass : int32_t {
     TAG_PRIVATE = 3
 };
 enum TagMode : int32_t { TAGMODE_IMPLICIT = 0, TAGMODE_EXPLICIT = 1, TAGMODE_OPEN = 2 };
+/// Which versions of a referenced module are meant (WITH SUCCESSORS, WITH DESCENDANTS).
+enum Selection : uint8_t { SELECT_ONE = 0, SELECT_SUCCESSORS = 1, SELECT_DESCENDANTS = 2 };
 enum RefMod : int32_t {
     REF_UNRESOLVED = 0,
     REF_OWN = 1,
@@ -190,7 +204,7 @@ extern const TypeRow typeTable[typeCount];
 extern const std::span<const CodeName> typeNames, compStatusNames, subKindNames, subFlagNames,
     tagClassNames, tagModeNames, refModNames, valStatusNames, valueFlagNames, nodeFlagNames,
     checkFlagNames, checkStateNames, optFlagNames, tedKindNames, vfKindNames, sizeNames, tokenNames,
-    entryFlagNames, exportsNames, importsNames, formNames, skipNames, moduleOptionNames,
-    cGenerationNames;
+    entryFlagNames, exportsNames, importsNames, selectionNames, formNames, skipNames,
+    moduleOptionNames, cGenerationNames;
 
 } // namespace stx

@@ -45,7 +45,7 @@ inline constexpr Field mNodeFields[] = {
     {"exportsState",  76,  1, F::Unsigned, S::Names,  To::Nowhere,     &exportsNames},
     {"importsState",  77,  1, F::Unsigned, S::Names,  To::Nowhere,     &importsNames},
     {"automaticTags", 78,  1, F::Unsigned, S::Plain,  To::Nowhere,     nullptr},
-    {"unused79",      79,  1, F::Unused,   S::Plain,  To::Nowhere,     nullptr},
+    {"selection",     79,  1, F::Unsigned, S::Names,  To::Nowhere,     &selectionNames},
     {"srcDir",        80,  4, F::Unsigned, S::String, To::Nowhere,     nullptr},
     {"srcFile",       84,  4, F::Unsigned, S::String, To::Nowhere,     nullptr},
     {"modWords",      88, 24, F::Words,    S::Plain,  To::Nowhere,     nullptr},

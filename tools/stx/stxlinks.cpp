@@ -93,7 +93,8 @@ Link linkOfValueRef(const VNode& node) {
             return recordLink(TNODE, node.refMod < 0 ? 1 : node.refMod, node.ref);
         return ownLink(VNODE, node.ref);
     }
-    if (node.valCode == TYP_FIELDLIST || typeRow(node.valCode).valueList)
+    const bool marker = node.valCode == TYP_EXTENSION_MARKER; // leads to its exception
+    if (node.valCode == TYP_FIELDLIST || marker || typeRow(node.valCode).valueList)
         return ownLink(VNODE, node.ref);
     return {};
 }
@@ -121,13 +122,16 @@ Link linkOfLeft(const SubRec& sub) {
     case SUB_CONTAINED_SUBTYPE:
     case SUB_USER_DEFINED:
     case SUB_OPEN_TYPE:
-    case SUB_TABLE: return ownLink(VNODE, sub.left);
+    case SUB_TABLE:
+    case SUB_CONTENTS:
+    case SUB_PATTERN:
+    case SUB_SETTINGS: return ownLink(VNODE, sub.left);
     default: return {};
     }
 }
 
 Link linkOfRight(const SubRec& sub) {
-    if (sub.subKind == SUB_RANGE) return ownLink(VNODE, sub.right);
+    if (sub.subKind == SUB_RANGE || sub.subKind == SUB_CONTENTS) return ownLink(VNODE, sub.right);
     return sub.subKind == SUB_TABLE ? ownLink(SNODE, magnitude(sub.right)) : Link{};
 }
 

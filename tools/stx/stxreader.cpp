@@ -161,6 +161,7 @@ MNode Tree::mNode(uint32_t nr) const {
     node.exportsState = in.get<"exportsState">();
     node.importsState = in.get<"importsState">();
     node.automaticTags = in.get<"automaticTags">();
+    node.selection = in.get<"selection">();
     node.srcDir = in.get<"srcDir">();
     node.srcFile = in.get<"srcFile">();
     for (size_t word = 0; word < 6; ++word)

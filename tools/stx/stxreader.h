@@ -37,7 +37,7 @@ struct MNode { // a module: record 1 the module itself, the others those that it
     uint32_t modName = 0, stxName = 0;
     uint32_t firstTypeAss = 0, firstValAss = 0, firstDefVal = 0, modOid = 0;
     uint32_t recCount[10] = {};
-    uint8_t exportsState = 0, importsState = 0, automaticTags = 0;
+    uint8_t exportsState = 0, importsState = 0, automaticTags = 0, selection = 0;
     uint32_t srcDir = 0, srcFile = 0;
     uint32_t modWords[6] = {};
 };
