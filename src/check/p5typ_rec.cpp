@@ -71,14 +71,15 @@ class Components {
 };
 
 /// What a record leads to: the type it resolves to or, when it is that itself, its components.
-std::vector<TNodeRef> successorsOf(TNodeRef type) {
+void addSuccessorsOf(TNodeRef type, std::vector<TNodeRef>& successors) {
     const TNodeRef resolved = resolve(type);
-    if (resolved != type) return {resolved};
-    std::vector<TNodeRef> components;
+    if (resolved != type) {
+        successors.push_back(resolved);
+        return;
+    }
     Components list(type);
     for (TNodeRef component = list.next(); component; component = list.next())
-        components.push_back(component);
-    return components;
+        successors.push_back(component);
 }
 
 // ---- cycles -------------------------------------------------------------------------------------
@@ -87,21 +88,22 @@ std::vector<TNodeRef> successorsOf(TNodeRef type) {
 class CycleFinder {
   public:
     void run(TNodeRef start) {
+        marks_ = {};
         enter(start);
         while (!frames_.empty()) {
             Frame& top = frames_.back();
-            if (top.at == top.successors.size())
+            if (top.at == successors_.size())
                 leave();
             else
-                follow(top.successors[top.at++]);
+                follow(successors_[top.at++]);
         }
     }
 
   private:
     struct Frame {
         TNodeRef type;
-        std::vector<TNodeRef> successors;
-        size_t at = 0;
+        size_t first; // of its successors, which are the last ones while it is the last frame
+        size_t at;
         bool toItself = false;
     };
     struct Mark {
@@ -114,7 +116,9 @@ class CycleFinder {
         const auto index = static_cast<uint32_t>(marks_.size());
         markOf(type) = {index, index};
         open_.push_back(type);
-        frames_.push_back({type, successorsOf(type), 0, false});
+        const size_t first = successors_.size();
+        addSuccessorsOf(type, successors_);
+        frames_.push_back({type, first, first});
     }
     void follow(TNodeRef type) {
         Frame& top = frames_.back();
@@ -126,8 +130,9 @@ class CycleFinder {
         own.low = std::min(own.low, mark->second.index);
     }
     void leave() {
-        const Frame frame = std::move(frames_.back());
+        const Frame frame = frames_.back();
         frames_.pop_back();
+        successors_.resize(frame.first);
         const Mark mark = markOf(frame.type);
         if (!frames_.empty()) {
             Mark& above = markOf(frames_.back().type);
@@ -150,12 +155,14 @@ class CycleFinder {
     FlatMap<uint64_t, Mark> marks_;
     std::vector<TNodeRef> open_;
     std::vector<Frame> frames_;
+    std::vector<TNodeRef> successors_; // of the frames, one behind the other
 };
 
 CycleNote cycleOf(TNodeRef type) {
     const auto& cycles = notesOf(type).cycles;
     if (const CycleNote* known = cycles.find(type.nr.nr)) return *known;
-    CycleFinder().run(type);
+    static CycleFinder finder; // one for all: its lists keep their memory
+    finder.run(type);
     return *cycles.find(type.nr.nr);
 }
 

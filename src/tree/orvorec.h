@@ -216,13 +216,15 @@ void restoreNodeContext(RecKind kind, const NodeContext& context);
 /// Reads the current record of a kind back when the scope ends.
 template <RecKind K> class KeepRec {
   public:
-    KeepRec() { saveNodeContext(K, context_); }
+    KeepRec() : kept_(currentRec<K>()) {}
     KeepRec(const KeepRec&) = delete;
     KeepRec& operator=(const KeepRec&) = delete;
-    ~KeepRec() { restoreNodeContext(K, context_); }
+    ~KeepRec() {
+        if (kept_.module != nullptr && kept_.nr) readRec(kept_);
+    }
 
   private:
-    NodeContext context_;
+    RecRef<K> kept_;
 };
 
 /// Makes a module current and puts the former one back when the scope ends (both through
