@@ -17,6 +17,7 @@
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
+#include "util/flat.h"
 #include "util/stack.h"
 
 namespace orvo {
@@ -153,8 +154,8 @@ class AlternativeCollector {
 
     AlternativeTags result_;
     TNodeRef root_;
-    std::unordered_set<uint64_t> choices_;
-    std::unordered_set<uint64_t> tags_;
+    FlatSet<uint64_t> choices_;
+    FlatSet<uint64_t> tags_;
 };
 
 /// The tags of the current untagged CHOICE.
@@ -298,7 +299,7 @@ class IdComparison {
     }
 
   private:
-    std::unordered_set<std::string_view> names_;
+    FlatSet<std::string_view> names_;
 };
 
 /// Identifiers and tags, or the field specifications of a class; gives the number of entries.

@@ -153,7 +153,7 @@ bool isInside(const CheckedValue& value, Endpoint end, bool upper) {
     if (end.value.valCode != kind) return false;
     const bool isMinOrMax = upper ? subRec.right == 0 : subRec.left == 0;
     const bool isIncluded = (subRec.subFlags & (upper ? SUBF_UPPER : SUBF_LOWER)) != 0;
-    int order = compareValue(value.module, value.rec, end.module, end.value);
+    int order = compareValue(value.module, value.rec, end.module, end.value.asValue());
     if (upper) order = -order;
     return order > 0 || (order == 0 && isIncluded && (end.flags != 0 || isMinOrMax));
 }
