@@ -199,8 +199,9 @@ void fieldReferences() {
     }
 }
 
-constexpr TokenSet behindReference = {TOK_END,      TOK_COMMA,  TOK_DOT,     TOK_RBRACE,
-                                      TOK_ELLIPSIS, TOK_TYPEID, TOK_VALUEID, TOK_RVERSION};
+constexpr TokenSet behindReference = {TOK_END,     TOK_COMMA,    TOK_DOT,
+                                      TOK_RBRACE,  TOK_ELLIPSIS, TOK_TYPEID,
+                                      TOK_VALUEID, TOK_RVERSION, TOK_ENCODING_CONTROL};
 
 /// [moduleid `.`] valueid [ActualParameters] {`.` FieldName}
 void valueReference() {

@@ -212,6 +212,10 @@ void handleSymbol(SymTab& list, int32_t name, uint8_t flags, uint32_t line) {
     append(list, nr);
 }
 
+void takeOffNames(SymTab& list, const SymTab& other) {
+    removeNamesOf(list, other);
+}
+
 void catSymTab(SymTab& dest, SymTab& src, uint8_t flag) {
     bool common = false;
     for (STabNr nr = src.first; nr; nr = STabNr{symAt(nr).next})
