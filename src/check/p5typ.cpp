@@ -359,7 +359,7 @@ void doCheckIgnorable(TNodeRef first) {
         const std::vector<TNodeRef> referred = referredTypes();
         if ((tNode.optFlags & OPTF_SKIP) != 0 && tNode.skipOpt == 0)
             markReferencedIgnorable({type});
-        else if (tNode.sizeLimit == 0)
+        else if (tNode.sizeLimit == 0 || tNode.typeCode == TYP_EXTADDGRP) // whose version it is
             pending.insert(pending.end(), referred.rbegin(), referred.rend());
         else if (tNode.sizeLimitSkip == 0)
             markReferencedIgnorable(referred);

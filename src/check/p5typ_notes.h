@@ -47,7 +47,7 @@ struct TypeNotes {
     FlatMap<uint32_t, uint32_t> outermost; // structure -> the outermost around it
     FlatMap<uint32_t, SeenTag> seenTags;
     FlatMap<uint32_t, bool> leadsToSet; // references on long ways
-    FlatMap<uint32_t, AlternativeTags> alternativeTags;
+    std::unordered_map<uint32_t, AlternativeTags> alternativeTags;
     RecNotes<CycleNote> cycles;
     FlatMap<uint32_t, bool> leadsToEnd;   // some way on from the type ends recursion
     FlatMap<uint32_t, bool> firstWayEnds; // and the first way on does

@@ -247,4 +247,14 @@ DNodeNr MGR68OpenValue() {
     return nr;
 }
 
+/// ExceptionSpec ::= `!` ([`-`] number | DefinedValue | Type `:` Value)
+DNodeNr exceptionSpec() {
+    const DNodeNr nr = initDeferList();
+    ReadIn();
+    valueSelectors();
+    openValue();
+    storeDeferList(nr);
+    return nr;
+}
+
 } // namespace orvo

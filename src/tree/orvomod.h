@@ -185,8 +185,6 @@ struct ModuleRec {
     uint8_t importsState = 0, exportsState = 0; // 0 no clause, 1 empty, 2 a list
     uint8_t tagDefault = 1;                     // 1 explicit, 2 implicit or automatic
     bool automaticTags = false, extensibilityImplied = false;
-    bool hasNumberedGroups = false, hasPlainGroups = false; // `[[ 2: ]]` and `[[ ]]`
-    bool hasEnumExceptions = false;                         // behind the marker of an enumeration
     bool otherInstructions = false;            // unprefixed `[NAME]` is an encoding instruction
     std::set<std::string, std::less<>> macros; // names that are defined or used as macros
     bool newNotation = false;                  // its notation is that of 2021
