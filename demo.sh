@@ -3,7 +3,7 @@
 set -e
 cd "$(dirname "$0")"
 . tools/need.sh
-need cmake cmake ninja ninja-build g++ g++
+need cmake cmake ninja ninja-build g++ g++ /usr/include/tsl/robin_map.h robin-map-dev
 
 cmake --preset release -DORVO_TESTS=OFF >/dev/null
 cmake --build --preset release --parallel "$(nproc)"

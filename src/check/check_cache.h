@@ -15,6 +15,8 @@
 #include "check/p5typ_notes.h"
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
+#include "tree/rec_notes.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -29,6 +31,30 @@ struct EndpointNote {
     bool known[2] = {}; // lower, upper
     bool exists[2] = {};
     Endpoint ends[2];
+};
+
+/// The endpoints of the types of a module. Most types have some, and what was noted is asked often.
+class EndpointNotes {
+  public:
+    /// The pointers hold until the next at().
+    [[nodiscard]] EndpointNote* find(uint32_t type) {
+        const uint32_t* place = places_.find(type);
+        return place != nullptr && *place != 0 ? &notes_[*place - 1] : nullptr;
+    }
+    /// The note of a type, made when there is none.
+    [[nodiscard]] EndpointNote& at(uint32_t type) {
+        if (EndpointNote* note = find(type)) return *note;
+        notes_.emplace_back();
+        places_.set(type, static_cast<uint32_t>(notes_.size()));
+        return notes_.back();
+    }
+    void erase(uint32_t type) {
+        if (places_.find(type) != nullptr) places_.set(type, 0);
+    }
+
+  private:
+    RecNotes<uint32_t> places_; // from 1; 0 = erased
+    std::vector<EndpointNote> notes_;
 };
 
 /// The operands of a union: single values by the hash of their value, and the others.
@@ -55,11 +81,10 @@ struct CheckCache {
     // first segment -> characters of the list
     std::unordered_map<uint32_t, uint64_t> segmentLengths;
     std::unordered_map<uint32_t, int64_t> highestNamedBits; // first named bit -> largest number
-    std::unordered_map<uint32_t, EndpointNote> endpoints;   // TNode
-    // TNode -> first on its chain with a range
-    std::unordered_map<uint32_t, TNodeRef> rangeParents;
+    EndpointNotes endpoints;
+    FlatMap<uint32_t, TNodeRef> rangeParents; // TNode -> first on its chain with a range
     // TNode -> first on its chain with a constraint, or the end of the chain
-    std::unordered_map<uint32_t, TNodeRef> nextConstrained;
+    FlatMap<uint32_t, TNodeRef> nextConstrained;
     // first item of an enumeration -> the values that its items stand for
     std::unordered_map<uint32_t, std::set<std::pair<ModuleRec*, uint32_t>>> enumItems;
     // single value in FROM -> characters, sorted

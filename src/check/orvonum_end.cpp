@@ -47,19 +47,17 @@ bool none(Endpoint& end) {
 /// The kept endpoint of the current type, null when it is not known, the record has changed, or
 /// another part of a series counted.
 EndpointNote* noteOf(TNodeRef type) {
-    auto& notes = checkCacheOf(type.module).endpoints;
-    const auto found = notes.find(type.nr.nr);
-    if (found == notes.end()) return nullptr;
-    EndpointNote& note = found->second;
-    const bool same = note.constraint == tNode.constraint && note.refMod == tNode.refMod &&
-                      note.ref == tNode.ref && note.typeCode == tNode.typeCode;
-    return same && (!note.seriesEnd || note.seriesEnd == seriesView.last) ? &note : nullptr;
+    EndpointNote* note = checkCacheOf(type.module).endpoints.find(type.nr.nr);
+    if (note == nullptr) return nullptr;
+    const bool same = note->constraint == tNode.constraint && note->refMod == tNode.refMod &&
+                      note->ref == tNode.ref && note->typeCode == tNode.typeCode;
+    return same && (!note->seriesEnd || note->seriesEnd == seriesView.last) ? note : nullptr;
 }
 
 void keepEndpoint(TNodeRef type, const Endpoint& end, bool exists, bool upper) {
     EndpointNote* note = noteOf(type);
     if (note == nullptr) {
-        note = &checkCacheOf(type.module).endpoints[type.nr.nr];
+        note = &checkCacheOf(type.module).endpoints.at(type.nr.nr);
         *note = {};
         note->constraint = tNode.constraint;
         note->refMod = tNode.refMod;
@@ -229,7 +227,7 @@ bool testInfinity(const Endpoint& end, bool plus, uint8_t kind) {
                (plus ? REAL_PLUS_INFINITY : REAL_MINUS_INFINITY);
 }
 
-int compareNumber(const VNode& a, const VNode& b, uint8_t kind) {
+int compareNumber(const EndValue& a, const EndValue& b, uint8_t kind) {
     switch (kind) {
     case TYP_INTEGER: return i64cmp(a.val.number, b.val.number);
     case TYP_REAL: return compareReal(a.val.real, b.val.real);

@@ -13,8 +13,23 @@ namespace orvo {
 
 /// An endpoint as a value record with its kind in valCode (INTEGER for sizes and enumerations), and
 /// whether it is included: SUBF_LOWER or SUBF_UPPER, or 0 (excluded, or infinite).
+struct EndValue { // of a value record what counts as an endpoint
+    ValUnion val = {};
+    uint32_t ref = 0; // of a string that is a list
+    uint8_t valCode = 0;
+    EndValue() = default;
+    EndValue(const VNode& value) // NOLINT(google-explicit-constructor): it is one
+        : val(value.val), ref(value.ref), valCode(value.valCode) {}
+    [[nodiscard]] VNode asValue() const {
+        VNode value = {};
+        value.val = val;
+        value.ref = ref;
+        value.valCode = valCode;
+        return value;
+    }
+};
 struct Endpoint {
-    VNode value = {};
+    EndValue value = {};
     uint8_t flags = 0;
     ModuleRec* module = nullptr; // whose strings a string value refers to
 };
@@ -37,7 +52,7 @@ void setInfinity(Endpoint& end, bool plus, uint8_t kind);
 /// Preserving.
 [[nodiscard]] bool isRangeInSub();
 /// -1, 0 or 1 by value: kind INTEGER or REAL; 0 for any other kind.
-[[nodiscard]] int compareNumber(const VNode& a, const VNode& b, uint8_t kind);
+[[nodiscard]] int compareNumber(const EndValue& a, const EndValue& b, uint8_t kind);
 /// Smallest or largest value of the current ENUMERATED type's numbered items; false when an item
 /// has no number yet. Preserving.
 [[nodiscard]] bool getEnumEndpoint(Endpoint& end, bool upper);

@@ -59,7 +59,7 @@ bool operandsEndpoint(const Request& request, SubRef first, bool wide, Endpoint&
 }
 
 /// The value lies between two endpoints, as far as they are given and finite.
-bool isWithin(const VNode& value, const EndpointPair& bounds, uint8_t kind) {
+bool isWithin(const EndValue& value, const EndpointPair& bounds, uint8_t kind) {
     for (const bool upper : {false, true}) {
         const Endpoint& bound = bounds.ends[upper];
         if (!bounds.given[upper] || testInfinity(bound, upper, kind)) continue;
@@ -196,7 +196,7 @@ bool readRangeParent() {
 }
 
 /// An explicit endpoint lies inside the parent's range. The current type is the constrained one.
-bool isInsideParent(const VNode& value, uint8_t kind) {
+bool isInsideParent(const EndValue& value, uint8_t kind) {
     if (!isNumber(kind) || !readRangeParent()) return true;
     EndpointPair parent;
     for (const bool upper : {false, true})

@@ -49,7 +49,8 @@ bool subRange(ModuleRec* module) {
     skipTypes(true);
     if (lower.value.valCode != tNode.typeCode || upper.value.valCode != tNode.typeCode)
         return false;
-    const int order = compareValue(lower.module, lower.value, upper.module, upper.value);
+    const int order =
+        compareValue(lower.module, lower.value.asValue(), upper.module, upper.value.asValue());
     if (order != 0) return order < 0;
     return (lower.flags & SUBF_LOWER) != 0 && (upper.flags & SUBF_UPPER) != 0;
 }

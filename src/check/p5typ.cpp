@@ -7,6 +7,7 @@
 
 #include "check/p5typ.h"
 
+#include <cassert>
 #include <unordered_map>
 #include <vector>
 
@@ -146,24 +147,18 @@ SeenTag innerTag() {
 }
 
 bool checkParts(ModuleRec* module) {
-    const TNodeRef self = currentRec<KIND_TNODE>();
     bool ok = true;
     std::vector<VNodeNr> numberless;
     if (tNode.typeCode == TYP_ENUM) numberless = numberItems();
     if (tNode.constraint > 0) ok &= checkSubRec(module);
-    readRec(self);
     if (tNode.namedVals != 0) checkNamedList(module, numberless);
-    readRec(self);
     if (tNode.defaultVal != 0) ok &= checkDef(module);
-    readRec(self);
     if (tNode.tags != 0) ok &= checkTag(module, innerTag());
     if (tNode.typeCode == TYP_CLASS && tNode.syntaxList != 0) ok &= checkUsrDefSyntax();
-    readRec(self);
     if (tNode.typeCode == TYP_ANY)
         ok &= checkAnyType(module);
     else if (tNode.syntax > 0)
         ok &= checkTNodeActuals();
-    readRec(self);
     return ok;
 }
 
@@ -186,19 +181,16 @@ bool checkTNode() {
     writeRec(self);
     const Restore series(seriesView, {});
     bool ok = checkByKind(module);
-    readRec(self);
     checkAndMarkSetTNode(self);
     ok &= checkParts(module);
     if (ok) {
         setTypeVF();
         setTNodeEndpoints();
-        readRec(self);
     }
     markRecursion(module);
     if (isTypeTNode() && !isEnclosed()) checkIgnorable();
-    readRec(self);
     checkOptions(module);
-    readRec(self);
+    assert(currentRec<KIND_TNODE>() == self);
     tNode.checkState = CHECK_DONE;
     writeRec(self);
     return ok || isTypeDefinition();
@@ -367,7 +359,7 @@ void doCheckIgnorable(TNodeRef first) {
         const std::vector<TNodeRef> referred = referredTypes();
         if ((tNode.optFlags & OPTF_SKIP) != 0 && tNode.skipOpt == 0)
             markReferencedIgnorable({type});
-        else if (tNode.sizeLimit == 0)
+        else if (tNode.sizeLimit == 0 || tNode.typeCode == TYP_EXTADDGRP) // whose version it is
             pending.insert(pending.end(), referred.rbegin(), referred.rend());
         else if (tNode.sizeLimitSkip == 0)
             markReferencedIgnorable(referred);

@@ -1,11 +1,10 @@
 // Component lists: what is optional, extension markers, and the flat list of entries on which
 // identifiers and tags are compared.
 //
-// COMPONENTS OF brings in the components of the type it names up to that type's first extension
-// marker; extension addition groups stand in place. What such a type brings in is summed up once
-// per type, and so are the tags of an untagged CHOICE, so that types that name one another level by
-// level cost one walk each; levels that only pass on what they include are passed over. A list
-// longer than fieldSize can count is cut.
+// COMPONENTS OF brings in the root of the type it names; extension addition groups stand in place.
+// What such a type brings in is summed up once per type, and so are the tags of an untagged CHOICE,
+// so that types that name one another level by level cost one walk each; levels that only pass on
+// what they include are passed over. A list longer than fieldSize can count is cut.
 
 #include <algorithm>
 #include <unordered_set>
@@ -17,6 +16,7 @@
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
+#include "util/flat.h"
 #include "util/stack.h"
 
 namespace orvo {
@@ -87,24 +87,61 @@ struct EntryList {
     uint8_t kind = TYP_NONE;
     uint32_t line = 0; // of the structure
     bool automatic = false;
-    int32_t nextAutomatic = 0;
+    bool inAdditions = false;
     bool tooLong = false;
     bool ok = true;
-    bool inAdditions = false; // between the markers of the structure
-    OpenLists open;           // the structure's own list and those that are being expanded in it
+    OpenLists open; // the structure's own list and those that are being expanded in it
     std::vector<CompEntry> entries;
 };
 
-/// Some component of the current structure, COMPONENTS OF entries not counted, has a tag.
-bool isTaggedComponents() {
+/// Calls fn(isAddition) for each component of the current structure, which is preserved.
+template <typename Fn> void forEachInParts(Fn&& fn) {
     const KeepRec<KIND_TNODE> keep;
-    return !forEachComponent(typeModule(), TNodeNr{tNode.ref},
-                             [] { return isCompOf() || tNode.tags == 0; });
+    RootOfList root(typeModule());
+    forEachComponent(typeModule(), TNodeNr{tNode.ref}, [&] {
+        if (tNode.typeCode == TYP_EXTENSION_MARKER)
+            root.passMarker();
+        else
+            fn(!root.isRoot());
+        return true;
+    });
+}
+
+bool isTagged() {
+    return !isCompOf() && tNode.tags != 0;
+}
+
+/// Some component of the current structure has a tag, so that none gets one automatically. Since
+/// X.680 (07/2002) 24.9 the root decides it, if it has components.
+bool isTaggedComponents() {
+    bool taggedRoot = false;
+    bool taggedAddition = false;
+    bool emptyRoot = true;
+    forEachInParts([&](bool isAddition) {
+        (isAddition ? taggedAddition : taggedRoot) |= isTagged();
+        emptyRoot &= isAddition;
+    });
+    return taggedRoot || (taggedAddition && (emptyRoot || !newNotation(typeModule())));
 }
 
 bool isAutomatic() {
     return !is(tNode.typeCode, TypeClass::List) && tNode.typeCode != TYP_CLASS &&
            typeModule()->automaticTags && !isTaggedComponents();
+}
+
+/// Additions to the current structure, whose tags are automatic, have none (X.680 (02/2021) 25.9).
+bool untaggedAdditions(ModuleRec* module) {
+    bool ok = true;
+    forEachInParts([&](bool isAddition) {
+        if (!isAddition || !isTagged()) return;
+        if (isLenient(module)) {
+            recordOnce(module, Msg::TaggedAddition, tNode.line, tNodeName());
+        } else {
+            recordTNodeError(module, ERR_SEMANTIC, Msg::TaggedAddition, tNodeName());
+            ok = false;
+        }
+    });
+    return ok;
 }
 
 const AlternativeTags* knownTags(TNodeRef choice) {
@@ -155,8 +192,8 @@ class AlternativeCollector {
 
     AlternativeTags result_;
     TNodeRef root_;
-    std::unordered_set<uint64_t> choices_;
-    std::unordered_set<uint64_t> tags_;
+    FlatSet<uint64_t> choices_;
+    FlatSet<uint64_t> tags_;
 };
 
 /// The tags of the current untagged CHOICE.
@@ -182,10 +219,7 @@ bool leadsBackTo(TNodeRef structure) {
 /// alternatives of a CHOICE that leads to the structure itself would be without end.
 void setEntryTag(EntryList& list, CompEntry& entry) {
     if (list.kind == TYP_CLASS) return;
-    if (list.automatic) {
-        entry.tag = {TAG_CONTEXT, list.nextAutomatic++};
-        return;
-    }
+    if (list.automatic) return; // numberAutomatic
     entry.tag = getNextTag();
     if (entry.tag.tagNr != typeArr[TYP_CHOICE].tag) return;
     const KeepRec<KIND_TNODE> keep;
@@ -215,15 +249,14 @@ void addEntry(EntryList& list, TNodeRef bringer) {
 void addEntries(EntryList& list, TNodeRef first, TNodeRef bringer) {
     needStack();
     if (!list.open.insert({first.module, first.nr.nr}).second) return;
-    bool skipping = false; // additions of an included type
+    RootOfList root(first.module);
     forEachComponent(first.module, first.nr, [&] {
         if (tNode.typeCode == TYP_EXTENSION_MARKER) {
-            if (bringer && !newNotation(first.module)) return false;
-            bool& between = bringer ? skipping : list.inAdditions;
-            between = !between;
+            root.passMarker();
             return true;
         }
-        if (skipping) return true;
+        if (bringer && !root.isRoot()) return true;
+        if (!bringer) list.inAdditions = !root.isRoot();
         if (isCompOf()) {
             const TNodeRef entry = bringer ? bringer : currentRec<KIND_TNODE>();
             const IncludedList sum = includedList(list.open);
@@ -237,35 +270,13 @@ void addEntries(EntryList& list, TNodeRef first, TNodeRef bringer) {
     list.open.erase({first.module, first.nr.nr});
 }
 
-/// Automatic tags number both root lists before the additions (X.680 (02/2021) 25.3).
-void numberRootsFirst(EntryList& list) {
-    int32_t next = 0;
-    for (const bool isAddition : {false, true})
+/// Automatic tags: the components of the root are numbered first, then the additions (X.680
+/// (02/2021) 25.8).
+void numberAutomatic(EntryList& list) {
+    int32_t number = 0;
+    for (const bool additions : {false, true})
         for (CompEntry& entry : list.entries)
-            if (entry.isAddition == isAddition) entry.tag.tagNr = next++;
-}
-
-/// Where the roots are written for automatic tags, additions have none (25.9). The structure is the
-/// current type record.
-void checkTagsOfAdditions(EntryList& list) {
-    ModuleRec* const module = list.structure.module;
-    if (list.kind == TYP_CLASS || !module->automaticTags) return;
-    readRec(list.structure);
-    bool inAdditions = false, rootHasTags = false;
-    uint32_t line = 0;
-    forEachComponent(module, TNodeNr{tNode.ref}, [&] {
-        if (tNode.typeCode == TYP_EXTENSION_MARKER)
-            inAdditions = !inAdditions;
-        else if (tNode.tags != 0 && inAdditions && line == 0)
-            line = tNode.line;
-        else if (tNode.tags != 0 && !inAdditions)
-            rootHasTags = true;
-        return true;
-    });
-    if (rootHasTags || line == 0) return;
-    if (isLenient(list.errors)) return recordOnce(list.errors, Msg::TaggedAddition, line, {});
-    recordError(list.errors, ERR_SEMANTIC, Msg::TaggedAddition, line);
-    list.ok = false;
+            if (entry.isAddition == additions) entry.tag = {TAG_CONTEXT, number++};
 }
 
 /// The flat list of the current structure.
@@ -278,12 +289,7 @@ EntryList dynaListForComps(ModuleRec* errors) {
     list.automatic = isAutomatic();
     const KeepRec<KIND_TNODE> keep;
     addEntries(list, {list.structure.module, TNodeNr{tNode.ref}}, {});
-    if (newNotation(list.structure.module)) {
-        if (list.automatic)
-            numberRootsFirst(list);
-        else
-            checkTagsOfAdditions(list);
-    }
+    if (list.automatic) numberAutomatic(list);
     return list;
 }
 
@@ -300,7 +306,7 @@ class IdComparison {
     }
 
   private:
-    std::unordered_set<std::string_view> names_;
+    FlatSet<std::string_view> names_;
 };
 
 /// Identifiers and tags, or the field specifications of a class; gives the number of entries.
@@ -308,6 +314,7 @@ bool checkStruComps(ModuleRec* module, size_t& count) {
     const TNodeRef self = currentRec<KIND_TNODE>();
     const EntryList list = dynaListForComps(module);
     bool ok = list.ok;
+    if (list.automatic) ok &= untaggedAdditions(module);
     uint16_t flags = list.automatic ? CF_AUTOMATIC_TAGS : 0;
     IdComparison ids;
     TagComparison tags(list.kind);
@@ -334,12 +341,11 @@ bool checkStruComps(ModuleRec* module, size_t& count) {
     return ok;
 }
 
-/// Markers that a list may have up to the current component: additions stand between two, and in a
-/// CHOICE nothing stands behind them (X.680 (02/2021) 25.1, 29.1).
+/// Markers that a list of the kind may have up to the current component: in today's notation one
+/// may end the additions, which in a CHOICE end the list (X.680 (02/2021) 25.1 and 29.1).
 uint32_t allowedMarkers(uint8_t kind) {
-    const bool isLast = tNode.next == 0;
-    const bool admitsTwo = kind == TYP_SEQ || kind == TYP_SET || (kind == TYP_CHOICE && isLast);
-    return newNotation(typeModule()) && admitsTwo ? 2 : 1;
+    const bool mayEnd = kind != TYP_CHOICE || tNode.next == 0;
+    return newNotation(typeModule()) && mayEnd ? 2 : 1;
 }
 
 /// Checks the components one by one and counts what they are.

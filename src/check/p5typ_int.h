@@ -32,10 +32,10 @@ void checkOptions(ModuleRec* module);
 
 /// One entry of a component list, COMPONENTS OF and extension addition groups in place.
 struct CompEntry {
-    TNodeRef record;         // the component, or the COMPONENTS OF entry that brought it in
-    std::string_view name;   // empty when there is none
-    bool isAddition = false; // between the markers of the structure
+    TNodeRef record;       // the component, or the COMPONENTS OF entry that brought it in
+    std::string_view name; // empty when there is none
     int32_t compStatus = 0;
+    bool isAddition = false;
     SeenTag tag;
     const AlternativeTags* alternatives = nullptr; // of an untagged CHOICE
 

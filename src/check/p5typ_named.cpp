@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "check/p5typ_int.h"
+#include "check/p5val.h"
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvorec.h"
@@ -171,6 +172,16 @@ void checkExtensionOrder(const NamedList& list) {
     });
 }
 
+/// The exception behind the marker, the current value, is a value of its type.
+void checkException(const NamedList& list) {
+    if (vNode.ref == 0) return;
+    const uint32_t line = vNode.line;
+    const KeepRec<KIND_VNODE> keep;
+    readRec(list.module, VNodeNr{vNode.ref});
+    if (!checkVNode(list.errors, true, true))
+        recordError(list.errors, ERR_SEMANTIC, Msg::InvalidExceptionValue, line);
+}
+
 } // namespace
 
 std::vector<VNodeNr> numberItems() {
@@ -195,11 +206,11 @@ void checkNamedList(ModuleRec* module, const std::vector<VNodeNr>& numberless) {
     forEachEntry(list, [&] {
         vNode.govTypeMod = REF_OWN;
         writeCurrent<KIND_VNODE>();
-        if (vNode.valCode == TYP_EXTENSION_MARKER)
-            extensible = true;
-        else
-            signedNumOrDefVal(list);
+        if (vNode.valCode != TYP_EXTENSION_MARKER) return signedNumOrDefVal(list);
+        extensible = true;
+        checkException(list);
     });
+    readRec(self);
     for (const VNodeNr item : numberless) {
         readRec(self.module, item);
         report(list, invalidValue(TYP_INTEGER));

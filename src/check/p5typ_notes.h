@@ -10,6 +10,8 @@
 
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
+#include "tree/rec_notes.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -42,16 +44,16 @@ enum class LinkNote : uint8_t { Entered, Ends, Cyclic };
 
 struct TypeNotes {
     std::vector<uint32_t> enclosing; // TNode -> the structure or group that it stands in; 0 = none
-    std::unordered_map<uint32_t, uint32_t> outermost; // structure -> the outermost around it
-    std::unordered_map<uint32_t, SeenTag> seenTags;
-    std::unordered_map<uint32_t, bool> leadsToSet; // references on long ways
+    FlatMap<uint32_t, uint32_t> outermost; // structure -> the outermost around it
+    FlatMap<uint32_t, SeenTag> seenTags;
+    FlatMap<uint32_t, bool> leadsToSet; // references on long ways
     std::unordered_map<uint32_t, AlternativeTags> alternativeTags;
-    std::unordered_map<uint32_t, CycleNote> cycles;
-    std::unordered_map<uint32_t, bool> leadsToEnd;   // some way on from the type ends recursion
-    std::unordered_map<uint32_t, bool> firstWayEnds; // and the first way on does
-    std::unordered_map<uint32_t, LinkNote> links;
-    std::unordered_map<uint32_t, std::vector<TNodeRef>> waiting; // references checked before it
-    std::unordered_set<uint64_t> usedTags; // APPLICATION and PRIVATE tags, with TAGUSAGE=
+    RecNotes<CycleNote> cycles;
+    FlatMap<uint32_t, bool> leadsToEnd;   // some way on from the type ends recursion
+    FlatMap<uint32_t, bool> firstWayEnds; // and the first way on does
+    FlatMap<uint32_t, LinkNote> links;
+    FlatMap<uint32_t, std::vector<TNodeRef>> waiting; // references checked before it
+    FlatSet<uint64_t> usedTags; // APPLICATION and PRIVATE tags, with TAGUSAGE=
 };
 
 } // namespace orvo

@@ -19,6 +19,7 @@
 #include "diag/orvoerr.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -70,14 +71,15 @@ class Components {
 };
 
 /// What a record leads to: the type it resolves to or, when it is that itself, its components.
-std::vector<TNodeRef> successorsOf(TNodeRef type) {
+void addSuccessorsOf(TNodeRef type, std::vector<TNodeRef>& successors) {
     const TNodeRef resolved = resolve(type);
-    if (resolved != type) return {resolved};
-    std::vector<TNodeRef> components;
+    if (resolved != type) {
+        successors.push_back(resolved);
+        return;
+    }
     Components list(type);
     for (TNodeRef component = list.next(); component; component = list.next())
-        components.push_back(component);
-    return components;
+        successors.push_back(component);
 }
 
 // ---- cycles -------------------------------------------------------------------------------------
@@ -86,21 +88,22 @@ std::vector<TNodeRef> successorsOf(TNodeRef type) {
 class CycleFinder {
   public:
     void run(TNodeRef start) {
+        marks_ = {};
         enter(start);
         while (!frames_.empty()) {
             Frame& top = frames_.back();
-            if (top.at == top.successors.size())
+            if (top.at == successors_.size())
                 leave();
             else
-                follow(top.successors[top.at++]);
+                follow(successors_[top.at++]);
         }
     }
 
   private:
     struct Frame {
         TNodeRef type;
-        std::vector<TNodeRef> successors;
-        size_t at = 0;
+        size_t first; // of its successors, which are the last ones while it is the last frame
+        size_t at;
         bool toItself = false;
     };
     struct Mark {
@@ -113,20 +116,23 @@ class CycleFinder {
         const auto index = static_cast<uint32_t>(marks_.size());
         markOf(type) = {index, index};
         open_.push_back(type);
-        frames_.push_back({type, successorsOf(type), 0, false});
+        const size_t first = successors_.size();
+        addSuccessorsOf(type, successors_);
+        frames_.push_back({type, first, first});
     }
     void follow(TNodeRef type) {
         Frame& top = frames_.back();
         if (type == top.type) top.toItself = true;
-        if (notesOf(type).cycles.contains(type.nr.nr)) return;
+        if (notesOf(type).cycles.find(type.nr.nr) != nullptr) return;
         const auto mark = marks_.find(keyOf(type));
         if (mark == marks_.end()) return enter(type);
         Mark& own = markOf(top.type);
         own.low = std::min(own.low, mark->second.index);
     }
     void leave() {
-        const Frame frame = std::move(frames_.back());
+        const Frame frame = frames_.back();
         frames_.pop_back();
+        successors_.resize(frame.first);
         const Mark mark = markOf(frame.type);
         if (!frames_.empty()) {
             Mark& above = markOf(frames_.back().type);
@@ -141,22 +147,23 @@ class CycleFinder {
         for (bool more = true; more;) {
             const TNodeRef type = open_.back();
             open_.pop_back();
-            notesOf(type).cycles[type.nr.nr] = {onCycle, number};
+            notesOf(type).cycles.set(type.nr.nr, {onCycle, number});
             more = type != frame.type;
         }
     }
 
-    std::unordered_map<uint64_t, Mark> marks_;
+    FlatMap<uint64_t, Mark> marks_;
     std::vector<TNodeRef> open_;
     std::vector<Frame> frames_;
+    std::vector<TNodeRef> successors_; // of the frames, one behind the other
 };
 
 CycleNote cycleOf(TNodeRef type) {
     const auto& cycles = notesOf(type).cycles;
-    const auto known = cycles.find(type.nr.nr);
-    if (known != cycles.end()) return known->second;
-    CycleFinder().run(type);
-    return cycles.at(type.nr.nr);
+    if (const CycleNote* known = cycles.find(type.nr.nr)) return *known;
+    static CycleFinder finder; // one for all: its lists keep their memory
+    finder.run(type);
+    return *cycles.find(type.nr.nr);
 }
 
 // ---- what ends a recursion ----------------------------------------------------------------------
@@ -245,8 +252,8 @@ bool leadsToEnd(TNodeRef component) {
 /// The search for a way back to one component.
 struct RecursionSearch {
     TNodeRef target;
-    uint32_t cycle = 0;                          // the strongly connected component of the target
-    std::unordered_set<uint64_t> recursionStack; // what the search has entered
+    uint32_t cycle = 0;               // the strongly connected component of the target
+    FlatSet<uint64_t> recursionStack; // what the search has entered
 };
 
 /// The first way on from a type on a cycle: through the first component that stays on the cycle,

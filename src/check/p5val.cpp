@@ -257,15 +257,12 @@ bool hasTypeBeside(const CheckedValue& value) {
 }
 
 bool checkAgainstBase(const ValueErrors& errors, const CheckedValue& value, bool constrain) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
     if (hasTypeBeside(value))
         return !checksParts(errors, value) || checkRecord(errors, {value.module, value.nr}, true);
     if (value.isReference && !checkSynonymValNode(errors, value)) return false;
     const bool isWhole = value.rec.valCode == tNode.typeCode && hasComponents(tNode.typeCode);
     if (!isSet(value) && isWhole && !checkValWithComps(errors, value)) return false;
-    readRec(type);
     checkTypeItself();
-    readRec(type);
     return isSet(value) ? checkSetItself(errors, value) : checkSingleVal(errors, value, constrain);
 }
 
@@ -345,7 +342,6 @@ bool checkRecord(const ValueErrors& errors, VNodeRef at, bool constrain,
     writeRec(at);
     readRec(type);
     checkTypeItself();
-    readRec(type);
     bool ok = checkGoverned(errors, at, constrain, enclosing);
     ok &= checkInstance(errors, at);
     readRec(at);

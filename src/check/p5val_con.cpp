@@ -153,7 +153,7 @@ bool isInside(const CheckedValue& value, Endpoint end, bool upper) {
     if (end.value.valCode != kind) return false;
     const bool isMinOrMax = upper ? subRec.right == 0 : subRec.left == 0;
     const bool isIncluded = (subRec.subFlags & (upper ? SUBF_UPPER : SUBF_LOWER)) != 0;
-    int order = compareValue(value.module, value.rec, end.module, end.value);
+    int order = compareValue(value.module, value.rec, end.module, end.value.asValue());
     if (upper) order = -order;
     return order > 0 || (order == 0 && isIncluded && (end.flags != 0 || isMinOrMax));
 }
@@ -199,12 +199,30 @@ uint64_t sizeOf(const CheckedValue& value) {
     return count;
 }
 
+/// Zero bits may be added to a value of a type with named bits until it is long enough (X.680
+/// (02/2021) 22.7). The type is the current one.
+uint64_t leastBits() {
+    const KeepRec<KIND_TNODE> keep;
+    Endpoint lower;
+    if (!getSizeEndpoint(lower, false)) return 0;
+    skipTypes(true);
+    const bool isNamed = tNode.typeCode == TYP_BITSTR && tNode.namedVals != 0;
+    const int64_t least = i64native(lower.value.val.number);
+    return isNamed && least > 0 ? static_cast<uint64_t>(least) : 0;
+}
+
 bool valSizeConstr(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef inner = operandsOf(currentSub());
     if (!inner) return false;
+    uint64_t least = 0;
+    if (newNotation(inner.module)) {
+        const KeepRec<KIND_SUB> keep;
+        least = leastBits();
+    }
     CheckedValue size = partOf(value, TYP_INTEGER);
     constexpr uint64_t most = std::numeric_limits<int64_t>::max();
-    size.rec.val.number = i64of(static_cast<int64_t>(std::min(sizeOf(value), most)));
+    const uint64_t length = std::max(sizeOf(value), least);
+    size.rec.val.number = i64of(static_cast<int64_t>(std::min(length, most)));
     readRec(inner);
     ModuleRec* owner = refModule(inner.module, static_cast<int32_t>(subRec.typeMod));
     if (owner == nullptr || subRec.typeNr == 0) return false;

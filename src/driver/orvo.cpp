@@ -100,7 +100,6 @@ void clearPass1Fields(ModuleRec& module) {
     module.exportsState = module.importsState = 0;
     module.nbStxErrors = module.nbSemErrors = module.nbSymErrors = module.nbWarnings = 0;
     module.automaticTags = module.extensibilityImplied = module.otherInstructions = false;
-    module.hasNumberedGroups = module.hasPlainGroups = module.hasEnumExceptions = false;
     module.macros.clear();
     module.tagDefault = 1;
 }

@@ -17,6 +17,7 @@
 
 #include "driver/orvofil_stx.h"
 
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -85,7 +86,8 @@ std::span<const uint8_t> unitsOf(RecKind kind, const Field& field, const char* r
     return {};
 }
 
-void putRecord(std::string& out, RecKind kind, const char* record) {
+/// Field by field, for hosts of the other byte order.
+void putFields(std::string& out, RecKind kind, const char* record) {
     for (const Field& field : fieldsOf(kind)) {
         const char* at = record + field.offset;
         const auto units = unitsOf(kind, field, record);
@@ -99,12 +101,26 @@ void putRecord(std::string& out, RecKind kind, const char* record) {
     }
 }
 
+/// The fields fill a record without gaps, so that it lies in memory as in the file on a host of the
+/// file's byte order.
+void putRecord(std::string& out, RecKind kind, const char* record) {
+    if constexpr (std::endian::native == std::endian::little)
+        out.append(record, recSize[kind]);
+    else
+        putFields(out, kind, record);
+}
+
 template <typename Text> void putString(std::string& out, Text text) {
     if (text.size() >= std::numeric_limits<uint16_t>::max()) fatalError(Fatal::WriteRecord);
     putNumber(out, static_cast<uint32_t>(text.size() + 1), 2);
-    for (const auto c : text) {
-        using Char = std::make_unsigned_t<std::conditional_t<sizeof(c) == 1, char, uint32_t>>;
-        putNumber(out, static_cast<Char>(c), sizeof c);
+    if constexpr (std::endian::native == std::endian::little) {
+        const auto* bytes = reinterpret_cast<const char*>(text.data());
+        out.append(bytes, text.size() * sizeof(typename Text::value_type));
+    } else {
+        for (const auto c : text) {
+            using Char = std::make_unsigned_t<std::conditional_t<sizeof(c) == 1, char, uint32_t>>;
+            putNumber(out, static_cast<Char>(c), sizeof c);
+        }
     }
     putNumber(out, 0, sizeof(typename Text::value_type));
 }

@@ -3,9 +3,12 @@
 // Token codes and token records. Token records live in an arena for the whole run: deferred texts
 // and the replay cursor hold their numbers.
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
+#include <vector>
 
 #include "lex/i64.h"
 #include "tree/orvodef.h"
@@ -107,8 +110,25 @@ TokNr newToken();
 /// more.
 void freeToken(TokNr nr);
 /// The record of a number (asserted to be valid). The reference stays valid for the whole run.
-Token& tokenAt(TokNr nr);
+inline Token& tokenAt(TokNr nr);
 /// Forgets all records (tests, fuzzing).
 void resetTokens();
+
+// ---- the arena: chunks that are never moved or given back ---------------------------------------
+
+inline constexpr uint32_t tokenChunkBits = 12;
+inline constexpr uint32_t tokenChunk = 1U << tokenChunkBits;
+struct TokenArena {
+    std::vector<std::unique_ptr<Token[]>> chunks;
+    uint32_t used = 0; // records handed out so far, reused ones counted once
+    TokNr free;        // chain of records for reuse
+};
+extern TokenArena tokenArena;
+
+inline Token& tokenAt(TokNr nr) {
+    assert(nr.nr >= 1 && nr.nr <= tokenArena.used);
+    const uint32_t index = nr.nr - 1;
+    return tokenArena.chunks[index >> tokenChunkBits][index & (tokenChunk - 1)];
+}
 
 } // namespace orvo

@@ -41,6 +41,7 @@ struct ParserState {
     SymTab identList;                      // identifiers being collected
     STabNr formalList;                     // symbol of the assignment being parsed
     SymTab symbolList;                     // symbols of a list or of formal parameters, pending
+    uint8_t groupSorts = 0; // extension addition groups so far: 1 with version number, 2 without
 };
 extern ParserState parserState;
 

@@ -28,31 +28,17 @@ void linkNext() {
     if (buildsTree()) tNode.next = cMP->nextRecNr[KIND_TNODE];
 }
 
-/// [`!` ExceptionIdentification] behind a marker (X.680 (02/2021) 53.4), as the constraint of its
-/// node
-void markerException() {
-    if (parserState.Inp.code != TOK_EXCLAMATION || !newNotation()) return;
-    const TNodeNr marker = thisTypeNode();
-    const DNodeNr text = initDeferList();
-    ReadIn();
-    MGR68OpenValue();
-    storeDeferList(text);
-    if (atType(marker)) tNode.constraint = minus(text.nr);
-}
-
 /// `...`
 void extensionMarker() {
     appendExtensionMarker();
     ReadIn();
-    markerException();
     if (anotherFollows()) linkNext();
 }
 
 /// A `...` where a comma should have come first; no word of that when it has been reported.
-void markerWithoutComma() {
+void warnOfMissingComma() {
     if (parserState.Parsing)
         recordError(cMP, ERR_WARNING, Msg::CommaBeforeExtensionMarker, parserState.Inp.line);
-    extensionMarker();
 }
 
 /// Ends a list: adds the marker that EXTENSIBILITY IMPLIED asks for and makes the type current.
@@ -94,12 +80,12 @@ void optionality(TNodeNr component) {
 }
 
 /// The element behind a comma of a component list; tells whether it is a marker.
-bool componentAfterComma(int64_t& latest) {
+bool componentAfterComma() {
     switch (parserState.Inp.code) {
     case TOK_ELLIPSIS: extensionMarker(); return true;
     case TOK_COMPONENTS:
     case TOK_VALUEID: MGR185Component(); break;
-    case TOK_LVERSION: MGR999ExtensionAdditionGroup(latest); break;
+    case TOK_LVERSION: MGR999ExtensionAdditionGroup(); break;
     default: MGError(notAllowed);
     }
     return false;
@@ -113,78 +99,142 @@ void alternative() {
     if (atType(node) && anotherFollows()) linkNext();
 }
 
-/// The numbers of the groups of a module are all there or all missing.
-void noteNumbering(bool isNumbered) {
-    bool& other = isNumbered ? cMP->hasPlainGroups : cMP->hasNumberedGroups;
-    (isNumbered ? cMP->hasNumberedGroups : cMP->hasPlainGroups) = true;
-    if (other) recordOnce(cMP, Msg::GroupsPartlyNumbered, parserState.Inp.line, {});
-}
-
-/// [number [`:`]] of the version behind `[[`, into the node of the group: from 2 on, and ascending
-/// within an insertion point (X.680 (02/2021) 25.16). Older notation makes nothing of it.
-void versionNumber(TNodeNr group, int64_t& latest) {
-    const bool isNumbered = parserState.Inp.code == TOK_NUMBER;
-    if (newNotation()) noteNumbering(isNumbered);
-    if (!isNumbered) return;
-    const int64_t number = i64native(parserState.Inp.value);
-    if (newNotation() && buildsTree()) {
-        if (number <= latest || number > INT32_MAX)
-            recordError(cMP, ERR_SEMANTIC, Msg::VersionNumberNotAscending, parserState.Inp.line);
-        else
-            latest = number;
-        if (atType(group))
-            tNode.sizeLimit = static_cast<uint32_t>(std::min<int64_t>(number, INT32_MAX));
-    }
+/// [number [`:`]] of the version behind `[[`; it is of no consequence.
+void versionNumber() {
+    if (parserState.Inp.code != TOK_NUMBER) return;
     ReadIn();
     if (parserState.Inp.code == TOK_COLON) ReadIn();
 }
 
-/// `[[` [VersionNumber] NamedType {`,` NamedType} `]]` (X.680 (02/2021) 29.1)
-void alternativeGroup(int64_t& latest) {
+/// The element behind a comma of an alternative list; tells whether it is a marker.
+bool alternativeAfterComma() {
+    switch (parserState.Inp.code) {
+    case TOK_ELLIPSIS: extensionMarker(); return true;
+    // No case for `[[`: groups of alternatives are later notation (X.680 (07/2002) 28.1).
+    default: alternative(); return false;
+    }
+}
+
+/// What follows the first element of a list of the structure `type`; `afterComma` reads the element
+/// behind a comma and tells whether it is a marker.
+void restOfList(TNodeNr type, bool hasMarker, bool (*afterComma)()) {
+    while (anotherFollows()) {
+        if (parserState.Inp.code == TOK_COMMA) {
+            ReadIn();
+            if (afterComma()) hasMarker = true;
+        } else {
+            warnOfMissingComma();
+            extensionMarker();
+            hasMarker = true;
+        }
+    }
+    finishList(type, hasMarker);
+}
+
+/// `[[` [number [`:`]] Element {`,` Element} `]]`
+template <typename Version> void additionGroup(Version&& version, void (*element)()) {
     const TNodeNr node = newTypeNode();
     if (buildsTree()) {
         setTypeNode(TYP_EXTADDGRP);
         tNode.compStatus = TCS_EXTADDGRP;
     }
     ReadIn();
-    versionNumber(node, latest);
-    alternative();
+    version(node);
+    element();
     while (parserState.Inp.code == TOK_COMMA) {
         ReadIn();
-        alternative();
+        element();
     }
     expectToken(TOK_RVERSION);
     if (atType(node) && anotherFollows()) linkNext();
 }
 
-/// The element behind a comma of an alternative list; tells whether it is a marker.
-bool alternativeAfterComma(int64_t& latest) {
-    switch (parserState.Inp.code) {
-    case TOK_ELLIPSIS: extensionMarker(); return true;
-    case TOK_LVERSION:
-        if (!newNotation()) break; // groups of alternatives are later notation
-        alternativeGroup(latest);
-        return false;
-    default: break;
-    }
-    alternative();
-    return false;
+// ---- lists with two markers (X.680 (02/2021) 25.1 and 29.1) -------------------------------------
+
+/// A list as far as it has been read.
+struct ExtensibleList {
+    void (*element)();
+    bool isChoice;
+    int markers = 0;
+    int64_t version = 1; // the highest one of the groups so far
+};
+
+/// Groups have version numbers in the whole module, or none has.
+void compareGroups(bool isNumbered, uint32_t line) {
+    parserState.groupSorts |= isNumbered ? 1U : 2U;
+    if (parserState.groupSorts == 3) recordOnce(cMP, Msg::GroupsPartlyNumbered, line, {});
 }
 
-/// What follows the first element of a list of the structure `type`; `afterComma` reads the element
-/// behind a comma and tells whether it is a marker.
-void restOfList(TNodeNr type, bool hasMarker, bool (*afterComma)(int64_t&)) {
-    int64_t latest = 1; // version
-    while (anotherFollows()) {
-        if (parserState.Inp.code == TOK_COMMA) {
-            ReadIn();
-            if (afterComma(latest)) hasMarker = true;
-        } else {
-            markerWithoutComma();
-            hasMarker = true;
-        }
+/// [number `:`] of a group: 2 or more, and higher than that of the group before (25.16).
+void versionNumber(ExtensibleList& list, TNodeNr group) {
+    const Token number = parserState.Inp;
+    const bool isGiven = number.code == TOK_NUMBER;
+    if (buildsTree()) compareGroups(isGiven, number.line);
+    if (!isGiven) return;
+    ReadIn();
+    expectToken(TOK_COLON);
+    if (!atType(group)) return;
+    const int64_t version = i64native(number.value);
+    tNode.sizeLimit = static_cast<uint32_t>(std::min<int64_t>(version, UINT32_MAX));
+    if (version <= list.version)
+        recordError(cMP, ERR_SEMANTIC, Msg::VersionNumberNotAscending, number.line);
+    list.version = std::max(list.version, version);
+}
+
+/// `...` [ExceptionSpec]. The marker that ends the additions has no exception.
+void markerAndException(ExtensibleList& list) {
+    appendExtensionMarker();
+    const TNodeNr marker = thisTypeNode();
+    ++list.markers;
+    ReadIn();
+    if (parserState.Inp.code == TOK_EXCLAMATION) {
+        if (list.markers > 1) MGError(notAllowed);
+        const DNodeNr exception = exceptionSpec();
+        if (atType(marker)) tNode.constraint = minus(exception.nr);
     }
-    finishList(type, hasMarker);
+    if (anotherFollows()) linkNext();
+}
+
+/// Element | `...` [ExceptionSpec] | Group; a group belongs to the additions.
+void listElement(ExtensibleList& list) {
+    switch (parserState.Inp.code) {
+    case TOK_ELLIPSIS: markerAndException(list); break;
+    case TOK_LVERSION:
+        if (list.markers != 1 && buildsTree())
+            recordError(cMP, ERR_SEMANTIC, Msg::MisplacedGroup, parserState.Inp.line);
+        additionGroup([&](TNodeNr group) { versionNumber(list, group); }, list.element);
+        break;
+    case TOK_COMPONENTS:
+    case TOK_VALUEID: list.element(); break;
+    default: MGError(list.isChoice ? static_cast<int32_t>(TOK_VALUEID) : notAllowed);
+    }
+}
+
+/// {`,` ListElement} behind the first element of the structure `type`. What follows one marker too
+/// many is told by pass 5.
+void restOfExtensibleList(TNodeNr type, ExtensibleList& list) {
+    while (anotherFollows()) {
+        if (parserState.Inp.code == TOK_COMMA)
+            ReadIn();
+        else
+            warnOfMissingComma();
+        listElement(list);
+    }
+    finishList(type, list.markers != 0);
+}
+
+/// ComponentTypeLists ::= ListElement {`,` ListElement}
+void componentTypeLists(TNodeNr type) {
+    ExtensibleList list{MGR185Component, false};
+    listElement(list);
+    restOfExtensibleList(type, list);
+}
+
+/// AlternativeTypeLists ::= NamedType {`,` ListElement}
+void alternativeTypeLists(TNodeNr type) {
+    ExtensibleList list{alternative, true};
+    alternative();
+    restOfExtensibleList(type, list);
 }
 
 } // namespace
@@ -198,6 +248,7 @@ void appendExtensionMarker() {
 ///     {`,` (Component | `...` | ExtensionAdditionGroup) | `...`}
 void MGR183ComponentList() {
     const TNodeNr type = thisTypeNode();
+    if (newNotation()) return componentTypeLists(type);
     const bool hasMarker = parserState.Inp.code == TOK_ELLIPSIS;
     if (hasMarker)
         extensionMarker();
@@ -236,26 +287,14 @@ void MGR191NamedType() {
 }
 
 /// ExtensionAdditionGroup ::= `[[` [number [`:`]] Component {`,` Component} `]]`
-void MGR999ExtensionAdditionGroup(int64_t& latest) {
-    const TNodeNr node = newTypeNode();
-    if (buildsTree()) {
-        setTypeNode(TYP_EXTADDGRP);
-        tNode.compStatus = TCS_EXTADDGRP;
-    }
-    ReadIn();
-    versionNumber(node, latest);
-    MGR185Component();
-    while (parserState.Inp.code == TOK_COMMA) {
-        ReadIn();
-        MGR185Component();
-    }
-    expectToken(TOK_RVERSION);
-    if (atType(node) && anotherFollows()) linkNext();
+void MGR999ExtensionAdditionGroup() {
+    additionGroup([](TNodeNr) { versionNumber(); }, MGR185Component);
 }
 
 /// AlternativeTypeList ::= NamedType {`,` (NamedType | `...`) | `...`}
 void MGR202AlternativeTypeList() {
     const TNodeNr type = thisTypeNode();
+    if (newNotation()) return alternativeTypeLists(type);
     alternative();
     restOfList(type, false, alternativeAfterComma);
 }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 // Component lists of SEQUENCE and SET, alternatives of CHOICE (X.680 (07/2002) clauses 24, 26 and
 // 28). The rules of lists leave the enclosing type as the current type node, the others the node
 // that they have made.
@@ -11,8 +9,7 @@ namespace orvo {
 void MGR183ComponentList();
 void MGR185Component();
 void MGR191NamedType();
-/// `latest` is the number of the group before it in the insertion point.
-void MGR999ExtensionAdditionGroup(int64_t& latest);
+void MGR999ExtensionAdditionGroup();
 void MGR202AlternativeTypeList();
 /// Makes the node of an extension marker.
 void appendExtensionMarker();

@@ -197,8 +197,9 @@ void fieldReferences() {
     }
 }
 
-constexpr TokenSet behindReference = {TOK_END,      TOK_COMMA,  TOK_DOT,     TOK_RBRACE,
-                                      TOK_ELLIPSIS, TOK_TYPEID, TOK_VALUEID, TOK_RVERSION};
+constexpr TokenSet behindReference = {TOK_END,     TOK_COMMA,    TOK_DOT,
+                                      TOK_RBRACE,  TOK_ELLIPSIS, TOK_TYPEID,
+                                      TOK_VALUEID, TOK_RVERSION, TOK_ENCODING_CONTROL};
 
 /// [moduleid `.`] valueid [ActualParameters] {`.` FieldName}
 void valueReference() {
@@ -238,6 +239,16 @@ void openValue() {
 
 DNodeNr MGR68OpenValue() {
     const DNodeNr nr = initDeferList();
+    valueSelectors();
+    openValue();
+    storeDeferList(nr);
+    return nr;
+}
+
+/// ExceptionSpec ::= `!` ([`-`] number | DefinedValue | Type `:` Value)
+DNodeNr exceptionSpec() {
+    const DNodeNr nr = initDeferList();
+    ReadIn();
     valueSelectors();
     openValue();
     storeDeferList(nr);

@@ -36,6 +36,8 @@ DNodeNr MGR63BraceValue();
 void MGR178Contents();
 /// `(` contents `)`: one constraint, into the range being recorded.
 void parenthesizedContents();
+/// `!` and the exception behind a marker. Kept for its type as any value is.
+DNodeNr exceptionSpec();
 /// A type inside deferred notation: the current token is its marker.
 void MGR259DeferredType();
 /// Makes the node and the marker of a type that begins at the current token, and parses it.

@@ -171,7 +171,7 @@ void macroType() {
     MGR59Type();
 }
 
-constexpr std::string_view encodingReferences[] = {"XER", "PER", "JER", "OER", "BER", "CER", "DER"};
+constexpr std::string_view encodingReferences[] = {"XER", "PER", "JER"};
 
 /// Passes over the brackets at the current token.
 void passOverBrackets() {

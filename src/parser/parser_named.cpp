@@ -10,7 +10,6 @@
 #include "parser/parser_typ.h"
 #include "symtab/orvosym.h"
 #include "tree/orvorec.h"
-#include "tree/types.h"
 #include "tree/values.h"
 
 namespace orvo {
@@ -44,45 +43,19 @@ void linkNext() {
     if (buildsTree()) vNode.next = cMP->nextRecNr[KIND_VNODE];
 }
 
-void enumerationMarker() {
-    newListNode(parserState.Inp.line);
+VNodeNr enumerationMarker() {
+    const VNodeNr marker = newListNode(parserState.Inp.line);
     if (buildsTree()) setValNode(TYP_EXTENSION_MARKER);
+    return marker;
 }
 
-/// `!` behind the marker of an enumeration: the value is kept for the node that is made of it when
-/// the list is complete, whose nodes have consecutive numbers.
-struct EnumException {
-    VNodeNr marker;
-    DNodeNr text;
-    bool hasType = false; // `Type : value`; else an INTEGER
-    uint32_t line = 0;
-};
-
-void readException(EnumException& exception) {
-    if (parserState.Inp.code != TOK_EXCLAMATION || !newNotation()) return;
-    if (buildsTree()) exception.marker = currentRec<KIND_VNODE>().nr;
-    ReadIn();
-    exception.line = parserState.Inp.line;
-    const int32_t code = parserState.Inp.code;
-    exception.hasType =
-        code != TOK_NUMBER && code != TOK_MINUS && code != TOK_VALUEID &&
-        !(code == TOK_TYPEID && lookAhead(1).code == TOK_DOT && lookAhead(2).code == TOK_VALUEID);
-    exception.text = MGR68OpenValue();
-}
-
-/// The current TNode is the enumeration.
-void storeException(TNodeNr type, const EnumException& exception) {
-    if (!buildsTree() || !exception.marker || !exception.text) return;
-    cMP->hasEnumExceptions = true;
-    const VNodeNr node = addValArc(nullptr, exception.line);
-    vNode.govType = addTypeArc(nullptr, exception.line).nr;
-    vNode.govTypeMod = REF_OWN;
-    setTypeNode(exception.hasType ? TYP_OPEN : TYP_INTEGER);
+/// [ExceptionSpec] behind the marker (X.680 (02/2021) 20.1)
+void enumerationException(VNodeNr marker) {
+    if (parserState.Inp.code != TOK_EXCLAMATION) return;
+    const DNodeNr text = exceptionSpec();
+    if (!atValue(marker)) return;
     vNode.refMod = REF_DEFERRED;
-    vNode.ref = minusWord(exception.text.nr);
-    atValue(exception.marker);
-    vNode.ref = node.nr;
-    atType(type);
+    vNode.ref = minusWord(text.nr);
 }
 
 void numberValue(I64 number) {
@@ -128,11 +101,9 @@ void optionalIdentValue(TypeCode type) {
 
 } // namespace
 
-/// EnumerationItemList ::= NamedIdent {`,` (NamedIdent | `...`)}
+/// EnumerationItemList ::= NamedIdent {`,` (NamedIdent | `...` [ExceptionSpec])}
 void MGR150EnumerationItemList() {
-    const TNodeNr type = thisTypeNode();
     const STabNr names = beginNames();
-    EnumException exception;
     bool hasMarker = false;
     MGR152NamedIdent(TYP_ENUM);
     while (parserState.Inp.code == TOK_COMMA) {
@@ -141,10 +112,11 @@ void MGR150EnumerationItemList() {
             MGR152NamedIdent(TYP_ENUM);
             continue;
         }
+        if (hasMarker && newNotation()) MGError(onlyOnce);
         hasMarker = true;
-        enumerationMarker();
+        const VNodeNr marker = enumerationMarker();
         ReadIn();
-        readException(exception);
+        if (newNotation()) enumerationException(marker);
         if (parserState.Inp.code == TOK_COMMA) linkNext();
     }
     if (cMP->extensibilityImplied && !hasMarker) {
@@ -152,7 +124,6 @@ void MGR150EnumerationItemList() {
         enumerationMarker();
     }
     endNames(names);
-    storeException(type, exception);
 }
 
 /// NamedIdentList ::= `{` NamedIdent {`,` NamedIdent} `}`

@@ -496,15 +496,13 @@ DNodeNr collectionConstraint() {
     return constraint;
 }
 
-/// [identifier] of the element (X.680 (02/2021) 26.1), not that of a selection type or object
-void elementName() {
-    const int32_t behind = lookAhead(1).code;
-    if (parserState.Inp.code != TOK_VALUEID || behind == TOK_LESS || behind == TOK_DOT) return;
-    if (buildsTree()) tNode.name = parserState.Inp.stri();
-    ReadIn();
+/// The element has a name (X.680 (02/2021) 26.1): a type stands behind an identifier that does not
+/// begin one itself, as in `a < T` and `object.&Type`.
+bool elementNameFollows() {
+    return newNotation() && parserState.Inp.code == TOK_VALUEID && beginsType(lookAhead(1).code);
 }
 
-/// [SizeConstraint] OF Type
+/// [SizeConstraint] OF (Type | NamedType)
 void collectionOf(TNodeNr node) {
     const DNodeNr constraint = collectionConstraint();
     if (atType(node)) finishNode(constraint);
@@ -514,14 +512,17 @@ void collectionOf(TNodeNr node) {
         newTypeNode();
         tNode.compStatus = TCS_MULTIPLE;
     }
-    if (newNotation()) elementName();
-    MGR59Type();
+    if (elementNameFollows())
+        MGR191NamedType();
+    else
+        MGR59Type();
     atType(node);
 }
 
 } // namespace
 
-/// CollectionType ::= (SEQUENCE | SET) (`{` [ComponentList] `}` | [SizeConstraint] OF Type)
+/// CollectionType ::= (SEQUENCE | SET)
+///     (`{` [ComponentList] `}` | [SizeConstraint] OF (Type | NamedType))
 void MGR103CollectionType() {
     const TNodeNr node = thisTypeNode();
     const bool isSet = parserState.Inp.code == TOK_SET;

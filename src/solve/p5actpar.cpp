@@ -20,6 +20,7 @@
 #include "symtab/orvosym.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
+#include "util/flat.h"
 #include "util/text.h"
 
 namespace orvo {
@@ -38,7 +39,7 @@ struct ActPar {
 
 /// What a walk has reached, keyed by module and number, and what it has still to look at.
 struct Search {
-    std::unordered_set<uint64_t> types, values, sets;
+    FlatSet<uint64_t> types, values, sets;
     std::vector<TNodeRef> typNodeStack;
     std::vector<VNodeRef> valNodeStack;
     std::vector<SubRef> setNodeStack;

@@ -60,8 +60,8 @@ bool parseRoot(SubNr root, Msg& outer, Cause& cause) {
         outer = Msg::InvalidSizeConstraint;
         return parseOldSizeConstraint(root, cause);
     }
-    if (curCode() == TOK_EXCLAMATION) { // of an extension marker
-        outer = Msg::InvalidConstraint;
+    if (curCode() == TOK_EXCLAMATION) { // behind the marker of a component list
+        outer = Msg::InvalidExceptionValue;
         return parseExceptionSpec(root, true, cause);
     }
     if (newNotation() && curCode() != TOK_LPAREN) { // a set whose braces are missing
@@ -99,6 +99,41 @@ void parseSubRec() {
     makePending(type.module, type.nr);
     tNode.constraint = 0;
     writeRec(type);
+}
+
+namespace {
+
+/// The exception behind the marker of an enumeration, the current value.
+void parseMarkerException() {
+    const VNodeRef marker = currentRec<KIND_VNODE>();
+    const uint32_t line = vNode.line;
+    SnapShot trial(marker);
+    const ReplayCursor replay(marker.module, deferredText(vNode));
+    Cause cause;
+    VNodeNr value;
+    const bool ok = parseExceptionValue(value, cause);
+    if (ok)
+        trial.keep();
+    else
+        recordError2(Msg::InvalidExceptionValue, cause, line);
+    if (!ok) trial.restore();
+    makePending(marker.module, marker.nr);
+    vNode.refMod = REF_UNRESOLVED;
+    vNode.ref = ok ? value.nr : 0;
+    writeRec(marker);
+}
+
+} // namespace
+
+void parseEnumException() {
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    const KeepRec<KIND_VNODE> keep;
+    for ([[maybe_unused]] const VNodeNr item : chain(type.module, VNodeNr{tNode.namedVals})) {
+        if (vNode.refMod != REF_DEFERRED) continue;
+        parseMarkerException();
+        break; // there is one marker
+    }
+    readRec(type);
 }
 
 namespace {

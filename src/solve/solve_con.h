@@ -18,6 +18,13 @@ namespace orvo {
 /// one for each step: TOK_VALUEID with the negated string number of the identifier, or TOK_NUMBER
 /// with the negated string number of the decimal text. All entries are linked by `next`; the last
 /// one has 0.
+///
+/// The text of an exception behind an extension marker, `!` and the value, makes a record that is
+/// an exception alone.
 void parseSubRec();
+/// Parses the deferred exception behind the marker of the current type record, an enumeration: the
+/// marker's `ref` becomes its value, 0 when it is wrong. The type record is current again
+/// afterwards.
+void parseEnumException();
 
 } // namespace orvo

@@ -55,6 +55,8 @@ bool parseElements(SubNr nr, Cause& cause);
 
 // ---- solve_con_tab ------------------------------------------------------------------------------
 bool parseExceptionSpec(SubNr nr, bool alone, Cause& cause);
+/// The value behind the `!` at the cursor: of the type that is written, else an INTEGER.
+bool parseExceptionValue(VNodeNr& value, Cause& cause);
 bool parseOptionalException(SubNr nr, Cause& cause);
 bool parseUserDefConstr(SubNr nr, Cause& cause);
 bool parseContentsConstraint(SubNr nr, Cause& cause);

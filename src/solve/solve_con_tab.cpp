@@ -23,15 +23,19 @@ bool parseExceptionSpec(SubNr nr, bool alone, Cause& cause) {
     makePending(cMP, nr);
     if (alone) subRec.subKind = SUB_EXCEPTION;
     subRec.subFlags |= SUBF_EXCEPTION;
+    VNodeNr value;
+    if (!parseExceptionValue(value, cause)) return false;
+    makePending(cMP, nr);
+    subRec.third = value.nr;
+    return true;
+}
+
+bool parseExceptionValue(VNodeNr& value, Cause& cause) {
     if (!advance()) return false;
     const TNodeNr type = addTypeArc(instContext(), curToken().line);
     setTypeNode(curCode() == TOK_MARKER ? TYP_OPEN : TYP_INTEGER);
     flushRecs(KIND_TNODE);
-    VNodeNr value;
-    if (!parseValueSetting(value, {cMP, type}, cause)) return false;
-    makePending(cMP, nr);
-    subRec.third = value.nr;
-    return true;
+    return parseValueSetting(value, {cMP, type}, cause);
 }
 
 /// [`!` ExceptionValue] behind the constraint `nr`.

@@ -70,30 +70,10 @@ void parseValueAssignment() {
     if (!parameterized) parseVNode();
 }
 
-namespace {
-
-/// The exception behind the marker of the current enumeration.
-void parseEnumException() {
-    const TNodeRef self = currentRec<KIND_TNODE>();
-    const KeepRec<KIND_TNODE> keepType;
-    const KeepRec<KIND_VNODE> keepValue;
-    for ([[maybe_unused]] const VNodeNr nr : chain(self.module, VNodeNr{tNode.namedVals})) {
-        if (vNode.valCode != TYP_EXTENSION_MARKER || vNode.ref == 0) continue;
-        readRec(self.module, VNodeNr{vNode.ref});
-        if (vNode.refMod != REF_DEFERRED) return;
-        readRec(self.module, TNodeNr{vNode.govType});
-        parseVNode();
-        return;
-    }
-}
-
-} // namespace
-
 void parseTNode() {
     checkStack();
     const TNodeRef self = currentRec<KIND_TNODE>();
     const CurrentModule inModule(self.module);
-    if (tNode.typeCode == TYP_ENUM && self.module->hasEnumExceptions) parseEnumException();
     const KeepRec<KIND_TNODE> keep;
     if (tNode.formals != 0) forEachTNodeByMod(self.module, TNodeNr{tNode.formals}, parseTNode);
     if (tNode.ref != 0) {
@@ -102,6 +82,7 @@ void parseTNode() {
     }
     if (isDeferred(tNode.constraint)) parseSubRec();
     readRec(self);
+    if (tNode.typeCode == TYP_ENUM && newNotation(self.module)) parseEnumException();
     if (tNode.defaultVal != 0) parseDefaultPassTwo();
 }
 

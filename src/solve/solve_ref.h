@@ -10,6 +10,7 @@
 
 #include "diag/orvoerr.h"
 #include "tree/orvodef.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -20,7 +21,7 @@ struct VisitList {
         int64_t record; // TNode, or minus a VNode
     };
     std::vector<Entry> entries;
-    std::unordered_set<uint64_t> index; // of all entries, once there are many
+    FlatSet<uint64_t> index; // of all entries, once there are many
 };
 /// Enters a record; false when it is on the list already.
 [[nodiscard]] bool pushSyn(VisitList& list, ModuleRec* module, int64_t record);

@@ -20,6 +20,7 @@
 #include "tree/orvoutil_find.h"
 #include "tree/types.h"
 #include "tree/values.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -302,7 +303,7 @@ namespace {
 
 /// The types that gave object sets, by module and number of the setting.
 struct StxState {
-    std::unordered_map<uint64_t, TNodeNr> fieldLists;
+    FlatMap<uint64_t, TNodeNr> fieldLists;
 };
 StxState stxState;
 

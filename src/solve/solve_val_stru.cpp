@@ -2,6 +2,7 @@
 // object identifiers.
 
 #include "parser/parser_oid.h"
+#include "solve/p5actpar.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_exp.h"
 #include "solve/solve_par.h"
@@ -100,22 +101,25 @@ bool parseBitStringValue(Cause& cause) {
 
 namespace {
 
-/// The identifier of the element, the current type, in front of its value; published values may
-/// lack it.
-bool passElementName(int32_t& name, Cause& cause) {
+/// The identifier of a named element, the current type, and what stands behind it (X.680 (02/2021)
+/// 26.3 and 28.3). Alone, or before `.` or `:`, a name begins the value.
+bool parseElementName(int32_t& name, Cause& cause) {
+    const std::string_view identifier = getStri(typeModule(), tNode.name);
     const int32_t behind = nextCode();
-    const bool isAlone = behind == TOK_COMMA || behind == TOK_RBRACE || behind == TOK_DOT;
-    if (curCode() == TOK_VALUEID && !isAlone &&
-        getStri(typeModule(), tNode.name) == identifierText()) {
+    const bool isValue = curCode() != TOK_VALUEID || behind == TOK_COMMA || behind == TOK_RBRACE ||
+                         behind == TOK_DOT || behind == TOK_COLON;
+    if (!isValue && curTokenText() == identifier) {
         name = curToken().stri();
         return advance();
     }
-    if (!isLenient(cMP)) {
-        cause.set(Msg::UnnamedElementValue, identifierText());
+    if (!newNotation()) return true;
+    if (!isValue && behind != TOK_LBRACE) {
+        cause.set(Msg::InvalidComponentIdentifier, curTokenText());
         return false;
     }
-    recordOnce(cMP, Msg::UnnamedElementValue, curToken().line, getStri(typeModule(), tNode.name));
-    return true;
+    if (tolerate(Msg::UnnamedElementValue, curToken().line, identifier)) return true;
+    cause.set(Msg::UnnamedElementValue, identifier);
+    return false;
 }
 
 } // namespace
@@ -136,7 +140,7 @@ bool parseSeqValue(uint8_t kind, Cause& cause) {
             if (!advance()) return false;
         } else {
             readRec(module, first);
-            if (tNode.name != 0 && !passElementName(name, cause)) return false;
+            if (tNode.name != 0 && !parseElementName(name, cause)) return false;
         }
         components.append(curToken().line);
         vNode.name = name;

@@ -15,6 +15,7 @@
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -45,7 +46,7 @@ struct Symbol {
 /// Places of the names on a list of formal parameters or named numbers, up to the symbol `last`:
 /// such a list may grow behind it.
 struct NameIndex {
-    std::unordered_map<int32_t, uint32_t> places; // the first of a name, from 1
+    FlatMap<int32_t, uint32_t> places; // the first of a name, from 1
     std::vector<STabNr> byPlace;
 };
 
@@ -209,6 +210,10 @@ void handleSymbol(SymTab& list, int32_t name, uint8_t flags, uint32_t line) {
     else if ((flags & SYM_VALUE_NODE) != 0)
         symAt(nr).node = minus(currentRec<KIND_VNODE>().nr.nr);
     append(list, nr);
+}
+
+void takeOffNames(SymTab& list, const SymTab& other) {
+    removeNamesOf(list, other);
 }
 
 void catSymTab(SymTab& dest, SymTab& src, uint8_t flag) {

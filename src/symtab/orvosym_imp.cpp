@@ -56,6 +56,9 @@ void indexImported(ModRef& ref) {
     for (STabNr nr = ref.symbols.first; nr; nr = STabNr{symAt(nr).next}) {
         if ((symAt(nr).flags & SYM_IMPORTED) == 0) continue;
         auto& places = cMP->modRefs.imported[symAt(nr).name];
+        if (std::ranges::find(places, nr, [](const auto& place) { return place.second; }) !=
+            places.end())
+            continue; // a clause that is joined with an earlier one
         auto at = places.end();
         while (at != places.begin() && std::prev(at)->first->number > ref.number) --at;
         places.insert(at, {&ref, nr});
@@ -103,8 +106,10 @@ ModuleRec* nameToModPtr(std::string_view name) {
 
 void handleImports(SymTab& symbolList, int32_t moduleName, bool hasAssignedId, uint32_t line) {
     ModRef* const ref = modRefOfClause(getStri(cMP, moduleName), line);
+    const bool isJoined = ref->state == 2; // with an earlier clause
     ref->state = 2;
     ref->line = line;
+    if (isJoined) takeOffNames(symbolList, ref->symbols);
     catSymTab(ref->symbols, symbolList, SYM_IMPORTED);
     indexImported(*ref);
     if (hasAssignedId && !ref->value) ref->value = nextRec<KIND_VNODE>(cMP);

@@ -17,6 +17,7 @@
 #include "diag/orvomsg.h"
 #include "lex/orvotok.h"
 #include "tree/orvodef.h"
+#include "util/flat.h"
 #include "util/guard.h"
 
 namespace orvo {
@@ -27,11 +28,10 @@ namespace orvo {
 /// are searched. symtab/orvosym adds to all of them.
 struct SymTab {
     STabNr first, last;
-    std::unordered_map<int32_t, STabNr> byName; // the first symbol of a name
-    std::unordered_map<int32_t, STabNr> byNode; // the first symbol of a definition
-    // Of the own table: the characters of defined names.
-    std::unordered_set<std::string_view> definedPrefixes;
-    uint8_t prefixLen = 0; // that count (NAMELEN=); 0 = none noted yet
+    FlatMap<int32_t, STabNr> byName;           // the first symbol of a name
+    FlatMap<int32_t, STabNr> byNode;           // the first symbol of a definition
+    FlatSet<std::string_view> definedPrefixes; // own table: the characters of defined names
+    uint8_t prefixLen = 0;                     // that count (NAMELEN=); 0 = none noted yet
 };
 
 /// A module that a module names: by IMPORTS, by an external reference or on demand.
@@ -185,8 +185,6 @@ struct ModuleRec {
     uint8_t importsState = 0, exportsState = 0; // 0 no clause, 1 empty, 2 a list
     uint8_t tagDefault = 1;                     // 1 explicit, 2 implicit or automatic
     bool automaticTags = false, extensibilityImplied = false;
-    bool hasNumberedGroups = false, hasPlainGroups = false; // `[[ 2: ]]` and `[[ ]]`
-    bool hasEnumExceptions = false;                         // behind the marker of an enumeration
     bool otherInstructions = false;            // unprefixed `[NAME]` is an encoding instruction
     std::set<std::string, std::less<>> macros; // names that are defined or used as macros
     bool newNotation = false;                  // its notation is that of 2021

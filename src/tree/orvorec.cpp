@@ -63,30 +63,21 @@ RecPage& pageAt(ModuleRec* module, RecKind kind, uint32_t page) {
     if (page >= dir->pages.size()) dir->pages.resize(page + size_t{1});
     auto& entry = dir->pages[page];
     if (!entry) {
-        entry = std::make_unique<RecPage>();
-        entry->records.reset(static_cast<std::byte*>(ecalloc(pageRecs, slotSize(kind))));
+        entry.reset(new (ezalloc(sizeof(RecPage) + pageRecs * slotSize(kind))) RecPage);
     }
     return *entry;
 }
 
-/// A buffer that is left for another record holds what the store holds: a change that nobody wrote
-/// would be lost.
-void checkLeft([[maybe_unused]] RecKind kind) {
+} // namespace
+
 #ifndef NDEBUG
+void checkLeft(RecKind kind) {
     const RecPlace& left = recState.recJustRead[kind];
     if (recState.writePend[kind].nr != 0) return; // it is written now
     const void* stored = pageForReading(left.module, kind, left.nr);
     assert(stored == nullptr || std::memcmp(stored, bufferOf(kind), recSize[kind]) == 0);
+}
 #endif
-}
-
-/// The record just written, read or created is what the buffer holds.
-void bufferHolds(RecKind kind, ModuleRec* module, uint32_t nr) {
-    recState.recJustRead[kind] = {module, nr};
-    recState.currTPtr[kind] = module;
-}
-
-} // namespace
 
 void* pageForWriting(ModuleRec* module, RecKind kind, uint32_t nr) {
     if (module == nullptr || nr == 0 || nr > maxRecNr || kind >= kindCount)
@@ -94,15 +85,11 @@ void* pageForWriting(ModuleRec* module, RecKind kind, uint32_t nr) {
     RecPage& page = pageAt(module, kind, (nr - 1) / pageRecs);
     const uint32_t slot = (nr - 1) % pageRecs;
     page.written.set(slot);
-    return page.records.get() + slot * slotSize(kind);
+    return page.records() + slot * slotSize(kind);
 }
 
 void* pageForReading(const ModuleRec* module, RecKind kind, uint32_t nr) {
-    if (module == nullptr || nr == 0 || kind >= kindCount || !module->recDir[kind]) return nullptr;
-    const auto& pages = module->recDir[kind]->pages;
-    const uint32_t page = (nr - 1) / pageRecs, slot = (nr - 1) % pageRecs;
-    if (page >= pages.size() || !pages[page] || !pages[page]->written.test(slot)) return nullptr;
-    return pages[page]->records.get() + slot * slotSize(kind);
+    return kind < kindCount ? storedSlot(module, kind, slotSize(kind), nr) : nullptr;
 }
 
 void erasePage(ModuleRec* module, RecKind kind, uint32_t nr) {

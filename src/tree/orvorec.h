@@ -6,11 +6,13 @@
 // its kind).
 
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <type_traits>
 
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
+#include "tree/orvorec_page.h"
 
 namespace orvo {
 
@@ -47,6 +49,44 @@ const void* findRPos(ModuleRec* module, RecKind kind, uint32_t nr);
 /// Tells whether a record of the kind was ever written at that number.
 bool recExists(const ModuleRec* module, RecKind kind, uint32_t nr);
 
+/// The record just written, read or created is what the buffer holds.
+inline void bufferHolds(RecKind kind, ModuleRec* module, uint32_t nr) {
+    recState.recJustRead[kind] = {module, nr};
+    recState.currTPtr[kind] = module;
+}
+/// A buffer that is left for another record holds what the store holds: a change that nobody wrote
+/// would be lost.
+#ifdef NDEBUG
+inline void checkLeft(RecKind) {}
+#else
+void checkLeft(RecKind kind);
+#endif
+/// The buffer of a kind.
+template <RecKind K> auto& bufferRec() {
+    if constexpr (K == KIND_MNODE)
+        return mNode;
+    else if constexpr (K == KIND_TNODE)
+        return tNode;
+    else if constexpr (K == KIND_VNODE)
+        return vNode;
+    else if constexpr (K == KIND_TAG)
+        return tagRec;
+    else if constexpr (K == KIND_SUB)
+        return subRec;
+    else if constexpr (K == KIND_TED)
+        return tedRec;
+    else if constexpr (K == KIND_SNODE)
+        return sNode;
+    else if constexpr (K == KIND_STAB)
+        return sTabRec;
+    else if constexpr (K == KIND_INST)
+        return instRec;
+    else if constexpr (K == KIND_DNODE)
+        return dNode;
+    else
+        return aNode;
+}
+
 /// readRec, writeRec and newRec by kind number; the typed forms below are what callers use. A debug
 /// build asserts that a buffer which is left for another record holds what the store holds.
 void readRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
@@ -58,14 +98,28 @@ void beginRecKind(RecKind kind, uint32_t nr);
 template <RecKind K> void readRec(ModuleRec* module, RecNr<K> nr) {
     const RecPlace& just = recState.recJustRead[K];
     if (just.module == module && just.nr == nr.nr && nr.nr != 0) return;
-    readRecKind(module, K, nr.nr);
+    const void* stored = storedSlot(module, K, recSize[K], nr.nr);
+    if (stored == nullptr || recState.writePend[K].nr != 0) {
+        readRecKind(module, K, nr.nr);
+        return;
+    }
+    checkLeft(K);
+    bufferHolds(K, module, nr.nr);
+    std::memcpy(&bufferRec<K>(), stored, recSize[K]);
 }
 template <RecKind K> void readRec(RecRef<K> ref) {
     readRec(ref.module, ref.nr);
 }
 /// Copies the buffer into the store; nothing of the kind is pending afterwards.
 template <RecKind K> void writeRec(ModuleRec* module, RecNr<K> nr) {
-    writeRecKind(module, K, nr.nr);
+    void* stored = storedSlot(module, K, recSize[K], nr.nr);
+    if (stored == nullptr) {
+        writeRecKind(module, K, nr.nr);
+        return;
+    }
+    std::memcpy(stored, &bufferRec<K>(), recSize[K]);
+    bufferHolds(K, module, nr.nr);
+    recState.writePend[K].nr = 0;
 }
 template <RecKind K> void writeRec(RecRef<K> ref) {
     writeRec(ref.module, ref.nr);
@@ -162,13 +216,15 @@ void restoreNodeContext(RecKind kind, const NodeContext& context);
 /// Reads the current record of a kind back when the scope ends.
 template <RecKind K> class KeepRec {
   public:
-    KeepRec() { saveNodeContext(K, context_); }
+    KeepRec() : kept_(currentRec<K>()) {}
     KeepRec(const KeepRec&) = delete;
     KeepRec& operator=(const KeepRec&) = delete;
-    ~KeepRec() { restoreNodeContext(K, context_); }
+    ~KeepRec() {
+        if (kept_.module != nullptr && kept_.nr) readRec(kept_);
+    }
 
   private:
-    NodeContext context_;
+    RecRef<K> kept_;
 };
 
 /// Makes a module current and puts the former one back when the scope ends (both through

@@ -1,6 +1,7 @@
 #pragma once
 
-// Storage of the records of one kind of one module, for the record store alone.
+// Storage of the records of one kind of one module, for the record store alone. What reads and
+// writes records most is expanded where it is called, with the size of the record known.
 
 #include <bitset>
 #include <cstddef>
@@ -24,15 +25,25 @@ struct StriSlot {
 /// Records per page. Small enough that a module with few records of a kind costs little.
 inline constexpr uint32_t pageRecs = 256;
 
-struct RecPage {
+/// The records lie behind it in the same block.
+struct alignas(std::max_align_t) RecPage {
     std::bitset<pageRecs> written;
-    EBlock<std::byte> records; // pageRecs records
+    std::byte* records() { return reinterpret_cast<std::byte*>(this + 1); }
 };
 /// Pages are found by index and made when their first record is written. The directory may move,
 /// the records never do.
 struct RecPages {
-    std::vector<std::unique_ptr<RecPage>> pages;
+    std::vector<EBlock<RecPage>> pages;
 };
+
+/// Storage of a written record or slot of `size` bytes; null when there is none.
+inline std::byte* storedSlot(const ModuleRec* module, RecKind kind, size_t size, uint32_t nr) {
+    if (module == nullptr || nr == 0 || !module->recDir[kind]) return nullptr;
+    const auto& pages = module->recDir[kind]->pages;
+    const uint32_t page = (nr - 1) / pageRecs, slot = (nr - 1) % pageRecs;
+    if (page >= pages.size() || !pages[page] || !pages[page]->written.test(slot)) return nullptr;
+    return pages[page]->records() + slot * size;
+}
 
 /// Storage of a record or string slot for writing, zero-filled when it is new. Fatal 10 without a
 /// module and for a number outside 1..maxRecNr.

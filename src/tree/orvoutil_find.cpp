@@ -66,16 +66,6 @@ bool isCompOf() {
     return magnitude(tNode.compStatus) == TCS_COMPOF;
 }
 
-/// What COMPONENTS OF brings in of the list behind its first marker, the current record: the second
-/// root, behind the second one (X.680 (02/2021) 25.5).
-TNodeNr secondRoot() {
-    ModuleRec* const module = typeModule();
-    if (!newNotation(module)) return {};
-    for ([[maybe_unused]] const TNodeNr nr : chain(module, TNodeNr{tNode.next}))
-        if (isMarker()) return {tNode.next};
-    return {};
-}
-
 uint32_t addPlaces(uint32_t a, uint32_t b) {
     return a > std::numeric_limits<uint32_t>::max() - b ? std::numeric_limits<uint32_t>::max()
                                                         : a + b;
@@ -130,11 +120,17 @@ class InclusionSum {
         TNodeNr next;
         bool isGroup;  // an extension addition group, in place
         uint32_t left; // entries it may still have: a broken chain must not be endless
+        RootOfList root;
         Result result;
     };
 
     void enter(TNodeRef list, bool isGroup) {
-        levels_.push_back({list, list.nr, isGroup, list.module->nextRecNr[KIND_TNODE], {}});
+        levels_.push_back({list,
+                           list.nr,
+                           isGroup,
+                           list.module->nextRecNr[KIND_TNODE],
+                           RootOfList(list.module),
+                           {}});
         if (!isGroup) known_[nodeOf(list)] = {};
     }
     void take(Level& level) {
@@ -142,8 +138,10 @@ class InclusionSum {
         readRec(entry);
         level.next = {tNode.next};
         if (isMarker()) {
-            level.next = secondRoot();
+            level.root.passMarker();
             level.result.sum.hasMarker = true;
+        } else if (!level.root.isRoot()) {
+            return;
         } else if (isGroup()) {
             enter({entry.module, TNodeNr{tNode.ref}}, true);
         } else if (isCompOf()) {
@@ -211,10 +209,11 @@ struct OpenList {
     ModuleRec* module;
     TNodeNr first;
     TNodeNr next;
-    bool included;     // by COMPONENTS OF: its first extension marker ends it
+    bool included;     // by COMPONENTS OF: without its additions
     TNodeNr groupNode; // when it is the list of an extension addition group
     uint32_t left;     // entries it may still have: a broken chain must not be endless
     uint32_t before;
+    RootOfList root;
 };
 
 constexpr uint32_t stillOpen = std::numeric_limits<uint32_t>::max();
@@ -228,7 +227,8 @@ struct Flattening {
 
 void openList(Flattening& flat, TNodeRef first, bool included, TNodeNr groupNode) {
     flat.open.push_back({first.module, first.nr, first.nr, included, groupNode,
-                         first.module->nextRecNr[KIND_TNODE], flat.index.count});
+                         first.module->nextRecNr[KIND_TNODE], flat.index.count,
+                         RootOfList(first.module)});
     if (!groupNode) flat.places[nodeOf(first)] = stillOpen;
 }
 
@@ -281,7 +281,9 @@ Flattening flatten(TNodeRef first, bool included) {
         readRec(entry);
         list.next = {tNode.next};
         if (isMarker() && list.included)
-            list.next = secondRoot();
+            list.root.passMarker();
+        else if (!list.root.isRoot())
+            continue;
         else if (isCompOf())
             includeList(flat);
         else if (isGroup())

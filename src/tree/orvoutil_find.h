@@ -27,8 +27,8 @@ namespace orvo {
 [[nodiscard]] bool findTypeById(ModuleRec* module, std::string_view name);
 
 /// The first component, alternative or field of that name. COMPONENTS OF entries are searched in
-/// place, up to the first extension marker of the included type, and so are the components of
-/// extension addition groups. `position` is the place in that flattened list, from 1, extension
+/// place, without the additions of the included type, and so are the components of extension
+/// addition groups. `position` is the place in that flattened list, from 1, extension
 /// markers of the list itself counted; 0 when there is none.
 [[nodiscard]] bool findTypeCompById(ModuleRec* module, TNodeNr first, std::string_view name,
                                     uint32_t* position = nullptr);
@@ -58,8 +58,23 @@ struct FlatEntry {
 /// of the list is solved.
 const std::vector<FlatEntry>& flatComponents(ModuleRec* module, TNodeNr first);
 
-/// What COMPONENTS OF brings in of a list: its components up to the first extension marker, what
-/// the list includes itself in place.
+/// Follows a walk over a list: the root of it ends at the first extension marker and goes on behind
+/// a second one, if the notation of its module knows that.
+class RootOfList {
+  public:
+    explicit RootOfList(ModuleRec* module) : goesOn_(newNotation(module)) {}
+    /// The walk has come to a marker.
+    void passMarker() { ++markers_; }
+    /// What follows is no addition.
+    [[nodiscard]] bool isRoot() const { return markers_ == 0 || (goesOn_ && markers_ > 1); }
+
+  private:
+    bool goesOn_;
+    uint32_t markers_ = 0;
+};
+
+/// What COMPONENTS OF brings in of a list: the components of its root, what the list includes
+/// itself in place.
 struct IncludedList {
     uint32_t places = 0;   // components, saturating
     bool optional = false; // one of them may be absent

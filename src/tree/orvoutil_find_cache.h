@@ -13,6 +13,7 @@
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
 #include "tree/orvoutil_find.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -26,7 +27,7 @@ template <RecKind K> struct Jump {
 /// Names of a chain of records. Entries are only appended to chains, so the index grows with them:
 /// it holds every entry before `last`.
 struct ChainIndex {
-    std::unordered_map<std::string_view, uint32_t> byName; // the first of a name
+    FlatMap<std::string_view, uint32_t> byName; // the first of a name
     uint32_t last = 0;
 };
 
@@ -35,12 +36,12 @@ struct FlatIndex {
     std::vector<FlatEntry> entries;                      // by place
     uint32_t count = 0;                                  // places, saturating
     // the place of every component; made when first asked for
-    std::unordered_map<NodeRef, uint32_t, NodeRefHash> byRecord;
+    FlatMap<NodeRef, uint32_t, NodeRefHash> byRecord;
 };
 
 /// Governing types of a chain of values, growing with it like a ChainIndex.
 struct GovIndex {
-    std::unordered_map<NodeRef, uint32_t, NodeRefHash> byType; // the first value of a type
+    FlatMap<NodeRef, uint32_t, NodeRefHash> byType; // the first value of a type
     uint32_t last = 0;
 };
 

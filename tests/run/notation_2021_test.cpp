@@ -107,10 +107,10 @@ TEST(Notation2021, MarkersRootsAndGroups) {
     EXPECT_EQ(diagnostics("T ::= SEQUENCE { a NULL, ..., [[ 2: b NULL ]], [[ c NULL ]] }"),
               listed({{2, "W Groups with and without version number"}}));
     EXPECT_EQ(diagnostics("T ::= SEQUENCE { a NULL, ..., b [5] NULL }"),
-              listed({{2, "Tag in an addition of an automatically tagged list"}}));
+              listed({{2, "Tag in an addition of an automatically tagged list: b"}}));
     EXPECT_EQ(compileBody("T ::= SEQUENCE { a NULL, ..., b [5] NULL }", lenient, "AUTOMATIC TAGS ")
                   .diagnostics("m"),
-              listed({{2, "W Tag in an addition of an automatically tagged list"}}));
+              listed({{2, "W Tag in an addition of an automatically tagged list: b"}}));
 }
 
 TEST(Notation2021, MacrosAreReadOver) {
