@@ -142,6 +142,7 @@ bool mayHaveContents(SubNr nr) {
     // (02/2021) 37.5).
     const bool isDataValue = typeModule() == run.iso8824MP && tNode.typeCode == TYP_CHOICE;
     if (findActType()) skipTypes(true);
+    meetsUnreadType();
     return isDataValue || tNode.typeCode == TYP_OCTSTR ||
            (tNode.typeCode == TYP_BITSTR && tNode.namedVals == 0);
 }
