@@ -8,9 +8,13 @@
 #include <algorithm>
 #include <cstdio>
 #include <limits>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 #include "check/p5typ.h"
 #include "check/p5val.h"
+#include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "diag/orvoerr_hello.h"
 #include "diag/orvoerr_list.h"
@@ -24,6 +28,7 @@
 #include "parser/parser.h"
 #include "solve/solve.h"
 #include "solve/solve_pass3.h"
+#include "symtab/orvosym_imp.h"
 #include "symtab/orvosym_list.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
@@ -54,8 +59,14 @@ void initGlobVars() {
     run.iso8824MP->filePrefix = run.iso8824MP->generationPrefix = "iso8824";
 }
 
-/// Names of a module that was not named first on the command line.
-void setFileNames() {
+/// Names of a module that was not named first on the command line. A file that is named there but
+/// which no module reference leads to goes by its own name when the run goes on.
+void setFileNames(std::string_view namedSource, std::string_view namedListing) {
+    if (cMP->filePrefix.empty() && run.keepGoing && cMP->named) {
+        cMP->options.sourceFileName = namedSource;
+        cMP->options.listingFileName = namedListing;
+        return;
+    }
     if (cMP->filePrefix.empty())
         fatalError(Fatal::NoFileName,
                    "Check options PREFIXLEN and PREFIX or use the KAVRIMOL tool.");
@@ -75,9 +86,17 @@ void printFileNames() {
     }
 }
 
+/// The current module is known by its name alone, and has no file.
+bool lacksFile() {
+    return run.keepGoing && !cMP->named &&
+           !sourceExists(run.asnSearchPath, cMP->options.sourceFileName);
+}
+
 void initUserModule(int argc, char** argv) {
-    if (run.nrOfModules < std::numeric_limits<int16_t>::max()) ++run.nrOfModules;
-    if (run.nrOfModules == 1) {
+    const std::string source = cMP->options.sourceFileName;
+    const std::string listing = cMP->options.listingFileName;
+    initMetaRec(cMP->options);
+    if (run.nrOfModules == 0) {
         parseCmdLineParams(argc, argv);
         if (run.verbose == VERBOSE_NORMAL) {
             sayHello(stdout, run.timeStamp.version, orvoPatch);
@@ -85,8 +104,11 @@ void initUserModule(int argc, char** argv) {
             std::fputc('\n', stdout);
         }
     } else {
-        setFileNames();
+        setFileNames(source, listing);
+        cMP->missing = lacksFile();
+        if (cMP->missing) return;
     }
+    if (run.nrOfModules < std::numeric_limits<int16_t>::max()) ++run.nrOfModules;
     printFileNames();
 }
 
@@ -105,8 +127,10 @@ void clearPass1Fields(ModuleRec& module) {
 }
 
 void initPass1Vars(int argc, char** argv, bool builtIn) {
-    initMetaRec(cMP->options);
-    if (!builtIn) initUserModule(argc, argv);
+    if (builtIn)
+        initMetaRec(cMP->options);
+    else
+        initUserModule(argc, argv);
     clearPass1Fields(*cMP);
     cMP->newNotation = builtIn ? run.anyNewNotation : run.editionFromStart == 2021;
     cMP->options.lenient = !builtIn && run.lenientFromStart;
@@ -167,6 +191,7 @@ void passFiveInternal() {
 void passOne(int argc, char** argv) {
     forEachModule([argc, argv] {
         initPass1Vars(argc, argv, false);
+        if (cMP->missing) return;
         initAnyPassVars();
         OptionBlock& options = cMP->options;
         cMP->srcFile = fopenTextFileInSearchPathForRd(run.asnSearchPath, options.sourceFileName,
@@ -179,10 +204,95 @@ void passOne(int argc, char** argv) {
     });
 }
 
+// ---- KEEP-GOING= --------------------------------------------------------------------------------
+//
+// A module that has an error, or refers to one that is out, is out. What refers to nothing that is
+// out can be checked and written: pass 5 goes from a module where its references lead, and no
+// further. References on demand (ModRef state 0) say nothing of their own: they follow the others,
+// or lead from the instances of a definition to who made them, which only he looks at.
+
+/// The modules of the files that the command line names, by name.
+using LooseModules = std::unordered_map<std::string, ModuleRec*>;
+
+LooseModules looseModules() {
+    LooseModules loose;
+    forEachModule([&loose] {
+        if (cMP->named && !cMP->missing) loose.try_emplace(cMP->moduleName, cMP);
+    });
+    return loose;
+}
+
+/// A reference of the current module, which was to lead to `target`.
+void settleReference(ModRef& ref, ModuleRec* target, const LooseModules& loose) {
+    const auto found = loose.find(ref.name);
+    if (!target->missing) {
+        if (ref.module == nullptr)
+            recordError(cMP, ERR_SEMANTIC, Msg::CheckFilePrefixes, ref.line, ref.name);
+        else if (target->parseState == PARSE_ERROR)
+            markUnread(ref);
+    } else if (found != loose.end() && found->second != cMP &&
+               !cMP->modRefs.byModule.contains(found->second)) {
+        changeTarget(cMP, ref, found->second);
+        if (found->second->parseState == PARSE_ERROR) markUnread(ref);
+    } else {
+        recordError(cMP, ERR_SEMANTIC, Msg::ModuleFileNotFound, ref.line,
+                    concat(ref.name, " (", target->options.sourceFileName, ")"));
+        markUnread(ref);
+        dropTarget(cMP, ref);
+    }
+}
+
+/// Modules without a file are reported where they are referred to, and leave the list.
+void settleMissingModules() {
+    const LooseModules loose = looseModules();
+    std::unordered_set<const ModuleRec*> referred;
+    forEachModule([&] {
+        for (ModRef* ref = cMP->modRefs.modRefFirst; ref != nullptr; ref = ref->next) {
+            ModuleRec* const target = ref->module != nullptr ? ref->module : ref->dropped;
+            if (target == nullptr || target == cMP) continue;
+            referred.insert(target);
+            settleReference(*ref, target, loose);
+        }
+    });
+    ModuleRec* last = nullptr;
+    forEachModule([&] {
+        if (!cMP->missing) {
+            last = cMP;
+            return;
+        }
+        if (!referred.contains(cMP)) fatalError(Fatal::OpenRead, cMP->options.sourceFileName);
+        last->next = cMP->next; // the first module is always there
+    });
+    run.eOfModRList = last;
+}
+
+/// Takes the modules out that have errors, and all that refer to them.
+void markOut() {
+    std::unordered_map<const ModuleRec*, std::vector<ModuleRec*>> users;
+    std::vector<ModuleRec*> pending;
+    forEachModule([&] {
+        for (const ModRef* ref = cMP->modRefs.modRefFirst; ref != nullptr; ref = ref->next) {
+            const ModuleRec* target = ref->module != nullptr ? ref->module : ref->dropped;
+            if (ref->state != 0 && target != nullptr) users[target].push_back(cMP);
+        }
+        if (cMP->nbStxErrors == 0) cMP->nbSymErrors = countUndefined(); // as the listing has them
+        if (cMP->parseState != PARSE_OK || hasErrors(*cMP) || cMP->nbSymErrors != 0)
+            pending.push_back(cMP);
+    });
+    while (!pending.empty()) {
+        ModuleRec* const module = pending.back();
+        pending.pop_back();
+        if (std::exchange(module->out, true)) continue;
+        const auto found = users.find(module);
+        if (found != users.end())
+            pending.insert(pending.end(), found->second.begin(), found->second.end());
+    }
+}
+
 /// A pass over the modules whose header and body were parsed without a syntax error.
 void passOver(void (*pass)(), uint8_t number) {
     forEachModule([pass, number] {
-        if (cMP->parseState != PARSE_OK) return;
+        if (cMP->parseState != PARSE_OK || cMP->out) return;
         initAnyPassVars();
         pass();
         cMP->lastPass = number;
@@ -232,6 +342,7 @@ void openListing() {
 void printModuleResult(bool failed) {
     if (!progressShown()) return;
     const char* result = failed                 ? "errors found - no tree output"
+                         : cMP->out             ? "not checked - no tree output"
                          : cMP->nbWarnings != 0 ? "ok with warnings"
                                                 : "ok";
     printProgress(concat("compiler listing for ", cMP->options.sourceFileName, " (", result, ")"));
@@ -250,7 +361,7 @@ void diagnostics() {
     sayBye(cMP->lstFile, cMP->nbStxErrors, cMP->nbSemErrors, cMP->nbSymErrors, cMP->nbWarnings);
     closeFile(cMP->srcFile, "Source file");
     closeFile(cMP->lstFile, "Listing file");
-    if (!failed) writeTree(cMP);
+    if (!failed && !cMP->out) writeTree(cMP);
     run.totalNbStxErrors += cMP->nbStxErrors;
     run.totalNbSemErrors += cMP->nbSemErrors;
     run.totalNbSymErrors += cMP->nbSymErrors;
@@ -311,6 +422,7 @@ void typeListForZOV() {
 int orvo_main(int argc, char** argv) {
     initGlobVars();
     passOne(argc, argv);
+    if (run.keepGoing) settleMissingModules();
     parseInternal(); // the notation of the modules decides which kinds it has
     solveRefs1Internal();
     passOver(solveRefs1, 2);
@@ -319,11 +431,15 @@ int orvo_main(int argc, char** argv) {
     passFourInternal();
     passOver(passFour, 4);
     passFiveInternal();
-    if (allModulesSolved()) {
+    if (run.keepGoing) markOut();
+    if (run.keepGoing || allModulesSolved()) {
+        run.checking = run.keepGoing;
         passOver(passFive, 5);
         markListElements();
         markIgnorables();
         flushRecs(allKinds);
+        run.checking = false;
+        if (run.keepGoing) markOut();
     }
     initZOV();
     forEachModule(diagnostics);

@@ -8,9 +8,11 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "diag/orvoerr_fatal.h"
+#include "util/guard.h"
 #include "util/text.h"
 
 namespace orvo {
@@ -134,6 +136,15 @@ std::FILE* fopenTextFile(std::string_view directory, std::string_view name, cons
     std::FILE* file = openFile(path, mode);
     if (file == nullptr) fatalError(failure, path);
     return file;
+}
+
+bool sourceExists(const std::vector<std::string>& path, std::string_view name) {
+    const auto opens = [name](std::string_view directory) {
+        if (directory.size() + name.size() > maxPathLength) return false;
+        const File file(openFile(concat(directory, name), "r"));
+        return file != nullptr;
+    };
+    return !name.empty() && (std::ranges::any_of(path, opens) || opens(""));
 }
 
 std::FILE* fopenTextFileInSearchPathForRd(const std::vector<std::string>& path,

@@ -46,6 +46,8 @@ std::FILE* fopenTextFile(std::string_view directory, std::string_view name, cons
 /// `directoryOut` is the directory, "" when opened as named. Fatal 1 when it is found nowhere.
 std::FILE* fopenTextFileInSearchPathForRd(const std::vector<std::string>& path,
                                           std::string_view name, std::string& directoryOut);
+/// A source of that name can be opened for reading in a directory of the path or as named.
+[[nodiscard]] bool sourceExists(const std::vector<std::string>& path, std::string_view name);
 /// Appends a directory to a search path; an empty one is ignored.
 void addDirToSearchPath(std::vector<std::string>& path, std::string_view directory);
 /// Closes a file; null is ignored. A close that fails (buffered output that could not be written)

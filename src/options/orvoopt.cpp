@@ -60,7 +60,7 @@ constexpr std::string_view usageLines[] = {
 
 constexpr std::string_view wordLists[] = {"-INFO=", "-BEO="};
 constexpr std::string_view blankTakers[] = {"+", "-INFO=", "-BEO=", "-S", "-L", "-C", "-H"};
-constexpr std::string_view phaseOneValues[] = {"-VERBOSE=", "-A=", "-L=", "-V="};
+constexpr std::string_view phaseOneValues[] = {"-VERBOSE=", "-A=", "-L=", "-V=", "-KEEP-GOING="};
 constexpr std::string_view strictStandard = "-STRICTSTANDARD";
 
 /// `text` (its name in upper case) begins with one of the names.
@@ -171,6 +171,7 @@ bool parseSelectedCmdLineOpts(std::string_view text) {
     const std::string_view value = std::string_view(option).substr(name.size());
     if (name == "-VERBOSE=") return verboseOptionOK(value);
     if (name == "-V=") return int32OptionOK(value, 1, 4, run.verboseEx);
+    if (name == "-KEEP-GOING=") return booleOptionOK(value, run.keepGoing);
     if (name == "-L=") return directoryOptionOK(value, run.lstDir);
     if (name == "-A=") {
         std::string directory;
@@ -191,6 +192,7 @@ bool parseFilePrefix(std::string_view name, int& count, std::string_view file) {
     if (count++ > 0) appendModuleRec(module = newModuleRec());
     setSourceFileName(module, setFileName(name, ".asn", false));
     module->options.listingFileName = setFileName(name, ".lst", true);
+    module->named = true;
     return true;
 }
 

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "diag/orvoerr.h"
+#include "solve/solve_cur.h"
 #include "solve/solve_par.h"
 #include "solve/solve_stx.h"
 #include "symtab/orvosym.h"
@@ -352,6 +353,7 @@ ModuleRec* actErrModPtr() {
 }
 
 void recordError2(Msg code, const Cause& cause, uint32_t line, std::string_view detail) {
+    if (unreadState.met) return;
     ModuleRec* const module = actErrModPtr();
     if (cause.code != Msg::None) {
         recordError(module, ERR_SEMANTIC, cause.code, line,

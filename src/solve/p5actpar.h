@@ -31,6 +31,7 @@ ModuleRec* actErrModPtr();
 
 /// Records the cause (if any) and then the error in what is being parsed, both against
 /// actErrModPtr(). A detail whose data() is not null is listed behind the error.
+/// Nothing is, once the notation in hand has met a name without a definition.
 void recordError2(Msg code, const Cause& cause, uint32_t line, std::string_view detail = {});
 
 /// What is being parsed has a fault that is read on where those whom it is charged to are lenient:

@@ -22,11 +22,6 @@ void solveReference(int32_t& refMod, uint32_t& ref, int32_t& actuals, uint32_t l
     ref = static_cast<uint32_t>(name);
 }
 
-/// Can be imported from: it has a syntax tree and exports something.
-bool isExporter(const ModuleRec* module) {
-    return module->parseState != PARSE_ERROR && (module->exportsState != 1 || isLenient(cMP));
-}
-
 } // namespace
 
 void solveExternalSymbols() {

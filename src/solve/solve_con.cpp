@@ -77,6 +77,7 @@ bool parseRoot(SubNr root, Msg& outer, Cause& cause) {
 void parseSubRec() {
     const TNodeRef type = currentRec<KIND_TNODE>();
     if (!isDeferred(tNode.constraint)) return;
+    const OwnNotation ownText;
     SnapShot trial(type);
     ReplayCursor replay(type.module, deferredText(tNode.constraint));
     // Only the nesting of one text counts, as with values.
@@ -350,6 +351,7 @@ bool mayBeginWithMarker(SubNr nr, Cause& cause) {
     readGovernor(nr);
     const std::string name(currentTypeName());
     if (findActType()) skipTypes(true);
+    if (meetsUnreadType()) return false;
     return isClassCode(tNode.typeCode) || tolerate(Msg::MarkerBeginsSet, curToken().line, name) ||
            fail(cause, Msg::MarkerBeginsSet, name);
 }

@@ -382,6 +382,7 @@ bool parseElements(SubNr nr, Cause& cause) {
     const TNodeRef governor = currentRec<KIND_TNODE>();
     const uint8_t kind = tNode.typeCode;
     if (is(kind, TypeClass::Reference)) {
+        meetsUnreadType();
         recordSubError(nr, Msg::InvalidGoverningTypeClass, currentTypeName());
         return false;
     }

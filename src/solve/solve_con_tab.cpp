@@ -139,6 +139,7 @@ constexpr std::string_view contentsText = "Invalid \"Contents constraint\"";
 bool mayHaveContents(SubNr nr) {
     readGovernor(nr);
     if (findActType()) skipTypes(true);
+    meetsUnreadType();
     return tNode.typeCode == TYP_OCTSTR || (tNode.typeCode == TYP_BITSTR && tNode.namedVals == 0);
 }
 

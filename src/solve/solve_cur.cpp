@@ -169,6 +169,26 @@ bool deferValue(Cause& cause) {
     return true;
 }
 
+// ---- names without definitions ------------------------------------------------------------------
+
+UnreadState unreadState;
+
+bool meetsUnreadType() {
+    const bool unread = tNode.typeCode == TYP_SYNONYM && tNode.refMod == REF_UNREAD;
+    unreadState.met |= unread;
+    return unread;
+}
+
+bool meetsUnreadValue() {
+    const bool unread = vNode.valCode == TYP_SYNONYM && vNode.refMod == REF_UNREAD;
+    unreadState.met |= unread;
+    return unread;
+}
+
+int32_t refNowhere() {
+    return unreadState.met ? REF_UNREAD : REF_UNRESOLVED;
+}
+
 // ---- trials -------------------------------------------------------------------------------------
 
 namespace {

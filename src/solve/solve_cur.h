@@ -56,6 +56,28 @@ std::string curTokenText();
 /// that belongs to the list.
 [[nodiscard]] bool deferEntry();
 
+// A name of a module that has no definitions to look at (REF_UNREAD) may stand for anything. What
+// cannot be told without it is no finding: what depends on it becomes such a name too, silently.
+
+struct UnreadState {
+    bool met = false; // by the notation in hand: a text, a chain of names
+};
+extern UnreadState unreadState;
+
+/// The notation that is looked at until the scope ends has met nothing yet.
+class OwnNotation {
+  public:
+    OwnNotation() : saved_(unreadState.met, false) {}
+
+  private:
+    Restore<bool> saved_;
+};
+/// The current type or value, the end of a chain of references, is such a name; noted as met.
+bool meetsUnreadType();
+bool meetsUnreadValue();
+/// What the refMod of a reference becomes that leads nowhere.
+int32_t refNowhere();
+
 /// A trial parse. Unless keep() was called, the end of the scope takes back what was created since:
 /// every module gets the record counters, the DEFAULT value chain, the module references and the
 /// strings that it had. Taking a snapshot costs the same however many modules there are. Snapshots

@@ -128,7 +128,7 @@ void parseValueDefault(TNodeRef field, VNodeRef value) {
 bool readDefaultOfNamedField() {
     findActType();
     skipTypes(true);
-    if (tNode.typeCode != TYP_OPEN || tNode.defaultVal == 0) return false;
+    if (meetsUnreadType() || tNode.typeCode != TYP_OPEN || tNode.defaultVal == 0) return false;
     readRec(typeModule(), VNodeNr{tNode.defaultVal});
     return readTypeOfSetting();
 }
@@ -163,6 +163,7 @@ void parseDefaultPassOne() {
     if (!isVariabTypeTNode() && !isSetTNode()) return;
     const KeepRec<KIND_TNODE> keepField;
     const KeepRec<KIND_VNODE> keepValue;
+    const OwnNotation ownText;
     const VNodeRef value = currentRec<KIND_VNODE>();
     const TNodeRef field = currentRec<KIND_TNODE>();
     const bool isSet = isSetTNode();
@@ -175,6 +176,11 @@ void parseDefaultPassOne() {
     } else if (readDefaultOfNamedField()) {
         readRec(value);
         updateVariableDefault(isSet, text);
+    } else if (unreadState.met) {
+        readRec(value);
+        makeUnresolvedValue();
+        writeRec(value);
+        readRec(field);
     } else {
         readRec(field);
         readRec(value);

@@ -82,8 +82,9 @@ bool markSolved(TNodeRef type, const Finding& finding) {
     readRec(type);
     if (tNode.checkState == CHECK_NEW) {
         if (finding.code != Msg::None) {
-            recordError(actErrModPtr(type.module, tNode.actParRec), ERR_SEMANTIC, finding.code,
-                        tNode.line, finding.text);
+            if (!unreadState.met)
+                recordError(actErrModPtr(type.module, tNode.actParRec), ERR_SEMANTIC, finding.code,
+                            tNode.line, finding.text);
             makeUnresolvedType();
         }
         tNode.checkState = CHECK_SOLVED;
@@ -107,6 +108,7 @@ Finding followObjectField(VisitList& visited, ModuleRec* module, SNodeNr first) 
 /// A selection type, a field of a class or information from an object, the current type.
 bool solveFieldType(VisitList& visited) {
     checkStack();
+    const OwnNotation ownNames;
     const TNodeRef self = currentRec<KIND_TNODE>();
     const SNodeNr first{tNode.syntax > 0 ? magnitude(tNode.syntax) : 0};
     Finding finding;
@@ -154,7 +156,7 @@ bool followTypes(VisitList& visited, std::vector<TNodeRef>& chain) {
 
 void makeUnresolvedType() {
     tNode.typeCode = TYP_SYNONYM;
-    tNode.refMod = REF_UNRESOLVED;
+    tNode.refMod = refNowhere();
     tNode.ref = 0;
     tNode.syntax = 0;
 }
@@ -206,8 +208,9 @@ bool markSolved(VNodeRef value, const Finding& finding) {
     readRec(value);
     if (vNode.checkState == CHECK_NEW) {
         if (finding.code != Msg::None) {
-            recordError(actErrModPtr(value.module, vNode.actParRec), ERR_SEMANTIC, finding.code,
-                        vNode.line, finding.text);
+            if (!unreadState.met)
+                recordError(actErrModPtr(value.module, vNode.actParRec), ERR_SEMANTIC, finding.code,
+                            vNode.line, finding.text);
             makeUnresolvedValue();
         }
         vNode.checkState = CHECK_SOLVED;
@@ -224,6 +227,7 @@ std::string_view nameOf(VNodeRef value) {
 /// Information from an object, the current value.
 bool solveFieldValue(VisitList& visited) {
     checkStack();
+    const OwnNotation ownNames;
     const VNodeRef self = currentRec<KIND_VNODE>();
     const SNodeNr first{vNode.deferred > 0 ? magnitude(vNode.deferred) : 0};
     Finding finding;
@@ -269,7 +273,7 @@ bool followValues(VisitList& visited, std::vector<ValueLink>& chain) {
 
 void makeUnresolvedValue() {
     vNode.valCode = TYP_SYNONYM;
-    vNode.refMod = REF_UNRESOLVED;
+    vNode.refMod = refNowhere();
     vNode.ref = 0;
     vNode.deferred = 0;
 }

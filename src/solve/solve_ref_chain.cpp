@@ -47,6 +47,7 @@ Msg solveTypeEntry(SNodeRef entry, uint8_t kind, std::string_view& text) {
     text = getStri(entry.module, sNode.value);
     const Msg wrong = kind == TYP_CHOICE ? Msg::InvalidSelectionType : Msg::InvalidClassFieldType;
     skipTypes(true);
+    if (meetsUnreadType()) return wrong;
     if (kind == TYP_CHOICE ? tNode.typeCode != TYP_CHOICE : !readClass()) return wrong;
     if (!findTypeCompId(kind, typeModule(), TNodeNr{tNode.ref}, text)) return wrong;
     const TNodeRef found = currentRec<KIND_TNODE>();
@@ -92,7 +93,7 @@ bool readClassOfObject() {
     readRec(module, TNodeNr{vNode.govType});
     findActType();
     skipTypes(true);
-    return readClass();
+    return !meetsUnreadType() && readClass();
 }
 
 /// An empty object set for the optional field that is the current type.
@@ -129,7 +130,7 @@ void prepareDefault() {
 Msg solveValueEntry(SNodeRef entry, std::string_view& text) {
     text = getStri(entry.module, sNode.value);
     skipValues(true);
-    if (!isClassCode(vNode.valCode)) return Msg::InvalidInformationFromObject;
+    if (meetsUnreadValue() || !isClassCode(vNode.valCode)) return Msg::InvalidInformationFromObject;
     SnapShot trial(entry);
     ModuleRec* const module = valueModule();
     const VNodeRef object = currentRec<KIND_VNODE>();
@@ -223,11 +224,34 @@ void prepareList(ModuleRec* module, TNodeNr first) {
     }
 }
 
+/// Any component may be among those that COMPONENTS OF a name without definition brings in.
+void meetUnreadComponents(ModuleRec* module, TNodeNr first) {
+    std::set<uint64_t> seen;
+    Lists lists = {{module, first}};
+    while (!lists.empty()) {
+        const TNodeRef list = lists.back();
+        lists.pop_back();
+        if (!list.nr || !seen.insert(keyOf(list.module, list.nr.nr)).second) continue;
+        forEachTNodeByMod(list.module, list.nr, [&] {
+            ModuleRec* const owner = typeModule();
+            if (tNode.typeCode == TYP_EXTADDGRP) {
+                lists.push_back({owner, TNodeNr{tNode.ref}});
+            } else if (magnitude(tNode.compStatus) == TCS_COMPOF) {
+                skipTypes(false);
+                if (!meetsUnreadType() && (tNode.typeCode == TYP_SEQ || tNode.typeCode == TYP_SET))
+                    lists.push_back({typeModule(), TNodeNr{tNode.ref}});
+            }
+        });
+    }
+}
+
 } // namespace
 
 bool findTypeCompId(uint8_t kind, ModuleRec* module, TNodeNr first, std::string_view name) {
     if (kind != TYP_CLASS) prepareList(module, first);
-    return findTypeCompById(module, first, name);
+    if (findTypeCompById(module, first, name)) return true;
+    if (run.keepGoing && kind != TYP_CLASS) meetUnreadComponents(module, first);
+    return false;
 }
 
 bool findValueCompId(uint8_t /*kind*/, ModuleRec* module, VNodeNr first, std::string_view name) {

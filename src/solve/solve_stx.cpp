@@ -187,6 +187,7 @@ bool parseVarSettingPassOne(VNodeNr object, Cause& cause) {
     const VNodeRef setting = currentRec<KIND_VNODE>();
     ModuleRec* const module = typeModule();
     if (tNode.syntax <= 0) {
+        meetsUnreadType();
         cause.set(Msg::InvalidGoverningTypeClass, getStri(cMP, vNode.name));
         return false;
     }

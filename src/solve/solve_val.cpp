@@ -32,7 +32,7 @@ namespace {
 void makeUnresolved(VNodeRef value) {
     makePending(value.module, value.nr);
     vNode.valCode = TYP_SYNONYM;
-    vNode.refMod = REF_UNRESOLVED;
+    vNode.refMod = refNowhere();
     vNode.ref = 0;
     vNode.deferred = 0;
     writeRec(value);
@@ -73,6 +73,7 @@ bool definedValueFollows() {
 void parseVNode() {
     if (vNode.refMod != REF_DEFERRED) return;
     const VNodeRef self = currentRec<KIND_VNODE>();
+    const OwnNotation ownText;
     SnapShot trial(self);
     ReplayCursor replay(self.module, deferredText(vNode));
     // Only the nesting of one text counts: a value parsed on demand is not nested in its user.
@@ -101,6 +102,7 @@ bool parseValue() {
     if (findActType()) skipTypes(true);
     readRec(self);
     if (is(tNode.typeCode, TypeClass::Reference)) {
+        meetsUnreadType();
         code = Msg::InvalidGoverningTypeClass;
         if (vNode.name != 0) detail = getStri(self.module, vNode.name);
     } else if (depth.tooDeep()) {

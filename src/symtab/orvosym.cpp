@@ -319,12 +319,15 @@ void chkIfSymbolDef(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint
     if (cMP->importsState != 0 && moduleRef > REF_OWN && (symbol.flags & SYM_IMPORTED) == 0)
         recordError(place.module, ERR_SEMANTIC, Msg::SymbolNotInImports, place.line, text);
     const bool parameterized = (symbol.flags & SYM_PARAMETERIZED) != 0;
-    if (parameterized != (hasActuals != 0)) {
+    if (symbol.unread == 0 && parameterized != (hasActuals != 0)) {
         const Msg code = parameterized ? Msg::BracesExpected : Msg::BracesNotAllowed;
         recordError(place.module, ERR_SEMANTIC, code, place.line, text);
         name = 0;
     }
-    if (name == 0) hasActuals = moduleRef = 0;
+    if (name == 0) {
+        hasActuals = 0;
+        moduleRef = symbol.unread != 0 ? REF_UNREAD : REF_UNRESOLVED;
+    }
     if (cMP->options.xref) addInst(nr, line);
 }
 

@@ -79,8 +79,9 @@ struct ErrPlace {
 /// Resolves a use of `name` in the current module: `moduleRef` 0 looks everywhere, 1 in the own
 /// table, others in that reference's list. `name` becomes the number of the defining record, 0 when
 /// there is none or when braces and the actual parameter mark `hasActuals` disagree (reported);
-/// then `moduleRef` and `hasActuals` become 0 too. An undefined name gets a symbol, which the
-/// listing reports. `line` is that of the use; errors go to `blamed` where that is given.
+/// then `moduleRef` and `hasActuals` become 0 too. For a symbol of a module without definitions to
+/// look at `moduleRef` becomes REF_UNREAD. An undefined name gets a symbol, which the listing
+/// reports. `line` is that of the use; errors go to `blamed` where that is given.
 void chkIfSymbolDef(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line,
                     const ErrPlace* blamed = nullptr);
 

@@ -7,6 +7,7 @@
 #include "symtab/orvosym_imp.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "diag/orvoerr.h"
 #include "driver/orvofil.h"
@@ -26,13 +27,20 @@ ModRef* newModRef(ModuleRec* module, std::string_view name, ModuleRec* target) {
     return createPicRec(module->modRefs, name, target, module->nextRecNr[KIND_MNODE]++);
 }
 
-/// The module of a name that the current one has no reference of. One that it cannot refer to a
-/// second time, or that its own file holds, is reported, and there is none.
-ModuleRec* distinctModule(std::string_view name, uint32_t line) {
+/// A reference by a name that the current module has none of. One to a module that it cannot refer
+/// to a second time, or that its own file holds, is reported and leads nowhere; when the run goes
+/// on it is reported as soon as it is known whether there is such a file at all.
+ModRef* newNamedRef(std::string_view name, uint32_t line, uint8_t state) {
     ModuleRec* const module = nameToModPtr(name);
-    if (module != cMP && !cMP->modRefs.byModule.contains(module)) return module;
-    recordError(cMP, ERR_SEMANTIC, Msg::CheckFilePrefixes, line, name);
-    return nullptr;
+    const bool distinct = module != cMP && !cMP->modRefs.byModule.contains(module);
+    ModRef* const ref = newModRef(cMP, name, distinct ? module : nullptr);
+    ref->state = state;
+    ref->line = line;
+    if (distinct) return ref;
+    ref->dropped = module;
+    if (!run.keepGoing || module == cMP)
+        recordError(cMP, ERR_SEMANTIC, Msg::CheckFilePrefixes, line, name);
+    return ref;
 }
 
 /// The reference that an IMPORTS clause fills.
@@ -47,7 +55,7 @@ ModRef* modRefOfClause(std::string_view name, uint32_t line) {
         recordError(cMP, ERR_SEMANTIC, Msg::ChangeModuleName, line, name);
         return newModRef(cMP, name, nullptr);
     }
-    return newModRef(cMP, name, distinctModule(name, line));
+    return newNamedRef(name, line, 2);
 }
 
 /// Enters the symbols that a clause has brought into the index of imported names, where the
@@ -121,11 +129,7 @@ void handleExtRef(int32_t& moduleRef, int32_t name, uint32_t line) {
     moduleRef = REF_OWN;
     if (moduleName != cMP->moduleName) {
         ModRef* ref = matchingName(cMP->modRefs, moduleName);
-        if (ref == nullptr) {
-            ref = newModRef(cMP, moduleName, distinctModule(moduleName, line));
-            ref->state = 1;
-            ref->line = line;
-        }
+        if (ref == nullptr) ref = newNamedRef(moduleName, line, 1);
         moduleRef = static_cast<int32_t>(ref->number);
         list = &ref->symbols;
     }
@@ -154,11 +158,25 @@ void dropModRefsFrom(ModuleRec* module, uint32_t number) {
     if (keep != refs.size()) dropPicRecs(module->modRefs, keep);
 }
 
+bool isExporter(const ModuleRec* module) {
+    return module->parseState != PARSE_ERROR && (module->exportsState != 1 || isLenient(cMP));
+}
+
+void markUnread(ModRef& ref) {
+    for (STabNr nr = ref.symbols.first; nr; nr = STabNr{symAt(nr).next}) symAt(nr).unread = 1;
+}
+
 void dropTarget(ModuleRec* module, ModRef& ref) {
     const auto found = module->modRefs.byModule.find(ref.module);
     if (found != module->modRefs.byModule.end() && found->second == &ref)
         module->modRefs.byModule.erase(found);
-    ref.module = nullptr;
+    ref.dropped = std::exchange(ref.module, nullptr);
+}
+
+void changeTarget(ModuleRec* module, ModRef& ref, ModuleRec* target) {
+    dropTarget(module, ref);
+    ref.module = target;
+    module->modRefs.byModule.try_emplace(target, &ref);
 }
 
 void loadImpSymbols(ModRef& ref) {
@@ -171,10 +189,11 @@ void loadImpSymbols(ModRef& ref) {
 
 namespace {
 
-/// A definition with its module.
+/// A definition with its module. One that cannot be looked at has none.
 struct Definition {
     ModuleRec* module = nullptr;
     STabNr symbol;
+    bool unread = false;
 };
 
 /// The module exports what it imports under a name: all of it without a list, else what the list
@@ -197,8 +216,10 @@ Definition reexportedDefinition(ModuleRec* exporter, int32_t name, uint32_t line
         if (own == 0 || found == exporter->modRefs.imported.end() ||
             !reexports(exporter, number, name, line))
             return {};
-        exporter = found->second.front().first->module;
-        if (exporter == nullptr) return {};
+        const auto& [ref, imported] = found->second.front();
+        if (symAt(imported).unread != 0) return {nullptr, {}, true};
+        exporter = ref->module;
+        if (exporter == nullptr || !isExporter(exporter)) return {};
         const STabNr symbol = exportedSymbol(exporter, name, line);
         if (symbol && symAt(symbol).node != 0) return {exporter, symbol};
     }
@@ -209,6 +230,7 @@ Definition reexportedDefinition(ModuleRec* exporter, int32_t name, uint32_t line
 void defineReexported(const ModRef& ref, STabNr nr) {
     STabRec& symbol = symAt(nr);
     const Definition definition = reexportedDefinition(ref.module, symbol.name, symbol.line);
+    symbol.unread = definition.unread ? 1 : 0;
     if (definition.module == nullptr || definition.module == cMP) return;
     static_cast<void>(handleImplImports(cMP, definition.module));
     ModRef* const target = cMP->modRefs.byModule.find(definition.module)->second;

@@ -35,8 +35,14 @@ uint32_t findImplImport(ModuleRec* module, ModuleRec* target);
 /// Takes back the references with numbers from `number` on (made during a trial parse that failed).
 void dropModRefsFrom(ModuleRec* module, uint32_t number);
 
+/// Can be imported from: it has a syntax tree and exports something.
+bool isExporter(const ModuleRec* module);
+/// The symbols of a reference count as known: its module has no definitions to look at.
+void markUnread(ModRef& ref);
 /// Makes a reference lead to no module: what it names cannot be used.
 void dropTarget(ModuleRec* module, ModRef& ref);
+/// Makes a reference lead to another module.
+void changeTarget(ModuleRec* module, ModRef& ref, ModuleRec* target);
 /// Marks the imported symbols of a reference that the current module's own table has too.
 void loadImpSymbols(ModRef& ref);
 /// Gives the symbols of a reference their definitions from the referenced module's exports.

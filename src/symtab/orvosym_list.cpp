@@ -42,15 +42,21 @@ void collect(const SymTab& table, const ModRef* ref, std::vector<Listed>& symbol
         const STabRec& symbol = symAt(nr);
         if (symbol.name == 0) continue;
         if (symbol.node == 0 && isMacro(getStri(cMP, symbol.name), ref)) continue;
-        symbols.push_back({getStri(cMP, symbol.name), ref, nr, symbol.name < 0, symbol.node != 0});
+        symbols.push_back({getStri(cMP, symbol.name), ref, nr, symbol.name < 0,
+                           symbol.node != 0 || symbol.unread != 0});
     }
 }
 
-std::vector<Listed> sortedSymbols() {
+std::vector<Listed> allSymbols() {
     std::vector<Listed> symbols;
     collect(cMP->symTab, nullptr, symbols);
     for (const ModRef* ref = cMP->modRefs.modRefFirst; ref != nullptr; ref = ref->next)
         collect(ref->symbols, ref, symbols);
+    return symbols;
+}
+
+std::vector<Listed> sortedSymbols() {
+    std::vector<Listed> symbols = allSymbols();
     std::ranges::stable_sort(symbols, {}, &Listed::name);
     return symbols;
 }
@@ -132,10 +138,13 @@ void printSTab(const std::vector<Listed>& symbols, bool isValue, bool defined,
 
 } // namespace
 
+int32_t countUndefined() {
+    return static_cast<int32_t>(std::ranges::count(allSymbols(), false, &Listed::defined));
+}
+
 void printSymTab(int32_t& nbSymErrors) {
     const std::vector<Listed> symbols = sortedSymbols();
-    nbSymErrors = static_cast<int32_t>(
-        std::ranges::count_if(symbols, [](const Listed& listed) { return !listed.defined; }));
+    nbSymErrors = static_cast<int32_t>(std::ranges::count(symbols, false, &Listed::defined));
     printSTab(symbols, false, false, "\n*** ERROR - Undefined types:\n",
               "\nNo undefined types detected\n");
     printSTab(symbols, true, false, "\n*** ERROR - Undefined values:\n",

@@ -203,6 +203,7 @@ enum RefMod : int32_t {
     REF_OWN = 1,
     REF_FORMAL = -1,    // a formal parameter; ref is its position from 1
     REF_OBJECT = -2,    // information from an object
+    REF_UNREAD = -3,    // a symbol of a module that has no definitions to look at; ref is 0
     REF_DEFERRED = -12, // values: ref is minus the DNode of the text
 };
 
@@ -463,20 +464,21 @@ inline constexpr Field sNodeFields[] = {FIELD(0, SNode, token),  FIELD(1, SNode,
                                         FIELD(4, SNode, module), FIELD(8, SNode, value),
                                         FIELD(12, SNode, line),  FIELD(16, SNode, next)};
 
-struct STabRec {   // a symbol
-    int32_t name;  // string number; negated for a value reference
-    int32_t node;  // TNode head, or minus the VNode head; 0 = undefined
-    uint8_t flags; // SYM_*
-    uint8_t unused9[3];
+struct STabRec {    // a symbol
+    int32_t name;   // string number; negated for a value reference
+    int32_t node;   // TNode head, or minus the VNode head; 0 = undefined
+    uint8_t flags;  // SYM_*
+    uint8_t unread; // 1: of a module without definitions to look at; counts as known
+    uint8_t unused10[2];
     uint32_t line;
     uint32_t uses;    // InstNr
     uint32_t formals; // STabNr
     uint32_t next;    // STabNr
 };
-inline constexpr Field sTabRecFields[] = {FIELD(0, STabRec, name),     FIELD(4, STabRec, node),
-                                          FIELD(8, STabRec, flags),    FIELD(9, STabRec, unused9),
-                                          FIELD(12, STabRec, line),    FIELD(16, STabRec, uses),
-                                          FIELD(20, STabRec, formals), FIELD(24, STabRec, next)};
+inline constexpr Field sTabRecFields[] = {
+    FIELD(0, STabRec, name),   FIELD(4, STabRec, node),      FIELD(8, STabRec, flags),
+    FIELD(9, STabRec, unread), FIELD(10, STabRec, unused10), FIELD(12, STabRec, line),
+    FIELD(16, STabRec, uses),  FIELD(20, STabRec, formals),  FIELD(24, STabRec, next)};
 
 struct InstRec { // a use of a symbol
     uint32_t line;

@@ -40,8 +40,9 @@ struct ModRef {
     uint32_t number = 0; // from 2; 1 always means the module itself
     VNodeNr value;       // the assigned identifier given after FROM
     ModuleRec* module = nullptr;
-    uint8_t state = 0;     // 0 on demand, 1 external reference, 2 IMPORTS
-    uint8_t selection = 0; // 1 WITH SUCCESSORS, 2 WITH DESCENDANTS
+    ModuleRec* dropped = nullptr; // what `module` was, when nothing can be taken from it
+    uint8_t state = 0;            // 0 on demand, 1 external reference, 2 IMPORTS
+    uint8_t selection = 0;        // 1 WITH SUCCESSORS, 2 WITH DESCENDANTS
     uint32_t line = 0;
     SymTab symbols; // taken from that module
     ModRef* next = nullptr;
@@ -188,7 +189,10 @@ struct ModuleRec {
     bool otherInstructions = false;            // unprefixed `[NAME]` is an encoding instruction
     std::set<std::string, std::less<>> macros; // names that are defined or used as macros
     bool newNotation = false;                  // its notation is that of 2021
-    bool optionsDisabled = false;              // pass 5 has switched off options of types
+    bool named = false;                        // the command line names its file
+    bool missing = false;                      // KEEP-GOING=: imported, but its file is not there
+    bool out = false;             // KEEP-GOING=: has an error, or refers to a module that is out
+    bool optionsDisabled = false; // pass 5 has switched off options of types
     int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;
     int32_t nbRecorded = 0;                             // diagnostics recorded, kept or not
     std::vector<ErrRec> errors;                         // sorted by line, then order of recording
@@ -242,6 +246,8 @@ struct Run {
     uint8_t verbose = VERBOSE_NORMAL;
     int32_t verboseEx = 3;
     bool strict_standard = false;
+    bool keepGoing = false; // KEEP-GOING=
+    bool checking = false;  // pass 5 of such a run: records of modules that are out are not read
     // STANDARD-VERSION= and LENIENT= of the command line and the option files outside of scopes:
     // they hold from the first character of every module.
     uint16_t editionFromStart = 1994;

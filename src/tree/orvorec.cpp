@@ -119,6 +119,7 @@ void readRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
     if (nr != 0 && just.module == module && just.nr == nr) return;
     void* buffer = bufferOf(kind);
     if (buffer == nullptr) fatalError(Fatal::ReadRecord);
+    assert(!run.checking || !module->out); // what is out may be unsolved
     const void* stored = findRPos(module, kind, nr);
     checkLeft(kind);
     flushRecs(kind);
