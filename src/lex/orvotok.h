@@ -49,6 +49,14 @@ inline constexpr uint32_t maxNesting = 500;
 constexpr bool isLaterWord(int32_t code) {
     return code >= firstLaterWord && code <= lastLaterWord;
 }
+/// Sorts of tokens that are words by themselves.
+constexpr bool isReservedWord(int32_t code) {
+    return code >= firstReservedWord && code <= lastReservedWord;
+}
+constexpr bool isOlderTypeName(int32_t code) {
+    return code >= firstTypeName && code <= lastTypeName;
+}
+
 /// Spelling of a code; empty for codes outside the table.
 constexpr std::string_view tokenName(int32_t code) {
     return code >= 0 && code < tokenCount ? gMGTabInp[code] : std::string_view();

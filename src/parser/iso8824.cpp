@@ -84,9 +84,8 @@ void parseISO8824() {
         if (kind < firstAssignment()) addSynonym(kind);
     if (!newNotation()) return;
     iso8824State.realComponents = definitionOf("REAL_COMPONENTS");
-    iso8824State.externalComponents = definitionOf("EXTERNAL_COMPONENTS");
-    iso8824State.pdvComponents = definitionOf("EMBEDDED_PDV_COMPONENTS");
-    iso8824State.stringComponents = definitionOf("CHARACTER_STRING_COMPONENTS");
+    iso8824State.dataComponents = definitionOf("DATA_COMPONENTS");
+    iso8824State.stringComponents = definitionOf("STRING_COMPONENTS");
 }
 
 namespace {
@@ -95,8 +94,8 @@ namespace {
 TNodeNr laterAssociatedType(uint8_t kind) {
     switch (kind) {
     case TYP_REAL: return iso8824State.realComponents;
-    case TYP_EXTERNAL_1994: return iso8824State.externalComponents;
-    case TYP_EMB_PDV: return iso8824State.pdvComponents;
+    case TYP_EXTERNAL_1994:
+    case TYP_EMB_PDV: return iso8824State.dataComponents;
     case TYP_CHASTR: return iso8824State.stringComponents;
     default: return {};
     }

@@ -15,7 +15,7 @@ namespace orvo {
 struct Iso8824State {
     std::string iso8824Module; // the text; one line
     // The associated types that the notation of today has of its own.
-    TNodeNr realComponents, externalComponents, pdvComponents, stringComponents;
+    TNodeNr realComponents, dataComponents, stringComponents;
 };
 extern Iso8824State iso8824State;
 

@@ -151,6 +151,11 @@ const Token& lookAhead(uint32_t n) {
     return tokenAt(at);
 }
 
+std::string_view nameOf(const Token& token) {
+    const bool isName = token.code == TOK_TYPEID || token.code == TOK_VALUEID;
+    return isName && token.stri() != 0 ? getStri(cMP, token.stri()) : std::string_view();
+}
+
 void insertToken(int32_t code, int32_t value) {
     if (parserState.MGStop) return;
     saveInp();

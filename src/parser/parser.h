@@ -69,6 +69,8 @@ void parse(int argc, char** argv);
 void ReadIn();
 /// The n-th token after the current one, 0 being the current one.
 const Token& lookAhead(uint32_t n);
+/// The text of a reference; empty for another token, and after a syntax error.
+std::string_view nameOf(const Token& token);
 /// Puts a token in front of the current one, with its line, and makes it current.
 void insertToken(int32_t code, int32_t value);
 /// Settles the current token where its role depends on what follows: a valueid before `<` becomes a

@@ -27,12 +27,11 @@ struct Assignment {
     VNodeNr firstValue;
 };
 
-/// Enters the name that is the current token in the symbol table; the symbol is that of the
-/// assignment being parsed. Returns its flags.
-uint8_t enterName() {
-    const Token& name = parserState.Inp;
-    const uint8_t parameterized = lookAhead(1).code == TOK_LBRACE ? SYM_PARAMETERIZED : 0;
-    parserState.formalList = updateSymbTab(name.stri(), parameterized, name.line);
+/// Enters the name of an assignment in the symbol table; the symbol is that of the assignment being
+/// parsed. Returns its flags.
+uint8_t enterName(const Token& name, bool parameterized) {
+    const uint8_t flags = parameterized ? SYM_PARAMETERIZED : 0;
+    parserState.formalList = updateSymbTab(name.stri(), flags, name.line);
     parserState.symbolList = {};
     return symAt(parserState.formalList).flags;
 }
@@ -107,22 +106,14 @@ void governingType(const Assignment& assignment) {
 /// ValueAssignment ::= valueid [ParameterList] Type `::=` Value
 void valueAssignment() {
     Assignment assignment;
-    if (buildsTree()) {
-        const Token name = parserState.Inp;
-        const uint8_t flags = enterName();
-        assignment.valueHead = addValHeadArc(name.stri(), flags, TNodeNr{}, name.line);
-        noteHeader(assignment);
-    }
+    assignment.valueHead = newValueHead(parserState.Inp, lookAhead(1).code == TOK_LBRACE);
+    noteHeader(assignment);
     ReadIn();
     MGR57ParameterList();
     governingType(assignment);
     expectToken(TOK_ASSIGN);
     attachFormals(assignment);
-    const DNodeNr text = MGR68OpenValue();
-    if (atValue(assignment.valueHead)) {
-        vNode.refMod = REF_DEFERRED;
-        vNode.ref = minusWord(text.nr);
-    }
+    assignedValue(assignment.valueHead);
     takeValueOptions(assignment.valueHead);
 }
 
@@ -161,12 +152,8 @@ void typeOrClassAssignment(const Assignment& assignment, const Token& name) {
 void typeAssignment() {
     Assignment assignment;
     const Token name = parserState.Inp;
-    if (buildsTree()) {
-        const uint8_t flags = enterName();
-        assignment.typeHead = addTypeHeadArc(name.stri(), flags, name.line);
-        noteHeader(assignment);
-        if (cMP->exportsState == 0 || (flags & SYM_EXPORTED) != 0) ++cMP->options.exportedTypes;
-    }
+    assignment.typeHead = newTypeHead(name, lookAhead(1).code == TOK_LBRACE);
+    noteHeader(assignment);
     ReadIn();
     MGR57ParameterList();
     atType(assignment.typeHead);
@@ -177,6 +164,26 @@ void typeAssignment() {
 }
 
 } // namespace
+
+VNodeNr newValueHead(const Token& name, bool parameterized) {
+    if (!buildsTree()) return {};
+    const uint8_t flags = enterName(name, parameterized);
+    return addValHeadArc(name.stri(), flags, TNodeNr{}, name.line);
+}
+
+TNodeNr newTypeHead(const Token& name, bool parameterized) {
+    if (!buildsTree()) return {};
+    const uint8_t flags = enterName(name, parameterized);
+    if (cMP->exportsState == 0 || (flags & SYM_EXPORTED) != 0) ++cMP->options.exportedTypes;
+    return addTypeHeadArc(name.stri(), flags, name.line);
+}
+
+void assignedValue(VNodeNr head) {
+    const DNodeNr text = MGR68OpenValue();
+    if (!atValue(head)) return;
+    vNode.refMod = REF_DEFERRED;
+    vNode.ref = minusWord(text.nr);
+}
 
 /// {Assignment}
 void parseAssignments() {

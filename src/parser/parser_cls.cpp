@@ -156,8 +156,7 @@ void literalFromKeyword() {
         rewriteToken(TOK_TYPEID, i64of(putStri(cMP, tokenName(code)).nr));
     else if (isLaterWord(code))
         rewriteToken(TOK_TYPEID, i64of(-code));
-    else if ((code >= firstReservedWord && code <= lastReservedWord) ||
-             (code >= firstTypeName && code <= lastTypeName))
+    else if (isReservedWord(code) || isOlderTypeName(code))
         rewriteToken(TOK_TYPEID, i64of(-code));
 }
 

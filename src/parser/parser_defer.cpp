@@ -134,9 +134,8 @@ constexpr TokenSet plainContents = {
 /// The tokens of deferred notation other than brackets: nearly all, but what ends an assignment, a
 /// clause or the notation around it. Type names begin types.
 bool isContents(int32_t code) {
-    const bool reserved = code >= firstReservedWord && code <= lastReservedWord;
     return plainContents.has(code) || code == TOK_REALNUMBER || isLaterWord(code) ||
-           (reserved && code != TOK_EXTENSIBILITY && code != TOK_IMPLIED);
+           (isReservedWord(code) && code != TOK_EXTENSIBILITY && code != TOK_IMPLIED);
 }
 
 } // namespace

@@ -21,11 +21,6 @@
 namespace orvo {
 namespace {
 
-std::string_view nameOf(const Token& token) {
-    const bool isName = token.code == TOK_TYPEID || token.code == TOK_VALUEID;
-    return isName && token.stri() != 0 ? getStri(cMP, token.stri()) : std::string_view();
-}
-
 /// Brackets of every kind that the current token opens, less those that it closes.
 int bracketsOf(int32_t code) {
     switch (code) {
@@ -67,7 +62,7 @@ bool isMacroValue() {
         return lookAhead(3).code == TOK_VALUEID &&
                (nameOf(lookAhead(3)) == "localValue" || nameOf(lookAhead(3)) == "globalValue");
     return behind == TOK_TYPEID || behind == TOK_VALUEID || behind == TOK_CSTRING ||
-           (behind >= firstReservedWord && behind <= lastReservedWord);
+           isReservedWord(behind);
 }
 
 /// T ::= MACRO WORD "text" ..., T ::= MACRO WORD name ...
@@ -134,20 +129,11 @@ void macroValue() {
         MGR68OpenValue();
         return;
     }
-    VNodeNr head;
-    if (buildsTree()) {
-        parserState.formalList = updateSymbTab(name.stri(), 0, name.line);
-        parserState.symbolList = {};
-        head =
-            addValHeadArc(name.stri(), symAt(parserState.formalList).flags, TNodeNr{}, name.line);
-    }
+    const VNodeNr head = newValueHead(name, false);
     const TNodeNr type = newTypeNode();
     setTypeCode(kind);
     if (atValue(head)) vNode.govType = type.nr;
-    const DNodeNr text = MGR68OpenValue();
-    if (!atValue(head)) return;
-    vNode.refMod = REF_DEFERRED;
-    vNode.ref = minusWord(text.nr);
+    assignedValue(head);
 }
 
 /// name `::=` MACRO ... SYNTAX Type
@@ -159,15 +145,7 @@ void macroType() {
     passOverTo({TOK_SYNTAX});
     if (!expectToken(TOK_SYNTAX)) return;
     const Restore own(parserState.openInst, static_cast<int16_t>(parserState.openInst + 1));
-    TNodeNr head;
-    if (buildsTree()) {
-        parserState.formalList = updateSymbTab(name.stri(), 0, name.line);
-        parserState.symbolList = {};
-        const uint8_t flags = symAt(parserState.formalList).flags;
-        head = addTypeHeadArc(name.stri(), flags, name.line);
-        if (cMP->exportsState == 0 || (flags & SYM_EXPORTED) != 0) ++cMP->options.exportedTypes;
-    }
-    atType(head);
+    atType(newTypeHead(name, false));
     MGR59Type();
 }
 
@@ -178,11 +156,12 @@ void passOverBrackets() {
     recordOnce(cMP, Msg::EncodingPassedOver, parserState.Inp.line, {});
     const Restore<bool> quiet(parserState.passingOver, true);
     int open = 0;
-    do {
-        if (parserState.Inp.code == TOK_EOF) return;
+    while (parserState.Inp.code != TOK_EOF) {
         open += bracketsOf(parserState.Inp.code);
+        parserState.passingOver = open > 0; // what is wrong behind the last one is wrong
         ReadIn();
-    } while (open > 0);
+        if (open <= 0) return;
+    }
 }
 
 } // namespace

@@ -28,18 +28,10 @@ bool isReference(int32_t code) {
 /// Published modules list words that need no import: `BIT`, `BMPString`.
 bool beginsWithReservedSymbol() {
     const int32_t code = parserState.Inp.code;
-    const bool isWord = (code >= firstReservedWord && code <= lastReservedWord) ||
-                        (code >= firstTypeName && code <= lastTypeName) ||
-                        (code >= firstLaterWord && code <= lastLaterWord);
+    const bool isWord = isReservedWord(code) || isOlderTypeName(code) || isLaterWord(code);
     const int32_t behind = lookAhead(1).code;
     return isWord && isLenient(cMP) && code != TOK_FROM && code != TOK_END &&
            (behind == TOK_COMMA || behind == TOK_FROM || behind == TOK_SEMICOLON);
-}
-
-/// The name that is the current token; empty for another token.
-std::string_view currentName() {
-    const Token& token = parserState.Inp;
-    return isReference(token.code) && token.stri() != 0 ? getStri(cMP, token.stri()) : "";
 }
 
 /// [(EXPLICIT | IMPLICIT | AUTOMATIC) TAGS]
@@ -66,7 +58,7 @@ void tagDefault() {
 /// [reference INSTRUCTIONS] of X.680 (02/2021) 13.1
 void encodingReferenceDefault() {
     if (parserState.Inp.code != TOK_TYPEID || lookAhead(1).code != TOK_INSTRUCTIONS) return;
-    cMP->otherInstructions = currentName() != "TAG";
+    cMP->otherInstructions = nameOf(parserState.Inp) != "TAG";
     ReadIn();
     ReadIn();
 }
@@ -135,7 +127,7 @@ void assignedIdentifier() {
 void selectionOption(int32_t module, bool hasIdentifier) {
     const uint32_t line = parserState.Inp.line;
     ReadIn();
-    const std::string_view word = currentName();
+    const std::string_view word = nameOf(parserState.Inp);
     if (word != "SUCCESSORS" && word != "DESCENDANTS") {
         MGError(notAllowed);
         return;
@@ -194,7 +186,10 @@ void MGR3ModuleDefinition() {
     exportsClause();
     importsClause();
     parseAssignments();
-    if (newNotation()) encodingControlSections();
+    if (newNotation()) {
+        encodingControlSections();
+        if (buildsTree()) settleImportedExports();
+    }
     expectToken(TOK_END);
 }
 

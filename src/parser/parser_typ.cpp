@@ -354,7 +354,7 @@ void takeOptions(TNodeNr node) {
 }
 
 bool isTypeName(int32_t code) {
-    return (code >= firstTypeName && code <= lastTypeName) || laterTypeCode(code) != TYP_NONE;
+    return isOlderTypeName(code) || laterTypeCode(code) != TYP_NONE;
 }
 
 bool beginsType(int32_t code) {

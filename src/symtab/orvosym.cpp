@@ -92,20 +92,6 @@ void append(SymTab& table, STabNr nr) {
     if (symbol.node != 0) table.byNode.try_emplace(symbol.node, nr);
 }
 
-/// Takes the symbols whose names another list has off a table.
-void removeNamesOf(SymTab& table, const SymTab& other) {
-    SymTab kept;
-    for (STabNr nr = table.first; nr;) {
-        const STabNr next{symAt(nr).next};
-        symAt(nr).next = 0;
-        if (!other.byName.contains(symAt(nr).name)) append(kept, nr);
-        nr = next;
-    }
-    kept.definedPrefixes = std::move(table.definedPrefixes);
-    kept.prefixLen = table.prefixLen;
-    table = std::move(kept);
-}
-
 std::string_view nameText(int32_t name) {
     return getStri(cMP, name);
 }
@@ -212,8 +198,17 @@ void handleSymbol(SymTab& list, int32_t name, uint8_t flags, uint32_t line) {
     append(list, nr);
 }
 
-void takeOffNames(SymTab& list, const SymTab& other) {
-    removeNamesOf(list, other);
+void removeNamesOf(SymTab& table, const SymTab& other) {
+    SymTab kept;
+    for (STabNr nr = table.first; nr;) {
+        const STabNr next{symAt(nr).next};
+        symAt(nr).next = 0;
+        if (!other.byName.contains(symAt(nr).name)) append(kept, nr);
+        nr = next;
+    }
+    kept.definedPrefixes = std::move(table.definedPrefixes);
+    kept.prefixLen = table.prefixLen;
+    table = std::move(kept);
 }
 
 void catSymTab(SymTab& dest, SymTab& src, uint8_t flag) {

@@ -41,8 +41,8 @@ STabNr createSymbTabRec(int32_t name, uint8_t flags, uint32_t line);
 /// added.
 void handleSymbol(SymTab& list, int32_t name, uint8_t flags, uint32_t line);
 
-/// Takes the symbols whose names another list has off a pending list.
-void takeOffNames(SymTab& list, const SymTab& other);
+/// Takes the symbols whose names another list has off a table or pending list.
+void removeNamesOf(SymTab& table, const SymTab& other);
 /// Moves a pending list to the end of a table, adding `flag` to each symbol. Symbols of the table
 /// that have the name of one of them are removed. `src` is empty afterwards.
 void catSymTab(SymTab& dest, SymTab& src, uint8_t flag);

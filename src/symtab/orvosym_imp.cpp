@@ -117,7 +117,7 @@ void handleImports(SymTab& symbolList, int32_t moduleName, bool hasAssignedId, u
     const bool isJoined = ref->state == 2; // with an earlier clause
     ref->state = 2;
     ref->line = line;
-    if (isJoined) takeOffNames(symbolList, ref->symbols);
+    if (isJoined) removeNamesOf(symbolList, ref->symbols);
     catSymTab(ref->symbols, symbolList, SYM_IMPORTED);
     indexImported(*ref);
     if (hasAssignedId && !ref->value) ref->value = nextRec<KIND_VNODE>(cMP);
@@ -137,6 +137,20 @@ void handleExtRef(int32_t& moduleRef, int32_t name, uint32_t line) {
     SymTab entered;
     handleSymbol(entered, name, 0, line);
     catSymTab(*list, entered, 0);
+}
+
+void settleImportedExports() {
+    SymTab handedOn;
+    for (STabNr nr = cMP->symTab.first; nr; nr = STabNr{symAt(nr).next}) {
+        const STabRec& symbol = symAt(nr);
+        const auto found = cMP->modRefs.imported.find(symbol.name);
+        if (symbol.node != 0 || (symbol.flags & SYM_EXPORTED) == 0 ||
+            found == cMP->modRefs.imported.end())
+            continue;
+        symAt(found->second.front().second).flags |= SYM_EXPORTED;
+        handedOn.byName.try_emplace(symbol.name, nr);
+    }
+    if (!handedOn.byName.empty()) removeNamesOf(cMP->symTab, handedOn);
 }
 
 uint32_t findImplImport(ModuleRec* module, ModuleRec* target) {
@@ -200,8 +214,8 @@ struct Definition {
 /// names (X.680 (02/2021) 13.12).
 bool reexports(ModuleRec* module, int32_t number, int32_t name, uint32_t line) {
     if (module->exportsState == 0) return true;
-    const STabNr listed = findSymbol(module->symTab, number);
-    if (listed && (symAt(listed).flags & SYM_EXPORTED) != 0) return true;
+    const STabNr imported = module->modRefs.imported.at(number).front().second;
+    if ((symAt(imported).flags & SYM_EXPORTED) != 0) return true;
     if (!isLenient(cMP)) return false;
     recordOnce(cMP, Msg::ImportedNotExported, line, getStri(cMP, name));
     return true;

@@ -37,6 +37,9 @@ void dropModRefsFrom(ModuleRec* module, uint32_t number);
 
 /// Can be imported from: it has a syntax tree and exports something.
 bool isExporter(const ModuleRec* module);
+/// Lets the symbols that the current module exports but does not define be those that it imports
+/// (X.680 (02/2021) 13.12).
+void settleImportedExports();
 /// The symbols of a reference count as known: its module has no definitions to look at.
 void markUnread(ModRef& ref);
 /// Makes a reference lead to no module: what it names cannot be used.

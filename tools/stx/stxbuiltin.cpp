@@ -148,46 +148,31 @@ constexpr uint32_t firstHead = 13;
 constexpr uint32_t kinds = 41, laterKinds = 50;
 constexpr Row laterKind = {"UTF8String", TYP_SYNONYM, TCS_HEADER, 130, 51, -1, 0}; // 42
 constexpr Row laterRows[] = {
-    {"__UTF8String", TYP_UNISTR, TCS_HEADER, 0, 131, TAG_UNIVERSAL, 12}, // 130
-    {"REAL_COMPONENTS", TYP_SEQ, TCS_HEADER, 132, 135, -1, 0},           // 131
-    {"-mantissa", TYP_INTEGER, TCS_MANDATORY, 0, 133, -1, 0},            // 132
-    {"-base", TYP_INTEGER, TCS_MANDATORY, 0, 134, -1, 0},                // 133
-    {"-exponent", TYP_INTEGER, TCS_MANDATORY, 0, 0, -1, 0},              // 134
+    {"__UTF8String", TYP_UNISTR, TCS_HEADER, 0, 131, TAG_UNIVERSAL, 12},              // 130
+    {"REAL_COMPONENTS", TYP_SEQ, TCS_HEADER, 132, 135, -1, 0},                        // 131
+    {"-mantissa", TYP_INTEGER, TCS_MANDATORY, 0, 133, -1, 0},                         // 132
+    {"-base", TYP_INTEGER, TCS_MANDATORY, 0, 134, -1, 0},                             // 133
+    {"-exponent", TYP_INTEGER, TCS_MANDATORY, 0, 0, -1, 0},                           // 134
+    {"PRESENTATION", TYP_CHOICE, TCS_HEADER, 136, 146, -1, 0},                        // 135
+    {"-syntaxes", TYP_SEQ, TCS_CHOICE, 137, 139, TAG_CONTEXT, 0},                     // 136
+    {"-abstract", TYP_OBJID, TCS_MANDATORY, 0, 138, TAG_CONTEXT, 0},                  // 137
+    {"-transfer", TYP_OBJID, TCS_MANDATORY, 0, 0, TAG_CONTEXT, 1},                    // 138
+    {"-syntax", TYP_OBJID, TCS_CHOICE, 0, 140, TAG_CONTEXT, 1},                       // 139
+    {"-presentation_context_id", TYP_INTEGER, TCS_CHOICE, 0, 141, TAG_CONTEXT, 2},    // 140
+    {"-context_negotiation", TYP_SEQ, TCS_CHOICE, 142, 144, TAG_CONTEXT, 3},          // 141
+    {"-presentation_context_id", TYP_INTEGER, TCS_MANDATORY, 0, 143, TAG_CONTEXT, 0}, // 142
+    {"-transfer_syntax", TYP_OBJID, TCS_MANDATORY, 0, 0, TAG_CONTEXT, 1},             // 143
+    {"-transfer_syntax", TYP_OBJID, TCS_CHOICE, 0, 145, TAG_CONTEXT, 4},              // 144
+    {"-fixed", TYP_NULL, TCS_CHOICE, 0, 0, TAG_CONTEXT, 5},                           // 145
+    {"DATA_COMPONENTS", TYP_SEQ, TCS_HEADER, 147, 150, -1, 0},                        // 146
+    {"-identification", TYP_SYNONYM, TCS_MANDATORY, 135, 148, TAG_CONTEXT, 0},        // 147
+    {"-data_value_descriptor", TYP_SYNONYM, TCS_OPTIONAL, 51, 149, TAG_CONTEXT, 1},   // 148
+    {"-data_value", TYP_OCTSTR, TCS_MANDATORY, 0, 0, TAG_CONTEXT, 2},                 // 149
+    {"STRING_COMPONENTS", TYP_SEQ, TCS_HEADER, 151, 0, -1, 0},                        // 150
+    {"-identification", TYP_SYNONYM, TCS_MANDATORY, 135, 152, TAG_CONTEXT, 0},        // 151
+    {"-data_value_descriptor", TYP_SYNONYM, TCS_OPTIONAL, 51, 153, TAG_CONTEXT, 1},   // 152
+    {"-string_value", TYP_OCTSTR, TCS_MANDATORY, 0, 0, TAG_CONTEXT, 2},               // 153
 };
-
-// What the later kinds of EXTERNAL and its likes are made of, numbered from their first record; the
-// descriptor refers to ObjectDescriptor.
-constexpr uint8_t objectDescriptor = 51;
-constexpr Row presentation[] = {
-    {"", TYP_SEQ, TCS_HEADER, 1, 14, -1, 0}, // 0, the name is that of the kind
-    {"-identification", TYP_CHOICE, TCS_MANDATORY, 2, 12, TAG_CONTEXT, 0},          // 1
-    {"-syntaxes", TYP_SEQ, TCS_CHOICE, 3, 5, TAG_CONTEXT, 0},                       // 2
-    {"-abstract", TYP_OBJID, TCS_MANDATORY, 0, 4, TAG_CONTEXT, 0},                  // 3
-    {"-transfer", TYP_OBJID, TCS_MANDATORY, 0, 0, TAG_CONTEXT, 1},                  // 4
-    {"-syntax", TYP_OBJID, TCS_CHOICE, 0, 6, TAG_CONTEXT, 1},                       // 5
-    {"-presentation_context_id", TYP_INTEGER, TCS_CHOICE, 0, 7, TAG_CONTEXT, 2},    // 6
-    {"-context_negotiation", TYP_SEQ, TCS_CHOICE, 8, 10, TAG_CONTEXT, 3},           // 7
-    {"-presentation_context_id", TYP_INTEGER, TCS_MANDATORY, 0, 9, TAG_CONTEXT, 0}, // 8
-    {"-transfer_syntax", TYP_OBJID, TCS_MANDATORY, 0, 0, TAG_CONTEXT, 1},           // 9
-    {"-transfer_syntax", TYP_OBJID, TCS_CHOICE, 0, 11, TAG_CONTEXT, 4},             // 10
-    {"-fixed", TYP_NULL, TCS_CHOICE, 0, 0, TAG_CONTEXT, 5},                         // 11
-    {"-data_value_descriptor", TYP_SYNONYM, TCS_OPTIONAL, 0, 13, TAG_CONTEXT, 1},   // 12
-    {"", TYP_OCTSTR, TCS_MANDATORY, 0, 0, TAG_CONTEXT, 2}, // 13, named by the kind
-};
-
-void addPresentation(std::vector<Row>& all, const char* name, const char* data, bool last) {
-    const auto first = static_cast<uint8_t>(all.size() + 1);
-    for (Row row : presentation) {
-        if (row.ref != 0) row.ref = static_cast<uint8_t>(row.ref + first);
-        if (row.next != 0) row.next = static_cast<uint8_t>(row.next + first);
-        all.push_back(row);
-    }
-    Row& head = all[first - 1U];
-    head.name = name;
-    if (last) head.next = 0;
-    all[all.size() - 2].ref = objectDescriptor;
-    all.back().name = data;
-}
 
 std::vector<Row> rowsOf(bool later) {
     std::vector<Row> all(std::begin(rows), std::end(rows));
@@ -205,9 +190,6 @@ std::vector<Row> rowsOf(bool later) {
     all.insert(all.begin() + kinds, laterKinds - kinds, {"", TYP_NONE, TCS_MANDATORY, 0, 0, -1, 0});
     all[kinds] = laterKind;
     all.insert(all.end(), std::begin(laterRows), std::end(laterRows));
-    addPresentation(all, "EXTERNAL_COMPONENTS", "-data_value", false);
-    addPresentation(all, "EMBEDDED_PDV_COMPONENTS", "-data_value", false);
-    addPresentation(all, "CHARACTER_STRING_COMPONENTS", "-string_value", true);
     return all;
 }
 
