@@ -35,7 +35,8 @@ consteval CharTable makeCharTable() {
     add('0', '9', CHAR_DIGIT);
     add('\t', '\r', CHAR_SPACE); // tab, line feed, vertical tab, form feed, carriage return
     add(' ', ' ', CHAR_SPACE);
-    for (const int c : {'\0', '\n', '$', '-', '\v', '\f'}) add(c, c, CHAR_COMMENT);
+    add('\n', '\r', CHAR_LINE_END);
+    for (const int c : {'\0', '\n', '$', '-'}) add(c, c, CHAR_COMMENT);
     return table;
 }
 
@@ -95,9 +96,14 @@ std::string_view rewriteName(const char* from, const char* end) {
 bool readsUnderscores() {
     return isLenient(cMP);
 }
-void noteUnderscores(std::string_view name) {
-    if (readsUnderscores() && name.find('_') != name.npos)
-        recordOnce(cMP, Msg::UnderscoreInName, lexState.LineNumb, name);
+
+/// A name that goes on with the underscore at `at`.
+std::string_view readUnderscoreName(const char* from, const char* at) {
+    while (isChar(*at, CHAR_NAME) || *at == '_' || (*at == '-' && isChar(at[1], CHAR_NAME))) ++at;
+    lexState.Inp = at;
+    const std::string_view name = rewriteName(from, at);
+    recordOnce(cMP, Msg::UnderscoreInName, lexState.LineNumb, {from, name.size()});
+    return name;
 }
 
 /// Reads a name at the current character. A hyphen belongs to it only before a letter or digit, so
@@ -108,12 +114,12 @@ std::string_view readRef() {
     bool hyphens = false;
     for (;; hyphens = true, ++at) {
         while (isChar(*at, CHAR_NAME)) ++at;
-        if (*at == '_' && readsUnderscores()) continue;
         if (*at != '-' || !isChar(at[1], CHAR_NAME)) break;
     }
     lexState.Inp = at;
+    if (*at == '_' && readsUnderscores()) [[unlikely]]
+        return readUnderscoreName(from, at);
     const auto length = static_cast<size_t>(at - from);
-    if (hyphens) noteUnderscores({from, length});
     if (hyphens || length > maxIdentifierLength) return rewriteName(from, at);
     return {from, length};
 }
@@ -150,12 +156,20 @@ int32_t searchRange(const LetterIndex& index, std::string_view name) {
     return found != end && *found == name ? static_cast<int32_t>(found - gMGTabInp) : -1;
 }
 
+/// The name from `from` to the current character is a reserved word but for its underscores.
+bool onlyLooksReserved(const char* from) {
+    return readsUnderscores() &&
+           std::string_view(from, lexState.Inp).find('_') != std::string_view::npos;
+}
+
 int32_t readName() {
-    const bool isTypeName = isChar(*lexState.Inp, CHAR_UPPER);
+    const char* const from = lexState.Inp;
+    const bool isTypeName = isChar(*from, CHAR_UPPER);
     const std::string_view name = readRef();
     if (isTypeName) {
         const int32_t keyword = searchKeywords(name);
-        if (keyword >= 0) return keyword;
+        const bool asWritten = name.data() == from;
+        if (keyword >= 0 && (asWritten || !onlyLooksReserved(from))) return keyword;
     }
     const int32_t stri = internText(name);
     lexState.Outp->setStri(isTypeName ? stri : -stri);
@@ -169,12 +183,12 @@ void installNumber(std::string_view digits) {
     }
     I64& value = lexState.Outp->value;
     const bool fits = digits.size() <= maxNumberDigits && i64strtosint64(digits, value);
-    if (!fits) value = i64max();
-    if (newNotation()) {
-        if (!fits) lexState.Outp->text = internText(digits);
-        return;
-    }
-    if (i64ismax(value)) noteLexError(Msg::TooManyDigits);
+    if (fits && !i64ismax(value)) return;
+    value = i64max();
+    if (!newNotation())
+        noteLexError(Msg::TooManyDigits);
+    else if (!fits)
+        lexState.Outp->text = internText(digits);
 }
 
 const char* skipDigits(const char* at) {
@@ -182,29 +196,35 @@ const char* skipDigits(const char* at) {
     return at;
 }
 
+/// The digits of the exponent that begins with the letter at `at`; null when none does.
+const char* exponentDigits(const char* at) {
+    if (*at != 'e' && *at != 'E') return nullptr;
+    at += at[1] == '-' || at[1] == '+' ? 2 : 1;
+    return isChar(*at, CHAR_DIGIT) ? at : nullptr;
+}
+
 /// The end of a real number whose integer part ends at `at`; `at` when it is a number. The point of
 /// `1..5`, `1.id` and `1.&Field` belongs to what follows (X.680 (02/2021) 12.9).
 const char* endOfReal(const char* at) {
-    if (*at == '.' && at[1] != '.' && at[1] != '&' && !isChar(at[1], CHAR_LETTER))
-        at = skipDigits(at + 1);
-    if (*at != 'e' && *at != 'E') return at;
-    const char* exponent = at + 1;
-    if (*exponent == '-' || *exponent == '+') ++exponent;
-    return isChar(*exponent, CHAR_DIGIT) ? skipDigits(exponent) : at;
+    const bool isName = isChar(at[1], CHAR_LETTER) && exponentDigits(at + 1) == nullptr;
+    if (*at == '.' && at[1] != '.' && at[1] != '&' && !isName) at = skipDigits(at + 1);
+    const char* const digits = exponentDigits(at);
+    if (digits == nullptr) return at;
+    if (digits[0] == '0' && isChar(digits[1], CHAR_DIGIT)) noteLexError(Msg::LeadingZeroesIn);
+    return skipDigits(digits);
 }
 
 int32_t realNumber(const char* from, const char* end) {
     lexState.Inp = end;
-    if (from[0] == '0' && isChar(from[1], CHAR_DIGIT)) noteLexError(Msg::LeadingZeroesIn);
     lexState.Outp->text = internText({from, static_cast<size_t>(end - from)});
     return TOK_REALNUMBER;
 }
 
 int32_t readNumber() {
     const char* const from = lexState.Inp;
-    const char* at = from;
-    while (isChar(*at, CHAR_DIGIT)) ++at;
-    if (newNotation())
+    const char* const at = skipDigits(from);
+    const bool mayBeReal = *at == '.' || *at == 'e' || *at == 'E';
+    if (mayBeReal && newNotation())
         if (const char* const end = endOfReal(at); end != at) return realNumber(from, end);
     lexState.Inp = at;
     installNumber({from, static_cast<size_t>(at - from)});
@@ -276,12 +296,11 @@ int32_t readBlockComment() {
     } while (open != 0);
     lexState.Inp = at;
     if (open == 0) return -1;
-    noteLexError(Msg::InvalidEndCharacterIn);
+    lexState.Outp->lexError =
+        static_cast<int32_t>(Msg::InvalidEndCharacterIn); // whatever was noted
     lexState.Outp->line = line;
     return TOK_EOF;
 }
-
-constexpr std::string_view noBreakSpace = "\xC2\xA0";
 
 /// What only notation of today knows; -1 when there was no token.
 int32_t readLaterSymbol() {

@@ -53,9 +53,10 @@ enum CharClass : uint8_t {
     CHAR_UPPER = 1,
     CHAR_LOWER = 2,
     CHAR_DIGIT = 4,
-    CHAR_SPACE = 8,    // white space, line ends included
-    CHAR_PRINT = 16,   // printable, the blank included
-    CHAR_COMMENT = 32, // a comment is not skipped over it blindly
+    CHAR_SPACE = 8,     // white space, line ends included
+    CHAR_PRINT = 16,    // printable, the blank included
+    CHAR_COMMENT = 32,  // a comment is not skipped over it blindly
+    CHAR_LINE_END = 64, // line feed, vertical tab, form feed, carriage return
     CHAR_LETTER = CHAR_UPPER | CHAR_LOWER,
     CHAR_NAME = CHAR_LETTER | CHAR_DIGIT,
 };
@@ -75,6 +76,9 @@ inline bool isBadChar(char c) {
 inline bool atEnd(const char* at) {
     return *at == '\0' && at == lexState.end;
 }
+
+/// White space of sources that are read as UTF-8.
+inline constexpr std::string_view noBreakSpace = "\xC2\xA0";
 
 /// Notes a lexical error in the token under construction. The first one stays, but
 /// LexicalErrorBefore, LeadingZeroesIn and TooManyDigits replace it.

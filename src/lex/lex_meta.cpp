@@ -123,14 +123,13 @@ bool getMetaCmd() {
 
 void skipComment() {
     const bool commands = cMP->parseState != PARSE_ERROR;
-    const bool newLines = newNotation();
+    const unsigned lineEnd = newNotation() ? unsigned{CHAR_LINE_END} : 0U;
     for (;; ++lexState.Inp) {
-        while (!isChar(*lexState.Inp, CHAR_COMMENT)) ++lexState.Inp;
+        while (!isChar(*lexState.Inp, CHAR_COMMENT | lineEnd)) ++lexState.Inp;
         while (commands && *lexState.Inp == '$')
             if (getMetaCmd()) return;
         const char* const at = lexState.Inp;
-        if (*at == '\n' || atEnd(at)) return;
-        if (newLines && (*at == '\v' || *at == '\f')) return;
+        if (*at == '\n' || isChar(*at, lineEnd) || atEnd(at)) return;
         if (*at == '-' && at[1] == '-') break;
     }
     lexState.Inp += 2;

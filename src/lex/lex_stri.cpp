@@ -71,19 +71,28 @@ void checkStri(std::string_view allowed) {
     }
 }
 
+/// Length of the white space at a place of strBuf; 0 when there is none.
+size_t spaceAt(size_t at) {
+    const std::string_view rest = std::string_view(lexState.strBuf).substr(at);
+    if (rest.starts_with(noBreakSpace)) return noBreakSpace.size();
+    return !rest.empty() && isChar(rest[0], CHAR_SPACE) ? 1 : 0;
+}
+
 /// A line end in a cstring, with the white space around it, is none of its characters
 /// (X.680 (02/2021) 12.14.1).
 void dropLineEnds() {
     std::string& text = lexState.strBuf;
-    if (text.find_first_of("\n\v\f") == text.npos) return;
     std::string kept;
     for (size_t at = 0; at < text.size();) {
-        const size_t end = std::min(text.find_first_not_of(" \t\r\n\v\f", at), text.size());
-        const std::string_view space = std::string_view(text).substr(at, end - at);
-        if (space.find_first_of("\n\v\f") == space.npos) kept += space;
-        const size_t next = std::min(text.find_first_of(" \t\r\n\v\f", end), text.size());
-        kept.append(text, end, next - end);
-        at = next;
+        size_t end = at;
+        bool isLineEnd = false;
+        for (size_t length = spaceAt(end); length != 0; length = spaceAt(end)) {
+            isLineEnd |= isChar(text[end], CHAR_LINE_END);
+            end += length;
+        }
+        if (end == at) ++end; // a character
+        if (!isLineEnd) kept.append(text, at, end - at);
+        at = end;
     }
     text = std::move(kept);
 }
@@ -93,21 +102,34 @@ void checkUtf8() {
     std::string& text = lexState.strBuf;
     for (size_t at = 0; at < text.size();) {
         const size_t length = utf8Length(std::string_view(text).substr(at));
-        if (length > 1 || (length == 1 && isText(text, at))) {
+        const bool isControl = length == 2 && text[at] == '\xC2' && text[at + 1] < '\xA0';
+        if ((length > 1 && !isControl) || (length == 1 && isText(text, at))) {
             at += length;
             continue;
         }
         noteLexError(Msg::InvalidCharacterIn);
-        text[at++] = '~';
+        for (const size_t end = at + std::max(length, size_t{1}); at < end; ++at) text[at] = '~';
     }
 }
 
 int32_t readLaterCString() {
     readStri('"', false);
-    checkUtf8();
     dropLineEnds();
+    checkUtf8();
     lexState.Outp->setStri(internText(lexState.strBuf));
     return TOK_CSTRING;
+}
+
+void dropNoBreakSpaces() {
+    std::string& text = lexState.strBuf;
+    size_t kept = 0;
+    for (size_t at = 0; at < text.size();) {
+        if (std::string_view(text).substr(at).starts_with(noBreakSpace))
+            at += noBreakSpace.size();
+        else
+            text[kept++] = text[at++];
+    }
+    text.resize(kept);
 }
 
 } // namespace
@@ -122,6 +144,7 @@ int32_t readCString() {
 
 int32_t readBinaryString() {
     readStri('\'', true);
+    if (newNotation()) dropNoBreakSpaces();
     const bool isBits = *lexState.Inp == 'B';
     checkStri(isBits ? "01" : "0123456789ABCDEF");
     lexState.Outp->setStri(internText(lexState.strBuf));

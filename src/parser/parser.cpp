@@ -37,6 +37,11 @@ TokNr following(TokNr at) {
     return TokNr{tokenAt(at).next};
 }
 
+/// The text ends in a comment that is not closed.
+bool endsInComment(const Token& token) {
+    return token.code == TOK_EOF && lexicalError(token.lexError) == Msg::InvalidEndCharacterIn;
+}
+
 /// A comment that is not closed hides the rest of the module: nothing is said of that.
 void openComment(Token& token) {
     recordError(cMP, ERR_SYNTAX, lexicalError(token.lexError), token.line, "/*");
@@ -51,8 +56,7 @@ void openComment(Token& token) {
 /// to the front.
 void loadInp() {
     Token& token = tokenAt(inputList().first);
-    if (token.code == TOK_EOF && lexicalError(token.lexError) == Msg::InvalidEndCharacterIn)
-        return openComment(token);
+    if (endsInComment(token)) return openComment(token);
     if (token.lexError != 0 && !parserState.passingOver) {
         const Msg code = lexicalError(token.lexError);
         recordError(cMP, code == Msg::NameTooLong ? ERR_WARNING : ERR_SYNTAX, code, token.line,
@@ -112,7 +116,9 @@ void parse(int argc, char** argv) {
     NextToken(inputList());
     readModuleOptions(argc, argv);
     inp() = tokenAt(inputList().first);
-    if (inp().code == TOK_TYPEID) {
+    if (endsInComment(inp())) {
+        openComment(tokenAt(inputList().first));
+    } else if (inp().code == TOK_TYPEID) {
         parseModule();
     } else {
         MGError(TOK_TYPEID);
