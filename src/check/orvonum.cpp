@@ -123,19 +123,31 @@ RealText realOfText(std::string_view text, bool isNegative, RealVal& real) {
         const int64_t power = written.empty() ? 0 : std::stoll(std::string(written));
         exponent += isDown ? -power : power;
     }
+    if (isNegative) digits.insert(0, "-");
     I64 mantissa;
-    if (digits.size() > maxNumberDigits || !i64strtosint64(digits, mantissa))
-        return RealText::LongMantissa;
+    if (!i64strtosint64(digits, mantissa)) return RealText::LongMantissa;
     if (exponent < INT16_MIN || exponent > INT16_MAX) return RealText::LongExponent;
-    if (isNegative) mantissa = i64neg(mantissa);
     makeRealVal(real, mantissa, 10, static_cast<int16_t>(exponent));
     return RealText::Exact;
 }
 
+namespace {
+
+/// What is no number lies beyond all numbers; minus zero lies just below zero.
+int rankOfSpecial(const RealVal& real) {
+    if (!isSpecialRealVal(real)) return 0;
+    const int32_t code = getSpecialRealVal(real);
+    return code == REAL_NOT_A_NUMBER ? 1 : code == REAL_MINUS_ZERO ? -1 : 0;
+}
+
+} // namespace
+
 int compareReal(const RealVal& a, const RealVal& b) {
+    const int rankA = rankOfSpecial(a), rankB = rankOfSpecial(b);
+    if (rankA == 1 || rankB == 1) return rankA == rankB ? 0 : rankA == 1 ? 1 : -1;
     const double left = retRealVal(a);
     const double right = retRealVal(b);
-    return left < right ? -1 : left > right ? 1 : 0;
+    return left < right ? -1 : left > right ? 1 : rankA - rankB;
 }
 
 void fixNegative(I64& number, uint32_t line) {

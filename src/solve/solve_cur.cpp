@@ -61,7 +61,7 @@ bool deferNotation(uint32_t& count, Cause& cause) {
     case TOK_LBRACE: return deferBraces(count);
     case TOK_MINUS:
         ++count;
-        if (advance() && curCode() == TOK_NUMBER) return true;
+        if (advance() && (curCode() == TOK_NUMBER || curCode() == TOK_REALNUMBER)) return true;
         cause.set(tokenExpected(TOK_NUMBER));
         return false;
     case TOK_MODULEID:

@@ -168,7 +168,9 @@ bool parseIntegerValue(I64& value) {
     if (curCode() != TOK_MINUS || !advance() || curCode() != TOK_NUMBER) return false;
     value = curToken().value;
     const InstContext* instance = instContext();
-    if (value == I64{} && instance != nullptr)
+    if (curToken().text != 0)
+        value = i64min(); // saturated, or just so
+    else if (value == I64{} && instance != nullptr)
         recordError2(invalidValue(TYP_INTEGER), {}, instance->line);
     else
         fixNegative(value, curToken().line);
@@ -177,8 +179,10 @@ bool parseIntegerValue(I64& value) {
 
 namespace {
 
-/// One component of { mantissa m, base b, exponent e } with the separator behind it.
-bool parseRealValComp(std::string_view identifier, int32_t separator, I64& value, Cause& cause) {
+/// One component of { mantissa m, base b, exponent e } with the separator behind it. A number
+/// beyond 64 bits is noted in `beyond`.
+bool parseRealValComp(std::string_view identifier, int32_t separator, I64& value,
+                      std::string& beyond, Cause& cause) {
     if (!advance()) return false;
     if (cMP->options.standardVersion != 1990) {
         if (curCode() != TOK_VALUEID || getStri(cMP, curToken().stri()) != identifier) {
@@ -188,6 +192,7 @@ bool parseRealValComp(std::string_view identifier, int32_t separator, I64& value
         if (!advance()) return false;
     }
     if (!parseIntegerValue(value)) return false;
+    if (curToken().text != 0) beyond = getStri(cMP, curToken().text);
     if (!advance() || curCode() != separator) {
         cause.set(tokenExpected(separator));
         return false;
@@ -211,6 +216,10 @@ bool parsePlainReal(RealVal& real) {
         makeSpecialRealVal(real, REAL_ZERO);
     }
     return true;
+}
+
+bool isRealBase(I64 base) {
+    return i64native(base) == 2 || i64native(base) == 10;
 }
 
 /// Narrows a component of a REAL that was found in range.
@@ -243,14 +252,19 @@ bool parseRealValue(RealVal& real, Cause& cause) {
     I64 mantissa;
     I64 base;
     I64 exponent;
-    if (!parseRealValComp("mantissa", TOK_COMMA, mantissa, cause) ||
-        !parseRealValComp("base", TOK_COMMA, base, cause) ||
-        !parseRealValComp("exponent", TOK_RBRACE, exponent, cause))
+    std::string beyond;
+    if (!parseRealValComp("mantissa", TOK_COMMA, mantissa, beyond, cause) ||
+        !parseRealValComp("base", TOK_COMMA, base, beyond, cause) ||
+        !parseRealValComp("exponent", TOK_RBRACE, exponent, beyond, cause))
         return false;
     const int64_t power = i64native(exponent);
-    if (mantissa != I64{} && (i64native(base) == 2 || i64native(base) == 10) &&
-        power >= INT16_MIN && power <= INT16_MAX) {
+    if (!beyond.empty()) {
+        recordError2(Msg::RealBeyondLimits, {}, vNode.line, beyond);
+        makeSpecialRealVal(real, REAL_ZERO);
+    } else if (mantissa != I64{} && isRealBase(base) && power >= INT16_MIN && power <= INT16_MAX) {
         makeRealVal(real, mantissa, i64toi16(base), i64toi16(exponent));
+    } else if (newNotation() && mantissa == I64{} && isRealBase(base)) {
+        makeSpecialRealVal(real, REAL_ZERO); // excluded by the associated type of older editions
     } else {
         recordError2(invalidValue(TYP_REAL), {}, vNode.line);
         makeSpecialRealVal(real, REAL_ZERO);

@@ -75,6 +75,8 @@ void writeReal(Writer& writer, const VNode& node) {
     if (node.base == -1) {
         writer.out += node.number == -2   ? "PLUS-INFINITY"
                       : node.number == -1 ? "MINUS-INFINITY"
+                      : node.number == -3 ? "NOT-A-NUMBER"
+                      : node.number == -4 ? "-0"
                                           : "0";
         return;
     }

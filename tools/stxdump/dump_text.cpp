@@ -77,6 +77,8 @@ std::string payloadText(const Tree& tree, uint32_t nr, const Field& field) {
                (node.base != -1     ? ""
                 : node.number == -2 ? " (PLUS-INFINITY)"
                 : node.number == -1 ? " (MINUS-INFINITY)"
+                : node.number == -3 ? " (NOT-A-NUMBER)"
+                : node.number == -4 ? " (minus zero)"
                                     : " (zero)");
     default: break;
     }
