@@ -17,6 +17,7 @@
 #include "lex/orvotok.h"
 #include "tree/orvoutil_find.h"
 #include "util/ascii.h"
+#include "util/utf8.h"
 
 namespace orvo {
 
@@ -37,8 +38,9 @@ bool isSegmentList(const VNode& value) {
 }
 
 uint32_t leafLength(const VNode& leaf) {
-    const bool isString =
-        is(leaf.valCode, TypeClass::Bits) || is(leaf.valCode, TypeClass::StringGroup);
+    const bool isString = is(leaf.valCode, TypeClass::Bits) ||
+                          is(leaf.valCode, TypeClass::StringGroup) ||
+                          is(leaf.valCode, TypeClass::Quoted);
     return isString ? leaf.val.str.striLen : 0;
 }
 
@@ -104,6 +106,12 @@ void appendLeaf(ModuleRec* module, const VNode& leaf, std::u32string& chars) {
         for (const char16_t c : getStri16(module, leaf.val.str.stri).substr(0, length)) chars += c;
         break;
     case TYP_UNISTR: chars += getStri32(module, leaf.val.str.stri).substr(0, length); break;
+    case TYP_UTF8STR:
+        if (leaf.val.str.stri == scratchStri)
+            chars += tempChar32[0];
+        else
+            chars += fromUtf8(getStri(module, int64_t{leaf.val.str.stri}));
+        break;
     default:
         for (const char c : getStri(module, int64_t{leaf.val.str.stri}).substr(0, length))
             chars += static_cast<unsigned char>(c);

@@ -212,6 +212,7 @@ bool isOfKind(const CheckedValue& value) {
     if (kind == TYP_ENUM) return valCode == TYP_INTEGER;
     if (is(kind, TypeClass::Bits)) return is(valCode, TypeClass::Bits);
     const bool mayDiffer = value.isReference || value.isCharacter;
+    if (mayDiffer && is(kind, TypeClass::Time) && is(valCode, TypeClass::Time)) return true;
     return mayDiffer && is(kind, TypeClass::StringGroup) && is(valCode, TypeClass::StringGroup);
 }
 

@@ -51,7 +51,7 @@ bool isSimple(uint8_t kind) {
     case TYP_ENUM:
     case TYP_REAL:
     case TYP_OBJID: return true;
-    default: return is(kind, TypeClass::Text);
+    default: return is(kind, TypeClass::Text) || is(kind, TypeClass::Quoted);
     }
 }
 
@@ -269,6 +269,8 @@ bool valSingleValue(const CheckedValue& value) {
     if (is(kind, TypeClass::Bits) && is(operand.rec.valCode, TypeClass::Bits))
         return equalBits(value, operand);
     if (is(kind, TypeClass::StringGroup) && isSameWidth(kind, operand.rec.valCode))
+        operand.rec.valCode = kind;
+    if (is(kind, TypeClass::Time) && is(operand.rec.valCode, TypeClass::Time))
         operand.rec.valCode = kind;
     return kind == operand.rec.valCode &&
            compareValue(value.module, value.rec, operand.module, operand.rec) == 0;

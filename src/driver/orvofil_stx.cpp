@@ -72,10 +72,12 @@ std::span<const uint8_t> valueUnits(uint8_t valCode) {
     switch (valCode) {
     case TYP_BOOLEAN: return booleUnits;
     case TYP_REAL: return realUnits;
-    case TYP_OBJID: return striUnits; // the arcs, as a string
+    case TYP_OBJID:
+    case TYP_RELOID: return striUnits; // the arcs, as a string
     default: break;
     }
-    const bool isString = is(valCode, TypeClass::Bits) || is(valCode, TypeClass::StringGroup);
+    const bool isString = is(valCode, TypeClass::Bits) || is(valCode, TypeClass::StringGroup) ||
+                          is(valCode, TypeClass::Quoted);
     return isString ? striUnits : std::span<const uint8_t>();
 }
 

@@ -146,15 +146,9 @@ Msg parseBuiltinValue(Cause& cause) {
     case TYP_TYPE_ID:
     case TYP_ABSTR_STX: return parseObject(kind, cause);
     case TYP_RELOID: ok = parseRelativeOidValue(cause); break;
-    case TYP_OIDIRI:
-    case TYP_RELOIDIRI:
-    case TYP_TIME:
-    case TYP_DATE:
-    case TYP_TIMEOFDAY:
-    case TYP_DATETIME:
-    case TYP_DURATION: ok = parseTextValue(kind); break;
     default:
         if (is(kind, TypeClass::Text)) ok = parseCharStringValue(kind, cause);
+        if (is(kind, TypeClass::Quoted)) ok = parseTextValue(kind, cause);
         break;
     }
     return ok ? Msg::None : valueSyntax(kind);

@@ -41,6 +41,6 @@ Msg parseDefinedValue(bool parsAndFields, Cause& cause);
 // ---- solve_val_stri -----------------------------------------------------------------------------
 [[nodiscard]] bool parseCharStringValue(uint8_t kind, Cause& cause);
 /// A literal that is the whole value: times and IRIs.
-[[nodiscard]] bool parseTextValue(uint8_t kind);
+[[nodiscard]] bool parseTextValue(uint8_t kind, Cause& cause);
 
 } // namespace orvo

@@ -46,11 +46,15 @@ char32_t largestCharacter(uint8_t kind) {
     case TYP_IA5STR:
     case TYP_VISSTR:
     case TYP_PRISTR:
-    case TYP_NUMSTR: return 0x7F;
+    case TYP_NUMSTR:
+    case TYP_GENTIME: // these two are made of VisibleString
+    case TYP_UTCTIME: return 0x7F;
     case TYP_BMPSTR: return 0xFFFF;
     case TYP_UNISTR:
-    case TYP_UTF8STR: return 0x10FFFF;
-    default: return 0xFF;
+    case TYP_UTF8STR:
+    case TYP_OIDIRI: // labels of arcs have characters of all scripts
+    case TYP_RELOIDIRI: return 0x10FFFF;
+    default: return is(kind, TypeClass::Quoted) ? 0x7F : 0xFF;
     }
 }
 
@@ -61,7 +65,7 @@ bool parseUtf8String(uint8_t kind) {
     const std::u32string text = fromUtf8(getStri(cMP, stri));
     const char32_t largest = largestCharacter(kind);
     if (std::ranges::any_of(text, [largest](char32_t c) { return c > largest; })) return false;
-    if (kind == TYP_UTF8STR) {
+    if (kind == TYP_UTF8STR || is(kind, TypeClass::Quoted)) {
         setString(kind, text.size(), static_cast<uint32_t>(stri));
     } else if (kind == TYP_UNISTR) {
         setString(kind, text.size(), putStri32(cMP, text).nr);
@@ -95,6 +99,7 @@ bool setCharacter(uint8_t kind, std::span<const uint32_t> numbers) {
         setString(kind, 1, putStri(cMP, text).nr);
         return true;
     }
+    if (numbers.size() == 2 && kind == TYP_UTF8STR) return false; // tuples are IA5String's
     const bool isWide = kind == TYP_UNISTR || kind == TYP_UTF8STR;
     const size_t significant = isWide ? 4 : kind == TYP_BMPSTR ? 2 : 1;
     uint32_t character = 0;
@@ -103,8 +108,10 @@ bool setCharacter(uint8_t kind, std::span<const uint32_t> numbers) {
         character = character << 8 | numbers[i];
     }
     if (kind == TYP_UTF8STR) {
+        const auto scalar = static_cast<char32_t>(character);
+        if (!isUnicode(scalar)) return false;
         std::string text;
-        appendUtf8(text, static_cast<char32_t>(character));
+        appendUtf8(text, scalar);
         setString(kind, 1, putStri(cMP, text).nr);
     } else if (kind == TYP_UNISTR)
         setString(kind, 1, putStri32(cMP, std::u32string(1, static_cast<char32_t>(character))).nr);
@@ -161,11 +168,8 @@ bool parseStringList(uint8_t kind, Cause& cause) {
 
 } // namespace
 
-bool parseTextValue(uint8_t kind) {
-    if (curCode() != TOK_CSTRING) return false;
-    setString(kind, fromUtf8(getStri(cMP, curToken().stri())).size(),
-              static_cast<uint32_t>(curToken().stri()));
-    return true;
+bool parseTextValue(uint8_t kind, Cause& cause) {
+    return curCode() == TOK_CSTRING && parseLiteral(kind, cause);
 }
 
 bool parseCharStringValue(uint8_t kind, Cause& cause) {

@@ -85,6 +85,7 @@ enum class TypeClass : char {
     Members = 'm',
     Narrow = 'n',
     LengthOption = 'o',
+    Quoted = 'q',
     Reference = 'r',
     Structured = 's',
     Text = 't',

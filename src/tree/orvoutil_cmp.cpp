@@ -130,8 +130,11 @@ int compareSimple(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode&
     case TYP_VISSTR:
     case TYP_IA5STR:
     case TYP_BMPSTR:
-    case TYP_UNISTR: return compareStrings(modA, a, modB, b);
-    default: return -1;
+    case TYP_UNISTR:
+    case TYP_UTF8STR: return compareStrings(modA, a, modB, b);
+    default:
+        if (!is(a.valCode, TypeClass::Quoted)) return -1;
+        return compareStrings(modA, a, modB, b);
     }
 }
 

@@ -45,6 +45,13 @@ bool sameClassOfInstance(const ActualType& a, const ActualType& b) {
     return module != nullptr && module == refModule(b.ref.module, b.rec.refMod);
 }
 
+/// The string types are compatible with one another, and so are the time types, which are all made
+/// of TIME (X.680 (02/2021) 38.4).
+bool ofOneGroup(uint8_t a, uint8_t b) {
+    return (is(a, TypeClass::StringGroup) && is(b, TypeClass::StringGroup)) ||
+           (is(a, TypeClass::Time) && is(b, TypeClass::Time));
+}
+
 /// Types of one code, or of the group of string types.
 bool compatibleByCode(const ActualType& a, const ActualType& b) {
     switch (a.rec.typeCode) {
@@ -57,6 +64,9 @@ bool compatibleByCode(const ActualType& a, const ActualType& b) {
     case TYP_ANY:
     case TYP_EMB_PDV:
     case TYP_OBJID:
+    case TYP_RELOID:
+    case TYP_OIDIRI:
+    case TYP_RELOIDIRI:
     case TYP_EXTERNAL_1990:
     case TYP_EXTERNAL_1994:
     case TYP_OPEN:
@@ -70,7 +80,8 @@ bool compatibleByCode(const ActualType& a, const ActualType& b) {
     case TYP_CHOICE:
     case TYP_CLASS: return a.ref == b.ref;
     case TYP_INSTANCE_OF: return sameClassOfInstance(a, b);
-    default: return is(a.rec.typeCode, TypeClass::StringGroup);
+    default:
+        return is(a.rec.typeCode, TypeClass::StringGroup) || is(a.rec.typeCode, TypeClass::Time);
     }
 }
 
@@ -91,7 +102,7 @@ bool typeCompatible(ModuleRec* modA, TNodeNr typeA, ModuleRec* modB, TNodeNr typ
     if (codeA != codeB) {
         if (codeA == TYP_ENUM && codeB == TYP_INTEGER) return true;
         if (builtinCompatible(a, b)) return true;
-        if (!is(codeA, TypeClass::StringGroup) || !is(codeB, TypeClass::StringGroup)) return false;
+        if (!ofOneGroup(codeA, codeB)) return false;
     }
     return compatibleByCode(a, b);
 }

@@ -34,9 +34,8 @@ size_t utf8Length(std::string_view text) {
     const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
     if (!std::ranges::all_of(text.substr(1, length - 1), continues)) return 0;
     const char32_t character = decode(text, length);
-    const bool isSurrogate = character >= 0xD800 && character < 0xE000;
     const bool isShort = length == 3 ? character >= 0x800 : length == 2 || character >= 0x10000;
-    return isShort && !isSurrogate && character <= 0x10FFFF ? length : 0;
+    return isShort && isUnicode(character) ? length : 0;
 }
 
 std::u32string fromUtf8(std::string_view text) {

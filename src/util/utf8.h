@@ -8,6 +8,10 @@
 
 namespace orvo {
 
+/// What UTF-8 can hold.
+constexpr bool isUnicode(char32_t character) {
+    return character <= 0x10FFFF && (character < 0xD800 || character > 0xDFFF);
+}
 /// Bytes of the character at the beginning of the text; 0 when there is none, or it is no UTF-8.
 [[nodiscard]] size_t utf8Length(std::string_view text);
 /// The characters of a text, bytes that are no UTF-8 as characters of their value.
