@@ -222,7 +222,8 @@ bool checkForm(const ValueErrors& errors, const CheckedValue& value) {
     case TYP_BITSTR: return checkBitStriVal(errors, value);
     case TYP_ANY:
     case TYP_OPEN: return checkOpenTypeVal(errors, value);
-    case TYP_OBJID: return checkObjIdVal(errors, value);
+    case TYP_OBJID:
+    case TYP_RELOID: return checkObjIdVal(errors, value);
     case TYP_GENTIME:
     case TYP_UTCTIME: return checkTimeVal(errors, value);
     case TYP_NUMSTR:

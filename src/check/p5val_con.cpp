@@ -50,7 +50,8 @@ bool isSimple(uint8_t kind) {
     case TYP_INTEGER:
     case TYP_ENUM:
     case TYP_REAL:
-    case TYP_OBJID: return true;
+    case TYP_OBJID:
+    case TYP_RELOID: return true;
     default: return is(kind, TypeClass::Text) || is(kind, TypeClass::Quoted);
     }
 }

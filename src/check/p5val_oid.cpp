@@ -1,4 +1,5 @@
-// Object identifier values (X.680 (07/2002) clause 31 and annexes A to C). The arcs of a valid
+// Object identifier values (X.680 (07/2002) clause 31 and annexes A to C) and relative ones, which
+// may be parts of either (X.680 (02/2021) clauses 32 and 33). The arcs of a valid
 // value are kept in its record, joined by commas, with their number as length: later values that
 // begin with this one take them over. An invalid value has the length invalidObjId.
 
@@ -20,6 +21,7 @@ constexpr int64_t unknownArc = -1;
 constexpr int32_t numberForm = 2;
 
 struct ObjIdArcs {
+    bool isRelative = false;
     size_t count = 0; // arcs so far, valid or not
     int64_t first[2] = {unknownArc, unknownArc};
     std::string text;         // the accepted ones, each with a comma behind it
@@ -52,6 +54,7 @@ bool isValidThirdObjIdComp(const ObjIdArcs& arcs, int32_t form, int64_t number) 
 
 bool isValidObjIdComp(const ObjIdArcs& arcs, int32_t form, int64_t number) {
     if (number < 0) return false;
+    if (arcs.isRelative) return true;
     switch (arcs.count) {
     case 1: return isValidFirstObjIdComp(form, number);
     case 2: return isValidSecondObjIdComp(arcs, form, number);
@@ -68,24 +71,49 @@ std::string placeOfComp(size_t count) {
 
 bool settleObjId(VNodeRef at, ModuleRec* caller);
 
+/// Calls fn(arc) for the arcs of a component that is itself an identifier and valid.
+template <typename Fn> void forEachArc(const CheckedValue& component, Fn&& fn) {
+    readRec(component.module, component.nr);
+    const std::string_view text = getStri(component.module, int64_t{vNode.val.str.stri});
+    for (size_t from = 0; from < text.size(); ++from) {
+        const size_t end = std::min(text.find(',', from), text.size());
+        fn(std::stoll(std::string(text.substr(from, end - from))));
+        from = end;
+    }
+}
+
 /// The first component is an object identifier: its arcs are taken over.
 bool addPrefix(const ValueErrors& errors, const CheckedValue& component, ObjIdArcs& arcs) {
     arcs.prefixAlone = true;
-    const VNodeRef prefix{component.module, component.nr};
-    if (!settleObjId(prefix, errors.module)) {
+    if (!settleObjId({component.module, component.nr}, errors.module)) {
         arcs.count = 2;
         return failValue(errors, component, Msg::InvalidObjIdPrefix);
     }
-    readRec(prefix);
-    const std::string_view text = getStri(component.module, int64_t{vNode.val.str.stri});
     arcs.count = 0;
-    for (size_t from = 0; from < text.size(); ++from) {
-        const size_t end = std::min(text.find(',', from), text.size());
+    forEachArc(component, [&](int64_t arc) {
         ++arcs.count;
-        addArc(arcs, std::stoll(std::string(text.substr(from, end - from))));
-        from = end;
-    }
+        addArc(arcs, arc);
+    });
     return true;
+}
+
+Msg invalidComponent(const ObjIdArcs& arcs) {
+    return arcs.isRelative ? Msg::InvalidRelativeOidComponent : Msg::InvalidObjIdComponent;
+}
+
+/// A component is a relative object identifier: its arcs count as if they stood in its place.
+bool addRelative(const ValueErrors& errors, const CheckedValue& component, ObjIdArcs& arcs) {
+    const size_t place = arcs.count;
+    bool ok = settleObjId({component.module, component.nr}, errors.module);
+    if (ok) {
+        --arcs.count;
+        forEachArc(component, [&](int64_t arc) {
+            ++arcs.count;
+            ok &= isValidObjIdComp(arcs, numberForm, arc);
+            addArc(arcs, arc);
+        });
+    }
+    return ok || failValue(errors, component, invalidComponent(arcs), placeOfComp(place));
 }
 
 /// Form of a component record: that of a reference is the form of the number it stands for.
@@ -96,8 +124,9 @@ int32_t formOf(const CheckedValue& component) {
 
 bool checkObjIdComp(const ValueErrors& errors, const CheckedValue& component, ObjIdArcs& arcs) {
     ++arcs.count;
-    if (component.rec.valCode == TYP_OBJID && arcs.entries == 1)
+    if (component.rec.valCode == TYP_OBJID && arcs.entries == 1 && !arcs.isRelative)
         return addPrefix(errors, component, arcs);
+    if (component.rec.valCode == TYP_RELOID) return addRelative(errors, component, arcs);
     if (component.rec.valCode == TYP_INTEGER) {
         const int64_t number = i64native(component.rec.val.number);
         if (isValidObjIdComp(arcs, formOf(component), number)) {
@@ -105,12 +134,12 @@ bool checkObjIdComp(const ValueErrors& errors, const CheckedValue& component, Ob
             return true;
         }
     }
-    return failValue(errors, component, Msg::InvalidObjIdComponent, placeOfComp(arcs.count));
+    return failValue(errors, component, invalidComponent(arcs), placeOfComp(arcs.count));
 }
 
 bool isLengthValid(const ValueErrors& errors, const CheckedValue& value, const ObjIdArcs& arcs) {
     std::string text;
-    if (arcs.count < 2)
+    if (arcs.count < 2 && !arcs.isRelative)
         text = "Too few object identifier components.";
     else if (arcs.count > maxArcs)
         text = concat("Limitation: there can be only ", std::to_string(maxArcs),
@@ -119,7 +148,8 @@ bool isLengthValid(const ValueErrors& errors, const CheckedValue& value, const O
         text = "An object identifier prefix without additional components.";
     else
         return true;
-    return failValue(errors, value, Msg::ObjIdOutOfRange, text);
+    return failValue(errors, value,
+                     arcs.isRelative ? Msg::RelativeOidOutOfRange : Msg::ObjIdOutOfRange, text);
 }
 
 /// Keeps the arcs, or that there are none.
@@ -144,6 +174,7 @@ bool settleObjId(VNodeRef at, ModuleRec* caller) {
     const ValueErrors errors{moduleForErrors(caller), true};
     const CheckedValue value = checkedValue(at);
     ObjIdArcs arcs;
+    arcs.isRelative = value.rec.valCode == TYP_RELOID;
     storeArcs(at, arcs, false); // one that begins with itself
     bool ok = true;
     for (const VNodeNr nr : chain(at.module, VNodeNr{value.rec.ref})) {
@@ -152,15 +183,16 @@ bool settleObjId(VNodeRef at, ModuleRec* caller) {
     }
     ok &= isLengthValid(errors, value, arcs);
     storeArcs(at, arcs, ok);
-    return ok || failValue(errors, value, invalidValue(TYP_OBJID));
+    return ok || failValue(errors, value, invalidValue(value.rec.valCode));
 }
 
 } // namespace
 
 bool checkObjIdVal(const ValueErrors& errors, const CheckedValue& value) {
-    if (value.rec.valCode != TYP_OBJID || !value.nr) return true;
+    const uint8_t kind = value.rec.valCode;
+    if ((kind != TYP_OBJID && kind != TYP_RELOID) || !value.nr) return true;
     if (settleObjId({value.module, value.nr}, errors.module)) return true;
-    return value.isReference && failValue(errors, value, invalidValue(TYP_OBJID));
+    return value.isReference && failValue(errors, value, invalidValue(kind));
 }
 
 } // namespace orvo

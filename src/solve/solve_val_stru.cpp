@@ -227,10 +227,16 @@ bool parseIdentifierObjIdComp(const Token& token, Cause& cause) {
     return false;
 }
 
+/// A component of RELATIVE-OID: well-known names stand below the root alone.
+constexpr uint32_t withoutNames = 0;
+
 /// The component at the cursor, the position-th of the value, into the current value record.
 bool parseObjIdComp(uint32_t position, Cause& cause) {
     Token token = curToken();
-    convertObjIdComp(cMP, token, nextCode(), position);
+    if (position != withoutNames)
+        convertObjIdComp(cMP, token, nextCode(), position);
+    else if (token.code == TOK_VALUEID && nextCode() == TOK_LPAREN)
+        token.code = TOK_COMPONENTID;
     if (token.code == TOK_NUMBER) {
         parseNumberObjIdComp(token);
         return true;
@@ -242,27 +248,27 @@ bool parseObjIdComp(uint32_t position, Cause& cause) {
     return false;
 }
 
-/// The components; the first one has the place behind `position`.
-bool parseArcs(uint32_t position, Cause& cause) {
+/// `{` Component {Component} `}`
+bool parseArcs(bool hasNames, Cause& cause) {
     if (curCode() != TOK_LBRACE) return false;
-    const uint32_t before = position;
     ValueList components;
+    uint32_t position = 0;
     while (advance() && curCode() != TOK_RBRACE) {
         components.append(curToken().line);
-        if (!parseObjIdComp(++position, cause)) return false;
+        ++position;
+        if (!parseObjIdComp(hasNames ? position : withoutNames, cause)) return false;
     }
-    return position != before && curCode() == TOK_RBRACE;
+    return position != 0 && curCode() == TOK_RBRACE;
 }
 
 } // namespace
 
 bool parseObjIdValue(Cause& cause) {
-    return parseArcs(0, cause);
+    return parseArcs(true, cause);
 }
 
 bool parseRelativeOidValue(Cause& cause) {
-    constexpr uint32_t belowNames = 100; // only the first components have well-known names
-    return parseArcs(belowNames, cause);
+    return parseArcs(false, cause);
 }
 
 } // namespace orvo

@@ -124,7 +124,8 @@ int compareSimple(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode&
         recordError(modA, ERR_WARNING, Msg::None, a.line,
                     "Comparison of two ANY values not yet implemented, sorry.");
         return -1;
-    case TYP_OBJID: return compareObjIdVal(modA, a, modB, b);
+    case TYP_OBJID:
+    case TYP_RELOID: return compareObjIdVal(modA, a, modB, b);
     case TYP_NUMSTR:
     case TYP_PRISTR:
     case TYP_VISSTR:
@@ -305,43 +306,39 @@ int compareLists(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
 /// The arcs of a value in decimal, joined by commas; what the checks stored, or worked out when
 /// they have not come to the value yet. Empty when the value is not valid.
 struct Arcs {
-    std::vector<int64_t> numbers; // backwards
+    std::vector<int64_t> numbers;
     bool valid = true;
 };
 
-/// Adds the arcs of a list of components, and gives the value that the first component refers to.
-VNodeRef addArcs(Arcs& arcs, VNodeRef first) {
-    VNodeRef prefix;
-    std::vector<int64_t> numbers;
-    for (VNodeRef at = first; at && arcs.valid;) {
-        const Entry component = readEntry(at);
-        if (component.value.valCode == TYP_INTEGER) {
-            numbers.push_back(i64native(component.value.val.number));
-        } else if (component.value.valCode == TYP_OBJID && at == first) {
-            prefix = {component.module, VNodeNr{component.value.ref}};
-        } else {
-            arcs.valid = false;
-        }
-        arcs.valid = arcs.valid && arcs.numbers.size() + numbers.size() <= maxArcs;
-        at.nr = {component.own.next};
-    }
-    arcs.numbers.insert(arcs.numbers.end(), numbers.rbegin(), numbers.rend());
-    return prefix;
+/// Adds the arcs of the component at `at`, which begins the value (`isFirst`) or not, and goes on
+/// to the next one. The lists of the values that components refer to are opened behind it.
+void addArcs(Arcs& arcs, std::vector<VNodeRef>& open, bool isFirst) {
+    const Entry component = readEntry(open.back());
+    open.back().nr = {component.own.next};
+    if (!open.back()) open.pop_back();
+    const uint8_t code = component.value.valCode;
+    if (code == TYP_INTEGER)
+        arcs.numbers.push_back(i64native(component.value.val.number));
+    else if (code != TYP_RELOID && (code != TYP_OBJID || !isFirst))
+        arcs.valid = false;
+    else if (component.value.ref != 0)
+        open.push_back({component.module, VNodeNr{component.value.ref}});
 }
 
 std::string textOfObjId(ModuleRec* module, const VNode& value) {
     if (value.val.str.striLen == invalidObjId) return {};
     if (value.val.str.stri != 0) return std::string(getStri(module, int64_t{value.val.str.stri}));
     Arcs arcs;
-    VNodeRef list{module, VNodeNr{value.ref}};
-    for (size_t prefixes = 0; list && arcs.valid; ++prefixes) {
-        list = addArcs(arcs, list);
-        arcs.valid = arcs.valid && prefixes <= maxArcs;
+    std::vector<VNodeRef> open{{module, VNodeNr{value.ref}}};
+    // Every list adds an arc in the end, but one that leads back to itself.
+    for (size_t steps = 0; !open.empty() && open.back() && arcs.valid; ++steps) {
+        addArcs(arcs, open, arcs.numbers.empty());
+        arcs.valid = arcs.valid && arcs.numbers.size() <= maxArcs && steps <= maxArcs * maxArcs;
     }
     std::string text;
     if (!arcs.valid) return text;
-    for (auto number = arcs.numbers.rbegin(); number != arcs.numbers.rend(); ++number)
-        text += (text.empty() ? "" : ",") + std::to_string(*number);
+    for (const int64_t number : arcs.numbers)
+        text += (text.empty() ? "" : ",") + std::to_string(number);
     return text;
 }
 
@@ -379,7 +376,8 @@ uint64_t hashOfSimple(ModuleRec* module, const VNode& value) {
         bits.erase(bits.find_last_not_of('0') + 1);
         return hashOfText(bits);
     }
-    case TYP_OBJID: return hashOfText(textOfObjId(module, value));
+    case TYP_OBJID:
+    case TYP_RELOID: return hashOfText(textOfObjId(module, value));
     default: {
         RestrCharStri stri;
         makeRestrCharStri(module, value, stri);
