@@ -128,7 +128,9 @@ void writeString(Writer& writer, const Tree& tree, const VNode& node) {
     case TYP_OCTSTR: writer.out += '\'' + std::string(tree.text(node.stri)) + "'H"; break;
     case TYP_BMPSTR: writeWide(writer, tree.text16(node.stri)); break;
     case TYP_UNISTR: writeWide(writer, tree.text32(node.stri)); break;
-    case TYP_UTF8STR: writeUtf8(writer, tree.text(node.stri)); break;
+    case TYP_UTF8STR:
+    case TYP_OIDIRI:
+    case TYP_RELOIDIRI: writeUtf8(writer, tree.text(node.stri)); break;
     default: writer.out += quoted(tree.text(node.stri)); break;
     }
 }
