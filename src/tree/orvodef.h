@@ -470,16 +470,18 @@ struct STabRec {    // a symbol
     int32_t node;   // TNode head, or minus the VNode head; 0 = undefined
     uint8_t flags;  // SYM_*
     uint8_t unread; // 1: of a module without definitions to look at; counts as known
-    uint8_t unused10[2];
+    uint8_t needed; // 1: a definition was looked for
+    uint8_t unused11;
     uint32_t line;
     uint32_t uses;    // InstNr
     uint32_t formals; // STabNr
     uint32_t next;    // STabNr
 };
-inline constexpr Field sTabRecFields[] = {
-    FIELD(0, STabRec, name),   FIELD(4, STabRec, node),      FIELD(8, STabRec, flags),
-    FIELD(9, STabRec, unread), FIELD(10, STabRec, unused10), FIELD(12, STabRec, line),
-    FIELD(16, STabRec, uses),  FIELD(20, STabRec, formals),  FIELD(24, STabRec, next)};
+inline constexpr Field sTabRecFields[] = {FIELD(0, STabRec, name),     FIELD(4, STabRec, node),
+                                          FIELD(8, STabRec, flags),    FIELD(9, STabRec, unread),
+                                          FIELD(10, STabRec, needed),  FIELD(11, STabRec, unused11),
+                                          FIELD(12, STabRec, line),    FIELD(16, STabRec, uses),
+                                          FIELD(20, STabRec, formals), FIELD(24, STabRec, next)};
 
 struct InstRec { // a use of a symbol
     uint32_t line;
