@@ -166,6 +166,11 @@ uint64_t makeRestrCharStri(ModuleRec* module, const VNode& value, RestrCharStri&
     return makeRestrCharStriSeg(module, value, &stri);
 }
 
+std::string_view plainText(ModuleRec* module, const VNode& value) {
+    if (value.val.str.striLen == 0) return {};
+    return getStri(module, int64_t{value.val.str.stri});
+}
+
 std::u32string distinctChars(ModuleRec* module, const VNode& value) {
     std::u32string chars;
     std::set<char32_t> seen;

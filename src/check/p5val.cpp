@@ -226,6 +226,13 @@ bool checkForm(const ValueErrors& errors, const CheckedValue& value) {
     case TYP_RELOID: return checkObjIdVal(errors, value);
     case TYP_GENTIME:
     case TYP_UTCTIME: return checkTimeVal(errors, value);
+    case TYP_TIME:
+    case TYP_DATE:
+    case TYP_TIMEOFDAY:
+    case TYP_DATETIME:
+    case TYP_DURATION: return checkTimeForm(errors, value);
+    case TYP_OIDIRI:
+    case TYP_RELOIDIRI: return checkIri(errors, value);
     case TYP_NUMSTR:
     case TYP_PRISTR: return checkCharacters(errors, value);
     default: return true;

@@ -117,7 +117,12 @@ bool readBuiltinType(uint8_t kind);
 [[nodiscard]] bool checkOpenTypeVal(const ValueErrors& errors, const CheckedValue& value);
 /// NumericString and PrintableString: their characters.
 [[nodiscard]] bool checkCharacters(const ValueErrors& errors, const CheckedValue& value);
+/// GeneralizedTime and UTCTime.
 [[nodiscard]] bool checkTimeVal(const ValueErrors& errors, const CheckedValue& value);
+/// TIME and the types defined by it.
+[[nodiscard]] bool checkTimeForm(const ValueErrors& errors, const CheckedValue& value);
+/// The labels of OID-IRI and RELATIVE-OID-IRI.
+[[nodiscard]] bool checkIri(const ValueErrors& errors, const CheckedValue& value);
 
 // ---- p5val_oid ----------------------------------------------------------------------------------
 [[nodiscard]] bool checkObjIdVal(const ValueErrors& errors, const CheckedValue& value);
