@@ -219,7 +219,8 @@ bool isOfKind(const CheckedValue& value) {
 bool checkForm(const ValueErrors& errors, const CheckedValue& value) {
     switch (tNode.typeCode) {
     case TYP_ENUM: return checkEnumVal(errors, value);
-    case TYP_BITSTR: return checkBitStriVal(errors, value);
+    case TYP_BITSTR: return checkBitStriVal(errors, value) && checkContents(errors, value);
+    case TYP_OCTSTR: return checkContents(errors, value);
     case TYP_ANY:
     case TYP_OPEN: return checkOpenTypeVal(errors, value);
     case TYP_OBJID:

@@ -245,6 +245,7 @@ uint64_t leastBits() {
 bool valSizeConstr(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef inner = operandsOf(currentSub());
     if (!inner) return false;
+    if (holdsContents(value.rec)) return true; // its encoding is not known
     uint64_t least = 0;
     if (newNotation(inner.module)) {
         const KeepRec<KIND_SUB> keep;
@@ -298,7 +299,7 @@ bool valSingleValue(const CheckedValue& value) {
     if (value.isCharacter) return isInAlphabet(sub, value, operand);
     const uint8_t kind = value.rec.valCode;
     if (is(kind, TypeClass::Bits) && is(operand.rec.valCode, TypeClass::Bits))
-        return equalBits(value, operand);
+        return holdsContents(value.rec) != holdsContents(operand.rec) || equalBits(value, operand);
     if (is(kind, TypeClass::StringGroup) && isSameWidth(kind, operand.rec.valCode))
         operand.rec.valCode = kind;
     if (is(kind, TypeClass::Time) && is(operand.rec.valCode, TypeClass::Time))

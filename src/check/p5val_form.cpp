@@ -61,8 +61,8 @@ bool isTypeThere(const ValueErrors& errors, const CheckedValue& value) {
     return !is(tNode.typeCode, TypeClass::Reference);
 }
 
-/// A value written as Type : value holds that value, which is checked with it. Relations in its
-/// type begin there, as that type is no part of another.
+/// A value written as Type : value, or CONTAINING value, holds that value, which is checked with
+/// it. Relations in its type begin there, as that type is no part of another.
 bool checkInner(const ValueErrors& errors, const CheckedValue& value) {
     if (value.rec.refMod != REF_UNRESOLVED || value.rec.ref == 0) return true;
     return !checksParts(errors, value) ||
@@ -70,6 +70,11 @@ bool checkInner(const ValueErrors& errors, const CheckedValue& value) {
 }
 
 } // namespace
+
+bool checkContents(const ValueErrors& errors, const CheckedValue& value) {
+    if (!holdsContents(value.rec) || checkInner(errors, value)) return true;
+    return failValue(errors, value, invalidValue(tNode.typeCode));
+}
 
 bool checkOpenTypeVal(const ValueErrors& errors, const CheckedValue& value) {
     const bool isOpen = value.rec.valCode == TYP_OPEN || value.rec.valCode == TYP_ANY;

@@ -114,6 +114,8 @@ bool readBuiltinType(uint8_t kind);
 // ---- p5val_form ---------------------------------------------------------------------------------
 [[nodiscard]] bool checkEnumVal(const ValueErrors& errors, const CheckedValue& value);
 [[nodiscard]] bool checkBitStriVal(const ValueErrors& errors, const CheckedValue& value);
+/// A string that is given by what it contains: that is checked with it.
+[[nodiscard]] bool checkContents(const ValueErrors& errors, const CheckedValue& value);
 [[nodiscard]] bool checkOpenTypeVal(const ValueErrors& errors, const CheckedValue& value);
 /// NumericString and PrintableString: their characters.
 [[nodiscard]] bool checkCharacters(const ValueErrors& errors, const CheckedValue& value);

@@ -224,6 +224,7 @@ enum ValueFlags : uint8_t {
     VF_TED2 = 4,
     VF_TED3 = 8,
     VF_VARIABLE = 16,
+    VF_CONTENTS = 32, // BIT STRING, OCTET STRING: `ref` is the value that is contained
 };
 enum NodeFlags : uint32_t {
     NF_ASSIGNMENT = 2,
@@ -578,6 +579,11 @@ constexpr int32_t signedWord(uint32_t word) {
 /// The deferred text of a value whose refMod is REF_DEFERRED.
 constexpr DNodeNr deferredText(const VNode& value) {
     return deferredText(signedWord(value.ref));
+}
+/// A value of BIT STRING or OCTET STRING that is given by what it contains: its bits depend on the
+/// encoding rules.
+constexpr bool holdsContents(const VNode& value) {
+    return (value.vflags & VF_CONTENTS) != 0;
 }
 /// String number of a name that may be negated as a mark.
 constexpr StriNr nameStri(int32_t name) {

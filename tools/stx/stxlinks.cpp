@@ -94,7 +94,8 @@ Link linkOfValueRef(const VNode& node) {
         return ownLink(VNODE, node.ref);
     }
     const bool marker = node.valCode == TYP_EXTENSION_MARKER; // leads to its exception
-    if (node.valCode == TYP_FIELDLIST || marker || typeRow(node.valCode).valueList)
+    const bool holdsContents = (node.vflags & VF_CONTENTS) != 0;
+    if (node.valCode == TYP_FIELDLIST || marker || holdsContents || typeRow(node.valCode).valueList)
         return ownLink(VNODE, node.ref);
     return {};
 }
