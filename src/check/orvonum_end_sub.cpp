@@ -33,7 +33,7 @@ uint8_t includedFlag(bool upper) {
 
 /// Replaces `end` by the endpoint that lies further out (wide) or further in.
 void choose(Endpoint& end, const Endpoint& other, bool wide, bool upper, uint8_t kind) {
-    int order = compareNumber(other.value, end.value, kind);
+    int order = compareNumber(other, end, kind);
     if (order == 0)
         order = (end.flags != 0 ? 1 : 0) - (other.flags != 0 ? 1 : 0);
     else if (upper)
@@ -59,11 +59,11 @@ bool operandsEndpoint(const Request& request, SubRef first, bool wide, Endpoint&
 }
 
 /// The value lies between two endpoints, as far as they are given and finite.
-bool isWithin(const EndValue& value, const EndpointPair& bounds, uint8_t kind) {
+bool isWithin(const Endpoint& value, const EndpointPair& bounds, uint8_t kind) {
     for (const bool upper : {false, true}) {
         const Endpoint& bound = bounds.ends[upper];
         if (!bounds.given[upper] || testInfinity(bound, upper, kind)) continue;
-        int order = compareNumber(value, bound.value, kind);
+        int order = compareNumber(value, bound, kind);
         if (upper) order = -order;
         if (order < 0 || (order == 0 && bound.flags == 0)) return false;
     }
@@ -196,7 +196,7 @@ bool readRangeParent() {
 }
 
 /// An explicit endpoint lies inside the parent's range. The current type is the constrained one.
-bool isInsideParent(const EndValue& value, uint8_t kind) {
+bool isInsideParent(const Endpoint& value, uint8_t kind) {
     if (!isNumber(kind) || !readRangeParent()) return true;
     EndpointPair parent;
     for (const bool upper : {false, true})
@@ -222,7 +222,7 @@ bool explicitRangeEndpoint(Endpoint& end, bool upper, VNodeRef value, uint8_t fl
     skipValues(true);
     if (vNode.valCode != kind || (kind == TYP_INTEGER && !isIntegerVNode())) return false;
     end = {vNode, flags, valueModule()};
-    if (isInsideParent(end.value, kind)) return true;
+    if (isInsideParent(end, kind)) return true;
     readRec(type);
     return implicitRangeEndpoint(end, upper, kind, value.module);
 }
@@ -281,8 +281,7 @@ void narrowByMember(EndpointPair& series, const EndpointPair& member, uint8_t ki
     const EndpointPair before = series;
     for (const bool upper : {false, true}) {
         const Endpoint& own = member.ends[upper];
-        if (!member.given[upper] ||
-            (!ofSize && isNumber(kind) && !isWithin(own.value, before, kind)))
+        if (!member.given[upper] || (!ofSize && isNumber(kind) && !isWithin(own, before, kind)))
             continue;
         if (series.given[upper])
             narrow(series.ends[upper], own, upper, kind);

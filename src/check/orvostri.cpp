@@ -237,7 +237,7 @@ template <typename Fn> void forEachBitNumber(ModuleRec* module, VNodeNr first, F
 int64_t highestBit(ModuleRec* module, VNodeNr first) {
     int64_t highest = -1;
     forEachBitNumber(module, first, [&](int64_t number) { highest = std::max(highest, number); });
-    return highest;
+    return std::min(highest, INT64_MAX - 1); // its length is a number too
 }
 
 unsigned hexDigit(char digit) {

@@ -61,8 +61,10 @@ bool subRange(ModuleRec* module) {
     skipTypes(true);
     if (lower.value.valCode != tNode.typeCode || upper.value.valCode != tNode.typeCode)
         return false;
-    const int order =
-        compareValue(lower.module, lower.value.asValue(), upper.module, upper.value.asValue());
+    const uint8_t kind = lower.value.valCode;
+    const int order = kind == TYP_INTEGER ? compareNumber(lower, upper, kind)
+                                          : compareValue(lower.module, lower.value.asValue(),
+                                                         upper.module, upper.value.asValue());
     if (order != 0) return order < 0;
     return (lower.flags & SUBF_LOWER) != 0 && (upper.flags & SUBF_UPPER) != 0;
 }

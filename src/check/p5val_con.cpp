@@ -153,6 +153,7 @@ bool isInside(const CheckedValue& value, Endpoint end, bool upper) {
         end.value.valCode = kind;
     }
     if (end.value.valCode != kind) return false;
+    if (end.value.isInfinite) return true;
     const bool isMinOrMax = upper ? subRec.right == 0 : subRec.left == 0;
     const bool isIncluded = (subRec.subFlags & (upper ? SUBF_UPPER : SUBF_LOWER)) != 0;
     int order = compareValue(value.module, value.rec, end.module, end.value.asValue());

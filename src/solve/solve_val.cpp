@@ -123,7 +123,7 @@ Msg parseBuiltinValue(Cause& cause) {
     bool ok = true;
     switch (kind) {
     case TYP_BOOLEAN: ok = parseBoolean(); break;
-    case TYP_INTEGER: ok = parseIntegerValue(vNode.val.number); break;
+    case TYP_INTEGER: ok = parseIntegerValue(vNode.val); break;
     case TYP_ENUM: ok = false; break;
     case TYP_REAL: ok = parseRealValue(vNode.val.real, cause); break;
     case TYP_BITSTR:
@@ -154,20 +154,18 @@ Msg parseBuiltinValue(Cause& cause) {
     return ok ? Msg::None : valueSyntax(kind);
 }
 
-bool parseIntegerValue(I64& value) {
-    if (curCode() == TOK_NUMBER) {
-        value = curToken().value;
-        return true;
-    }
-    if (curCode() != TOK_MINUS || !advance() || curCode() != TOK_NUMBER) return false;
-    value = curToken().value;
+bool parseIntegerValue(ValUnion& value) {
+    const bool isNegative = curCode() == TOK_MINUS;
+    if (isNegative && !advance()) return false;
+    const Token& token = curToken();
+    if (token.code != TOK_NUMBER) return false;
+    setInteger(value, token, isNegative);
+    if (!isNegative || token.value != I64{}) return true;
     const InstContext* instance = instContext();
-    if (curToken().text != 0)
-        value = i64min(); // saturated, or just so
-    else if (value == I64{} && instance != nullptr)
+    if (instance != nullptr)
         recordError2(invalidValue(TYP_INTEGER), {}, instance->line);
     else
-        fixNegative(value, curToken().line);
+        recordError(cMP, ERR_SEMANTIC, invalidValue(TYP_INTEGER), token.line);
     return true;
 }
 
@@ -185,8 +183,10 @@ bool parseRealValComp(std::string_view identifier, int32_t separator, I64& value
         }
         if (!advance()) return false;
     }
-    if (!parseIntegerValue(value)) return false;
-    if (curToken().text != 0) beyond = getStri(cMP, curToken().text);
+    ValUnion number;
+    if (!parseIntegerValue(number)) return false;
+    value = number.number;
+    if (number.integer.text != 0) beyond = integerOf(cMP, number).text();
     if (!advance() || curCode() != separator) {
         cause.set(tokenExpected(separator));
         return false;

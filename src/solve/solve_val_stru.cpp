@@ -1,6 +1,7 @@
 // Values made of values: component and element lists, CHOICE, open types, named bits,
 // object identifiers.
 
+#include "check/orvonum.h"
 #include "parser/parser_oid.h"
 #include "solve/p5actpar.h"
 #include "solve/solve_con.h"
@@ -256,7 +257,7 @@ namespace {
 /// record.
 void parseNumberObjIdComp(const Token& token) {
     setValNode(TYP_INTEGER);
-    vNode.val.number = token.value;
+    setInteger(vNode.val, token, false);
     if (token.value.high >= 0) return;
     vNode.valStatus = static_cast<int32_t>(magnitude(token.value.high));
     vNode.val.number.high = 0;
@@ -268,7 +269,7 @@ bool parseIdentifierObjIdComp(const Token& token, Cause& cause) {
     if (!advance() || !advance()) return false;
     if (curCode() == TOK_NUMBER) {
         setValNode(TYP_INTEGER);
-        vNode.val.number = curToken().value;
+        setInteger(vNode.val, curToken(), false);
     } else if (!definedValueFollows() || parseDefinedValue(false, cause) != Msg::None) {
         cause.set(Msg::DefinedValueSyntax);
         return false;

@@ -246,6 +246,15 @@ enum CheckFlags : uint16_t {
     CF_IGNORABLE = 0x0800,
 };
 
+/// How a bound is to be read.
+enum BoundForm : uint8_t {
+    BOUND_PLAIN = 0,    // signed; the smallest number is MIN, the largest MAX
+    BOUND_SIGNED = 1,   // signed, and neither MIN nor MAX
+    BOUND_UNSIGNED = 2, // 64 bits without sign
+    BOUND_BEYOND = 3,   // beyond either: -2^63 signed, or 2^64 - 1 without sign
+};
+inline constexpr unsigned upperBoundShift = 2;
+
 /// Kinds of option comments (tedKind); bit k of optFlags stands for kind k.
 enum TedKind : uint8_t {
     TED_REJECTED = 0,
@@ -329,7 +338,7 @@ struct TNode {          // a type, component, field, formal parameter or type as
     uint8_t typeCode;   // TYP_*
     uint8_t vfKind;
     uint8_t sizeOpt;
-    uint8_t unused53;
+    uint8_t boundForms;  // BOUND_* of the lower bound, and shifted by upperBoundShift the upper
     uint16_t checkFlags; // CF_*
     uint8_t entryFlags;
     uint8_t entryKinds;
@@ -357,7 +366,7 @@ inline constexpr Field tNodeFields[] = {
     FIELD(24, TNode, constraint), FIELD(28, TNode, tags),          FIELD(32, TNode, optFlags),
     FIELD(36, TNode, nodeFlags),  FIELD(40, TNode, tedFirst),      FIELD(44, TNode, tedLast),
     FIELD(48, TNode, checkState), FIELD(50, TNode, typeCode),      FIELD(51, TNode, vfKind),
-    FIELD(52, TNode, sizeOpt),    FIELD(53, TNode, unused53),      FIELD(54, TNode, checkFlags),
+    FIELD(52, TNode, sizeOpt),    FIELD(53, TNode, boundForms),    FIELD(54, TNode, checkFlags),
     FIELD(56, TNode, entryFlags), FIELD(57, TNode, entryKinds),    FIELD(58, TNode, unused58),
     FIELD(60, TNode, lenForm),    FIELD(61, TNode, skipOpt),       FIELD(62, TNode, unused62),
     FIELD(64, TNode, sizeLimit),  FIELD(68, TNode, sizeLimitSkip), FIELD(69, TNode, unused69),
@@ -371,6 +380,10 @@ struct RealVal {  // mantissa times base to the power exponent
     int16_t base;
     int16_t exponent;
 };
+struct IntVal {
+    I64 number;    // the nearest one of 64 bits
+    uint32_t text; // string number of the exact decimal text; 0 when `number` is exact
+};
 struct StriVal {
     uint16_t striLen; // characters; for binary and hexadecimal strings digits
     uint16_t unused2;
@@ -379,8 +392,9 @@ struct StriVal {
 };
 union ValUnion {
     uint32_t words[3];
-    uint8_t boole; // 1 TRUE, 0 FALSE
-    I64 number;    // INTEGER, ENUMERATED, object identifier components
+    uint8_t boole;  // 1 TRUE, 0 FALSE
+    I64 number;     // that of `integer` alone, for whom numbers beyond 64 bits are all too large
+    IntVal integer; // INTEGER, ENUMERATED, object identifier components
     RealVal real;
     StriVal str;
     constexpr ValUnion() : words{} {} // clears all of it

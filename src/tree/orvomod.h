@@ -201,8 +201,8 @@ struct ModuleRec {
     bool newNotation = false;                  // its notation is that of 2021
     bool named = false;                        // the command line names its file
     bool missing = false;                      // KEEP-GOING=: imported, but its file is not there
-    bool out = false;             // KEEP-GOING=: has an error, or refers to a module that is out
-    bool optionsDisabled = false; // pass 5 has switched off options of types
+    bool out = false;          // KEEP-GOING=: has an error, or refers to a module that is out
+    bool stringsAdded = false; // pass 5 has added strings that records in the tree file name
     int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;
     int32_t nbRecorded = 0;                             // diagnostics recorded, kept or not
     std::vector<ErrRec> errors;                         // sorted by line, then order of recording

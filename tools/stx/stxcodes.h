@@ -7,6 +7,14 @@
 
 namespace stx {
 
+/// How a bound of INTEGER or ENUMERATED is to be read.
+enum BoundForm : uint8_t {
+    BOUND_PLAIN = 0,    // signed; the smallest number is MIN, the largest MAX
+    BOUND_SIGNED = 1,   // signed, and neither MIN nor MAX
+    BOUND_UNSIGNED = 2, // 64 bits without sign
+    BOUND_BEYOND = 3,   // beyond either: -2^63 signed, or 2^64 - 1 without sign
+};
+
 enum Kind : uint8_t {
     MNODE = 0,
     TNODE = 1,

@@ -70,8 +70,9 @@ Link linkOfActuals(const TNode& node) {
     return ownLink(node.typeCode == TYP_SYNONYM ? VNODE : SNODE, node.syntax);
 }
 
-/// The string that is the value.
+/// The string that is the value, or says it exactly.
 Link linkOfValueText(const VNode& node) {
+    if (node.valCode == TYP_INTEGER || node.valCode == TYP_ENUM) return stringLink(node.exact);
     if (!typeRow(node.valCode).stringValue || node.refMod == REF_DEFERRED) return {};
     Link link = stringLink(node.stri);
     if (node.valCode == TYP_BMPSTR) link.kind = STRI16;
