@@ -5,6 +5,7 @@
 #include "check/orvonum_end_sub.h"
 
 #include "check/check_cache.h"
+#include "check/orvostri.h"
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvoutil_find.h"
 #include "util/stack.h"
@@ -41,12 +42,22 @@ void choose(Endpoint& end, const Endpoint& other, bool wide, bool upper, uint8_t
     if (wide ? order < 0 : order > 0) end = other;
 }
 
+/// What has no endpoint sets no bound to a union, except to older notation.
+bool isUnbounded(SubRef sub) {
+    readRec(sub);
+    return newNotation(sub.module) && subRec.subKind != SUB_EXTENSION_MARKER;
+}
+
 /// Walks the operands of the current operator record.
 bool operandsEndpoint(const Request& request, SubRef first, bool wide, Endpoint& end) {
     bool given = false;
     forEachOperand(first, [&](SubRef sub) {
         Endpoint operand;
-        if (!subEndpoint(request, sub, operand)) return true;
+        if (!subEndpoint(request, sub, operand)) {
+            if (!wide || !isUnbounded(sub)) return true;
+            given = false;
+            return false;
+        }
         if (given)
             choose(end, operand, wide, request.upper, request.kind);
         else
@@ -103,6 +114,11 @@ bool containedEndpoint(const Request& request, VNodeRef setting, Endpoint& end) 
     return getEndpoint(end, request.upper) && end.value.valCode == request.kind;
 }
 
+bool containedSize(const Request& request, VNodeRef setting, Endpoint& end) {
+    const KeepRec<KIND_TNODE> keep;
+    return readTypeSetting(setting) && getSizeEndpoint(end, request.upper);
+}
+
 bool subEndpoint(const Request& request, SubRef sub, Endpoint& end) {
     if (stackIsLow()) fatalError(Fatal::NoSpace, "Constraints are nested too deeply.");
     readRec(sub);
@@ -121,7 +137,9 @@ bool subEndpoint(const Request& request, SubRef sub, Endpoint& end) {
     case SUB_RANGE: return !request.ofSize && getRangeEndpoint(end, request.upper);
     case SUB_SINGLE_VALUE: return !request.ofSize && singleValueEndpoint(request, value, end);
     case SUB_CONTAINED_SUBTYPE:
-        return !request.ofSize && !request.inSize && containedEndpoint(request, value, end);
+        if (!newNotation(sub.module) && (request.ofSize || request.inSize)) return false;
+        return request.ofSize ? containedSize(request, value, end)
+                              : containedEndpoint(request, value, end);
     default: return false;
     }
 }
@@ -220,7 +238,9 @@ bool explicitRangeEndpoint(Endpoint& end, bool upper, VNodeRef value, uint8_t fl
     const TNodeRef type = currentRec<KIND_TNODE>();
     readRec(value);
     skipValues(true);
-    if (vNode.valCode != kind || (kind == TYP_INTEGER && !isIntegerVNode())) return false;
+    if (kind == TYP_INTEGER ? !isIntegerVNode()
+                            : !sharesCharacters(value.module, vNode.valCode, kind))
+        return false;
     end = {vNode, flags, valueModule()};
     if (isInsideParent(end, kind)) return true;
     readRec(type);

@@ -189,8 +189,33 @@ std::u32string distinctChars(ModuleRec* module, const VNode& value) {
     return chars;
 }
 
+char32_t largestCharacter(uint8_t kind) {
+    switch (kind) {
+    case TYP_IA5STR:
+    case TYP_VISSTR:
+    case TYP_PRISTR:
+    case TYP_NUMSTR:
+    case TYP_GENTIME: // these two are made of VisibleString
+    case TYP_UTCTIME: return 0x7F;
+    case TYP_BMPSTR: return 0xFFFF;
+    case TYP_UNISTR:
+    case TYP_UTF8STR:
+    case TYP_OIDIRI: // labels of arcs have characters of all scripts
+    case TYP_RELOIDIRI: return 0x10FFFF;
+    default: return is(kind, TypeClass::Quoted) ? 0x7F : 0xFF;
+    }
+}
+
+bool sharesCharacters(const ModuleRec* module, uint8_t a, uint8_t b) {
+    if (a == b || (is(a, TypeClass::Narrow) && is(b, TypeClass::Narrow))) return true;
+    return newNotation(module) && is(a, TypeClass::StringGroup) && is(b, TypeClass::StringGroup);
+}
+
 int compareStrings(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b) {
-    if (a.valCode != b.valCode) return 1;
+    return a.valCode != b.valCode ? 1 : compareCharacters(modA, a, modB, b);
+}
+
+int compareCharacters(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b) {
     RestrCharStri left;
     RestrCharStri right;
     const uint64_t lengthA = makeRestrCharStri(modA, a, left);

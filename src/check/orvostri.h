@@ -47,6 +47,13 @@ std::string convBitString(uint8_t kind, ModuleRec* module, const VNode& value);
 [[nodiscard]] bool equalStrings(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
                                 const VNode& b);
 /// The order of two character string values: negative, 0 or positive; 1 when their kinds differ.
+/// The largest character that a kind can hold.
+char32_t largestCharacter(uint8_t kind);
+/// Two kinds of character strings whose characters are the same, to the notation of `module`.
+bool sharesCharacters(const ModuleRec* module, uint8_t a, uint8_t b);
+/// Compares the characters of two strings whatever their kinds.
+[[nodiscard]] int compareCharacters(ModuleRec* modA, const VNode& a, ModuleRec* modB,
+                                    const VNode& b);
 [[nodiscard]] int compareStrings(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b);
 
 } // namespace orvo

@@ -59,12 +59,19 @@ bool subRange(ModuleRec* module) {
     Endpoint upper;
     if (!getRangeEndpoint(lower, false) || !getRangeEndpoint(upper, true)) return false;
     skipTypes(true);
-    if (lower.value.valCode != tNode.typeCode || upper.value.valCode != tNode.typeCode)
+    const uint8_t kind = tNode.typeCode;
+    if (!sharesCharacters(subModule(), lower.value.valCode, kind) ||
+        !sharesCharacters(subModule(), upper.value.valCode, kind))
         return false;
-    const uint8_t kind = lower.value.valCode;
-    const int order = kind == TYP_INTEGER ? compareNumber(lower, upper, kind)
-                                          : compareValue(lower.module, lower.value.asValue(),
-                                                         upper.module, upper.value.asValue());
+    const VNode first = lower.value.asValue();
+    const VNode last = upper.value.asValue();
+    int order = 0;
+    if (kind == TYP_INTEGER)
+        order = compareNumber(lower, upper, kind);
+    else if (is(kind, TypeClass::StringGroup))
+        order = compareCharacters(lower.module, first, upper.module, last);
+    else
+        order = compareValue(lower.module, first, upper.module, last);
     if (order != 0) return order < 0;
     return (lower.flags & SUBF_LOWER) != 0 && (upper.flags & SUBF_UPPER) != 0;
 }

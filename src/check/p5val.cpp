@@ -236,7 +236,7 @@ bool checkForm(const ValueErrors& errors, const CheckedValue& value) {
     case TYP_RELOIDIRI: return checkIri(errors, value);
     case TYP_NUMSTR:
     case TYP_PRISTR: return checkCharacters(errors, value);
-    default: return true;
+    default: return checkWidth(errors, value);
     }
 }
 

@@ -140,23 +140,19 @@ bool valAllExcept(const ValueErrors& errors, const CheckedValue& value) {
 
 // ---- elements -----------------------------------------------------------------------------------
 
-/// Two kinds of character strings whose characters are the same.
-bool isSameWidth(uint8_t a, uint8_t b) {
-    return a == b || (is(a, TypeClass::Narrow) && is(b, TypeClass::Narrow));
-}
-
 /// The value lies on the inner side of an endpoint, or there is none on that side.
-bool isInside(const CheckedValue& value, Endpoint end, bool upper) {
+bool isInside(const CheckedValue& value, const Endpoint& end, bool upper) {
     const uint8_t kind = value.rec.valCode;
-    if (is(kind, TypeClass::StringGroup)) {
-        if (!isSameWidth(kind, end.value.valCode)) return false;
-        end.value.valCode = kind;
-    }
-    if (end.value.valCode != kind) return false;
+    const bool isText = is(kind, TypeClass::StringGroup);
+    if (isText ? !sharesCharacters(subModule(), kind, end.value.valCode)
+               : end.value.valCode != kind)
+        return false;
     if (end.value.isInfinite) return true;
     const bool isMinOrMax = upper ? subRec.right == 0 : subRec.left == 0;
     const bool isIncluded = (subRec.subFlags & (upper ? SUBF_UPPER : SUBF_LOWER)) != 0;
-    int order = compareValue(value.module, value.rec, end.module, end.value.asValue());
+    const VNode bound = end.value.asValue();
+    int order = isText ? compareCharacters(value.module, value.rec, end.module, bound)
+                       : compareValue(value.module, value.rec, end.module, bound);
     if (upper) order = -order;
     return order > 0 || (order == 0 && isIncluded && (end.flags != 0 || isMinOrMax));
 }
@@ -281,7 +277,8 @@ const std::u32string& alphabetOf(SubRef sub, const CheckedValue& operand) {
 
 bool isInAlphabet(SubRef sub, const CheckedValue& character, const CheckedValue& operand) {
     const uint8_t kind = operand.rec.valCode;
-    if (kind != TYP_OCTSTR && !isSameWidth(character.rec.valCode, kind)) return false;
+    if (kind != TYP_OCTSTR && !sharesCharacters(sub.module, character.rec.valCode, kind))
+        return false;
     std::u32string one = distinctChars(character.module, character.rec);
     return one.size() == 1 && std::ranges::binary_search(alphabetOf(sub, operand), one[0]);
 }
@@ -301,8 +298,9 @@ bool valSingleValue(const CheckedValue& value) {
     const uint8_t kind = value.rec.valCode;
     if (is(kind, TypeClass::Bits) && is(operand.rec.valCode, TypeClass::Bits))
         return holdsContents(value.rec) != holdsContents(operand.rec) || equalBits(value, operand);
-    if (is(kind, TypeClass::StringGroup) && isSameWidth(kind, operand.rec.valCode))
-        operand.rec.valCode = kind;
+    if (is(kind, TypeClass::StringGroup))
+        return sharesCharacters(sub.module, kind, operand.rec.valCode) &&
+               compareCharacters(value.module, value.rec, operand.module, operand.rec) == 0;
     if (is(kind, TypeClass::Time) && is(operand.rec.valCode, TypeClass::Time))
         operand.rec.valCode = kind;
     return kind == operand.rec.valCode &&

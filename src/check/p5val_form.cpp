@@ -94,6 +94,16 @@ bool checkCharacters(const ValueErrors& errors, const CheckedValue& value) {
     return failValue(errors, value, valueOutOfConstraint(SUBNAME_PERMITTED_ALPHABET));
 }
 
+bool checkWidth(const ValueErrors& errors, const CheckedValue& value) {
+    const uint8_t kind = tNode.typeCode;
+    const bool isLiteral = value.rec.valCode == kind && value.rec.ref == 0;
+    if (isLiteral || !is(kind, TypeClass::StringGroup) || !newNotation(value.module)) return true;
+    const char32_t largest = largestCharacter(kind);
+    for (const char32_t character : distinctChars(value.module, value.rec))
+        if (character > largest) return failValue(errors, value, Msg::CharacterOutsideOfType);
+    return true;
+}
+
 // ---- times --------------------------------------------------------------------------------------
 // GeneralizedTime and UTCTime (X.680 (07/2002) clauses 42 and 43), read from left to right.
 

@@ -119,6 +119,8 @@ bool readBuiltinType(uint8_t kind);
 [[nodiscard]] bool checkOpenTypeVal(const ValueErrors& errors, const CheckedValue& value);
 /// NumericString and PrintableString: their characters.
 [[nodiscard]] bool checkCharacters(const ValueErrors& errors, const CheckedValue& value);
+/// Characters that references bring in from strings of other kinds.
+[[nodiscard]] bool checkWidth(const ValueErrors& errors, const CheckedValue& value);
 /// GeneralizedTime and UTCTime.
 [[nodiscard]] bool checkTimeVal(const ValueErrors& errors, const CheckedValue& value);
 /// TIME and the types defined by it.
