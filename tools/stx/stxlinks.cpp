@@ -94,8 +94,10 @@ Link linkOfValueRef(const VNode& node) {
             return recordLink(TNODE, node.refMod < 0 ? 1 : node.refMod, node.ref);
         return ownLink(VNODE, node.ref);
     }
-    const bool marker = node.valCode == TYP_EXTENSION_MARKER; // leads to its exception
-    if (node.valCode == TYP_FIELDLIST || marker || typeRow(node.valCode).valueList)
+    // A marker leads to its exception, a REAL to the values that its components name.
+    const bool marker = node.valCode == TYP_EXTENSION_MARKER;
+    if (node.valCode == TYP_FIELDLIST || node.valCode == TYP_REAL || marker ||
+        typeRow(node.valCode).valueList)
         return ownLink(VNODE, node.ref);
     return {};
 }
