@@ -15,6 +15,7 @@
 #include "check/check_cache.h"
 #include "diag/orvoerr_fatal.h"
 #include "lex/orvotok.h"
+#include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
 #include "util/ascii.h"
 #include "util/utf8.h"
@@ -166,6 +167,11 @@ uint64_t makeRestrCharStri(ModuleRec* module, const VNode& value, RestrCharStri&
     return makeRestrCharStriSeg(module, value, &stri);
 }
 
+std::string_view plainText(ModuleRec* module, const VNode& value) {
+    if (value.val.str.striLen == 0) return {};
+    return getStri(module, int64_t{value.val.str.stri});
+}
+
 std::u32string distinctChars(ModuleRec* module, const VNode& value) {
     std::u32string chars;
     std::set<char32_t> seen;
@@ -211,7 +217,7 @@ bool isBinary(const VNode& value) {
     return value.valCode == TYP_BITSTR && value.ref == 0;
 }
 bool isBitList(const VNode& value) {
-    return value.valCode == TYP_BITSTR && value.ref != 0;
+    return value.valCode == TYP_BITSTR && value.ref != 0 && !holdsContents(value);
 }
 
 std::string_view digitsOf(ModuleRec* module, const VNode& value) {
@@ -329,7 +335,25 @@ std::string convBitString(uint8_t kind, ModuleRec* module, const VNode& value) {
     return bits;
 }
 
+namespace {
+
+/// Two strings are given by what they contain, and that is equal.
+bool equalContents(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b) {
+    if (!holdsContents(a) || !holdsContents(b)) return false;
+    const KeepRec<KIND_VNODE> keep;
+    readRec(modA, VNodeNr{a.ref});
+    skipValues(true);
+    ModuleRec* const innerA = valueModule();
+    const VNode inner = vNode;
+    readRec(modB, VNodeNr{b.ref});
+    skipValues(true);
+    return compareValue(innerA, inner, valueModule(), VNode(vNode)) == 0;
+}
+
+} // namespace
+
 bool equalStrings(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b) {
+    if (holdsContents(a) || holdsContents(b)) return equalContents(modA, a, modB, b);
     if (kind == TYP_BITSTR) {
         return withoutTrailingZeros(convBitString(kind, modA, a)) ==
                withoutTrailingZeros(convBitString(kind, modB, b));

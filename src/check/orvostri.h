@@ -25,6 +25,8 @@ uint64_t makeRestrCharStri(ModuleRec* module, const VNode& value, RestrCharStri&
 /// The length of a value in characters, and, when asked for, its characters appended to `stri`.
 uint64_t makeRestrCharStriSeg(ModuleRec* module, const VNode& value, RestrCharStri* stri);
 /// The different characters of a value in the order in which they occur first. Preserving.
+/// The text of a value that is kept as one: of 8-bit characters, a time, an IRI.
+std::string_view plainText(ModuleRec* module, const VNode& value);
 std::u32string distinctChars(ModuleRec* module, const VNode& value);
 
 /// Length in bits of a value that lists named bits; 2147483647 when a number does not fit in 32

@@ -219,13 +219,21 @@ bool isOfKind(const CheckedValue& value) {
 bool checkForm(const ValueErrors& errors, const CheckedValue& value) {
     switch (tNode.typeCode) {
     case TYP_ENUM: return checkEnumVal(errors, value);
-    case TYP_BITSTR: return checkBitStriVal(errors, value);
+    case TYP_BITSTR: return checkBitStriVal(errors, value) && checkContents(errors, value);
+    case TYP_OCTSTR: return checkContents(errors, value);
     case TYP_ANY:
     case TYP_OPEN: return checkOpenTypeVal(errors, value);
     case TYP_OBJID:
     case TYP_RELOID: return checkObjIdVal(errors, value);
     case TYP_GENTIME:
     case TYP_UTCTIME: return checkTimeVal(errors, value);
+    case TYP_TIME:
+    case TYP_DATE:
+    case TYP_TIMEOFDAY:
+    case TYP_DATETIME:
+    case TYP_DURATION: return checkTimeForm(errors, value);
+    case TYP_OIDIRI:
+    case TYP_RELOIDIRI: return checkIri(errors, value);
     case TYP_NUMSTR:
     case TYP_PRISTR: return checkCharacters(errors, value);
     default: return true;

@@ -9,6 +9,7 @@
 #include "check/check_cache.h"
 #include "check/orvonum_end.h"
 #include "check/orvostri.h"
+#include "check/orvotime.h"
 #include "check/p5val_int.h"
 #include "parser/iso8824.h"
 #include "tree/orvoutil_cmp.h"
@@ -160,8 +161,37 @@ bool isInside(const CheckedValue& value, Endpoint end, bool upper) {
     return order > 0 || (order == 0 && isIncluded && (end.flags != 0 || isMinOrMax));
 }
 
+/// The time lies on the inner side of an end that is of its form.
+bool isTimeInside(const TimeVal& time, uint32_t end, bool upper) {
+    if (end == 0) return true;
+    const CheckedValue other = checkedValue({subModule(), VNodeNr{end}});
+    TimeVal bound;
+    if (!readTime(plainText(other.module, other.rec), bound) || !bound.isComparable) return true;
+    if (!isSameForm(time, bound)) return false;
+    const bool isIncluded = (subRec.subFlags & (upper ? SUBF_UPPER : SUBF_LOWER)) != 0;
+    if (time.parts == bound.parts) return isIncluded;
+    return (time.parts < bound.parts) == upper;
+}
+
+bool valTimeRange(const CheckedValue& value) {
+    const SubRec range = subRec;
+    TimeVal time;
+    if (!readTime(plainText(value.module, value.rec), time)) return true; // reported by its form
+    return isTimeInside(time, range.left, false) && isTimeInside(time, range.right, true);
+}
+
+bool valSettings(const CheckedValue& value) {
+    if (subRec.left == 0 || !is(value.rec.valCode, TypeClass::Time)) return true;
+    const CheckedValue text = checkedValue({subModule(), VNodeNr{subRec.left}});
+    TimeSettings settings;
+    std::string_view fault;
+    TimeVal time;
+    return !readTimeSettings(plainText(text.module, text.rec), settings, fault) ||
+           !readTime(plainText(value.module, value.rec), time) || hasSettings(time, settings);
+}
+
 bool valRange(const CheckedValue& value) {
-    if (is(value.rec.valCode, TypeClass::Time)) return true;
+    if (is(value.rec.valCode, TypeClass::Time)) return valTimeRange(value);
     for (const bool upper : {false, true}) {
         Endpoint end;
         if (!getRangeEndpoint(end, upper) || !isInside(value, end, upper)) return false;
@@ -216,6 +246,7 @@ uint64_t leastBits() {
 bool valSizeConstr(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef inner = operandsOf(currentSub());
     if (!inner) return false;
+    if (holdsContents(value.rec)) return true; // its encoding is not known
     uint64_t least = 0;
     if (newNotation(inner.module)) {
         const KeepRec<KIND_SUB> keep;
@@ -269,7 +300,7 @@ bool valSingleValue(const CheckedValue& value) {
     if (value.isCharacter) return isInAlphabet(sub, value, operand);
     const uint8_t kind = value.rec.valCode;
     if (is(kind, TypeClass::Bits) && is(operand.rec.valCode, TypeClass::Bits))
-        return equalBits(value, operand);
+        return holdsContents(value.rec) != holdsContents(operand.rec) || equalBits(value, operand);
     if (is(kind, TypeClass::StringGroup) && isSameWidth(kind, operand.rec.valCode))
         operand.rec.valCode = kind;
     if (is(kind, TypeClass::Time) && is(operand.rec.valCode, TypeClass::Time))
@@ -425,15 +456,16 @@ bool meets(const ValueErrors& errors, const CheckedValue& value) {
     case SUB_OPEN_TYPE: return newNotation(subModule()) && valOpenType(errors, value);
     case SUB_USER_DEFINED:
     case SUB_EXCEPTION:
-    case SUB_PATTERN:
-    case SUB_SETTINGS: return true;
+    case SUB_PATTERN: return true;
+    case SUB_SETTINGS: return valSettings(value);
     default: return false;
     }
 }
 
 /// Kinds whose failure is reported where it is found, or not at all.
 bool reportsItself(uint8_t subKind) {
-    return subKind == SUB_CONTAINED_SUBTYPE || subKind > SUB_WITH_COMPONENTS;
+    return subKind == SUB_CONTAINED_SUBTYPE ||
+           (subKind > SUB_WITH_COMPONENTS && subKind != SUB_SETTINGS);
 }
 
 } // namespace

@@ -27,6 +27,7 @@
 #include "parser/iso8824.h"
 #include "parser/parser.h"
 #include "solve/solve.h"
+#include "solve/solve_macro.h"
 #include "solve/solve_pass3.h"
 #include "symtab/orvosym_imp.h"
 #include "symtab/orvosym_list.h"
@@ -123,6 +124,7 @@ void clearPass1Fields(ModuleRec& module) {
     module.nbStxErrors = module.nbSemErrors = module.nbSymErrors = module.nbWarnings = 0;
     module.automaticTags = module.extensibilityImplied = module.otherInstructions = false;
     module.macros.clear();
+    module.macroUses.clear();
     module.tagDefault = 1;
 }
 
@@ -425,7 +427,9 @@ int orvo_main(int argc, char** argv) {
     if (run.keepGoing) settleMissingModules();
     parseInternal(); // the notation of the modules decides which kinds it has
     solveRefs1Internal();
+    if (run.anyNewNotation) passOver(settleMacros, 1);
     passOver(solveRefs1, 2);
+    if (run.anyNewNotation) passOver(governMacroReferences, 2);
     solveRefs2Internal();
     passOver(solveRefs2, 3);
     passFourInternal();

@@ -109,6 +109,8 @@ void valueAssignment() {
     assignment.valueHead = newValueHead(parserState.Inp, lookAhead(1).code == TOK_LBRACE);
     noteHeader(assignment);
     ReadIn();
+    if (newNotation() && lookAhead(1).code == TOK_ASSIGN && mayBeMacro(parserState.Inp))
+        noteMacro(parserState.Inp, assignment.valueHead, false);
     MGR57ParameterList();
     governingType(assignment);
     expectToken(TOK_ASSIGN);

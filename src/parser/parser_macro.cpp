@@ -3,6 +3,7 @@
 
 #include "parser/parser_macro.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -53,14 +54,20 @@ bool isMacroDefinition() {
            lookAhead(2).code == TOK_ASSIGN;
 }
 
+/// Published modules write `localValue 5` and `localValue : 5`.
+bool isForm(const Token& token) {
+    return token.code == TOK_VALUEID &&
+           (nameOf(token) == "localValue" || nameOf(token) == "globalValue");
+}
+constexpr TokenSet beginsFormValue = {TOK_COLON, TOK_NUMBER, TOK_MINUS, TOK_LBRACE};
+
 /// Notation that no type is written with stands behind the name of the macro.
 bool isMacroValue() {
     if (parserState.Inp.code != TOK_VALUEID || lookAhead(1).code != TOK_TYPEID) return false;
     if (cMP->macros.contains(nameOf(lookAhead(1)))) return true;
     const int32_t behind = lookAhead(2).code;
     if (behind == TOK_ASSIGN) // v OPERATION ::= localValue 5
-        return lookAhead(3).code == TOK_VALUEID &&
-               (nameOf(lookAhead(3)) == "localValue" || nameOf(lookAhead(3)) == "globalValue");
+        return isForm(lookAhead(3)) && beginsFormValue.has(lookAhead(4).code);
     return behind == TOK_TYPEID || behind == TOK_VALUEID || behind == TOK_CSTRING ||
            isReservedWord(behind);
 }
@@ -76,18 +83,11 @@ bool isMacroType() {
     return argument == TOK_CSTRING || (argument == TOK_VALUEID && lookAhead(5).code != TOK_DOT);
 }
 
-void noteUse(const Token& macro) {
-    const std::string name(nameOf(macro));
-    if (name.empty()) return;
-    cMP->macros.insert(name);
-    recordOnce(cMP, Msg::MacroUsed, macro.line, name);
-}
-
 /// name MACRO `::=` (BEGIN ... END | reference)
 void macroDefinition() {
     recordError(cMP, ERR_WARNING, Msg::MacroPassedOver, parserState.Inp.line,
                 nameOf(parserState.Inp));
-    if (buildsTree()) cMP->macros.insert(std::string(nameOf(parserState.Inp)));
+    cMP->macros.emplace(nameOf(parserState.Inp));
     for (int i = 0; i < 3; ++i) ReadIn();
     if (parserState.Inp.code == TOK_BEGIN) {
         passOverTo({});
@@ -100,12 +100,14 @@ void macroDefinition() {
     expectToken(TOK_TYPEID);
 }
 
-/// Kind of the value behind `::=`: a number is an INTEGER, braces an OBJECT IDENTIFIER.
+/// Kind of the value behind `::=`: a number is an INTEGER, braces an OBJECT IDENTIFIER. That of a
+/// reference is not known yet.
 TypeCode kindOfValue() {
     switch (parserState.Inp.code) {
     case TOK_NUMBER:
     case TOK_MINUS: return TYP_INTEGER;
-    case TOK_LBRACE: return TYP_OBJID;
+    case TOK_LBRACE:
+    case TOK_VALUEID: return TYP_OBJID;
     default: return TYP_NONE;
     }
 }
@@ -114,22 +116,24 @@ TypeCode kindOfValue() {
 void macroValue() {
     const Token name = parserState.Inp;
     ReadIn();
-    noteUse(parserState.Inp);
+    const Token macro = parserState.Inp;
     passOverTo({TOK_ASSIGN});
     if (!expectToken(TOK_ASSIGN)) return;
-    const std::string_view form = nameOf(parserState.Inp);
-    if (form == "localValue" || form == "globalValue") {
+    if (isForm(parserState.Inp)) {
         ReadIn();
         if (parserState.Inp.code == TOK_COLON) ReadIn();
     }
     const TypeCode kind = kindOfValue();
     if (kind == TYP_NONE) {
+        noteMacro(macro, {}, true);
         recordError(cMP, ERR_WARNING, Msg::MacroValueLeftOut, name.line, nameOf(name));
-        if (buildsTree()) cMP->macros.insert(std::string(nameOf(name)));
+        cMP->macros.emplace(nameOf(name));
         MGR68OpenValue();
         return;
     }
+    const bool isReference = parserState.Inp.code == TOK_VALUEID;
     const VNodeNr head = newValueHead(name, false);
+    noteMacro(macro, isReference ? head : VNodeNr{}, true);
     const TNodeNr type = newTypeNode();
     setTypeCode(kind);
     if (atValue(head)) vNode.govType = type.nr;
@@ -140,8 +144,8 @@ void macroValue() {
 void macroType() {
     const Token name = parserState.Inp;
     ReadIn();
+    noteMacro(lookAhead(1), {}, true);
     ReadIn();
-    noteUse(parserState.Inp);
     passOverTo({TOK_SYNTAX});
     if (!expectToken(TOK_SYNTAX)) return;
     const Restore own(parserState.openInst, static_cast<int16_t>(parserState.openInst + 1));
@@ -165,6 +169,15 @@ void passOverBrackets() {
 }
 
 } // namespace
+
+bool mayBeMacro(const Token& type) {
+    if (type.code != TOK_TYPEID) return false;
+    return std::ranges::none_of(nameOf(type), [](char c) { return c >= 'a' && c <= 'z'; });
+}
+
+void noteMacro(const Token& macro, VNodeNr value, bool byNotation) {
+    if (buildsTree()) cMP->macroUses.push_back({macro.stri(), macro.line, value, byNotation});
+}
 
 bool macroFollows() {
     return isMacroDefinition() || isMacroValue() || isMacroType();

@@ -42,6 +42,14 @@ bool beginsValue(int32_t code) {
            code == TOK_MODULEID || code == TOK_VALUEID;
 }
 
+/// The field in `tNode` is a string, and its value is given by what it contains.
+bool containedValueFollows() {
+    if (curCode() != TOK_CONTAINING || !newNotation()) return false;
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    return is(tNode.typeCode, TypeClass::Bits);
+}
+
 /// The class of an object: the module of its records and its first field.
 struct ObjectClass {
     ModuleRec* module = nullptr;
@@ -69,7 +77,7 @@ bool fieldMatches(const ObjectClass& objectClass, std::string_view name, Cause& 
         cause.set(tokenExpected(TOK_LBRACE), name);
         return false;
     case FieldSort::Value:
-        if (beginsValue(curCode())) return true;
+        if (beginsValue(curCode()) || containedValueFollows()) return true;
         cause.set(tokenExpected(TOK_VALUEID), name);
         return false;
     }

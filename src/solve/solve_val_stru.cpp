@@ -4,6 +4,7 @@
 #include "check/orvonum.h"
 #include "parser/parser_oid.h"
 #include "solve/p5actpar.h"
+#include "solve/solve_con.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_exp.h"
 #include "solve/solve_par.h"
@@ -14,6 +15,7 @@
 #include "symtab/orvosym.h"
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
 #include "tree/values.h"
 
 namespace orvo {
@@ -86,9 +88,58 @@ bool parseNamedBits(Cause& cause) {
     return false;
 }
 
+/// The type in the contents constraint `sub`, or in one of a series, becomes the current one.
+bool readContentsOf(SubRef sub) {
+    readRec(sub);
+    if (subRec.subKind == SUB_CONTENTS)
+        return subRec.left != 0 && readTypeSetting({sub.module, VNodeNr{subRec.left}});
+    if (subRec.subKind != SUB_SERIAL) return false;
+    for (const SubNr nr : chain(sub.module, SubNr{subRec.left}))
+        if (readContentsOf({sub.module, nr})) return true;
+    return false;
+}
+
+/// The same for the type that governs the current value, whose references may add constraints.
+bool readContentsType() {
+    const KeepRec<KIND_SUB> keep;
+    ModuleRec* const module = refModule(valueModule(), signedWord(vNode.govTypeMod));
+    if (module == nullptr || vNode.govType == 0) return false;
+    readRec(module, TNodeNr{vNode.govType});
+    for (size_t left = maxLinks; left != 0; --left) {
+        const CurrentModule inModule(typeModule());
+        if (isDeferred(tNode.constraint)) parseSubRec();
+        const TNodeRef type = currentRec<KIND_TNODE>();
+        if (tNode.constraint > 0 &&
+            readContentsOf({type.module, SubNr{magnitude(tNode.constraint)}}))
+            return true;
+        readRec(type);
+        if (!followTypeRef(true)) return false;
+    }
+    return false;
+}
+
+/// CONTAINING Value (X.680 (02/2021) 22.3, 23.3)
+bool parseContainedValue(Cause& cause) {
+    const VNodeRef self = currentRec<KIND_VNODE>();
+    if (!readContentsType()) {
+        cause.set(Msg::NoContentsConstraint);
+        return false;
+    }
+    const TNodeRef contents = currentRec<KIND_TNODE>();
+    if (!advance()) return false;
+    makePending(self.module, self.nr);
+    vNode.vflags |= VF_CONTENTS;
+    ValueList content;
+    content.append(curToken().line);
+    readRec(contents);
+    governByCurrentType();
+    return parseValue();
+}
+
 } // namespace
 
 bool parseBitStringValue(Cause& cause) {
+    if (curCode() == TOK_CONTAINING && newNotation()) return parseContainedValue(cause);
     if (curCode() == TOK_BSTRING || curCode() == TOK_HSTRING) {
         setValNode(curCode() == TOK_BSTRING ? TYP_BITSTR : TYP_OCTSTR);
         const int32_t stri = curToken().stri();

@@ -224,6 +224,7 @@ enum ValueFlags : uint8_t {
     VF_TED2 = 4,
     VF_TED3 = 8,
     VF_VARIABLE = 16,
+    VF_CONTENTS = 32, // BIT STRING, OCTET STRING: `ref` is the value that is contained
 };
 enum NodeFlags : uint32_t {
     NF_ASSIGNMENT = 2,
@@ -484,16 +485,18 @@ struct STabRec {    // a symbol
     int32_t node;   // TNode head, or minus the VNode head; 0 = undefined
     uint8_t flags;  // SYM_*
     uint8_t unread; // 1: of a module without definitions to look at; counts as known
-    uint8_t unused10[2];
+    uint8_t needed; // 1: a definition was looked for
+    uint8_t unused11;
     uint32_t line;
     uint32_t uses;    // InstNr
     uint32_t formals; // STabNr
     uint32_t next;    // STabNr
 };
-inline constexpr Field sTabRecFields[] = {
-    FIELD(0, STabRec, name),   FIELD(4, STabRec, node),      FIELD(8, STabRec, flags),
-    FIELD(9, STabRec, unread), FIELD(10, STabRec, unused10), FIELD(12, STabRec, line),
-    FIELD(16, STabRec, uses),  FIELD(20, STabRec, formals),  FIELD(24, STabRec, next)};
+inline constexpr Field sTabRecFields[] = {FIELD(0, STabRec, name),     FIELD(4, STabRec, node),
+                                          FIELD(8, STabRec, flags),    FIELD(9, STabRec, unread),
+                                          FIELD(10, STabRec, needed),  FIELD(11, STabRec, unused11),
+                                          FIELD(12, STabRec, line),    FIELD(16, STabRec, uses),
+                                          FIELD(20, STabRec, formals), FIELD(24, STabRec, next)};
 
 struct InstRec { // a use of a symbol
     uint32_t line;
@@ -590,6 +593,11 @@ constexpr int32_t signedWord(uint32_t word) {
 /// The deferred text of a value whose refMod is REF_DEFERRED.
 constexpr DNodeNr deferredText(const VNode& value) {
     return deferredText(signedWord(value.ref));
+}
+/// A value of BIT STRING or OCTET STRING that is given by what it contains: its bits depend on the
+/// encoding rules.
+constexpr bool holdsContents(const VNode& value) {
+    return (value.vflags & VF_CONTENTS) != 0;
 }
 /// String number of a name that may be negated as a mark.
 constexpr StriNr nameStri(int32_t name) {

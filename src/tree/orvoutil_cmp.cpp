@@ -371,6 +371,7 @@ uint64_t hashOfSimple(ModuleRec* module, const VNode& value) {
     // The same bits may be written in binary, in hexadecimal and by name.
     case TYP_BITSTR:
     case TYP_OCTSTR: {
+        if (holdsContents(value)) return value.valCode;
         std::string bits = convBitString(TYP_BITSTR, module, value);
         bits.erase(bits.find_last_not_of('0') + 1);
         return hashOfText(bits);

@@ -62,6 +62,16 @@ constexpr struct {
      "{1 2 rel 7}"},
     {"33, 51.2", "v RELATIVE-OID ({ 1 } | { 1 2 }) ::= { one 2 } one RELATIVE-OID ::= { 1 }",
      "{one 2}"},
+    {"23.3: in a string that a reference constrains, nested",
+     "v S ::= CONTAINING {x CONTAINING b : w} S ::= T (SIZE (1)) T ::= OCTET STRING (CONTAINING "
+     "E)\n"
+     "E ::= SEQUENCE { x BIT STRING (CONTAINING CHOICE { b INTEGER }) } w INTEGER ::= 5",
+     "CONTAINING {x CONTAINING b : w}"},
+    {"23.3: in objects and actual parameters",
+     "v T ::= d T ::= OCTET STRING (CONTAINING INTEGER) K ::= CLASS { &t T } WITH SYNTAX { T &t }\n"
+     "o K ::= { T CONTAINING 6 } d T ::= o.&t P {T:p} ::= SEQUENCE { a T DEFAULT p } Q ::= P "
+     "{CONTAINING 7}",
+     "d"},
     {"34", "v OID-IRI (\"/ISO/\xC3\xA9\") ::= \"/ISO/\xC3\xA9\"", "\"/ISO/\\u00e9\""},
     {"38.4: the time types are types of TIME", "v TIME (d) ::= d d DATE ::= \"2020-02-29\"", "d"},
 };
@@ -128,6 +138,15 @@ TEST(NotationLex, ReportsValuesThatTheTypeDoesNotHave) {
         {"v DATE ::= { \"2020-02-29\" }", {{2, "DATE value syntax"}}},
         {"v RELATIVE-OID ::= { 3 o } o OBJECT IDENTIFIER ::= { 1 2 }",
          {{2, "Invalid RELATIVE-OID component: 2nd component"}, {2, "Invalid RELATIVE-OID value"}}},
+        {"v OCTET STRING ::= CONTAINING 5",
+         {{2, "CONTAINING a value needs a contents constraint with a type"},
+          {2, "OCTET STRING value syntax"}}},
+        {"v T ::= CONTAINING 10 T ::= OCTET STRING (CONTAINING INTEGER (0..9))",
+         {{2, "Value out of range constraint(s)"}, {2, "Invalid OCTET STRING value"}}},
+        {"v T (CONTAINING INTEGER) (w) ::= CONTAINING 7 w T (CONTAINING INTEGER) ::= CONTAINING 8 "
+         "T ::= OCTET STRING",
+         {{2, "Value out of single value constraint(s)"},
+          {2, "Value out of catenated constraint(s)"}}},
         {"v RELATIVE-OID ({ 1 } | { 1 2 }) ::= { 2 }", {{2, "Value out of union constraint(s)"}}},
         {"v OBJECT IDENTIFIER ::= { rel 3 } rel RELATIVE-OID ::= { 1 40 }", // below iso up to 39
          {{2, "Invalid OBJECT IDENTIFIER component: 1st component"},

@@ -198,6 +198,7 @@ constexpr CodeName valueFlagRows[] = {
     {4, "TED2"},
     {8, "TED3"},
     {16, "VARIABLE"},
+    {32, "CONTENTS"},
 };
 constexpr CodeName nodeFlagRows[] = {
     {2, "ASSIGNMENT"},

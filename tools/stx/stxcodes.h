@@ -161,6 +161,7 @@ enum ValueFlags : uint8_t {
     VF_TED2 = 4,
     VF_TED3 = 8,
     VF_VARIABLE = 16,
+    VF_CONTENTS = 32,
 };
 enum NodeFlags : uint32_t {
     NF_ASSIGNMENT = 2,

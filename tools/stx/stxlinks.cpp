@@ -95,9 +95,9 @@ Link linkOfValueRef(const VNode& node) {
         return ownLink(VNODE, node.ref);
     }
     // A marker leads to its exception, a REAL to the values that its components name.
-    const bool marker = node.valCode == TYP_EXTENSION_MARKER;
-    if (node.valCode == TYP_FIELDLIST || node.valCode == TYP_REAL || marker ||
-        typeRow(node.valCode).valueList)
+    const bool leads = node.valCode == TYP_EXTENSION_MARKER || node.valCode == TYP_REAL;
+    const bool holdsContents = (node.vflags & VF_CONTENTS) != 0;
+    if (node.valCode == TYP_FIELDLIST || leads || holdsContents || typeRow(node.valCode).valueList)
         return ownLink(VNODE, node.ref);
     return {};
 }

@@ -298,6 +298,10 @@ void writeValue(Writer& writer, ValueRef value) {
     }
     default: break;
     }
+    if ((node.vflags & VF_CONTENTS) != 0) {
+        writer.out += "CONTAINING ";
+        return writeValue(writer, {&tree, node.ref});
+    }
     const Link string = tree.linkOf(VNODE, value.nr, fieldNamed(VNODE, "val"));
     if (string.target == Target::String && !isArcs(node.valCode) && node.ref == 0)
         return writeString(writer, tree, node);
