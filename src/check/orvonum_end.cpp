@@ -216,7 +216,7 @@ int signOfInfinity(const Endpoint& end) {
 }
 
 /// How a bound of numbers is read; `bound` becomes what is stored.
-BoundForm boundForm(const Endpoint& end, I64& bound) {
+unsigned boundForm(const Endpoint& end, I64& bound) {
     if (end.value.isInfinite) return BOUND_PLAIN;
     if (end.value.val.integer.text == 0)
         return i64ismin(bound) || i64ismax(bound) ? BOUND_SIGNED : BOUND_PLAIN;

@@ -199,7 +199,7 @@ bool checkAllowedRecursionForElement(TNodeRef list) {
     Endpoint lower;
     if (!getEndpoint(lower, false)) return false;
     if (testInfinity(lower, false, TYP_INTEGER)) return true; // MIN is 0 for sizes
-    return i64native(lower.value.val.number) + ((lower.flags & SUBF_LOWER) == 0 ? 1 : 0) <= 0;
+    return i64native(lower.value.val.number) <= ((lower.flags & SUBF_LOWER) == 0 ? -1 : 0);
 }
 
 /// A visited component, of the type `parent`, decides whether the recursion may be.

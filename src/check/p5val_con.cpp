@@ -384,17 +384,44 @@ bool presencesAreKept(const CheckedValue& value, SubRef first, std::set<std::str
     return met;
 }
 
+/// The components that the value has meet the constraints of their entries (X.680 (02/2021) 51.8).
+bool componentsMeetEntries(const ValueErrors& errors, const CheckedValue& value, SubRef first) {
+    bool met = true;
+    forEachOperand(first, [&](SubRef entry) {
+        const SubRec sub = subRec;
+        ModuleRec* const owner = refModule(entry.module, static_cast<int32_t>(sub.typeMod));
+        if (sub.subKind == SUB_EXCEPTION || sub.name == 0 || owner == nullptr) return true;
+        if (!findValueCompById(value.module, VNodeNr{value.rec.ref},
+                               getStri(entry.module, int64_t{sub.name})))
+            return true;
+        const CheckedValue part = partAt(value, currentRec<KIND_VNODE>().nr);
+        met &= rememberedVerdict(errors, part, {.against = keyOf(entry), .isInner = true}, [&] {
+            readRec(owner, TNodeNr{sub.typeNr});
+            readRec(entry);
+            return checkAgainstSub(errors, part);
+        });
+        return true;
+    });
+    return met;
+}
+
 /// The current type becomes the structure whose components are restricted.
 void readRestrictedStructure() {
     skipTypes(true);
     static_cast<void>(readAssociatedType(subModule(), tNode.typeCode));
 }
 
-bool valWithComps(const CheckedValue& value) {
+bool valWithComps(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef self = currentSub();
     const bool isFull = (subRec.subFlags & SUBF_FULL) != 0;
     std::set<std::string_view> named;
     bool met = presencesAreKept(value, operandsOf(self), named);
+    if (newNotation(self.module)) {
+        readRec(self);
+        const SubRef first = operandsOf(self);
+        met &= value.rec.valCode == TYP_REAL ? realMeetsEntries(value, first)
+                                             : componentsMeetEntries(errors, value, first);
+    }
     // What a type nearer to the value restricts again is not asked for here.
     if (!isFull || value.isRestricted) return met;
     readRestrictedStructure();
@@ -421,7 +448,7 @@ bool meets(const ValueErrors& errors, const CheckedValue& value) {
     case SUB_SINGLE_VALUE: return valSingleValue(value);
     case SUB_CONTAINED_SUBTYPE: return valContainedSubtype(errors, value);
     case SUB_WITH_COMPONENT: return valWithComp(errors, value);
-    case SUB_WITH_COMPONENTS: return valWithComps(value);
+    case SUB_WITH_COMPONENTS: return valWithComps(errors, value);
     case SUB_TABLE: return valTableConstr(errors, value);
     case SUB_CONTENTS: return newNotation(subModule());
     case SUB_OPEN_TYPE: return newNotation(subModule()) && valOpenType(errors, value);

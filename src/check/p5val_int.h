@@ -128,6 +128,10 @@ bool readBuiltinType(uint8_t kind);
 /// The labels of OID-IRI and RELATIVE-OID-IRI.
 [[nodiscard]] bool checkIri(const ValueErrors& errors, const CheckedValue& value);
 
+// ---- p5val_real ---------------------------------------------------------------------------------
+/// A REAL value has the mantissa, base and exponent that the entries of a WITH COMPONENTS ask for.
+[[nodiscard]] bool realMeetsEntries(const CheckedValue& value, SubRef first);
+
 // ---- p5val_oid ----------------------------------------------------------------------------------
 [[nodiscard]] bool checkObjIdVal(const ValueErrors& errors, const CheckedValue& value);
 

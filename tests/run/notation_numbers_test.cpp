@@ -147,6 +147,55 @@ const NumberCase numberCases[] = {
     {"v OBJECT IDENTIFIER ::= { 1 18446744073709551616 }",
      {{2, "Invalid OBJECT IDENTIFIER component: 2nd component"},
       {2, "Invalid OBJECT IDENTIFIER value"}}},
+    // -- reals: 2^53 and its successor are one double
+    {"v REAL (9007199254740993) ::= 9007199254740992",
+     {{2, "Value out of single value constraint(s)"}}},
+    {"v REAL (0..9007199254740992) ::= 9007199254740993",
+     {{2, "Value out of range constraint(s)"}}},
+    {"v REAL (0..9007199254740993) ::= { mantissa 9007199254740993, base 2, exponent 0 }"},
+    {"v REAL ({ mantissa 125, base 2, exponent -3 }) ::= 15.625"},
+    {"v REAL (0 | 1 | 2 | 3 | 4 | 5 | 6 | 7 | 8 | 9 | 10 | 11 | 12 | 13 | 14 | 15 | 0.1 | 0.375)\n"
+     "  ::= { mantissa 3, base 2, exponent -3 }"},
+    {"v REAL (1E400..2E400) ::= 2E400 w REAL (0<..MAX) ::= PLUS-INFINITY"},
+    {"v REAL (1E400..2E400) ::= 200000000000000001E383", {{2, "Value out of range constraint(s)"}}},
+    {"v REAL (MIN..<MAX) ::= PLUS-INFINITY", {{2, "Value out of range constraint(s)"}}},
+    // 2^32767 is 7.0773051552...E9863
+    {"v REAL (7077305155E9854..7077305156E9854) ::= { mantissa 1, base 2, exponent 32767 }"},
+    {"v REAL (7077305156E9854..MAX) ::= { mantissa 1, base 2, exponent 32767 }",
+     {{2, "Value out of range constraint(s)"}}},
+    {"v REAL ::= 1E-32768 w REAL ::= 10E32766"},
+    {"v REAL ::= 0.1E-32768",
+     {{2, "Mantissa beyond 64 bits or exponent beyond 16 bits: 0.1E-32768"}}},
+    {"v REAL ::= { mantissa 1, base 2, exponent 32768 }",
+     {{2, "Mantissa beyond 64 bits or exponent beyond 16 bits: 32768"}}},
+    {"v REAL ::= { mantissa 1, base 3, exponent 0 }", {{2, "Invalid REAL value"}}},
+    {"T ::= REAL (1.0<..1)", {{2, "Invalid range constraint(s)"}}},
+    // 21.6: the components are any values of INTEGER
+    {"v REAL (-40) ::= { mantissa m, base two, exponent o.&id } m INTEGER ::= -5\n"
+     "two INTEGER { two(2) } ::= two K ::= CLASS { &id INTEGER } o K ::= { &id 3 }"},
+    {"P {INTEGER:n} ::= REAL ({ mantissa n, base 10, exponent 0 }) v P {7} ::= 70E-1"},
+    {"v REAL ::= { mantissa m, base 2, exponent 0 } m REAL ::= 5", {{2, "REAL value syntax"}}},
+    // 51.8, 21.5: {500, 10, -2} is 5, {125, 2, -3} is 15.625, in base 2 for the type that wants it
+    {"v REAL (WITH COMPONENTS { mantissa (0..1000), base (10), exponent (-2) }) ::= 5"},
+    {"v REAL (WITH COMPONENTS { mantissa (0..1000), base (10), exponent (-2) }) ::= 5.001",
+     {{2, "Value out of WITH COMPONENTS constraint(s)"}}},
+    {"v REAL (WITH COMPONENTS { mantissa (125), base (2), exponent (-3) }) ::= 15.625"},
+    {"v REAL (WITH COMPONENTS { mantissa (124), base (2), exponent (-3) }) ::= 15.625",
+     {{2, "Value out of WITH COMPONENTS constraint(s)"}}},
+    {"v REAL (WITH COMPONENTS { ..., base (2) }) ::= 0.1"},
+    {"v REAL (WITH COMPONENTS { ..., base (10) }) ::= { mantissa 1, base 2, exponent 0 }",
+     {{2, "Value out of WITH COMPONENTS constraint(s)"}}},
+    {"v REAL (WITH COMPONENTS { ..., mantissa (1..5) }) ::= 0",
+     {{2, "Value out of WITH COMPONENTS constraint(s)"}}},
+    {"v REAL (WITH COMPONENTS { ..., mantissa (1..5) }) ::= NOT-A-NUMBER"},
+    // 51.8 on values with components of their own
+    {"T ::= SEQUENCE { a INTEGER, b NULL OPTIONAL } v T (WITH COMPONENTS { ..., a (5) }) ::= { a 5 "
+     "}"},
+    {"T ::= SEQUENCE { a INTEGER, b NULL OPTIONAL } v T (WITH COMPONENTS { ..., a (5) }) ::= { a 6 "
+     "}",
+     {{2, "Value out of single value constraint(s)"},
+      {2, "Value out of WITH COMPONENTS constraint(s)"}}},
+    {"T ::= CHOICE { a INTEGER, b BOOLEAN } v T (WITH COMPONENTS { a (5), b }) ::= b : TRUE"},
 };
 
 TEST(NotationNumbers, ComparisonIsExact) {

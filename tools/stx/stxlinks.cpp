@@ -94,9 +94,10 @@ Link linkOfValueRef(const VNode& node) {
             return recordLink(TNODE, node.refMod < 0 ? 1 : node.refMod, node.ref);
         return ownLink(VNODE, node.ref);
     }
-    const bool marker = node.valCode == TYP_EXTENSION_MARKER; // leads to its exception
+    // A marker leads to its exception, a REAL to the values that its components name.
+    const bool leads = node.valCode == TYP_EXTENSION_MARKER || node.valCode == TYP_REAL;
     const bool holdsContents = (node.vflags & VF_CONTENTS) != 0;
-    if (node.valCode == TYP_FIELDLIST || marker || holdsContents || typeRow(node.valCode).valueList)
+    if (node.valCode == TYP_FIELDLIST || leads || holdsContents || typeRow(node.valCode).valueList)
         return ownLink(VNODE, node.ref);
     return {};
 }
