@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "check/check_cache.h"
@@ -55,10 +57,11 @@ bool fieldPath(FieldPath& path) {
 
 // ---- the objects of a set -----------------------------------------------------------------------
 
-struct Collecting {
-    TableIndex& table;
-    const FieldPath& path;
-    std::set<std::pair<ModuleRec*, uint32_t>> walked; // sets that were walked
+/// A walk over the objects of a set.
+struct ObjectWalk {
+    std::function<void(VNodeRef)> add;
+    bool isPartial = false;                                // some objects cannot be told
+    std::set<std::pair<ModuleRec*, uint32_t>> walked = {}; // sets that were walked
 };
 
 bool isObjectSetting() {
@@ -100,10 +103,9 @@ VNodeRef settingOf(VNodeRef object, const FieldPath& path, bool& isSet) {
     return at;
 }
 
-void addObject(Collecting& collecting, VNodeRef object) {
-    TableIndex& table = collecting.table;
+void addObject(TableIndex& table, const FieldPath& path, VNodeRef object) {
     bool isSet = false;
-    const VNodeRef setting = settingOf(object, collecting.path, isSet);
+    const VNodeRef setting = settingOf(object, path, isSet);
     if (!setting && !isSet) return;
     const size_t place = table.entries.size();
     table.entries.push_back({object, setting});
@@ -114,39 +116,98 @@ void addObject(Collecting& collecting, VNodeRef object) {
         table.byValue[hashOfValue(value.module, value.rec)].push_back(place);
 }
 
-void collectFromType(Collecting& collecting, TNodeRef set);
+void walkSet(ObjectWalk& walk, TNodeRef set);
 
 /// The element in the current constraint record of a set.
-void collectFromSub(Collecting& collecting, SubRef sub) {
+void walkElement(ObjectWalk& walk, SubRef sub) {
     readRec(sub);
     switch (subRec.subKind) {
     case SUB_UNION:
     case SUB_SERIAL:
         for (const SubNr nr : chain(sub.module, SubNr{subRec.left}))
-            collectFromSub(collecting, {sub.module, nr});
+            walkElement(walk, {sub.module, nr});
         return;
     case SUB_INTERSECTION:
     case SUB_EXCEPT:
-    case SUB_ALL_EXCEPT: collecting.table.met = true; return;
+    case SUB_ALL_EXCEPT: walk.isPartial = true; return;
     case SUB_SINGLE_VALUE:
-        if (subRec.left != 0) addObject(collecting, {sub.module, VNodeNr{subRec.left}});
+        if (subRec.left != 0) walk.add({sub.module, VNodeNr{subRec.left}});
         return;
     case SUB_CONTAINED_SUBTYPE:
         readRec(sub.module, VNodeNr{subRec.left});
-        if (readTypeSetting()) collectFromType(collecting, currentRec<KIND_TNODE>());
+        if (readTypeSetting()) walkSet(walk, currentRec<KIND_TNODE>());
         return;
     default: return;
     }
 }
 
+/// Name of the field that an entry of a chain takes from an object.
+std::string fieldOfStep(ModuleRec* module) {
+    std::string name;
+    if (fieldName(module, name)) return name;
+    ModuleRec* const owner = refModule(module, static_cast<int32_t>(sNode.module));
+    if (owner == nullptr || sNode.value >= 0) return name;
+    readRec(owner, VNodeNr{magnitude(sNode.value)});
+    return std::string(getStri(owner, int64_t{vNode.name}));
+}
+
+/// What a field of an object holds, an object or a set of objects.
+void walkField(ObjectWalk& walk, VNodeRef object, const std::string& field) {
+    bool isSet = false;
+    const VNodeRef setting = settingOf(object, {field}, isSet);
+    if (!setting) return;
+    readRec(setting);
+    skipValues(true);
+    if (isObjectSetting())
+        walk.add(setting);
+    else if (readTypeSetting())
+        walkSet(walk, currentRec<KIND_TNODE>());
+}
+
+/// Information from an object or a set of objects, the current type, whose fields lead to objects
+/// (X.681 (02/2021) 15.6). False when it is none.
+bool walkFields(ObjectWalk& walk) {
+    if (tNode.typeCode != TYP_FIELDLIST || tNode.syntax <= 0) return false;
+    const TNodeRef list = currentRec<KIND_TNODE>();
+    std::vector<VNodeRef> objects;
+    ObjectWalk base{[&objects](VNodeRef object) { objects.push_back(object); }};
+    SNodeNr step{magnitude(tNode.syntax)};
+    if (tNode.refMod == REF_OBJECT) {
+        objects.push_back({list.module, VNodeNr{tNode.ref}});
+    } else {
+        ModuleRec* const module = refModule(list.module, tNode.refMod);
+        if (module == nullptr || tNode.ref == 0) return false;
+        readRec(module, TNodeNr{tNode.ref});
+        while (!isSetTNode() && tNode.typeCode == TYP_SYNONYM)
+            if (!followTypeRef(false)) return false;
+        if (!isObjSetTNode()) return false; // a class
+        walkSet(base, currentRec<KIND_TNODE>());
+    }
+    for (uint32_t left = nextRec<KIND_SNODE>(list.module).nr; step && left != 0; --left) {
+        readRec(list.module, step);
+        step = SNodeNr{sNode.next > 0 ? magnitude(sNode.next) : 0};
+        const std::string field = fieldOfStep(list.module);
+        const std::vector<VNodeRef> holders = std::exchange(objects, {});
+        base.walked.clear();
+        for (const VNodeRef holder : holders) walkField(base, holder, field);
+    }
+    walk.isPartial |= base.isPartial;
+    for (const VNodeRef object : objects) walk.add(object);
+    return true;
+}
+
 /// A set, or a reference to one. A set that was walked before brings no new objects.
-void collectFromType(Collecting& collecting, TNodeRef set) {
+void walkSet(ObjectWalk& walk, TNodeRef set) {
     readRec(set);
-    while (tNode.constraint <= 0)
+    while (tNode.constraint <= 0) {
+        const TNodeRef type = currentRec<KIND_TNODE>();
+        if (newNotation(type.module) && walkFields(walk)) return;
+        readRec(type);
         if (!followTypeRef(true)) return;
+    }
     const TNodeRef type = currentRec<KIND_TNODE>();
-    if (!collecting.walked.insert({type.module, type.nr.nr}).second) return;
-    collectFromSub(collecting, {type.module, SubNr{magnitude(tNode.constraint)}});
+    if (!walk.walked.insert({type.module, type.nr.nr}).second) return;
+    walkElement(walk, {type.module, SubNr{magnitude(tNode.constraint)}});
 }
 
 /// The objects of the set in a table constraint with their settings for the fields of `path`.
@@ -156,11 +217,14 @@ const TableIndex& objSetFieldsToList(SubRef sub, const FieldPath& path) {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
+    const KeepRec<KIND_SNODE> keepEntry;
     readRec(sub);
-    Collecting collecting{note->second, path, {}};
+    TableIndex& table = note->second;
+    ObjectWalk walk{[&](VNodeRef object) { addObject(table, path, object); }};
     readRec(sub.module, VNodeNr{subRec.left});
-    if (readTypeSetting()) collectFromType(collecting, currentRec<KIND_TNODE>());
-    return note->second;
+    if (readTypeSetting()) walkSet(walk, currentRec<KIND_TNODE>());
+    table.met = walk.isPartial;
+    return table;
 }
 
 // ---- objects that agree with a value ------------------------------------------------------------

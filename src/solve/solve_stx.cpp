@@ -42,9 +42,10 @@ bool beginsValue(int32_t code) {
            code == TOK_MODULEID || code == TOK_VALUEID;
 }
 
-/// The field in `tNode` is a string, and its value is given by what it contains.
+/// The field in `tNode` may be a string, and its value is given by what it contains.
 bool containedValueFollows() {
     if (curCode() != TOK_CONTAINING || !newNotation()) return false;
+    if (isVariabTypeFieldTNode()) return true;
     const KeepRec<KIND_TNODE> keep;
     skipTypes(true);
     return is(tNode.typeCode, TypeClass::Bits);
@@ -335,7 +336,8 @@ bool readFieldListSet() {
         if (module == nullptr) return false;
         readRec(module, TNodeNr{tNode.ref});
     }
-    return isSetTNode();
+    // With notation of today a way through sets stays: its end is a field, the objects are many.
+    return isSetTNode() && (tNode.constraint != 0 || !newNotation());
 }
 
 } // namespace

@@ -107,6 +107,7 @@ bool readContentsType() {
     readRec(module, TNodeNr{vNode.govType});
     for (size_t left = maxLinks; left != 0; --left) {
         const CurrentModule inModule(typeModule());
+        const InstanceStack ofRecord(typeModule(), tNode.actParRec);
         if (isDeferred(tNode.constraint)) parseSubRec();
         const TNodeRef type = currentRec<KIND_TNODE>();
         if (tNode.constraint > 0 &&

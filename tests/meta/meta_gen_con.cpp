@@ -299,7 +299,7 @@ void constrain(Gen& gen, Type* type, int depth) {
         break;
     case Kind::List:
         if (gen.random.chance(40)) {
-            Inner inner{"", ' ', make(gen, Kind::Narrowed)};
+            Inner inner{base->components[0].id, ' ', make(gen, Kind::Narrowed)};
             inner.type->target = base->components[0].type;
             constrain(gen, inner.type, depth + 1);
             if (inner.type->constraint.empty()) return;
