@@ -195,13 +195,7 @@ bool checkSynonymValNode(const ValueErrors& errors, const CheckedValue& value) {
     const Msg code = invalidValue(kind);
     if (value.rec.valCode == TYP_SYNONYM || value.rec.valCode == TYP_FIELDLIST)
         return failValue(errors, value, code);
-    ModuleRec* governor = value.rec.govTypeMod == 0
-                              ? value.module
-                              : refModule(value.module, static_cast<int32_t>(value.rec.govTypeMod));
-    if (governor != nullptr && value.rec.govType != 0 &&
-        typeCompatible(type.module, type.nr, governor, TNodeNr{value.rec.govType}))
-        return true;
-    return failValue(errors, value, code);
+    return isGovernedBy(value, type) || failValue(errors, value, code);
 }
 
 /// The value is of the kind of the current type, or of one that counts as such.

@@ -132,6 +132,11 @@ bool readBuiltinType(uint8_t kind);
 /// A REAL value has the mantissa, base and exponent that the entries of a WITH COMPONENTS ask for.
 [[nodiscard]] bool realMeetsEntries(const CheckedValue& value, SubRef first);
 
+// ---- p5val_inst ---------------------------------------------------------------------------------
+/// The type that governs the value is compatible with `type`; with notation of today so are
+/// instances that were made with equal actual parameters. Preserving.
+[[nodiscard]] bool isGovernedBy(const CheckedValue& value, TNodeRef type);
+
 // ---- p5val_oid ----------------------------------------------------------------------------------
 [[nodiscard]] bool checkObjIdVal(const ValueErrors& errors, const CheckedValue& value);
 
