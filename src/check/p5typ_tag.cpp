@@ -87,10 +87,13 @@ bool checkExplicitTag(ModuleRec* module, SeenTag nextTag) {
 }
 
 /// Implicit tagging by the module's default, unless the type has no tag of its own
-/// (X.680 (07/2002) 30.6 c).
+/// (X.680 (07/2002) 30.6 c), or is one that not all instances have in common (X.680 (02/2021)
+/// 31.2.7 c).
 void checkIfExplicitNeeded(ModuleRec* module, TagNr nr, SeenTag nextTag) {
+    const bool isDummy = (tNode.nodeFlags & NF_DUMMY) != 0;
     readRec(module, nr);
-    tagRec.tagMode = isIndeterminate(nextTag.tagNr) ? TAGMODE_EXPLICIT : TAGMODE_IMPLICIT;
+    tagRec.tagMode =
+        isDummy || isIndeterminate(nextTag.tagNr) ? TAGMODE_EXPLICIT : TAGMODE_IMPLICIT;
     writeRec(module, nr);
 }
 

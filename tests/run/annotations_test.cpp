@@ -31,7 +31,8 @@ template <size_t n, typename Fn> void expectFacts(const Row (&rows)[n], Fn&& fac
 std::string tagsOfComponents(const TreeFacts& tree) {
     std::string text;
     std::string error;
-    for (const stx::Component& entry : stx::allComponents(tree.trees(), tree.type("T"), error)) {
+    const stx::TypeRef type = stx::skipTypes(tree.trees(), tree.type("T"), true, error);
+    for (const stx::Component& entry : stx::allComponents(tree.trees(), type, error)) {
         if (!text.empty()) text += ' ';
         if (entry.extension) text += '+';
         text += entry.type.tree->text(entry.type.node().name);
@@ -124,6 +125,33 @@ constexpr Row alphabets[] = {
 
 TEST(Annotations, AlphabetsAndSizes) {
     expectFacts(alphabets, sizeAndConstraint);
+}
+
+constexpr Row dummies[] = {
+    {"T ::= P {INTEGER} P {X} ::= SEQUENCE { a X, b NULL }", "a[0][UNIVERSAL 2] b[1]",
+     "31.2.7 c: an automatic tag is explicit in front of a dummy reference"},
+    {"T ::= P {INTEGER} P {X} ::= SEQUENCE { a [5] X, b [6] NULL }", "a[5][UNIVERSAL 2] b[6]",
+     "so is one without keyword"},
+    {"T ::= P {INTEGER} P {X} ::= SEQUENCE { a [5] EXPLICIT X, b [6] IMPLICIT NULL }",
+     "a[5][UNIVERSAL 2] b[6]", "keywords hold"},
+    {"T ::= P {[7] INTEGER} P {X} ::= SEQUENCE { a [5] X }", "a[5][7]",
+     "the tag of the actual parameter behind it, implicit by the default"},
+    {"T ::= Q {INTEGER} Q {Y} ::= P {Y} P {X} ::= SEQUENCE { a X }", "a[0][UNIVERSAL 2]",
+     "handed on"},
+    {"T ::= Q {INTEGER} Q {Y} ::= SEQUENCE { a P {Y} } P {X} ::= SEQUENCE { a X }", "a[0]",
+     "an instance is no dummy reference"},
+    {"T ::= P {CHOICE { x NULL }} P {X} ::= SEQUENCE { a X }", "a[0]*",
+     "a CHOICE, explicit in any case"},
+    {"T ::= P {INTEGER} P {X} ::= CHOICE { a X, b SEQUENCE OF X, ..., [[ c X ]] }",
+     "a[0][UNIVERSAL 2] b[1] +c[2][UNIVERSAL 2]", "alternatives; a list of it is none"},
+    {"T ::= P {INTEGER} P {X} ::= SEQUENCE { a [5] [6] X }", "a[5][UNIVERSAL 2]",
+     "[6] is explicit, [5] in front of it implicit"},
+    {"T ::= P {I} P {X} ::= SEQUENCE { a X, ..., b I, ..., c X } I ::= INTEGER",
+     "a[0][UNIVERSAL 2] +b[2] c[1][UNIVERSAL 2]", "the same type by its name is implicit"},
+};
+
+TEST(Annotations, DummyReferences) {
+    expectFacts(dummies, tagsOfComponents);
 }
 
 /// The constraint of a type, or the members of its series.
