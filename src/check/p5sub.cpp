@@ -150,17 +150,33 @@ bool checkByKind(ModuleRec* module, ParentType parent) {
     }
 }
 
+/// The exception behind a marker or at the end of the constraint is a value of its type; one that
+/// is not says nothing about the constraint. Older notation did not have it looked at.
+void checkException(ModuleRec* module) {
+    if (subRec.subKind == SUB_EXCEPTION || !newNotation(subModule())) return;
+    const uint32_t line = subRec.line;
+    const KeepConstrained keep;
+    if (!subNoValueConstr(module))
+        recordError(module, ERR_SEMANTIC, Msg::InvalidExceptionValue, line);
+}
+
+/// The values of a set are those of its governor, in older notation those of its kind.
+bool isHeldAgainstGovernor() {
+    return newNotation(typeModule()) && !isObjSetTNode();
+}
+
 } // namespace
 
 bool chkSubRec(ModuleRec* module, ParentType parent) {
     const uint8_t kind = subRec.subKind;
     const uint32_t line = subRec.line;
     if (!isSubKind(kind)) return false;
+    checkException(module);
     if (kind == SUB_EXTENSION_MARKER) {
         markExtensible(parent);
         return true;
     }
-    if (isSetTNode()) parent = ParentType::None;
+    if (isSetTNode() && !isHeldAgainstGovernor()) parent = ParentType::None;
     bool ok = false;
     {
         const KeepConstrained keep;

@@ -51,6 +51,22 @@ bool isTime() {
     return is(tNode.typeCode, TypeClass::Time);
 }
 
+/// The current range was written with an end that is no value of the parent type: what holds is the
+/// parent's endpoint there. Published modules have it (X.680 (02/2021) 51.4.3).
+void warnOfRangeBeyondParent(ModuleRec* module, const Endpoint& end, bool upper) {
+    const uint32_t written = upper ? subRec.right : subRec.left;
+    if (written == 0 || !newNotation(subModule())) return;
+    const uint8_t flag = upper ? SUBF_UPPER : SUBF_LOWER;
+    const KeepRec<KIND_VNODE> keep;
+    readRec(subModule(), VNodeNr{written});
+    skipValues(true);
+    const bool isKept = compareValue(valueModule(), vNode, end.module, end.value.asValue()) == 0 &&
+                        (end.flags & flag) == (subRec.subFlags & flag);
+    if (!isKept)
+        recordError(module, ERR_WARNING, Msg::RangeBeyondParent, subRec.line,
+                    upper ? "upper endpoint" : "lower endpoint");
+}
+
 } // namespace
 
 bool subRange(ModuleRec* module) {
@@ -63,6 +79,10 @@ bool subRange(ModuleRec* module) {
     if (!sharesCharacters(subModule(), lower.value.valCode, kind) ||
         !sharesCharacters(subModule(), upper.value.valCode, kind))
         return false;
+    if (kind == TYP_INTEGER || kind == TYP_REAL) {
+        warnOfRangeBeyondParent(module, lower, false);
+        warnOfRangeBeyondParent(module, upper, true);
+    }
     const VNode first = lower.value.asValue();
     const VNode last = upper.value.asValue();
     int order = 0;
