@@ -226,7 +226,7 @@ TEST(Notation2021, FaultsOfPublishedModulesAreWarnings) {
                       {2, "W Reserved word in symbol list: BIT"},
                       {3, "W Module is named by two FROM clauses: N"},
                       {3, "W Imported symbol is not exported: Hid"},
-                      {4, "W Tag class UNIVERSAL"},
+                      {4, "W Tag class UNIVERSAL: T"},
                       {5, "W Underscore in name: U_x"},
                       {7, "W A set as actual parameter has no braces: S"},
                       {7, "W A set as actual parameter has no elements: Set"},
