@@ -22,7 +22,7 @@ ErrClass classOfSetting(uint8_t setting) {
 bool checkTagClass(ModuleRec* module, const TagRec& tag, bool outermost) {
     const OptionBlock& options = module->options;
     if (tag.tagClass == TAG_UNIVERSAL && !options.allow && isLenient(module)) {
-        recordOnce(module, Msg::UniversalTag, tNode.line, {});
+        recordOnce(module, Msg::UniversalTag, tNode.line, tNodeName());
     } else if (tag.tagClass == TAG_UNIVERSAL && !options.allow) {
         recordTNodeError(module, ERR_SEMANTIC, Msg::TagClassShallNotBeUniversal);
         return false;

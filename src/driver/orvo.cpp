@@ -427,7 +427,10 @@ int orvo_main(int argc, char** argv) {
     if (run.keepGoing) settleMissingModules();
     parseInternal(); // the notation of the modules decides which kinds it has
     solveRefs1Internal();
-    if (run.anyNewNotation) passOver(settleMacros, 1);
+    if (run.anyNewNotation) {
+        passOver(settleMacroTypes, 1);
+        passOver(settleMacros, 1);
+    }
     passOver(solveRefs1, 2);
     if (run.anyNewNotation) passOver(governMacroReferences, 2);
     solveRefs2Internal();

@@ -37,16 +37,20 @@ int bracketsOf(int32_t code) {
     }
 }
 
-/// Passes over tokens up to one of the set that stands in no brackets, END or the end of the text.
-void passOverTo(const TokenSet& stop) {
+/// Passes over tokens up to one of the set that stands in no brackets, END or the end of the text;
+/// also to one of which `stopsAt` holds.
+template <typename Fn> void passOverTo(const TokenSet& stop, Fn&& stopsAt) {
     const Restore<bool> quiet(parserState.passingOver, true);
     int open = 0;
     while (parserState.Inp.code != TOK_EOF) {
-        if (open <= 0 && (stop.has(parserState.Inp.code) || parserState.Inp.code == TOK_END))
-            return;
+        const int32_t code = parserState.Inp.code;
+        if (open <= 0 && (stop.has(code) || code == TOK_END || stopsAt())) return;
         open += bracketsOf(parserState.Inp.code);
         ReadIn();
     }
+}
+void passOverTo(const TokenSet& stop) {
+    passOverTo(stop, [] { return false; });
 }
 
 bool isMacroDefinition() {
@@ -72,15 +76,49 @@ bool isMacroValue() {
            isReservedWord(behind);
 }
 
-/// T ::= MACRO WORD "text" ..., T ::= MACRO WORD name ...
+/// Words with which arguments of the macros OPERATION and ERROR begin (X.219).
+constexpr std::string_view argumentWords[] = {"ARGUMENT", "PARAMETER", "RESULT", "ERRORS",
+                                              "LINKED"};
+bool beginsArgument(const Token& token) {
+    return std::ranges::find(argumentWords, nameOf(token)) != std::end(argumentWords);
+}
+
+/// T ::= MACRO SYNTAX ..., T ::= MACRO WORD "text" ..., T ::= MACRO WORD name ..., T ::= MACRO WORD
+/// Name Name ...: where no macro is meant an assignment begins at WORD.
 bool isMacroType() {
     if (parserState.Inp.code != TOK_TYPEID || lookAhead(1).code != TOK_ASSIGN ||
         lookAhead(2).code != TOK_TYPEID)
         return false;
     if (cMP->macros.contains(nameOf(lookAhead(2)))) return true;
-    if (lookAhead(3).code != TOK_TYPEID) return false;
+    if (lookAhead(3).code == TOK_SYNTAX) return true;
+    if (lookAhead(3).code != TOK_TYPEID || lookAhead(4).code == TOK_ASSIGN) return false;
+    if (beginsArgument(lookAhead(3))) return true;
     const int32_t argument = lookAhead(4).code;
-    return argument == TOK_CSTRING || (argument == TOK_VALUEID && lookAhead(5).code != TOK_DOT);
+    const int32_t behind = lookAhead(5).code;
+    if (argument == TOK_TYPEID)
+        return behind == TOK_TYPEID || behind == TOK_VALUEID || isReservedWord(behind);
+    return argument == TOK_CSTRING || (argument == TOK_VALUEID && behind != TOK_DOT);
+}
+
+/// An assignment begins at the current token: what a macro without SYNTAX leaves of its type ends.
+bool isNextAssignment() {
+    const int32_t code = parserState.Inp.code;
+    if (code != TOK_TYPEID && code != TOK_VALUEID) return false;
+    const int32_t second = lookAhead(1).code;
+    const int32_t third = lookAhead(2).code;
+    if (code == TOK_TYPEID) {
+        if (second == TOK_ASSIGN || isMacroDefinition()) return true;
+        return second == TOK_TYPEID && third == TOK_ASSIGN && lookAhead(3).code == TOK_LBRACE;
+    }
+    if (second == TOK_TYPEID) {
+        const std::string_view name = nameOf(lookAhead(1));
+        if (cMP->macros.contains(name)) return true;
+        if (third == TOK_TYPEID) // v OPERATION ARGUMENT ..., but not: v Type RESULT ...
+            return beginsArgument(lookAhead(2)) &&
+                   (name.ends_with("OPERATION") || name.ends_with("ERROR"));
+        return third == TOK_ASSIGN || (third == TOK_DOT && lookAhead(4).code == TOK_ASSIGN);
+    }
+    return beginsType(second) && (third == TOK_ASSIGN || lookAhead(3).code == TOK_ASSIGN);
 }
 
 /// name MACRO `::=` (BEGIN ... END | reference)
@@ -100,14 +138,14 @@ void macroDefinition() {
     expectToken(TOK_TYPEID);
 }
 
-/// Kind of the value behind `::=`: a number is an INTEGER, braces an OBJECT IDENTIFIER. That of a
-/// reference is not known yet.
+/// Kind of the value behind `::=`: a number is an INTEGER, braces may be an OBJECT IDENTIFIER. That
+/// of a reference is not known yet.
 TypeCode kindOfValue() {
     switch (parserState.Inp.code) {
     case TOK_NUMBER:
     case TOK_MINUS: return TYP_INTEGER;
-    case TOK_LBRACE:
-    case TOK_VALUEID: return TYP_OBJID;
+    case TOK_LBRACE: return TYP_OBJID;
+    case TOK_VALUEID: return lookAhead(1).code == TOK_COLON ? TYP_NONE : TYP_OBJID;
     default: return TYP_NONE;
     }
 }
@@ -131,22 +169,27 @@ void macroValue() {
         MGR68OpenValue();
         return;
     }
-    const bool isReference = parserState.Inp.code == TOK_VALUEID;
     const VNodeNr head = newValueHead(name, false);
-    noteMacro(macro, isReference ? head : VNodeNr{}, true);
+    noteMacro(macro, kind == TYP_INTEGER ? VNodeNr{} : head, true);
     const TNodeNr type = newTypeNode();
     setTypeCode(kind);
     if (atValue(head)) vNode.govType = type.nr;
     assignedValue(head);
 }
 
-/// name `::=` MACRO ... SYNTAX Type
+/// name `::=` MACRO ... [SYNTAX Type]
 void macroType() {
     const Token name = parserState.Inp;
     ReadIn();
     noteMacro(lookAhead(1), {}, true);
     ReadIn();
-    passOverTo({TOK_SYNTAX});
+    ReadIn();
+    passOverTo({TOK_SYNTAX, TOK_ASSIGN}, isNextAssignment);
+    if (parserState.Inp.code == TOK_END || isNextAssignment()) {
+        recordError(cMP, ERR_WARNING, Msg::MacroTypeLeftOut, name.line, nameOf(name));
+        cMP->macros.emplace(nameOf(name));
+        return;
+    }
     if (!expectToken(TOK_SYNTAX)) return;
     const Restore own(parserState.openInst, static_cast<int16_t>(parserState.openInst + 1));
     atType(newTypeHead(name, false));
@@ -176,7 +219,12 @@ bool mayBeMacro(const Token& type) {
 }
 
 void noteMacro(const Token& macro, VNodeNr value, bool byNotation) {
-    if (buildsTree()) cMP->macroUses.push_back({macro.stri(), macro.line, value, byNotation});
+    if (buildsTree())
+        cMP->macroUses.push_back({macro.stri(), macro.line, value, {}, byNotation, false});
+}
+
+void noteMacroType(const Token& macro, TNodeNr type) {
+    if (buildsTree()) cMP->macroUses.push_back({macro.stri(), macro.line, {}, type, false, false});
 }
 
 bool macroFollows() {

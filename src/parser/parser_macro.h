@@ -17,6 +17,8 @@ namespace orvo {
 /// Notes a name that may be that of a macro: the type of `value`, which is only known when that is
 /// settled, or in front of notation that no type has.
 void noteMacro(const Token& macro, VNodeNr value, bool byNotation);
+/// Notes a name that alone stands behind `::=`: where it is a macro, `type` is none.
+void noteMacroType(const Token& macro, TNodeNr type);
 /// Passes over a macro definition; reads the value or type that a macro defines.
 void macroAssignment();
 /// {`[` encodingreference `:` ... `]`} in front of a type

@@ -49,6 +49,30 @@ const Token& firstToken() {
     return tokenAt(TokNr{dNode.first});
 }
 
+bool isOfObjId(int32_t code) {
+    switch (code) {
+    case TOK_LBRACE:
+    case TOK_RBRACE:
+    case TOK_LPAREN:
+    case TOK_RPAREN:
+    case TOK_DOT:
+    case TOK_NUMBER:
+    case TOK_VALUEID:
+    case TOK_TYPEID:
+    case TOK_MODULEID:
+    case TOK_COMPONENTID: return true;
+    default: return false;
+    }
+}
+
+/// The text of the current deferred range may be that of an object identifier.
+bool isObjIdText() {
+    if (dNode.count == 2) return false; // { }
+    for (TokNr at{dNode.first}; isOfObjId(tokenAt(at).code); at = TokNr{tokenAt(at).next})
+        if (at.nr == dNode.last) return true;
+    return false;
+}
+
 /// The current type record becomes one of the kind, without a reference.
 void makeType(TNodeNr type, uint8_t kind) {
     tNode.refMod = REF_UNRESOLVED;
@@ -60,42 +84,71 @@ void makeType(TNodeNr type, uint8_t kind) {
 /// Gives the value of a use, whose type is a macro, its own. False when its text tells none.
 bool governByText(MacroUse& use) {
     readRec(cMP, use.value);
-    const Token& first = firstToken();
+    const int32_t first = firstToken().code;
+    const bool isNumber = first == TOK_NUMBER || first == TOK_MINUS;
+    const bool isReference = first == TOK_VALUEID || first == TOK_MODULEID;
+    const bool isObjId = (isReference || first == TOK_LBRACE) && isObjIdText();
+    use.byReference = isReference && isObjId;
     const TNodeNr type{vNode.govType};
     readRec(cMP, type);
-    switch (first.code) {
-    case TOK_NUMBER:
-    case TOK_MINUS: makeType(type, TYP_INTEGER); return true;
-    case TOK_VALUEID:
-    case TOK_MODULEID: use.byReference = true; [[fallthrough]];
-    case TOK_LBRACE: makeType(type, TYP_OBJID); return true;
-    default: makeType(type, TYP_NULL); return false;
-    }
+    makeType(type, isNumber ? TYP_INTEGER : isObjId ? TYP_OBJID : TYP_NULL);
+    return isNumber || isObjId;
 }
 
-/// Takes the values of uses, in ascending order, off the chain of value assignments; their symbols
-/// lead nowhere.
+/// The records of a chain that are not among those in ascending order, linked anew by
+/// `link(record, next)`.
+template <RecKind K, typename Fn>
+void takeOff(const std::vector<RecNr<K>>& gone, RecNr<K>& first, RecNr<K>& last, Fn&& link) {
+    std::vector<RecNr<K>> kept;
+    for (const RecNr<K> nr : chain(cMP, first))
+        if (!std::ranges::binary_search(gone, nr.nr, {}, &RecNr<K>::nr)) kept.push_back(nr);
+    first = kept.empty() ? RecNr<K>{} : kept.front();
+    last = kept.empty() ? RecNr<K>{} : kept.back();
+    for (size_t i = 0; i < kept.size(); ++i)
+        link(kept[i], i + 1 < kept.size() ? kept[i + 1].nr : 0);
+}
+
+/// What is left out is a name that leads nowhere.
+void leaveOutName(Msg code, uint32_t line, int32_t name, int32_t node) {
+    recordError(cMP, ERR_WARNING, code, line, getStri(cMP, name));
+    cMP->macros.emplace(getStri(cMP, name));
+    clearSymbolNode(cMP->symTab, name, node);
+}
+
+/// Takes the values of uses, in ascending order, off the chain of value assignments.
 void leaveOut(const std::vector<VNodeNr>& values) {
     if (values.empty()) return;
-    std::vector<VNodeNr> kept;
-    for (const VNodeNr nr : chain(cMP, cMP->firstValueHead))
-        if (!std::ranges::binary_search(values, nr.nr, {}, &VNodeNr::nr)) kept.push_back(nr);
-    cMP->firstValueHead = kept.empty() ? VNodeNr{} : kept.front();
-    cMP->lastValueHead = kept.empty() ? VNodeNr{} : kept.back();
-    for (size_t i = 0; i < kept.size(); ++i) {
-        readRec(cMP, kept[i]);
-        vNode.next = i + 1 < kept.size() ? kept[i + 1].nr : 0;
-        writeRec(cMP, kept[i]);
-    }
+    takeOff(values, cMP->firstValueHead, cMP->lastValueHead, [](VNodeNr nr, uint32_t next) {
+        readRec(cMP, nr);
+        vNode.next = next;
+        writeRec(cMP, nr);
+    });
     for (const VNodeNr nr : values) {
         readRec(cMP, nr);
-        recordError(cMP, ERR_WARNING, Msg::MacroValueLeftOut, vNode.line, getStri(cMP, vNode.name));
-        cMP->macros.emplace(getStri(cMP, vNode.name));
-        clearSymbolNode(cMP->symTab, vNode.name, minus(nr.nr));
+        leaveOutName(Msg::MacroValueLeftOut, vNode.line, vNode.name, minus(nr.nr));
         const uint32_t line = vNode.line;
         vNode = {};
         vNode.line = line;
         vNode.valCode = TYP_NULL;
+        writeRec(cMP, nr);
+    }
+}
+
+/// The same for types.
+void leaveOut(const std::vector<TNodeNr>& types) {
+    if (types.empty()) return;
+    takeOff(types, cMP->firstTypeHead, cMP->lastTypeHead, [](TNodeNr nr, uint32_t next) {
+        readRec(cMP, nr);
+        tNode.next = next;
+        writeRec(cMP, nr);
+    });
+    for (const TNodeNr nr : types) {
+        readRec(cMP, nr);
+        leaveOutName(Msg::MacroTypeLeftOut, tNode.line, tNode.name, static_cast<int32_t>(nr.nr));
+        const uint32_t line = tNode.line;
+        tNode = {};
+        tNode.line = line;
+        setTypeNode(TYP_NULL);
         writeRec(cMP, nr);
     }
 }
@@ -211,6 +264,17 @@ void governByReference(UseRef at) {
 }
 
 } // namespace
+
+void settleMacroTypes() {
+    std::vector<TNodeNr> leftOut;
+    for (const MacroUse& use : cMP->macroUses) {
+        if (!use.type) continue;
+        const Meaning meaning = meaningOf(use.macro);
+        if (meaning != Meaning::OwnMacro && meaning != Meaning::ImportedMacro) continue;
+        leftOut.push_back(use.type);
+    }
+    leaveOut(leftOut);
+}
 
 void settleMacros() {
     std::vector<MacroUse> settled;

@@ -10,6 +10,9 @@ namespace orvo {
 /// number is an INTEGER, braces an OBJECT IDENTIFIER; what tells none is left out with a warning. A
 /// use that names something else is an error.
 void settleMacros();
+/// Before that, in every module: leaves out the types that are a macro's name alone, with a
+/// warning.
+void settleMacroTypes();
 /// Gives the values of the current module that a macro defines by reference the types of the values
 /// that they lead to, when all names are resolved.
 void governMacroReferences();

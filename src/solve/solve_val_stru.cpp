@@ -2,6 +2,7 @@
 // object identifiers.
 
 #include "check/orvonum.h"
+#include "lex/i64.h"
 #include "parser/parser_oid.h"
 #include "solve/p5actpar.h"
 #include "solve/solve_con.h"
@@ -306,10 +307,13 @@ bool parseArcs(bool hasNames, Cause& cause) {
     if (curCode() != TOK_LBRACE) return false;
     ValueList components;
     uint32_t position = 0;
+    bool hasLetters = true; // arcs named by a letter: 0 0 a
     while (advance() && curCode() != TOK_RBRACE) {
         components.append(curToken().line);
         ++position;
-        if (!parseObjIdComp(hasNames ? position : withoutNames, cause)) return false;
+        const bool named = hasNames && (position != 3 || hasLetters || !newNotation());
+        if (!parseObjIdComp(named ? position : withoutNames, cause)) return false;
+        hasLetters &= vNode.valCode != TYP_INTEGER || i64native(vNode.val.number) == 0;
     }
     return position != 0 && curCode() == TOK_RBRACE;
 }

@@ -170,6 +170,7 @@ struct MacroUse {
     int32_t macro = 0; // string number
     uint32_t line = 0;
     VNodeNr value;            // what it defines, when its type is not known yet
+    TNodeNr type;             // what it defines, when the name may be that of a type
     bool byNotation = false;  // no type is written with the notation that follows
     bool byReference = false; // the value is a reference whose type is not known yet
 };
@@ -196,7 +197,7 @@ struct ModuleRec {
     uint8_t tagDefault = 1;                     // 1 explicit, 2 implicit or automatic
     bool automaticTags = false, extensibilityImplied = false;
     bool otherInstructions = false;            // unprefixed `[NAME]` is an encoding instruction
-    std::set<std::string, std::less<>> macros; // names that are macros, and values left out
+    std::set<std::string, std::less<>> macros; // names that are macros, and what was left out
     std::vector<MacroUse> macroUses;           // in the order of their values
     bool newNotation = false;                  // its notation is that of 2021
     bool named = false;                        // the command line names its file

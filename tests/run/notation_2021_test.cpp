@@ -161,6 +161,29 @@ TEST(Notation2021, MacrosAreReadOver) {
               listed({{2, "W Macro definition passed over: X"},
                       {2, "Invalid recursion in definition of value: b"},
                       {2, "Invalid recursion in definition of value: a"}}));
+    // Types that a macro makes without SYNTAX are none; values of them are those of the macro.
+    EXPECT_EQ(
+        faults("X MACRO ::= BEGIN END S ::= X SYNTAX NULL E ::= X\nT ::= X ARGUMENT a S RESULT "
+               "b INTEGER\no OBJECT IDENTIFIER ::= { 1 2 } t T ::= localValue 5\n"
+               "u E ::= { a 1, b 2 } v X ::= x : 5 w X ::= {} y INTEGER ::= t"),
+        listed({{2, "W Macro definition passed over: X"},
+                {2, "W Type of a macro left out: E"},
+                {3, "W Type of a macro left out: T"},
+                {5, "W Value of a macro left out: v"},
+                {5, "W Value of a macro left out: u"},
+                {5, "W Value of a macro left out: w"}}));
+    const RunResult types = compile(
+        {{"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS OPERATION, Q FROM N;\nE ::= OPERATION\nT ::= "
+                   "OPERATION RESULT ERRORS { e }\ne E ::= 5\nq Q ::= e S ::= INTEGER (e) END\n"},
+         {"n.asn", "N DEFINITIONS ::= BEGIN EXPORTS OPERATION, Q; Q ::= OPERATION OPERATION MACRO "
+                   "::= BEGIN END END\n"}},
+        edition);
+    EXPECT_EQ(types.diagnostics("m"), listed({{2, "W Type of a macro left out: E"},
+                                              {2, use + "OPERATION"},
+                                              {3, "W Type of a macro left out: T"},
+                                              {5, use + "Q"}}));
+    EXPECT_EQ(TreeFacts(types, "m").types(), "S");
+    EXPECT_EQ(TreeFacts(types, "m").values(), "e q");
     // A macro is no type, and what was left out no value.
     for (const char* body :
          {"X MACRO ::= BEGIN END T ::= SET OF X",
@@ -203,7 +226,7 @@ TEST(Notation2021, FaultsOfPublishedModulesAreWarnings) {
                       {2, "W Reserved word in symbol list: BIT"},
                       {3, "W Module is named by two FROM clauses: N"},
                       {3, "W Imported symbol is not exported: Hid"},
-                      {4, "W Tag class UNIVERSAL"},
+                      {4, "W Tag class UNIVERSAL: T"},
                       {5, "W Underscore in name: U_x"},
                       {7, "W A set as actual parameter has no braces: S"},
                       {7, "W A set as actual parameter has no elements: Set"},

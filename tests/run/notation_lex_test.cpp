@@ -66,6 +66,10 @@ constexpr struct {
      "v OBJECT IDENTIFIER ({ 1 2 5 6 7 }) ::= { iso 2 rel 7 }\n"
      "rel RELATIVE-OID ::= { 5 6 }",
      "{1 2 rel 7}"},
+    {"32, annex A: letters name arcs of 0 0 alone",
+     "v OBJECT IDENTIFIER ({ 1 2 5 6 }) ::= { 1 2 b 6 } b RELATIVE-OID ::= { 5 }\n"
+     "w OBJECT IDENTIFIER ({ 0 0 2 6 }) ::= { itu-t recommendation b 6 }",
+     "{1 2 b 6}"},
     {"33, 51.2", "v RELATIVE-OID ({ 1 } | { 1 2 }) ::= { one 2 } one RELATIVE-OID ::= { 1 }",
      "{one 2}"},
     {"23.3: in a string that a reference constrains, nested",
