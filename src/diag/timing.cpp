@@ -24,7 +24,7 @@ PhaseCost costUntilNow() {
 }
 
 void printRow(std::FILE* stream, std::string_view name, double seconds, int64_t peak) {
-    std::fprintf(stream, "%-12.*s: %9.3f s %9lld kB\n", static_cast<int>(name.size()), name.data(),
+    std::fprintf(stream, "%-12.*s: %9.4f s %9lld kB\n", static_cast<int>(name.size()), name.data(),
                  seconds, static_cast<long long>(peak));
 }
 
@@ -69,7 +69,7 @@ void printTiming(std::FILE* stream) {
     if (slowest.size() > slowestShown) slowest.resize(slowestShown);
     std::fputs("\nSlowest modules:\n\n", stream);
     for (const ModuleRec* module : slowest)
-        std::fprintf(stream, "%9.3f s  %s\n", timingState.modules[module],
+        std::fprintf(stream, "%9.4f s  %s\n", timingState.modules[module],
                      module->options.sourceFileName.c_str());
 }
 

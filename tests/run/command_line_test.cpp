@@ -159,13 +159,13 @@ TEST(CommandLine, TimesAreToldAtTheEndOfTheRun) {
     EXPECT_EQ(maskTimeStamp(run.out), maskTimeStamp(quiet.out));
     constexpr size_t moduleNode = 112; // holds the time
     EXPECT_EQ(run.tree("m").substr(moduleNode), quiet.tree("m").substr(moduleNode));
-    const std::string figures = " *[0-9]+\\.[0-9]{3} s +[0-9]+ kB\n";
+    const std::string figures = " *[0-9]+\\.[0-9]{4} s +[0-9]+ kB\n";
     std::string expected = "\nTime and peak memory:\n\n";
     for (const char* phase :
          {"Read        ", "Pass 1      ", "Pass 2      ", "Pass 3      ", "Pass 4      ",
           "Pass 5      ", "Listing     ", "Tree        ", "Rest        ", "Total       "})
         expected += phase + (":" + figures);
-    expected += "\nSlowest modules:\n\n( +[0-9]+\\.[0-9]{3} s  [mn]\\.asn\n){2}";
+    expected += "\nSlowest modules:\n\n( +[0-9]+\\.[0-9]{4} s  [mn]\\.asn\n){2}";
     EXPECT_TRUE(std::regex_match(run.err, std::regex(expected))) << run.err;
 }
 
