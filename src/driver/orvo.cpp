@@ -19,6 +19,7 @@
 #include "diag/orvoerr_hello.h"
 #include "diag/orvoerr_list.h"
 #include "diag/orvozov.h"
+#include "diag/timing.h"
 #include "driver/orvo_pass4.h"
 #include "driver/orvofil.h"
 #include "driver/orvofil_stx.h"
@@ -152,6 +153,7 @@ void parseInternal() {
     constexpr std::string_view detail = "Parsing of ISO8824";
     cMP = run.iso8824MP;
     {
+        const Timed timed(Phase::Pass1);
         Restore<uint8_t> quiet(run.verbose, VERBOSE_NONE);
         initPass1Vars(0, nullptr, true);
         initAnyPassVars();
@@ -161,9 +163,10 @@ void parseInternal() {
     checkInternal(detail);
 }
 
-void passInternal(void (*pass)(), std::string_view detail) {
+void passInternal(void (*pass)(), Phase phase, std::string_view detail) {
     cMP = run.iso8824MP;
     if (cMP->parseState == PARSE_OK) {
+        const Timed timed(phase);
         Restore<uint8_t> quiet(run.verbose, VERBOSE_NONE);
         initAnyPassVars();
         pass();
@@ -175,23 +178,24 @@ void passInternal(void (*pass)(), std::string_view detail) {
 void passFive();
 
 void solveRefs1Internal() {
-    passInternal(solveRefs1, "First solving pass for ISO8824");
+    passInternal(solveRefs1, Phase::Pass2, "First solving pass for ISO8824");
 }
 void solveRefs2Internal() {
-    passInternal(solveRefs2, "Second solving pass for ISO8824");
+    passInternal(solveRefs2, Phase::Pass3, "Second solving pass for ISO8824");
 }
 void passFourInternal() {
-    passInternal(passFour, "Pass four for ISO8824");
+    passInternal(passFour, Phase::Pass4, "Pass four for ISO8824");
 }
 // Errors of the earlier passes have ended the run: the built-in module is free of them here.
 void passFiveInternal() {
-    passInternal(passFive, "Pass five for ISO8824");
+    passInternal(passFive, Phase::Pass5, "Pass five for ISO8824");
 }
 
 // ---- the passes over the user modules -----------------------------------------------------------
 
 void passOne(int argc, char** argv) {
     forEachModule([argc, argv] {
+        const Timed timed(Phase::Pass1);
         initPass1Vars(argc, argv, false);
         if (cMP->missing) return;
         initAnyPassVars();
@@ -201,7 +205,6 @@ void passOne(int argc, char** argv) {
         options.sourceDirKnown = true;
         parse(argc, argv);
         closeFile(cMP->srcFile, "Source file");
-        cMP->lastPass = 1;
         flushRecs(allKinds);
     });
 }
@@ -292,12 +295,12 @@ void markOut() {
 }
 
 /// A pass over the modules whose header and body were parsed without a syntax error.
-void passOver(void (*pass)(), uint8_t number) {
-    forEachModule([pass, number] {
+void passOver(void (*pass)(), Phase phase) {
+    forEachModule([pass, phase] {
         if (cMP->parseState != PARSE_OK || cMP->out) return;
+        const Timed timed(phase);
         initAnyPassVars();
         pass();
-        cMP->lastPass = number;
         flushRecs(allKinds);
     });
 }
@@ -351,6 +354,7 @@ void printModuleResult(bool failed) {
 }
 
 void diagnostics() {
+    const Timed timed(Phase::Listing);
     openListing();
     {
         Restore<uint8_t> verbose(run.verbose);
@@ -428,20 +432,21 @@ int orvo_main(int argc, char** argv) {
     parseInternal(); // the notation of the modules decides which kinds it has
     solveRefs1Internal();
     if (run.anyNewNotation) {
-        passOver(settleMacroTypes, 1);
-        passOver(settleMacros, 1);
+        passOver(settleMacroTypes, Phase::Pass1);
+        passOver(settleMacros, Phase::Pass1);
     }
-    passOver(solveRefs1, 2);
-    if (run.anyNewNotation) passOver(governMacroReferences, 2);
+    passOver(solveRefs1, Phase::Pass2);
+    if (run.anyNewNotation) passOver(governMacroReferences, Phase::Pass2);
     solveRefs2Internal();
-    passOver(solveRefs2, 3);
+    passOver(solveRefs2, Phase::Pass3);
     passFourInternal();
-    passOver(passFour, 4);
+    passOver(passFour, Phase::Pass4);
     passFiveInternal();
     if (run.keepGoing) markOut();
     if (run.keepGoing || allModulesSolved()) {
         run.checking = run.keepGoing;
-        passOver(passFive, 5);
+        const Timed timed(Phase::Pass5);
+        passOver(passFive, Phase::Pass5);
         markListElements();
         markIgnorables();
         flushRecs(allKinds);
@@ -453,6 +458,7 @@ int orvo_main(int argc, char** argv) {
     const int status = compilationSummary();
     compilationSummaryForZOV();
     typeListForZOV();
+    if (timingState.on) printTiming(stderr);
     return status;
 }
 

@@ -24,6 +24,7 @@
 #include <string>
 
 #include "diag/orvoerr_fatal.h"
+#include "diag/timing.h"
 #include "driver/orvofil.h"
 #include "tree/orvorec.h"
 #include "util/text.h"
@@ -154,6 +155,7 @@ void writeSubTree(TreeFile& tree, ModuleRec* module, RecKind kind) {
 } // namespace
 
 void writeTree(ModuleRec* module) {
+    const Timed timed(Phase::Tree);
     const std::string path = concat(run.stxDir, module->generationPrefix, ".stx");
     if (module->stringsAdded) countAgain(module);
     TreeFile tree{openFile(path, "wb"), {}};

@@ -11,6 +11,7 @@
 
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
+#include "diag/timing.h"
 #include "lex/i64.h"
 #include "lex/lex_meta.h"
 #include "lex/lex_stri.h"
@@ -53,6 +54,7 @@ void readSourceFile(std::string& text) {
     text.clear();
     std::FILE* file = cMP->srcFile;
     if (file == nullptr) return;
+    const Timed reading(Phase::Read);
     size_t length = 0;
     do {
         text.resize(std::max(firstBlock, length * 2));

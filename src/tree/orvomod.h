@@ -184,7 +184,6 @@ struct ModuleRec {
     std::string generationPrefix; // empty = none
     VNodeNr objIdValueNr;
     uint8_t parseState = PARSE_NEW;
-    uint8_t lastPass = 0;
     OptionBlock options;
     ModRefList modRefs;
     ModuleRec* next = nullptr;
