@@ -3,6 +3,7 @@
 #include "check/p5sub.h"
 
 #include "check/orvonum_end.h"
+#include "check/p5set.h"
 #include "check/p5sub_int.h"
 #include "check/p5typ.h"
 #include "diag/orvoerr.h"
@@ -202,6 +203,7 @@ bool checkSubRec(ModuleRec* module) {
     } else {
         ok = chkSubRec(module, isReference ? ParentType::Referenced : ParentType::None);
     }
+    if (ok && newNotation(typeModule()) && isObjSetTNode()) ok = checkUnique(module);
     return ok;
 }
 

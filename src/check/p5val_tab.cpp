@@ -4,13 +4,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <functional>
-#include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "check/check_cache.h"
+#include "check/p5set.h"
 #include "check/p5val_int.h"
 #include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
@@ -24,22 +22,6 @@ void sorry() {
     if (p5ValState.sorrySaid || run.verboseEx <= 1) return;
     p5ValState.sorrySaid = true;
     std::fputs("\n** WARNING: Table constraint checks not fully implemented, sorry.\n\n", stderr);
-}
-
-/// The field named by an entry of a field name chain: the name that was written, or that of the
-/// record which solves it. False for a value.
-bool fieldName(ModuleRec* module, std::string& name) {
-    if (sNode.module == 0) {
-        name = getStri(module, sNode.value);
-        return true;
-    }
-    ModuleRec* owner = refModule(module, static_cast<int32_t>(sNode.module));
-    if (owner == nullptr || sNode.value <= 0) return false;
-    const KeepRec<KIND_TNODE> keep;
-    readRec(owner, TNodeNr{static_cast<uint32_t>(sNode.value)});
-    if (tNode.name == 0) return false;
-    name = getStri(owner, tNode.name);
-    return true;
 }
 
 /// The fields of the current type, an object class field type. False when it is none, or when a
@@ -57,52 +39,6 @@ bool fieldPath(FieldPath& path) {
 
 // ---- the objects of a set -----------------------------------------------------------------------
 
-/// A walk over the objects of a set.
-struct ObjectWalk {
-    std::function<void(VNodeRef)> add;
-    bool isPartial = false;                                // some objects cannot be told
-    std::set<std::pair<ModuleRec*, uint32_t>> walked = {}; // sets that were walked
-};
-
-bool isObjectSetting() {
-    return (vNode.vflags & VF_SET) == 0 && isClassCode(vNode.valCode);
-}
-
-/// The default that the class of an object has for a field.
-VNodeRef classDefault(ModuleRec* module, const VNode& object, std::string_view name) {
-    const KeepRec<KIND_TNODE> keep;
-    ModuleRec* governor = refModule(module, static_cast<int32_t>(object.govTypeMod));
-    if (governor == nullptr || object.govType == 0) return {};
-    readRec(governor, TNodeNr{object.govType});
-    skipTypes(true);
-    if (tNode.typeCode != TYP_CLASS && isClassCode(tNode.typeCode))
-        static_cast<void>(readBuiltinType(tNode.typeCode));
-    if (tNode.typeCode != TYP_CLASS || tNode.ref == 0) return {};
-    if (!findTypeCompById(typeModule(), TNodeNr{tNode.ref}, name)) return {};
-    return {typeModule(), VNodeNr{tNode.defaultVal}};
-}
-
-/// The setting at the end of a path through fields that hold objects; none when an object on the
-/// way has no such setting. `isSet`: a field on the way holds a set of objects.
-VNodeRef settingOf(VNodeRef object, const FieldPath& path, bool& isSet) {
-    isSet = false;
-    VNodeRef at = object;
-    for (size_t step = 0; step < path.size(); ++step) {
-        readRec(at);
-        skipValues(true);
-        if (step != 0 && (vNode.vflags & VF_SET) != 0) isSet = true;
-        if (isSet || !isObjectSetting()) return {};
-        ModuleRec* module = valueModule();
-        const VNode holder = vNode;
-        if (findValueCompById(module, VNodeNr{holder.ref}, path[step]))
-            at = currentRec<KIND_VNODE>();
-        else
-            at = classDefault(module, holder, path[step]);
-        if (!at) return {};
-    }
-    return at;
-}
-
 void addObject(TableIndex& table, const FieldPath& path, VNodeRef object) {
     bool isSet = false;
     const VNodeRef setting = settingOf(object, path, isSet);
@@ -114,100 +50,6 @@ void addObject(TableIndex& table, const FieldPath& path, VNodeRef object) {
         table.others.push_back(place);
     else
         table.byValue[hashOfValue(value.module, value.rec)].push_back(place);
-}
-
-void walkSet(ObjectWalk& walk, TNodeRef set);
-
-/// The element in the current constraint record of a set.
-void walkElement(ObjectWalk& walk, SubRef sub) {
-    readRec(sub);
-    switch (subRec.subKind) {
-    case SUB_UNION:
-    case SUB_SERIAL:
-        for (const SubNr nr : chain(sub.module, SubNr{subRec.left}))
-            walkElement(walk, {sub.module, nr});
-        return;
-    case SUB_INTERSECTION:
-    case SUB_EXCEPT:
-    case SUB_ALL_EXCEPT: walk.isPartial = true; return;
-    case SUB_SINGLE_VALUE:
-        if (subRec.left != 0) walk.add({sub.module, VNodeNr{subRec.left}});
-        return;
-    case SUB_CONTAINED_SUBTYPE:
-        readRec(sub.module, VNodeNr{subRec.left});
-        if (readTypeSetting()) walkSet(walk, currentRec<KIND_TNODE>());
-        return;
-    default: return;
-    }
-}
-
-/// Name of the field that an entry of a chain takes from an object.
-std::string fieldOfStep(ModuleRec* module) {
-    std::string name;
-    if (fieldName(module, name)) return name;
-    ModuleRec* const owner = refModule(module, static_cast<int32_t>(sNode.module));
-    if (owner == nullptr || sNode.value >= 0) return name;
-    readRec(owner, VNodeNr{magnitude(sNode.value)});
-    return std::string(getStri(owner, int64_t{vNode.name}));
-}
-
-/// What a field of an object holds, an object or a set of objects.
-void walkField(ObjectWalk& walk, VNodeRef object, const std::string& field) {
-    bool isSet = false;
-    const VNodeRef setting = settingOf(object, {field}, isSet);
-    if (!setting) return;
-    readRec(setting);
-    skipValues(true);
-    if (isObjectSetting())
-        walk.add(setting);
-    else if (readTypeSetting())
-        walkSet(walk, currentRec<KIND_TNODE>());
-}
-
-/// Information from an object or a set of objects, the current type, whose fields lead to objects
-/// (X.681 (02/2021) 15.6). False when it is none.
-bool walkFields(ObjectWalk& walk) {
-    if (tNode.typeCode != TYP_FIELDLIST || tNode.syntax <= 0) return false;
-    const TNodeRef list = currentRec<KIND_TNODE>();
-    std::vector<VNodeRef> objects;
-    ObjectWalk base{[&objects](VNodeRef object) { objects.push_back(object); }};
-    SNodeNr step{magnitude(tNode.syntax)};
-    if (tNode.refMod == REF_OBJECT) {
-        objects.push_back({list.module, VNodeNr{tNode.ref}});
-    } else {
-        ModuleRec* const module = refModule(list.module, tNode.refMod);
-        if (module == nullptr || tNode.ref == 0) return false;
-        readRec(module, TNodeNr{tNode.ref});
-        while (!isSetTNode() && tNode.typeCode == TYP_SYNONYM)
-            if (!followTypeRef(false)) return false;
-        if (!isObjSetTNode()) return false; // a class
-        walkSet(base, currentRec<KIND_TNODE>());
-    }
-    for (uint32_t left = nextRec<KIND_SNODE>(list.module).nr; step && left != 0; --left) {
-        readRec(list.module, step);
-        step = SNodeNr{sNode.next > 0 ? magnitude(sNode.next) : 0};
-        const std::string field = fieldOfStep(list.module);
-        const std::vector<VNodeRef> holders = std::exchange(objects, {});
-        base.walked.clear();
-        for (const VNodeRef holder : holders) walkField(base, holder, field);
-    }
-    walk.isPartial |= base.isPartial;
-    for (const VNodeRef object : objects) walk.add(object);
-    return true;
-}
-
-/// A set, or a reference to one. A set that was walked before brings no new objects.
-void walkSet(ObjectWalk& walk, TNodeRef set) {
-    readRec(set);
-    while (tNode.constraint <= 0) {
-        const TNodeRef type = currentRec<KIND_TNODE>();
-        if (newNotation(type.module) && walkFields(walk)) return;
-        readRec(type);
-        if (!followTypeRef(true)) return;
-    }
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    if (!walk.walked.insert({type.module, type.nr.nr}).second) return;
-    walkElement(walk, {type.module, SubNr{magnitude(tNode.constraint)}});
 }
 
 /// The objects of the set in a table constraint with their settings for the fields of `path`.
