@@ -44,6 +44,7 @@ bool parseDefinedOrParameterizedType(TNodeNr& type, Cause& cause) {
     int32_t refMod = REF_UNRESOLVED;
     int32_t name = curToken().stri();
     int32_t actuals = 0;
+    uint32_t flags = 0;
     if (nextCode() == TOK_LBRACE) {
         static_cast<void>(advance());
         actuals = minus(nextRec<KIND_DNODE>(cMP).nr);
@@ -52,6 +53,7 @@ bool parseDefinedOrParameterizedType(TNodeNr& type, Cause& cause) {
     auto ref = static_cast<uint32_t>(name);
     if (actuals == 0 && inp.formals != 0 && handleDefined(STabNr{inp.formals}, refMod, name)) {
         ref = static_cast<uint32_t>(name);
+        if (refMod == REF_FORMAL) flags = dummyReferenceFlag();
         changeFormalTypeRefToActualRef(refMod, ref);
     } else {
         resolveUse(refMod, name, actuals, line, line);
@@ -62,6 +64,7 @@ bool parseDefinedOrParameterizedType(TNodeNr& type, Cause& cause) {
     tNode.refMod = refMod;
     tNode.ref = ref;
     tNode.syntax = actuals;
+    tNode.nodeFlags |= flags;
     return true;
 }
 

@@ -230,6 +230,7 @@ enum NodeFlags : uint32_t {
     NF_SET = 8,
     NF_VARIABLE = 32,
     NF_IGNORABLE_CHECKED = 64,
+    NF_DUMMY_REFERENCE = 128, // in an instance: its type was written as a parameter
 };
 enum CheckState : uint16_t { CHECK_NEW = 0, CHECK_SOLVED = 1, CHECK_RUNNING = 2, CHECK_DONE = 3 };
 enum CheckFlags : uint16_t {

@@ -204,6 +204,7 @@ constexpr CodeName nodeFlagRows[] = {
     {8, "SET"},
     {32, "VARIABLE"},
     {64, "IGNORABLE_CHECKED"},
+    {128, "DUMMY_REFERENCE"},
 };
 constexpr CodeName checkFlagRows[] = {
     {0x0001, "OPTIONALS"},

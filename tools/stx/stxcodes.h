@@ -159,6 +159,7 @@ enum NodeFlags : uint32_t {
     NF_SET = 8,
     NF_VARIABLE = 32,
     NF_IGNORABLE_CHECKED = 64,
+    NF_DUMMY_REFERENCE = 128,
 };
 enum CheckFlags : uint16_t {
     CF_OPTIONALS = 0x0001,

@@ -254,7 +254,11 @@ FinalTags finalTags(Trees& trees, TypeRef type, int64_t automaticTag, std::strin
     if (automaticTag >= 0) {
         result.tags.push_back({TAG_CONTEXT, automaticTag});
         const FinalTags inner = finalTags(trees, type, -1, error);
-        replaced = !inner.tags.empty(); // explicit after all where nothing is there to be replaced
+        // explicit after all in front of a dummy reference and where nothing is there to be
+        // replaced
+        const TNode node = type.node();
+        const bool isDummy = (node.nodeFlags & NF_DUMMY_REFERENCE) != 0 && node.tags == 0;
+        replaced = !inner.tags.empty() && !isDummy;
     }
     for (int steps = 0; type && steps < maxTags; ++steps) {
         std::string broken;
