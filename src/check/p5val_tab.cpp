@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "check/check_cache.h"
+#include "check/p5objset.h"
 #include "check/p5val_int.h"
 #include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
@@ -24,22 +25,6 @@ void sorry() {
     std::fputs("\n** WARNING: Table constraint checks not fully implemented, sorry.\n\n", stderr);
 }
 
-/// The field named by an entry of a field name chain: the name that was written, or that of the
-/// record which solves it. False for a value.
-bool fieldName(ModuleRec* module, std::string& name) {
-    if (sNode.module == 0) {
-        name = getStri(module, sNode.value);
-        return true;
-    }
-    ModuleRec* owner = refModule(module, static_cast<int32_t>(sNode.module));
-    if (owner == nullptr || sNode.value <= 0) return false;
-    const KeepRec<KIND_TNODE> keep;
-    readRec(owner, TNodeNr{static_cast<uint32_t>(sNode.value)});
-    if (tNode.name == 0) return false;
-    name = getStri(owner, tNode.name);
-    return true;
-}
-
 /// The fields of the current type, an object class field type. False when it is none, or when a
 /// step names a value.
 bool fieldPath(FieldPath& path) {
@@ -49,7 +34,8 @@ bool fieldPath(FieldPath& path) {
     if (tNode.typeCode != TYP_FIELDLIST || tNode.syntax <= 0) return false;
     ModuleRec* module = typeModule();
     for ([[maybe_unused]] const SNodeNr nr : chain(module, SNodeNr{magnitude(tNode.syntax)}))
-        if (!fieldName(module, path.emplace_back())) return false;
+        if (sNode.value <= 0 && sNode.module != 0) return false;
+    if (!nameOfField(module, path.emplace_back())) return false;
     return true;
 }
 
@@ -61,24 +47,6 @@ struct Collecting {
     std::set<std::pair<ModuleRec*, uint32_t>> walked; // sets that were walked
 };
 
-bool isObjectSetting() {
-    return (vNode.vflags & VF_SET) == 0 && isClassCode(vNode.valCode);
-}
-
-/// The default that the class of an object has for a field.
-VNodeRef classDefault(ModuleRec* module, const VNode& object, std::string_view name) {
-    const KeepRec<KIND_TNODE> keep;
-    ModuleRec* governor = refModule(module, static_cast<int32_t>(object.govTypeMod));
-    if (governor == nullptr || object.govType == 0) return {};
-    readRec(governor, TNodeNr{object.govType});
-    skipTypes(true);
-    if (tNode.typeCode != TYP_CLASS && isClassCode(tNode.typeCode))
-        static_cast<void>(readBuiltinType(tNode.typeCode));
-    if (tNode.typeCode != TYP_CLASS || tNode.ref == 0) return {};
-    if (!findTypeCompById(typeModule(), TNodeNr{tNode.ref}, name)) return {};
-    return {typeModule(), VNodeNr{tNode.defaultVal}};
-}
-
 /// The setting at the end of a path through fields that hold objects; none when an object on the
 /// way has no such setting. `isSet`: a field on the way holds a set of objects.
 VNodeRef settingOf(VNodeRef object, const FieldPath& path, bool& isSet) {
@@ -88,14 +56,7 @@ VNodeRef settingOf(VNodeRef object, const FieldPath& path, bool& isSet) {
         readRec(at);
         skipValues(true);
         if (step != 0 && (vNode.vflags & VF_SET) != 0) isSet = true;
-        if (isSet || !isObjectSetting()) return {};
-        ModuleRec* module = valueModule();
-        const VNode holder = vNode;
-        if (findValueCompById(module, VNodeNr{holder.ref}, path[step]))
-            at = currentRec<KIND_VNODE>();
-        else
-            at = classDefault(module, holder, path[step]);
-        if (!at) return {};
+        if (isSet || !settingOfField(path[step], at) || !at) return {};
     }
     return at;
 }
@@ -159,6 +120,11 @@ const TableIndex& objSetFieldsToList(SubRef sub, const FieldPath& path) {
     readRec(sub);
     Collecting collecting{note->second, path, {}};
     readRec(sub.module, VNodeNr{subRec.left});
+    if (newNotation(sub.module)) {
+        for (const VNodeRef& object : objectsOfSetting(note->second.met))
+            addObject(collecting, object);
+        return note->second;
+    }
     if (readTypeSetting()) collectFromType(collecting, currentRec<KIND_TNODE>());
     return note->second;
 }
@@ -283,7 +249,8 @@ Reached valAtCompId(ModuleRec* module) {
         return valAtElement(std::stoull(std::string(getStri(module, sNode.value))));
     }
     std::string name;
-    if (!fieldName(module, name)) return Reached::Nowhere;
+    if ((sNode.value <= 0 && sNode.module != 0) || !nameOfField(module, name))
+        return Reached::Nowhere;
     const uint8_t kind = vNode.valCode;
     if (!is(kind, TypeClass::Members)) return Reached::Nowhere;
     ModuleRec* owner = valueModule();
