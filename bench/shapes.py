@@ -73,8 +73,11 @@ def synonyms(n):
 
 
 def components_of(n):
-    return single([f"T{i} ::= SEQUENCE {{ a{i} NULL, COMPONENTS OF U{i} }} U{i} ::= SEQUENCE {{ b{i} NULL, c INTEGER }}"
-                   for i in range(n // 2)], tags="IMPLICIT TAGS")
+    """Chains of 50 types, each including the next."""
+    length = 50
+    return single([f"T{i} ::= SEQUENCE {{ a{i} [{i % length}] NULL" +
+                   (f", COMPONENTS OF T{i + 1}" if (i + 1) % length and i + 1 < n else "") + " }" for i in range(n)],
+                  tags="IMPLICIT TAGS")
 
 
 def imports(n):
@@ -124,13 +127,15 @@ def nesting(n):
 
 
 def circle(n):
-    """Modules of two types, each importing from the next; the files are named by a prefix option file."""
-    count = n // 4
+    """Modules of 64 definitions, each importing from the next; the files are named by a prefix option file. Every
+    tree holds all options of its run, so that bytes written grow with the square of the number of modules."""
+    count = n // 64
     files = {"prefix.opt": "-PREFIXLEN=32\n" + "".join(f"-PREFIX=Module-{i}:m{i}\n" for i in range(count))}
     for i in range(count):
         following = (i + 1) % count
         files[f"m{i}.asn"] = module(
-            [f"A{i} ::= SEQUENCE {{ a A{following} OPTIONAL, b B{i} }}", f"B{i} ::= INTEGER (0..{i})"],
+            [f"A{i} ::= SEQUENCE {{ a A{following} OPTIONAL, b B{i} }}", f"B{i} ::= INTEGER (0..{i})"] +
+            [f"C{i}-{k} ::= SEQUENCE (SIZE (0..{k})) OF B{i}" for k in range(62)],
             name=f"Module-{i}", imports=f"IMPORTS A{following} FROM Module-{following};\n")
     return files
 

@@ -145,8 +145,8 @@ bool checkByKind(ModuleRec* module, ParentType parent) {
     case SUB_EXCEPTION: return subNoValueConstr(module);
     case SUB_OPEN_TYPE: return subOpenTypeConstr();
     case SUB_CONTENTS: return subContents(module);
-    case SUB_PATTERN:
-    case SUB_SETTINGS: return subText(module);
+    case SUB_PATTERN: return subText(module);
+    case SUB_SETTINGS: return subSettings(module);
     default: return true;
     }
 }

@@ -196,7 +196,7 @@ bool checkAllowedRecursionForAlternative(TNodeRef choice) {
 /// A lower size bound admits the empty list.
 bool admitsNone(const Endpoint& lower) {
     if (testInfinity(lower, false, TYP_INTEGER)) return true; // MIN is 0 for sizes
-    return i64native(lower.value.val.number) + ((lower.flags & SUBF_LOWER) == 0 ? 1 : 0) <= 0;
+    return i64native(lower.value.val.number) <= ((lower.flags & SUBF_LOWER) == 0 ? -1 : 0);
 }
 
 /// A list ends the recursion when its size constraint admits the empty list.

@@ -25,7 +25,7 @@ ErrClass classOfSetting(uint8_t setting) {
 bool checkTagClass(ModuleRec* module, const TagRec& tag, bool outermost) {
     const OptionBlock& options = module->options;
     if (tag.tagClass == TAG_UNIVERSAL && !options.allow && isLenient(module)) {
-        recordOnce(module, Msg::UniversalTag, tNode.line, {});
+        recordOnce(module, Msg::UniversalTag, tNode.line, tNodeName());
     } else if (tag.tagClass == TAG_UNIVERSAL && !options.allow) {
         recordTNodeError(module, ERR_SEMANTIC, Msg::TagClassShallNotBeUniversal);
         return false;
@@ -90,13 +90,13 @@ bool checkExplicitTag(ModuleRec* module, SeenTag nextTag) {
 }
 
 /// Implicit tagging by the module's default, unless the type has no tag of its own
-/// (X.680 (07/2002) 30.6 c), which may be said of a dummy reference in no instance (X.680 (02/2021)
+/// (X.680 (07/2002) 30.6 c), or is one that not all instances have in common (X.680 (02/2021)
 /// 31.2.7 c).
 void checkIfExplicitNeeded(ModuleRec* module, TagNr nr, SeenTag nextTag) {
-    const bool isExplicit =
-        isIndeterminate(nextTag.tagNr) || (tNode.nodeFlags & NF_DUMMY_REFERENCE) != 0;
+    const bool isDummy = (tNode.nodeFlags & NF_DUMMY) != 0;
     readRec(module, nr);
-    tagRec.tagMode = isExplicit ? TAGMODE_EXPLICIT : TAGMODE_IMPLICIT;
+    tagRec.tagMode =
+        isDummy || isIndeterminate(nextTag.tagNr) ? TAGMODE_EXPLICIT : TAGMODE_IMPLICIT;
     writeRec(module, nr);
 }
 

@@ -226,13 +226,6 @@ bool checkPresence(const ValueErrors& errors, const CheckedValue& value, const S
     return ok;
 }
 
-bool isCompatible(const CheckedValue& value) {
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    ModuleRec* governor = refModule(value.module, static_cast<int32_t>(value.rec.govTypeMod));
-    return governor != nullptr && value.rec.govType != 0 &&
-           typeCompatible(type.module, type.nr, governor, TNodeNr{value.rec.govType});
-}
-
 bool checkParts(const ValueErrors& errors, const CheckedValue& value, const Structure& structure) {
     const Components components = componentsOf(value);
     bool ok = checkStruValComps(errors, value, structure, components);
@@ -246,13 +239,14 @@ bool checkParts(const ValueErrors& errors, const CheckedValue& value, const Stru
 
 bool checkStruVal(const ValueErrors& errors, const CheckedValue& value) {
     const Structure structure = structureOf(tNode.typeCode);
-    const bool ok = isCompatible(value) && checkParts(errors, value, structure);
+    const bool ok =
+        isGovernedBy(value, currentRec<KIND_TNODE>()) && checkParts(errors, value, structure);
     return ok || failValue(errors, value, structure.invalid);
 }
 
 bool checkSOfVal(const ValueErrors& errors, const CheckedValue& value) {
     const uint8_t kind = tNode.typeCode;
-    bool ok = isCompatible(value);
+    bool ok = isGovernedBy(value, currentRec<KIND_TNODE>());
     if (ok && checksParts(errors, value)) {
         const CheckedValue holder = holderOf(value);
         const Components elements = componentsOf(value);

@@ -25,6 +25,11 @@ void sorry() {
     std::fputs("\n** WARNING: Table constraint checks not fully implemented, sorry.\n\n", stderr);
 }
 
+/// The field named by an entry of a field name chain; false for a value.
+bool nameOfStep(ModuleRec* module, std::string& name) {
+    return (sNode.module == 0 || sNode.value > 0) && nameOfField(module, name);
+}
+
 /// The fields of the current type, an object class field type. False when it is none, or when a
 /// step names a value.
 bool fieldPath(FieldPath& path) {
@@ -34,8 +39,7 @@ bool fieldPath(FieldPath& path) {
     if (tNode.typeCode != TYP_FIELDLIST || tNode.syntax <= 0) return false;
     ModuleRec* module = typeModule();
     for ([[maybe_unused]] const SNodeNr nr : chain(module, SNodeNr{magnitude(tNode.syntax)}))
-        if (sNode.value <= 0 && sNode.module != 0) return false;
-    if (!nameOfField(module, path.emplace_back())) return false;
+        if (!nameOfStep(module, path.emplace_back())) return false;
     return true;
 }
 
@@ -249,8 +253,7 @@ Reached valAtCompId(ModuleRec* module) {
         return valAtElement(std::stoull(std::string(getStri(module, sNode.value))));
     }
     std::string name;
-    if ((sNode.value <= 0 && sNode.module != 0) || !nameOfField(module, name))
-        return Reached::Nowhere;
+    if (!nameOfStep(module, name)) return Reached::Nowhere;
     const uint8_t kind = vNode.valCode;
     if (!is(kind, TypeClass::Members)) return Reached::Nowhere;
     ModuleRec* owner = valueModule();

@@ -20,6 +20,7 @@
 #include "diag/orvoerr_hello.h"
 #include "diag/orvoerr_list.h"
 #include "diag/orvozov.h"
+#include "diag/timing.h"
 #include "driver/orvo_pass4.h"
 #include "driver/orvofil.h"
 #include "driver/orvofil_stx.h"
@@ -28,6 +29,7 @@
 #include "parser/iso8824.h"
 #include "parser/parser.h"
 #include "solve/solve.h"
+#include "solve/solve_macro.h"
 #include "solve/solve_pass3.h"
 #include "symtab/orvosym_imp.h"
 #include "symtab/orvosym_list.h"
@@ -124,6 +126,7 @@ void clearPass1Fields(ModuleRec& module) {
     module.nbStxErrors = module.nbSemErrors = module.nbSymErrors = module.nbWarnings = 0;
     module.automaticTags = module.extensibilityImplied = module.otherInstructions = false;
     module.macros.clear();
+    module.macroUses.clear();
     module.tagDefault = 1;
 }
 
@@ -151,6 +154,7 @@ void parseInternal() {
     constexpr std::string_view detail = "Parsing of ISO8824";
     cMP = run.iso8824MP;
     {
+        const Timed timed(Phase::Pass1);
         Restore<uint8_t> quiet(run.verbose, VERBOSE_NONE);
         initPass1Vars(0, nullptr, true);
         initAnyPassVars();
@@ -160,9 +164,10 @@ void parseInternal() {
     checkInternal(detail);
 }
 
-void passInternal(void (*pass)(), std::string_view detail) {
+void passInternal(void (*pass)(), Phase phase, std::string_view detail) {
     cMP = run.iso8824MP;
     if (cMP->parseState == PARSE_OK) {
+        const Timed timed(phase);
         Restore<uint8_t> quiet(run.verbose, VERBOSE_NONE);
         initAnyPassVars();
         pass();
@@ -174,23 +179,24 @@ void passInternal(void (*pass)(), std::string_view detail) {
 void passFive();
 
 void solveRefs1Internal() {
-    passInternal(solveRefs1, "First solving pass for ISO8824");
+    passInternal(solveRefs1, Phase::Pass2, "First solving pass for ISO8824");
 }
 void solveRefs2Internal() {
-    passInternal(solveRefs2, "Second solving pass for ISO8824");
+    passInternal(solveRefs2, Phase::Pass3, "Second solving pass for ISO8824");
 }
 void passFourInternal() {
-    passInternal(passFour, "Pass four for ISO8824");
+    passInternal(passFour, Phase::Pass4, "Pass four for ISO8824");
 }
 // Errors of the earlier passes have ended the run: the built-in module is free of them here.
 void passFiveInternal() {
-    passInternal(passFive, "Pass five for ISO8824");
+    passInternal(passFive, Phase::Pass5, "Pass five for ISO8824");
 }
 
 // ---- the passes over the user modules -----------------------------------------------------------
 
 void passOne(int argc, char** argv) {
     forEachModule([argc, argv] {
+        const Timed timed(Phase::Pass1);
         initPass1Vars(argc, argv, false);
         if (cMP->missing) return;
         initAnyPassVars();
@@ -200,7 +206,6 @@ void passOne(int argc, char** argv) {
         options.sourceDirKnown = true;
         parse(argc, argv);
         closeFile(cMP->srcFile, "Source file");
-        cMP->lastPass = 1;
         flushRecs(allKinds);
     });
 }
@@ -291,12 +296,12 @@ void markOut() {
 }
 
 /// A pass over the modules whose header and body were parsed without a syntax error.
-void passOver(void (*pass)(), uint8_t number) {
-    forEachModule([pass, number] {
+void passOver(void (*pass)(), Phase phase) {
+    forEachModule([pass, phase] {
         if (cMP->parseState != PARSE_OK || cMP->out) return;
+        const Timed timed(phase);
         initAnyPassVars();
         pass();
-        cMP->lastPass = number;
         flushRecs(allKinds);
     });
 }
@@ -350,6 +355,7 @@ void printModuleResult(bool failed) {
 }
 
 void diagnostics() {
+    const Timed timed(Phase::Listing);
     openListing();
     {
         Restore<uint8_t> verbose(run.verbose);
@@ -426,16 +432,22 @@ int orvo_main(int argc, char** argv) {
     if (run.keepGoing) settleMissingModules();
     parseInternal(); // the notation of the modules decides which kinds it has
     solveRefs1Internal();
-    passOver(solveRefs1, 2);
+    if (run.anyNewNotation) {
+        passOver(settleMacroTypes, Phase::Pass1);
+        passOver(settleMacros, Phase::Pass1);
+    }
+    passOver(solveRefs1, Phase::Pass2);
+    if (run.anyNewNotation) passOver(governMacroReferences, Phase::Pass2);
     solveRefs2Internal();
-    passOver(solveRefs2, 3);
+    passOver(solveRefs2, Phase::Pass3);
     passFourInternal();
-    passOver(passFour, 4);
+    passOver(passFour, Phase::Pass4);
     passFiveInternal();
     if (run.keepGoing) markOut();
     if (run.keepGoing || allModulesSolved()) {
         run.checking = run.keepGoing;
-        passOver(passFive, 5);
+        const Timed timed(Phase::Pass5);
+        passOver(passFive, Phase::Pass5);
         markListElements();
         markIgnorables();
         checkUniqueFields();
@@ -448,6 +460,7 @@ int orvo_main(int argc, char** argv) {
     const int status = compilationSummary();
     compilationSummaryForZOV();
     typeListForZOV();
+    if (timingState.on) printTiming(stderr);
     return status;
 }
 

@@ -10,6 +10,7 @@
 #include <cstdlib>
 
 #include "diag/orvoerr_hello.h"
+#include "diag/timing.h"
 #include "driver/orvofil.h"
 #include "driver/orvofil_fix.h"
 #include "options/orvoopt_file.h"
@@ -60,7 +61,8 @@ constexpr std::string_view usageLines[] = {
 
 constexpr std::string_view wordLists[] = {"-INFO=", "-BEO="};
 constexpr std::string_view blankTakers[] = {"+", "-INFO=", "-BEO=", "-S", "-L", "-C", "-H"};
-constexpr std::string_view phaseOneValues[] = {"-VERBOSE=", "-A=", "-L=", "-V=", "-KEEP-GOING="};
+constexpr std::string_view phaseOneValues[] = {
+    "-VERBOSE=", "-A=", "-L=", "-V=", "-KEEP-GOING=", "-TIMING="};
 constexpr std::string_view strictStandard = "-STRICTSTANDARD";
 
 /// `text` (its name in upper case) begins with one of the names.
@@ -172,6 +174,11 @@ bool parseSelectedCmdLineOpts(std::string_view text) {
     if (name == "-VERBOSE=") return verboseOptionOK(value);
     if (name == "-V=") return int32OptionOK(value, 1, 4, run.verboseEx);
     if (name == "-KEEP-GOING=") return booleOptionOK(value, run.keepGoing);
+    if (name == "-TIMING=") {
+        bool on = timingState.on;
+        if (!booleOptionOK(value, on)) return false;
+        setTiming(on);
+    }
     if (name == "-L=") return directoryOptionOK(value, run.lstDir);
     if (name == "-A=") {
         std::string directory;

@@ -57,7 +57,7 @@ VNodeNr beginValueCopy(VNode& copy) {
 
 void actualiseType(TNode& copy) {
     if (copy.typeCode == TYP_SYNONYM) {
-        if (copy.refMod == REF_FORMAL) copy.nodeFlags |= dummyReferenceFlag();
+        if (copy.refMod == REF_FORMAL && newNotation()) copy.nodeFlags |= NF_DUMMY;
         changeFormalTypeRefToActualRef(copy.refMod, copy.ref);
     }
     markInstance(copy);

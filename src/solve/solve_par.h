@@ -82,10 +82,6 @@ void parseSettingPassTwo(VNodeNr first);
 /// `module` (a module reference) that carries `constraint` (minus a DNode).
 void setValSetNode(uint32_t module, TNodeNr ref, int32_t constraint);
 /// A reference to formal parameter `position` becomes one to the actual parameter's type or value.
-/// What nodeFlags say of a reference to a formal parameter of a definition in the current module.
-inline uint32_t dummyReferenceFlag() {
-    return newNotation() ? uint32_t{NF_DUMMY_REFERENCE} : 0U;
-}
 void changeFormalTypeRefToActualRef(int32_t& refMod, uint32_t& ref);
 void changeFormalValueRefToActualRef(int32_t& refMod, uint32_t& ref);
 

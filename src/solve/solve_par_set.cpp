@@ -44,16 +44,16 @@ bool parseDefinedOrParameterizedType(TNodeNr& type, Cause& cause) {
     int32_t refMod = REF_UNRESOLVED;
     int32_t name = curToken().stri();
     int32_t actuals = 0;
-    uint32_t flags = 0;
     if (nextCode() == TOK_LBRACE) {
         static_cast<void>(advance());
         actuals = minus(nextRec<KIND_DNODE>(cMP).nr);
         if (!deferValue(cause)) return false;
     }
     auto ref = static_cast<uint32_t>(name);
+    bool isDummy = false;
     if (actuals == 0 && inp.formals != 0 && handleDefined(STabNr{inp.formals}, refMod, name)) {
         ref = static_cast<uint32_t>(name);
-        if (refMod == REF_FORMAL) flags = dummyReferenceFlag();
+        isDummy = newNotation();
         changeFormalTypeRefToActualRef(refMod, ref);
     } else {
         resolveUse(refMod, name, actuals, line, line);
@@ -61,10 +61,10 @@ bool parseDefinedOrParameterizedType(TNodeNr& type, Cause& cause) {
     }
     type = addTypeArc(instContext(), line);
     setTypeNode(TYP_SYNONYM);
+    if (isDummy) tNode.nodeFlags |= NF_DUMMY;
     tNode.refMod = refMod;
     tNode.ref = ref;
     tNode.syntax = actuals;
-    tNode.nodeFlags |= flags;
     return true;
 }
 

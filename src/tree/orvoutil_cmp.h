@@ -16,8 +16,11 @@ namespace orvo {
                                  const VNode& b);
 [[nodiscard]] int compareListVal(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
                                  const VNode& b);
-/// An object identifier has at most maxArcs arcs; an invalid one has the length invalidObjId.
-inline constexpr size_t maxArcs = 32;
+/// Arcs of an object identifier in a module, at most. An invalid one has the length invalidObjId.
+inline size_t maxArcs(const ModuleRec* module) {
+    return newNotation(module) ? 128 : 32;
+}
+inline constexpr size_t maxArcsText = maxStringLength; // of them in decimal, with commas
 inline constexpr uint16_t invalidObjId = 65535;
 [[nodiscard]] int compareObjIdVal(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b);
 

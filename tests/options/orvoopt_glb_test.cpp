@@ -23,7 +23,7 @@ constexpr bool (*rejected)(const Block&) = nullptr;
 // clang-format off
 const OptionCase optionCases[] = {
     {"-A=x", accepted}, {"-L=", accepted}, {"-V=9", accepted}, {"-VERBOSE=x", accepted},
-    {"-KEEP-GOING=x", accepted}, {"-STRICTSTANDARD", accepted}, {"-VERSION", rejected}, {"-UNKNOWN=1", rejected}, {"-UNKNOWN", rejected},
+    {"-KEEP-GOING=x", accepted}, {"-TIMING=x", accepted}, {"-STRICTSTANDARD", accepted}, {"-VERSION", rejected}, {"-UNKNOWN=1", rejected}, {"-UNKNOWN", rejected},
     {"-PREFIXLEN=1", [](const Block& b) { return b.prefixLen == 1; }},
     {"-PREFIXLEN=32", [](const Block& b) { return b.prefixLen == 32; }},
     {"-PREFIXLEN=0", rejected}, {"-PREFIXLEN=33", rejected}, {"-PREFIXLEN=", rejected},
@@ -135,7 +135,7 @@ const OptionCase optionCases[] = {
 
 // BEO= has a test of its own.
 const std::set<std::string_view> neverRejected = {
-    "A=", "L=",           "V=",        "VERBOSE=", "KEEP-GOING=", "STRICTSTANDARD",
+    "A=", "L=",           "V=",        "VERBOSE=", "KEEP-GOING=", "TIMING=", "STRICTSTANDARD",
     "//", "BEGIN-SCOPE=", "END-SCOPE", "ALLOW",    "BEO=//",      "BEO="};
 const std::set<std::string_view> neverAccepted = {"VERSION", "BEO="};
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <regex>
 
 #include "support/run.h"
 
@@ -95,8 +96,9 @@ TEST(CommandLine, AnOptionFileThatCannotBeReadIsFatal) {
 }
 
 TEST(CommandLine, ABadArgumentIsShownAndEndsInTheUsage) {
-    for (const std::string argument : {"-V=5", "-V=0", "-v=1x", "-VERBOSE=LOUD", "-verbose=3", "-KEEP-GOING=on",
-                                       "-A=", "-L=a\tb", "a b", "a\x80z"}) {
+    for (const std::string argument :
+         {"-V=5", "-V=0", "-v=1x", "-VERBOSE=LOUD", "-verbose=3", "-KEEP-GOING=on", "-TIMING=x",
+          "-A=", "-L=a\tb", "a b", "a\x80z"}) {
         SCOPED_TRACE(argument);
         const RunResult run = runOrvo({{"x.asn", ""}}, {argument, "x"});
         EXPECT_EQ(run.status, 1);
@@ -143,6 +145,28 @@ TEST(CommandLine, TheArgumentVectorIsEchoedWhenAsked) {
     const RunResult run = runOrvo({}, {"-VERSION", ""}, {"VEXO_PRINT_ASN_OPTIONS="});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err, "orvo -VERSION  \n");
+}
+
+TEST(CommandLine, TimesAreToldAtTheEndOfTheRun) {
+    const std::vector<SourceFile> files = {
+        {"m.asn", "--$TIMING=YES-- M DEFINITIONS ::= BEGIN IMPORTS T FROM N; U ::= T END\n"},
+        {"n.asn", "N DEFINITIONS ::= BEGIN T ::= NULL END\n"},
+        {"o.opt", "-Timing=true\n"}};
+    const RunResult quiet = runOrvo(files, {"+o.opt", "-TIMING=0", "m"});
+    EXPECT_EQ(quiet.err, "");
+    const RunResult run = runOrvo(files, {"+o.opt", "m"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(maskTimeStamp(run.out), maskTimeStamp(quiet.out));
+    constexpr size_t moduleNode = 112; // holds the time
+    EXPECT_EQ(run.tree("m").substr(moduleNode), quiet.tree("m").substr(moduleNode));
+    const std::string figures = " *[0-9]+\\.[0-9]{4} s +[0-9]+ kB\n";
+    std::string expected = "\nTime and peak memory:\n\n";
+    for (const char* phase :
+         {"Read        ", "Pass 1      ", "Pass 2      ", "Pass 3      ", "Pass 4      ",
+          "Pass 5      ", "Listing     ", "Tree        ", "Rest        ", "Total       "})
+        expected += phase + (":" + figures);
+    expected += "\nSlowest modules:\n\n( +[0-9]+\\.[0-9]{4} s  [mn]\\.asn\n){2}";
+    EXPECT_TRUE(std::regex_match(run.err, std::regex(expected))) << run.err;
 }
 
 TEST(OptionFile, NamesFilesAndSkipsComments) {

@@ -254,10 +254,10 @@ FinalTags finalTags(Trees& trees, TypeRef type, int64_t automaticTag, std::strin
     if (automaticTag >= 0) {
         result.tags.push_back({TAG_CONTEXT, automaticTag});
         const FinalTags inner = finalTags(trees, type, -1, error);
-        // explicit after all in front of a dummy reference and where nothing is there to be
-        // replaced
+        // Explicit after all where nothing is there to be replaced, and in front of a dummy
+        // reference.
         const TNode node = type.node();
-        const bool isDummy = (node.nodeFlags & NF_DUMMY_REFERENCE) != 0 && node.tags == 0;
+        const bool isDummy = (node.nodeFlags & NF_DUMMY) != 0 && node.tags == 0;
         replaced = !inner.tags.empty() && !isDummy;
     }
     for (int steps = 0; type && steps < maxTags; ++steps) {
