@@ -3,7 +3,7 @@
 #include "check/p5sub.h"
 
 #include "check/orvonum_end.h"
-#include "check/p5set.h"
+#include "check/p5objset.h"
 #include "check/p5sub_int.h"
 #include "check/p5typ.h"
 #include "diag/orvoerr.h"
@@ -192,6 +192,7 @@ bool chkSubRec(ModuleRec* module, ParentType parent) {
 
 bool checkSubRec(ModuleRec* module) {
     const bool isReference = tNode.typeCode == TYP_SYNONYM;
+    if (isObjSetTNode()) noteObjectSet(module);
     const KeepRec<KIND_SUB> keepSub;
     const KeepRec<KIND_VNODE> keepValue;
     readRec(typeModule(), SubNr{static_cast<uint32_t>(tNode.constraint)});
@@ -203,7 +204,6 @@ bool checkSubRec(ModuleRec* module) {
     } else {
         ok = chkSubRec(module, isReference ? ParentType::Referenced : ParentType::None);
     }
-    if (ok && newNotation(typeModule()) && isObjSetTNode()) ok = checkUnique(module);
     return ok;
 }
 

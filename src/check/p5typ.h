@@ -22,8 +22,9 @@ constexpr bool isIndeterminate(int32_t tagNr) {
 
 /// State of the walk of pass 5 over types.
 struct P5State {
-    uint32_t typeCycles = 0;             // strongly connected components of types that were found
-    std::vector<TNodeRef> lists;         // list types that were checked
+    uint32_t typeCycles = 0;     // strongly connected components of types that were found
+    std::vector<TNodeRef> lists; // list types that were checked
+    std::vector<std::pair<TNodeRef, ModuleRec*>> objectSets; // and whom to tell of their faults
     std::vector<TNodeRef> ignorableFrom; // types from which on ignorable ones are to be marked
 };
 extern P5State p5State;

@@ -88,6 +88,7 @@ struct EntryList {
     uint32_t line = 0; // of the structure
     bool automatic = false;
     bool inAdditions = false;
+    Extension extension;
     bool tooLong = false;
     bool ok = true;
     OpenLists open; // the structure's own list and those that are being expanded in it
@@ -170,7 +171,10 @@ class AlternativeCollector {
         const bool automatic = isAutomatic();
         int32_t nextAutomatic = 0;
         forEachComponent(choice.module, TNodeNr{tNode.ref}, [&] {
-            if (tNode.typeCode == TYP_EXTENSION_MARKER) return true;
+            if (tNode.typeCode == TYP_EXTENSION_MARKER) {
+                addTag(unknownAddition);
+                return true;
+            }
             addAlternative(automatic ? SeenTag{TAG_CONTEXT, nextAutomatic++} : getNextTag());
             return true;
         });
@@ -253,6 +257,7 @@ void addEntries(EntryList& list, TNodeRef first, TNodeRef bringer) {
     forEachComponent(first.module, first.nr, [&] {
         if (tNode.typeCode == TYP_EXTENSION_MARKER) {
             root.passMarker();
+            if (!bringer) list.extension.passMarker(list.entries.size());
             return true;
         }
         if (bringer && !root.isRoot()) return true;
@@ -289,6 +294,7 @@ EntryList dynaListForComps(ModuleRec* errors) {
     list.automatic = isAutomatic();
     const KeepRec<KIND_TNODE> keep;
     addEntries(list, {list.structure.module, TNodeNr{tNode.ref}}, {});
+    list.extension.finish(list.entries.size());
     if (list.automatic) numberAutomatic(list);
     return list;
 }
@@ -317,8 +323,10 @@ bool checkStruComps(ModuleRec* module, size_t& count) {
     if (list.automatic) ok &= untaggedAdditions(module);
     uint16_t flags = list.automatic ? CF_AUTOMATIC_TAGS : 0;
     IdComparison ids;
-    TagComparison tags(list.kind);
+    TagComparison tags(list.kind, newNotation(self.module));
     for (const CompEntry& entry : list.entries) {
+        const auto place = static_cast<size_t>(&entry - list.entries.data());
+        if (list.kind != TYP_CLASS) ok &= tags.passMarkers(module, list.extension, place);
         readRec(entry.record);
         ok &= ids.distinctCompId(module, entry);
         if (list.kind == TYP_CLASS) {
@@ -329,6 +337,8 @@ bool checkStruComps(ModuleRec* module, size_t& count) {
         ok &= tags.distinctCompTag(module, entry, &entry == &list.entries.back());
         if (isIndeterminate(entry.tag.tagNr)) flags |= CF_INDETERMINATE_TAG;
     }
+    readRec(self);
+    if (list.kind != TYP_CLASS) ok &= tags.passMarkers(module, list.extension, list.entries.size());
     if (list.tooLong) {
         recordError(module, ERR_SEMANTIC, Msg::Unimplemented, list.line,
                     "more than 32767 components");

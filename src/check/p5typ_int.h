@@ -48,23 +48,53 @@ struct CompEntry {
         return isIndeterminate(tag.tagNr) && tag.tagNr != typeArr[TYP_CHOICE].tag;
     }
 };
-/// Compares the tags of the entries of a structure with those of earlier entries.
+/// Where the extension of a list begins and ends, as places in its entries; what later versions add
+/// stands at the end.
+struct Extension {
+    static constexpr size_t none = ~size_t{0};
+    size_t begin = none;
+    size_t end = none;
+    bool hasSecondRoot = false; // entries follow
+
+    /// The list goes on with a marker, its entries so far are `count`.
+    void passMarker(size_t count) {
+        size_t& place = begin == none ? begin : end;
+        if (place == none) place = count;
+    }
+    void finish(size_t count) {
+        if (begin != none) passMarker(count);
+        hasSecondRoot = begin != none && end < count;
+    }
+};
+/// Compares the tags of the entries of a structure with those of earlier entries. In today's
+/// notation additions, which may be absent, lie between the two roots of a SEQUENCE.
 class TagComparison {
   public:
-    explicit TagComparison(uint8_t kind) : sequence_(kind == TYP_SEQ), kind_(kind) {}
+    TagComparison(uint8_t kind, bool today)
+        : sequence_(kind == TYP_SEQ), today_(today), kind_(kind) {}
+    /// Goes past the markers in front of the entry at `place` of the current structure; true unless
+    /// what is added there later could be taken for an addition to something in front.
+    [[nodiscard]] bool passMarkers(ModuleRec* module, const Extension& extension, size_t place);
     /// Checks the next entry of the current structure; true when its tag is distinct. `isLast`: no
     /// entry follows.
     [[nodiscard]] bool distinctCompTag(ModuleRec* module, const CompEntry& entry, bool isLast);
 
   private:
+    using Places = std::unordered_map<uint64_t, uint32_t>; // tag -> nearest earlier entry with it
+    const SeenTag* tagIn(const Places& earlier, const CompEntry& entry) const;
     const SeenTag* tagInDynaList(const CompEntry& entry) const;
+    void rememberTags(const CompEntry& entry, Places& tags) const;
     void remember(const CompEntry& entry);
 
     bool sequence_;
+    bool today_;
     uint8_t kind_;
     uint32_t count_ = 0; // entries so far
-    // tag -> place of the nearest earlier entry that has it
-    std::unordered_map<uint64_t, uint32_t> earlier_;
+    Places earlier_;     // that the next entry could be mistaken for
+    bool inExtension_ = false;
+    bool hasSecondRoot_ = false;
+    Places endOfRoot_; // of a SEQUENCE: what may stand in front of its extension
+    Places additions_;
 };
 
 } // namespace orvo

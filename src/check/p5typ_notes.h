@@ -26,8 +26,12 @@ constexpr uint64_t keyOf(const SeenTag& tag) {
     return uint64_t{static_cast<uint32_t>(tag.tagClass)} << 32 | static_cast<uint32_t>(tag.tagNr);
 }
 
+/// Tag of the addition that a later version may put where an extension marker stands (X.680
+/// (02/2021) 52.7): no other tag, but every other such addition's.
+inline constexpr SeenTag unknownAddition{-1, 0};
+
 /// The tags by which values of an untagged CHOICE may begin: those of its alternatives, in order,
-/// the alternatives of untagged CHOICEs among them in place. No tag stands twice.
+/// the alternatives of untagged CHOICEs among them in place, unknown ones too. No tag stands twice.
 struct AlternativeTags {
     std::vector<SeenTag> tags;
     bool endless = false; // the CHOICE is one of those untagged CHOICEs itself

@@ -14,6 +14,9 @@ namespace {
 /// Shorter ways to a tag are walked again rather than noted.
 constexpr size_t shortWay = 8;
 
+/// Detail of a finding about tags that are not known yet.
+constexpr std::string_view unknownText = "unknown additions";
+
 /// Class of a finding that TAGUSAGE= or EXPLICIT= asks for: 1 warning, 2 error.
 ErrClass classOfSetting(uint8_t setting) {
     return setting == 1 ? ERR_WARNING : ERR_SEMANTIC;
@@ -176,14 +179,13 @@ bool checkTag(ModuleRec* module, SeenTag nextTag) {
     return ok;
 }
 
-/// The tag of the entry, or of one of its alternatives, that the nearest earlier entry has; null
-/// when there is none.
-const SeenTag* TagComparison::tagInDynaList(const CompEntry& entry) const {
+const SeenTag* TagComparison::tagIn(const Places& earlier, const CompEntry& entry) const {
     const SeenTag* clash = nullptr;
     uint32_t nearest = 0;
     const auto look = [&](const SeenTag& tag) {
-        const auto found = earlier_.find(keyOf(tag));
-        if (found == earlier_.end() || (clash != nullptr && found->second <= nearest)) return;
+        if (tag == unknownAddition && !today_) return;
+        const auto found = earlier.find(keyOf(tag));
+        if (found == earlier.end() || (clash != nullptr && found->second <= nearest)) return;
         clash = &tag;
         nearest = found->second;
     };
@@ -195,21 +197,56 @@ const SeenTag* TagComparison::tagInDynaList(const CompEntry& entry) const {
     return clash;
 }
 
+/// The tag of the entry, or of one of its alternatives, that the nearest earlier entry has; null
+/// when there is none. Additions in front of a second root differ from all in front of them (X.680
+/// (02/2021) 25.7).
+const SeenTag* TagComparison::tagInDynaList(const CompEntry& entry) const {
+    const SeenTag* const clash = tagIn(earlier_, entry);
+    if (clash != nullptr || !inExtension_ || !hasSecondRoot_) return clash;
+    return tagIn(additions_, entry);
+}
+
+void TagComparison::rememberTags(const CompEntry& entry, Places& tags) const {
+    if (entry.tag.tagNr >= 0) tags[keyOf(entry.tag)] = count_;
+    for (const SeenTag& tag : entry.alternativeTags()) tags[keyOf(tag)] = count_;
+}
+
 void TagComparison::remember(const CompEntry& entry) {
     ++count_;
+    if (sequence_ && inExtension_ && hasSecondRoot_) rememberTags(entry, additions_);
     // Only the run of optional components just before an entry can be mistaken for it.
-    if (sequence_ && magnitude(entry.compStatus) != TCS_OPTIONAL) {
+    if (sequence_ && magnitude(entry.compStatus) != TCS_OPTIONAL)
         earlier_.clear();
-        return;
+    else
+        rememberTags(entry, earlier_);
+}
+
+bool TagComparison::passMarkers(ModuleRec* module, const Extension& extension, size_t place) {
+    if (!today_ || extension.begin == Extension::none) return true;
+    if (place == extension.begin) {
+        inExtension_ = true;
+        hasSecondRoot_ = extension.hasSecondRoot;
+        if (sequence_ && hasSecondRoot_) endOfRoot_ = earlier_;
     }
-    if (entry.tag.tagNr >= 0) earlier_[keyOf(entry.tag)] = count_;
-    for (const SeenTag& tag : entry.alternativeTags()) earlier_[keyOf(tag)] = count_;
+    if (place != extension.end) return true;
+    inExtension_ = false;
+    const bool isDistinct = !earlier_.contains(keyOf(unknownAddition));
+    if (sequence_ && hasSecondRoot_) {
+        earlier_ = std::move(additions_);
+        earlier_.merge(endOfRoot_);
+    }
+    earlier_[keyOf(unknownAddition)] = ++count_;
+    if (!isDistinct)
+        recordError(module, ERR_SEMANTIC, Msg::NonDistinctTag, tNode.line, unknownText);
+    return isDistinct;
 }
 
 bool TagComparison::distinctCompTag(ModuleRec* module, const CompEntry& entry, bool isLast) {
     const SeenTag* const clash = tagInDynaList(entry);
     bool ok = clash == nullptr;
-    if (clash != nullptr) {
+    if (clash != nullptr && *clash == unknownAddition) {
+        recordError(module, ERR_SEMANTIC, Msg::NonDistinctTag, tNode.line, unknownText);
+    } else if (clash != nullptr) {
         recordTagError(module, ERR_SEMANTIC, Msg::NonDistinctTag, tNode.line, clash->tagClass,
                        clash->tagNr);
     } else if (entry.isOpen()) {

@@ -4,11 +4,12 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "check/check_cache.h"
-#include "check/p5set.h"
+#include "check/p5objset.h"
 #include "check/p5val_int.h"
 #include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
@@ -24,6 +25,11 @@ void sorry() {
     std::fputs("\n** WARNING: Table constraint checks not fully implemented, sorry.\n\n", stderr);
 }
 
+/// The field named by an entry of a field name chain; false for a value.
+bool nameOfStep(ModuleRec* module, std::string& name) {
+    return (sNode.module == 0 || sNode.value > 0) && nameOfField(module, name);
+}
+
 /// The fields of the current type, an object class field type. False when it is none, or when a
 /// step names a value.
 bool fieldPath(FieldPath& path) {
@@ -33,15 +39,36 @@ bool fieldPath(FieldPath& path) {
     if (tNode.typeCode != TYP_FIELDLIST || tNode.syntax <= 0) return false;
     ModuleRec* module = typeModule();
     for ([[maybe_unused]] const SNodeNr nr : chain(module, SNodeNr{magnitude(tNode.syntax)}))
-        if (!fieldName(module, path.emplace_back())) return false;
+        if (!nameOfStep(module, path.emplace_back())) return false;
     return true;
 }
 
 // ---- the objects of a set -----------------------------------------------------------------------
 
-void addObject(TableIndex& table, const FieldPath& path, VNodeRef object) {
+struct Collecting {
+    TableIndex& table;
+    const FieldPath& path;
+    std::set<std::pair<ModuleRec*, uint32_t>> walked; // sets that were walked
+};
+
+/// The setting at the end of a path through fields that hold objects; none when an object on the
+/// way has no such setting. `isSet`: a field on the way holds a set of objects.
+VNodeRef settingOf(VNodeRef object, const FieldPath& path, bool& isSet) {
+    isSet = false;
+    VNodeRef at = object;
+    for (size_t step = 0; step < path.size(); ++step) {
+        readRec(at);
+        skipValues(true);
+        if (step != 0 && (vNode.vflags & VF_SET) != 0) isSet = true;
+        if (isSet || !settingOfField(path[step], at) || !at) return {};
+    }
+    return at;
+}
+
+void addObject(Collecting& collecting, VNodeRef object) {
+    TableIndex& table = collecting.table;
     bool isSet = false;
-    const VNodeRef setting = settingOf(object, path, isSet);
+    const VNodeRef setting = settingOf(object, collecting.path, isSet);
     if (!setting && !isSet) return;
     const size_t place = table.entries.size();
     table.entries.push_back({object, setting});
@@ -52,6 +79,41 @@ void addObject(TableIndex& table, const FieldPath& path, VNodeRef object) {
         table.byValue[hashOfValue(value.module, value.rec)].push_back(place);
 }
 
+void collectFromType(Collecting& collecting, TNodeRef set);
+
+/// The element in the current constraint record of a set.
+void collectFromSub(Collecting& collecting, SubRef sub) {
+    readRec(sub);
+    switch (subRec.subKind) {
+    case SUB_UNION:
+    case SUB_SERIAL:
+        for (const SubNr nr : chain(sub.module, SubNr{subRec.left}))
+            collectFromSub(collecting, {sub.module, nr});
+        return;
+    case SUB_INTERSECTION:
+    case SUB_EXCEPT:
+    case SUB_ALL_EXCEPT: collecting.table.met = true; return;
+    case SUB_SINGLE_VALUE:
+        if (subRec.left != 0) addObject(collecting, {sub.module, VNodeNr{subRec.left}});
+        return;
+    case SUB_CONTAINED_SUBTYPE:
+        readRec(sub.module, VNodeNr{subRec.left});
+        if (readTypeSetting()) collectFromType(collecting, currentRec<KIND_TNODE>());
+        return;
+    default: return;
+    }
+}
+
+/// A set, or a reference to one. A set that was walked before brings no new objects.
+void collectFromType(Collecting& collecting, TNodeRef set) {
+    readRec(set);
+    while (tNode.constraint <= 0)
+        if (!followTypeRef(true)) return;
+    const TNodeRef type = currentRec<KIND_TNODE>();
+    if (!collecting.walked.insert({type.module, type.nr.nr}).second) return;
+    collectFromSub(collecting, {type.module, SubNr{magnitude(tNode.constraint)}});
+}
+
 /// The objects of the set in a table constraint with their settings for the fields of `path`.
 const TableIndex& objSetFieldsToList(SubRef sub, const FieldPath& path) {
     const auto [note, isNew] = checkCacheOf(sub.module).tables.try_emplace({sub.nr.nr, path});
@@ -59,14 +121,16 @@ const TableIndex& objSetFieldsToList(SubRef sub, const FieldPath& path) {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
-    const KeepRec<KIND_SNODE> keepEntry;
     readRec(sub);
-    TableIndex& table = note->second;
-    ObjectWalk walk{[&](VNodeRef object) { addObject(table, path, object); }};
+    Collecting collecting{note->second, path, {}};
     readRec(sub.module, VNodeNr{subRec.left});
-    if (readTypeSetting()) walkSet(walk, currentRec<KIND_TNODE>());
-    table.met = walk.isPartial;
-    return table;
+    if (newNotation(sub.module)) {
+        for (const VNodeRef& object : objectsOfSetting(note->second.met))
+            addObject(collecting, object);
+        return note->second;
+    }
+    if (readTypeSetting()) collectFromType(collecting, currentRec<KIND_TNODE>());
+    return note->second;
 }
 
 // ---- objects that agree with a value ------------------------------------------------------------
@@ -189,7 +253,7 @@ Reached valAtCompId(ModuleRec* module) {
         return valAtElement(std::stoull(std::string(getStri(module, sNode.value))));
     }
     std::string name;
-    if (!fieldName(module, name)) return Reached::Nowhere;
+    if (!nameOfStep(module, name)) return Reached::Nowhere;
     const uint8_t kind = vNode.valCode;
     if (!is(kind, TypeClass::Members)) return Reached::Nowhere;
     ModuleRec* owner = valueModule();

@@ -135,7 +135,9 @@ bool printTagNumberInUseError(const ErrRec& record, std::string& text) {
 
 bool printNonDistinctTagError(const ErrRec& record, std::string& text) {
     if (record.code != Msg::NonDistinctTag) return false;
-    text = "Non-distinct tag: ";
+    text = "Non-distinct tag";
+    if (record.hasDetail) return true; // tags that are not known
+    text += ": ";
     switch (record.tagClass) {
     case TAG_UNIVERSAL: text += "[UNIVERSAL "; break;
     case TAG_APPLICATION: text += "[APPLICATION "; break;
@@ -152,7 +154,7 @@ void printOtherError(Msg code, std::string& text) {
 }
 
 void printExtraErrorInfo(const ErrRec& record, std::string& text) {
-    if (record.code == Msg::TagNumberInUse || record.code == Msg::NonDistinctTag) return;
+    if (record.code == Msg::TagNumberInUse) return;
     if (record.hasDetail) text += concat(": ", record.detail);
 }
 

@@ -12,6 +12,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "check/p5objset.h"
 #include "check/p5typ.h"
 #include "check/p5val.h"
 #include "diag/orvoerr.h"
@@ -449,6 +450,7 @@ int orvo_main(int argc, char** argv) {
         passOver(passFive, Phase::Pass5);
         markListElements();
         markIgnorables();
+        checkUniqueFields();
         flushRecs(allKinds);
         run.checking = false;
         if (run.keepGoing) markOut();

@@ -163,6 +163,88 @@ s3 S ::= { d NULL, b NULL, a NULL } --! Mandatory component value missing: compo
                  edition, "AUTOMATIC TAGS ");
 }
 
+// X.680 25.6, 25.7, 27.3, 29.3 and 52.7.
+TEST(NotationRules, TagsOfAdditionsAreDistinct) {
+    expectMarked(R"(
+A ::= SEQUENCE { a INTEGER OPTIONAL, ..., b INTEGER } --! Non-distinct tag: [UNIVERSAL 2]
+B ::= SEQUENCE { a INTEGER OPTIONAL, ..., ..., b INTEGER } --! Non-distinct tag: [UNIVERSAL 2]
+C ::= SEQUENCE { a INTEGER OPTIONAL, ..., b NULL, ..., c INTEGER } --! Non-distinct tag: [UNIVERSAL 2]
+D ::= SEQUENCE { a INTEGER, ..., b NULL, ..., c NULL } --! Non-distinct tag: [UNIVERSAL 5]
+E ::= SEQUENCE { a INTEGER, ..., b NULL, ..., c INTEGER, d NULL }
+F ::= SEQUENCE { a INTEGER, ..., b NULL, ..., c INTEGER OPTIONAL, d NULL } --! Non-distinct tag: [UNIVERSAL 5]
+G ::= SEQUENCE { a INTEGER, ..., b NULL, [[ c NULL ]] }
+H ::= SEQUENCE { a INTEGER, ..., b NULL, [[ c NULL ]], ..., d INTEGER } --! Non-distinct tag: [UNIVERSAL 5]
+I ::= SEQUENCE { a INTEGER, ..., b NULL OPTIONAL, c NULL } --! Non-distinct tag: [UNIVERSAL 5]
+J ::= SET { a INTEGER, ..., b NULL, ..., c INTEGER } --! Non-distinct tag: [UNIVERSAL 2]
+K ::= SET { a INTEGER, ..., b NULL, ..., c REAL }
+L ::= CHOICE { a INTEGER, ..., b INTEGER } --! Non-distinct tag: [UNIVERSAL 2]
+N ::= CHOICE { a INTEGER, ..., [[ b NULL, c REAL ]] }
+)");
+    expectMarked(R"(
+X ::= CHOICE { x NULL, ... }
+Y ::= CHOICE { y REAL, ... }
+A ::= SET { a INTEGER, b X }
+B ::= SET { a X, b Y } --! Non-distinct tag: unknown additions
+C ::= SET { a X, b [0] Y }
+D ::= SET { a INTEGER, b X, ... } --! Non-distinct tag: unknown additions
+E ::= SET { a [0] X, ... }
+F ::= CHOICE { a INTEGER, b X, ... } --! Non-distinct tag: unknown additions
+G ::= CHOICE { a INTEGER, b X }
+H ::= CHOICE { a CHOICE { b G, i [0] INTEGER }, b Y } --! Non-distinct tag: unknown additions
+I ::= SEQUENCE { a X, b Y, ..., c X }
+J ::= SEQUENCE { a X OPTIONAL, b INTEGER, ... }
+K ::= SEQUENCE { a X OPTIONAL, b Y } --! Non-distinct tag: unknown additions
+L ::= SEQUENCE { a X OPTIONAL, ... } --! Non-distinct tag: unknown additions
+N ::= SEQUENCE { a INTEGER, ..., ..., b X } --! Non-distinct tag: unknown additions
+O ::= SEQUENCE { a INTEGER, ..., ..., b INTEGER, c X }
+P ::= SEQUENCE { a INTEGER, ..., b X, ..., c REAL }
+)");
+    // Without the option what may be added does not count.
+    expectMarked(
+        "\nX ::= CHOICE { x NULL, ... }\nB ::= SET { a X, b CHOICE { y REAL, ... }, ... }\n", {});
+}
+
+// X.680 31.2.7 c: EXPLICIT in front of a dummy reference, whatever it stands for.
+TEST(NotationRules, TagsInFrontOfDummyReferencesAreExplicit) {
+    const std::string body = R"(
+P {T} ::= SEQUENCE { a [1] T, b [2] IMPLICIT T, c [3] [4] T, d T, e [6] Q {T}, f [7] SET OF T, g [8] NULL }
+Q {U} ::= [9] U
+I ::= P {BOOLEAN}
+)";
+    constexpr struct {
+        const char* path;
+        const char* tags;
+        const char* older;
+    } rows[] = {
+        {"I.a", "[1] [UNIVERSAL 1]", "[1]"}, // the default is IMPLICIT
+        {"I.b", "[2]", "[2]"},               // the keyword holds
+        {"I.c", "[3] [UNIVERSAL 1]", "[3]"}, // [3] replaces [4], which is EXPLICIT
+        {"I.d", "[UNIVERSAL 1]", "[UNIVERSAL 1]"},
+        {"I.e", "[6] [UNIVERSAL 1]", "[6]"}, // [6] replaces [9], which is EXPLICIT
+        {"I.f", "[7]", "[7]"},               // no dummy reference: a list of some
+        {"I.g", "[8]", "[8]"},
+    };
+    for (const bool today : {true, false}) {
+        const RunResult run =
+            expectMarked(body, today ? edition : std::vector<std::string>(), "IMPLICIT TAGS ");
+        const TreeFacts facts(run, "m");
+        for (const auto& row : rows)
+            EXPECT_EQ(facts.finalTags(row.path), today ? row.tags : row.older);
+    }
+    const RunResult run = expectMarked(R"(
+P {T} ::= SEQUENCE { a T, b Q {T}, c CHOICE { x T, y NULL } }
+Q {U} ::= SEQUENCE { u U }
+I ::= P {BOOLEAN}
+)",
+                                       edition, "AUTOMATIC TAGS ");
+    const TreeFacts facts(run, "m");
+    EXPECT_EQ(facts.finalTags("I.a"), "[0] [UNIVERSAL 1]");
+    EXPECT_EQ(facts.finalTags("I.b"), "[1]");
+    EXPECT_EQ(facts.finalTags("I.b.u"), "[0] [UNIVERSAL 1]"); // T, handed on as U
+    EXPECT_EQ(facts.finalTags("I.c.x"), "[0] [UNIVERSAL 1]");
+    EXPECT_EQ(facts.finalTags("I.c.y"), "[1]");
+}
+
 TEST(NotationRules, ParametersMayBeUnused) {
     expectMarked(R"(
 A {T} ::= ENUMERATED { a, ... ! T : 5 }

@@ -256,7 +256,9 @@ FinalTags finalTags(Trees& trees, TypeRef type, int64_t automaticTag, std::strin
         const FinalTags inner = finalTags(trees, type, -1, error);
         // Explicit after all where nothing is there to be replaced, and in front of a dummy
         // reference.
-        replaced = !inner.tags.empty() && (type.node().nodeFlags & NF_DUMMY) == 0;
+        const TNode node = type.node();
+        const bool isDummy = (node.nodeFlags & NF_DUMMY) != 0 && node.tags == 0;
+        replaced = !inner.tags.empty() && !isDummy;
     }
     for (int steps = 0; type && steps < maxTags; ++steps) {
         std::string broken;

@@ -1,0 +1,431 @@
+// Object sets. The objects of a set are collected once per set record. Two objects are the same
+// when references lead to one record. To compare the UNIQUE fields of all sets, the objects that
+// agree with another one in such a field are found first, over all sets together: only they are
+// followed through the sets, so that sets which name one another level by level cost no more than
+// what is wrong in them.
+
+#include "check/p5objset.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+#include "check/check_cache.h"
+#include "check/orvonum.h"
+#include "check/p5typ.h"
+#include "check/p5val_int.h"
+#include "diag/orvoerr.h"
+#include "diag/orvoerr_fatal.h"
+#include "solve/solve_stx.h"
+#include "tree/orvoutil_cmp.h"
+#include "tree/orvoutil_find.h"
+#include "util/flat.h"
+#include "util/stack.h"
+#include "util/text.h"
+
+namespace orvo {
+
+namespace {
+
+/// Objects, each once.
+struct ObjectList {
+    std::vector<VNodeRef> objects;
+    FlatSet<uint64_t> known;
+    bool all = false;
+
+    void add(VNodeRef object) {
+        if (known.insert(keyOf(object)).second) objects.push_back(object);
+    }
+    void add(const ObjectList& other) {
+        for (const VNodeRef& object : other.objects) add(object);
+        all |= other.all;
+    }
+};
+
+/// Collects the objects of sets. With a filter only those in it count.
+class ObjectCollector {
+  public:
+    explicit ObjectCollector(const FlatSet<uint64_t>* filter = nullptr) : filter_(filter) {}
+
+    /// The objects that a set setting stands for.
+    ObjectList ofSetting(VNodeRef setting) {
+        if (const TNodeNr given = givenByFieldList(setting))
+            return ofFieldList({setting.module, given});
+        if (!readTypeSetting(setting)) return {};
+        return ofType(currentRec<KIND_TNODE>());
+    }
+    ObjectList ofSub(SubRef sub) {
+        if (stackIsLow()) fatalError(Fatal::NoSpace, "Object sets are nested too deeply.");
+        readRec(sub);
+        switch (subRec.subKind) {
+        case SUB_UNION:
+        case SUB_SERIAL: {
+            ObjectList list;
+            for (const SubNr nr : chain(sub.module, SubNr{subRec.left}))
+                list.add(ofSub({sub.module, nr}));
+            return list;
+        }
+        case SUB_INTERSECTION: return combined(sub, true);
+        case SUB_EXCEPT: return combined(sub, false);
+        case SUB_ALL_EXCEPT: {
+            ObjectList list;
+            list.all = true;
+            return list;
+        }
+        case SUB_SINGLE_VALUE: return ofObject({sub.module, VNodeNr{subRec.left}});
+        case SUB_CONTAINED_SUBTYPE: return ofSetting({sub.module, VNodeNr{subRec.left}});
+        default: return {};
+        }
+    }
+
+  private:
+    ObjectList ofObject(VNodeRef at) {
+        ObjectList list;
+        if (!at) return list;
+        readRec(at);
+        skipValues(true);
+        const VNodeRef object = currentRec<KIND_VNODE>();
+        if ((vNode.vflags & VF_SET) == 0 && isClassCode(vNode.valCode) &&
+            (filter_ == nullptr || filter_->contains(keyOf(object))))
+            list.add(object);
+        return list;
+    }
+    /// Intersection: what all operands have; else the first without the second.
+    ObjectList combined(SubRef sub, bool common) {
+        std::vector<ObjectList> operands;
+        for (const SubNr nr : chain(sub.module, SubNr{subRec.left}))
+            operands.push_back(ofSub({sub.module, nr}));
+        ObjectList list;
+        if (operands.empty()) return list;
+        for (const VNodeRef& object : operands.front().objects) {
+            const bool stays =
+                std::all_of(operands.begin() + 1, operands.end(), [&](const ObjectList& operand) {
+                    return operand.known.contains(keyOf(object)) == common ||
+                           (common && operand.all);
+                });
+            if (stays) list.add(object);
+        }
+        list.all = operands.front().all;
+        return list;
+    }
+    ObjectList ofType(TNodeRef set) {
+        readRec(set);
+        for (size_t left = maxLinks; tNode.constraint <= 0 && left != 0; --left) {
+            if (tNode.typeCode == TYP_FIELDLIST) return ofFieldList(currentRec<KIND_TNODE>());
+            if (!followTypeRef(true)) return {};
+        }
+        const TNodeRef type = currentRec<KIND_TNODE>();
+        const auto [note, isNew] = sets_.try_emplace(keyOf(type));
+        if (!isNew) return note->second; // an open one brings nothing to itself
+        ObjectList& list = note->second; // nodes stay where they are
+        ObjectList found = ofSub({type.module, SubNr{magnitude(tNode.constraint)}});
+        list = std::move(found);
+        return list;
+    }
+    /// Information from an object, or from all objects of a set.
+    ObjectList ofFieldList(TNodeRef fieldList) {
+        const KeepRec<KIND_SNODE> keep;
+        readRec(fieldList);
+        const TNode node = tNode;
+        ObjectCollector
+            unfiltered; // objects on the way count, whatever is asked of those at the end
+        const FlatSet<uint64_t>* const filter = std::exchange(filter_, nullptr);
+        ObjectCollector& way = filter == nullptr ? *this : unfiltered;
+        ObjectList list;
+        if (node.refMod == REF_OBJECT)
+            list = way.ofObject({fieldList.module, VNodeNr{node.ref}});
+        else if (ModuleRec* owner = refModule(fieldList.module, node.refMod); owner && node.ref)
+            list = way.ofType({owner, TNodeNr{node.ref}});
+        SNodeNr entry{node.syntax > 0 ? magnitude(node.syntax) : 0};
+        for (size_t left = maxLinks; entry && left != 0; --left) {
+            readRec(fieldList.module, entry);
+            entry = SNodeNr{sNode.next > 0 ? magnitude(sNode.next) : 0};
+            std::string name;
+            if (!nameOfField(fieldList.module, name)) {
+                list = {};
+                break;
+            }
+            list = way.fieldOf(list, name);
+        }
+        filter_ = filter;
+        if (filter == nullptr) return list;
+        ObjectList kept;
+        for (const VNodeRef& object : list.objects)
+            if (filter->contains(keyOf(object))) kept.add(object);
+        return kept;
+    }
+    /// The objects that a field of objects holds.
+    ObjectList fieldOf(const ObjectList& holders, std::string_view name) {
+        ObjectList list;
+        for (const VNodeRef& holder : holders.objects) {
+            VNodeRef setting;
+            readRec(holder);
+            if (!settingOfField(name, setting) || !setting) continue;
+            readRec(setting);
+            const bool isSetting = vNode.valCode == TYP_OPEN;
+            list.add(isSetting ? ofSetting(setting) : ofObject(setting));
+        }
+        return list;
+    }
+
+    const FlatSet<uint64_t>* filter_;
+    std::unordered_map<uint64_t, ObjectList> sets_;
+};
+
+/// The default that the class of an object has for a field.
+VNodeRef classDefault(ModuleRec* module, const VNode& object, std::string_view name) {
+    const KeepRec<KIND_TNODE> keep;
+    ModuleRec* governor = refModule(module, static_cast<int32_t>(object.govTypeMod));
+    if (governor == nullptr || object.govType == 0) return {};
+    readRec(governor, TNodeNr{object.govType});
+    skipTypes(true);
+    if (tNode.typeCode != TYP_CLASS && isClassCode(tNode.typeCode))
+        static_cast<void>(readBuiltinType(tNode.typeCode));
+    if (tNode.typeCode != TYP_CLASS || tNode.ref == 0) return {};
+    if (!findTypeCompById(typeModule(), TNodeNr{tNode.ref}, name)) return {};
+    return {typeModule(), VNodeNr{tNode.defaultVal}};
+}
+
+} // namespace
+
+bool settingOfField(std::string_view name, VNodeRef& setting) {
+    if ((vNode.vflags & VF_SET) != 0 || !isClassCode(vNode.valCode)) return false;
+    ModuleRec* const module = valueModule();
+    const VNode object = vNode;
+    setting = findValueCompById(module, VNodeNr{object.ref}, name)
+                  ? currentRec<KIND_VNODE>()
+                  : classDefault(module, object, name);
+    return true;
+}
+
+bool nameOfField(ModuleRec* module, std::string& name) {
+    if (sNode.module == 0) {
+        name = getStri(module, sNode.value);
+        return true;
+    }
+    ModuleRec* const owner = refModule(module, static_cast<int32_t>(sNode.module));
+    if (owner == nullptr || sNode.value == 0) return false;
+    int32_t text = 0;
+    if (sNode.value > 0) {
+        const KeepRec<KIND_TNODE> keep;
+        readRec(owner, TNodeNr{magnitude(sNode.value)});
+        text = tNode.name;
+    } else {
+        const KeepRec<KIND_VNODE> keep;
+        readRec(owner, VNodeNr{magnitude(sNode.value)});
+        text = vNode.name;
+    }
+    if (text == 0) return false;
+    name = getStri(owner, text);
+    return true;
+}
+
+std::vector<VNodeRef> objectsOfSetting(bool& all) {
+    const KeepRec<KIND_TNODE> keepType;
+    const KeepRec<KIND_VNODE> keepValue;
+    const KeepRec<KIND_SUB> keepSub;
+    const ObjectList list = ObjectCollector().ofSetting(currentRec<KIND_VNODE>());
+    all = list.all;
+    return list.objects;
+}
+
+// ---- UNIQUE -------------------------------------------------------------------------------------
+
+namespace {
+
+/// A value in a UNIQUE field.
+struct UniqueValue {
+    std::string_view field;
+    CheckedValue value;
+};
+
+/// The values that an object has in the UNIQUE fields of its class.
+std::vector<UniqueValue> uniqueValues(VNodeRef object) {
+    std::vector<UniqueValue> values;
+    readRec(object);
+    ModuleRec* const governor = refModule(object.module, static_cast<int32_t>(vNode.govTypeMod));
+    if (governor == nullptr || vNode.govType == 0) return values;
+    readRec(governor, TNodeNr{vNode.govType});
+    skipTypes(true);
+    if (tNode.typeCode != TYP_CLASS && isClassCode(tNode.typeCode))
+        static_cast<void>(readBuiltinType(tNode.typeCode));
+    if (tNode.typeCode != TYP_CLASS) return values;
+    ModuleRec* const module = typeModule();
+    for ([[maybe_unused]] const TNodeNr nr : chain(module, TNodeNr{tNode.ref})) {
+        if ((tNode.checkFlags & CF_UNIQUE) == 0 || tNode.name == 0) continue;
+        const std::string_view field = getStri(module, tNode.name);
+        VNodeRef setting;
+        readRec(object);
+        if (settingOfField(field, setting) && setting)
+            values.push_back({field, checkedValue(setting)});
+    }
+    return values;
+}
+
+bool isSame(const CheckedValue& a, const CheckedValue& b) {
+    return compareValue(a.module, a.rec, b.module, b.rec) == 0;
+}
+
+/// How a value is written, as far as it is short.
+std::string textOf(const CheckedValue& value) {
+    switch (value.rec.valCode) {
+    case TYP_INTEGER: return integerOf(value.module, value.rec.val).text();
+    case TYP_OBJID:
+    case TYP_RELOID: {
+        std::string text(getStri(value.module, int64_t{value.rec.val.str.stri}));
+        if (text.ends_with(',')) text.pop_back();
+        std::ranges::replace(text, ',', ' ');
+        return concat("{", text, "}");
+    }
+    case TYP_CHOICE: {
+        const VNodeRef alternative{value.module, VNodeNr{value.rec.ref}};
+        if (!alternative) return {};
+        readRec(alternative);
+        const std::string name(getStri(value.module, vNode.name));
+        const std::string text = textOf(checkedValue(alternative));
+        return text.empty() ? name : concat(name, " : ", text);
+    }
+    default: return {};
+    }
+}
+
+/// Objects by the values of their UNIQUE fields.
+class UniqueIndex {
+  public:
+    /// A field of the object has the value that it has in one which was added before from another
+    /// element, or from any when `compareOwn` is set.
+    struct Clash {
+        const UniqueValue* value = nullptr;
+        VNodeRef other;
+    };
+    Clash add(VNodeRef object, size_t element, bool compareOwn) {
+        Clash clash;
+        for (const UniqueValue& own : valuesOf(object)) {
+            std::vector<Entry>& bucket = entries_[hashOf(own)];
+            const auto same = std::ranges::find_if(bucket, [&](const Entry& entry) {
+                return entry.value->field == own.field && isSame(entry.value->value, own.value);
+            });
+            if (same == bucket.end())
+                bucket.push_back({object, element, &own});
+            else if (compareOwn || same->element != element)
+                clash = {&own, same->object};
+        }
+        return clash;
+    }
+
+  private:
+    struct Entry { // the first object with a value
+        VNodeRef object;
+        size_t element;
+        const UniqueValue* value;
+    };
+    static uint64_t hashOf(const UniqueValue& own) {
+        return hashOfValue(own.value.module, own.value.rec) * 31 +
+               std::hash<std::string_view>()(own.field);
+    }
+    const std::vector<UniqueValue>& valuesOf(VNodeRef object) {
+        const auto [note, isNew] = values_.try_emplace(keyOf(object));
+        if (isNew) note->second = uniqueValues(object);
+        return note->second;
+    }
+
+    std::unordered_map<uint64_t, std::vector<UniqueValue>> values_; // entries point into it
+    std::unordered_map<uint64_t, std::vector<Entry>> entries_;
+};
+
+/// A set in a set is told of its own faults, unless it comes from several objects.
+bool answersForItself(SubRef element) {
+    readRec(element);
+    if (subRec.subKind != SUB_CONTAINED_SUBTYPE) return false;
+    const VNodeRef setting{element.module, VNodeNr{subRec.left}};
+    if (givenByFieldList(setting)) return false;
+    return readTypeSetting(setting) && tNode.typeCode != TYP_FIELDLIST;
+}
+
+/// Calls fn(object) for the objects that an element itself, no set of its own, brings in.
+template <typename Fn> void forEachOwnObject(ObjectCollector& collector, SubRef sub, Fn&& fn) {
+    readRec(sub);
+    const uint8_t kind = subRec.subKind;
+    const uint32_t first = subRec.left;
+    if (kind >= SUB_UNION && kind <= SUB_ALL_EXCEPT) {
+        for (const SubNr nr : chain(sub.module, SubNr{first}))
+            forEachOwnObject(collector, SubRef{sub.module, nr}, fn);
+    } else if (kind == SUB_SINGLE_VALUE || !answersForItself(sub)) {
+        for (const VNodeRef& object : collector.ofSub(sub).objects) fn(object);
+    }
+}
+
+SubRef constraintOf(TNodeRef type) {
+    readRec(type);
+    return {type.module, SubNr{tNode.constraint > 0 ? magnitude(tNode.constraint) : 0}};
+}
+
+/// The objects that agree with another one in some UNIQUE field.
+FlatSet<uint64_t> agreeingObjects() {
+    FlatSet<uint64_t> agreeing;
+    FlatSet<uint64_t> known;
+    UniqueIndex index;
+    ObjectCollector collector;
+    for (const auto& [set, errors] : p5State.objectSets) {
+        const SubRef sub = constraintOf(set);
+        if (!sub) continue;
+        forEachOwnObject(collector, sub, [&](VNodeRef object) {
+            if (!known.insert(keyOf(object)).second) return;
+            const UniqueIndex::Clash clash = index.add(object, 0, true);
+            if (clash.value == nullptr) return;
+            agreeing.insert(keyOf(object));
+            agreeing.insert(keyOf(clash.other));
+        });
+    }
+    return agreeing;
+}
+
+/// The elements of a set, in order.
+std::vector<SubNr> elementsOf(SubRef sub) {
+    readRec(sub);
+    if (subRec.subKind != SUB_UNION) return {sub.nr};
+    std::vector<SubNr> elements;
+    for (const SubNr nr : chain(sub.module, SubNr{subRec.left})) elements.push_back(nr);
+    return elements;
+}
+
+void checkSet(ObjectCollector& collector, TNodeRef set, ModuleRec* errors) {
+    const SubRef sub = constraintOf(set);
+    if (!sub) return;
+    UniqueIndex index;
+    FlatSet<uint64_t> known;
+    const std::vector<SubNr> elements = elementsOf(sub);
+    for (size_t place = 0; place < elements.size(); ++place) {
+        const SubRef element{sub.module, elements[place]};
+        const bool compareOwn = !answersForItself(element);
+        const ObjectList list = collector.ofSub(element);
+        readRec(element);
+        const uint32_t line = subRec.line;
+        for (const VNodeRef& object : list.objects) {
+            if (!known.insert(keyOf(object)).second) continue;
+            const UniqueIndex::Clash clash = index.add(object, place, compareOwn);
+            if (clash.value == nullptr) continue;
+            const std::string text = textOf(clash.value->value);
+            recordError(errors, ERR_SEMANTIC, Msg::NonDistinctUnique, line,
+                        concat("field '", clash.value->field, text.empty() ? "'" : "': ", text));
+        }
+    }
+}
+
+} // namespace
+
+void noteObjectSet(ModuleRec* errors) {
+    if (run.anyNewNotation) p5State.objectSets.emplace_back(currentRec<KIND_TNODE>(), errors);
+}
+
+void checkUniqueFields() {
+    const FlatSet<uint64_t> agreeing = agreeingObjects();
+    if (!agreeing.empty()) {
+        ObjectCollector collector(&agreeing);
+        for (const auto& [set, errors] : p5State.objectSets)
+            if (newNotation(set.module)) checkSet(collector, set, errors);
+    }
+    p5State.objectSets.clear();
+}
+
+} // namespace orvo
