@@ -44,9 +44,9 @@ TEST(NotationObjects, ReadsWhatSetsAndInstancesMean) {
         {"X.681 9.20: in the set of a table",
          "K ::= CLASS { &id INTEGER UNIQUE }\nT ::= SEQUENCE { a K.&id ({{ &id 1 } | { &id 1 }}) }",
          {"Non-distinct UNIQUE: field 'id': 1"}},
-        {"that a parameter completes",
-         "K ::= CLASS { &id INTEGER UNIQUE } T ::= P {{{ &id 1 }}}\n"
-         "P {K : S} ::= SEQUENCE { a K.&id ({S | { &id 1 }}) }",
+        {"that a parameter completes: who makes the instance",
+         "P {K : S} ::= SEQUENCE { a K.&id ({S | { &id 1 }}) }\n"
+         "K ::= CLASS { &id INTEGER UNIQUE } T ::= P {{{ &id 1 }}}",
          {"Non-distinct UNIQUE: field 'id': 1"}},
         {"X.680 annex F: instances made apart",
          instances + "v P {INTEGER} ::= w w Q {A} ::= {5}",
