@@ -1,5 +1,6 @@
 // Table constraints and component relations (X.682 (07/2002) clause 10).
 
+#include "check/p5objset.h"
 #include "check/p5sub_int.h"
 #include "check/p5typ.h"
 #include "diag/orvoerr.h"
@@ -27,6 +28,7 @@ bool checkTable(VNodeNr set) {
     if (ok && isTypeDefinition()) {
         static_cast<void>(checkTNode());
     } else if (ok && tNode.constraint > 0) {
+        noteObjectSet(moduleForTypeErrors());
         readRec(typeModule(), SubNr{static_cast<uint32_t>(tNode.constraint)});
         ok = chkSubRec(moduleForTypeErrors(), ParentType::None);
     }

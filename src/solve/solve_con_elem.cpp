@@ -136,6 +136,15 @@ bool parseNumberValueRange(SubNr nr, VNodeNr lower, TNodeRef governor, Cause& ca
     return true;
 }
 
+/// In today's notation characters have an order, the strings of them have none (X.680
+/// (02/2021) 51.2, table 9): a range stands inside FROM.
+bool rangeOutsideAlphabet(SubNr nr) {
+    if (!newNotation() || constraintState.inAlphabet || !is(tNode.typeCode, TypeClass::Text))
+        return false;
+    readRec(cMP, nr);
+    return !tolerate(Msg::ValueRangeNotAllowed, subRec.line, currentTypeName());
+}
+
 /// A value, or a range between two.
 bool parseSingleValueOrValueRange(SubNr nr, TNodeRef governor, Cause& cause) {
     VNodeNr value;
@@ -149,7 +158,7 @@ bool parseSingleValueOrValueRange(SubNr nr, TNodeRef governor, Cause& cause) {
         return true;
     }
     readRec(governor);
-    if (!hasValueRange(tNode.typeCode)) {
+    if (!hasValueRange(tNode.typeCode) || rangeOutsideAlphabet(nr)) {
         recordSubError(nr, Msg::ValueRangeNotAllowed, currentTypeName());
         return false;
     }
@@ -186,6 +195,7 @@ bool parsePermittedAlphabet(SubNr nr, uint8_t kind, Cause& cause) {
     const SubNr alphabet = addOperand(nr);
     makePending(cMP, nr);
     subRec.subKind = SUB_PERMITTED_ALPHABET;
+    const Restore inAlphabet(constraintState.inAlphabet, true);
     return parseParenthesized(alphabet, cause, "Invalid permitted alphabet constraint");
 }
 

@@ -14,7 +14,8 @@
 namespace orvo {
 
 struct ConstraintState {
-    uint32_t depth = 0; // nesting of elements, every level in brackets of its own
+    uint32_t depth = 0;      // nesting of elements, every level in brackets of its own
+    bool inAlphabet = false; // inside FROM
 };
 extern ConstraintState constraintState;
 
