@@ -415,7 +415,9 @@ void checkSet(ObjectCollector& collector, TNodeRef set, ModuleRec* errors) {
 } // namespace
 
 void noteObjectSet(ModuleRec* errors) {
-    if (run.anyNewNotation) p5State.objectSets.emplace_back(currentRec<KIND_TNODE>(), errors);
+    const TNodeRef set = currentRec<KIND_TNODE>();
+    if (run.anyNewNotation && p5State.objectSetsNoted.insert(keyOf(set)).second)
+        p5State.objectSets.emplace_back(set, errors);
 }
 
 void checkUniqueFields() {

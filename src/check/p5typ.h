@@ -10,6 +10,7 @@
 #include "check/p5typ_notes.h"
 #include "diag/orvomsg.h"
 #include "tree/orvodef.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -25,6 +26,7 @@ struct P5State {
     uint32_t typeCycles = 0;     // strongly connected components of types that were found
     std::vector<TNodeRef> lists; // list types that were checked
     std::vector<std::pair<TNodeRef, ModuleRec*>> objectSets; // and whom to tell of their faults
+    FlatSet<uint64_t> objectSetsNoted;
     std::vector<TNodeRef> ignorableFrom; // types from which on ignorable ones are to be marked
 };
 extern P5State p5State;

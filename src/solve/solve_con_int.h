@@ -14,8 +14,8 @@
 namespace orvo {
 
 struct ConstraintState {
+    uint32_t depth = 0;      // nesting of elements, every level in brackets of its own
     bool inAlphabet = false; // inside FROM
-    uint32_t depth = 0; // nesting of elements, every level in brackets of its own
 };
 extern ConstraintState constraintState;
 

@@ -245,6 +245,79 @@ I ::= P {BOOLEAN}
     EXPECT_EQ(facts.finalTags("I.c.y"), "[1]");
 }
 
+// X.680 51.2: characters have an order, strings have none.
+TEST(NotationRules, RangesOfCharactersStandInAlphabets) {
+    const std::string rows = R"(
+A ::= IA5String ("a".."z")#
+B ::= IA5String (FROM ("a".."z"))
+C ::= IA5String (SIZE (1) ^ FROM ("a".."f" | "x") | "abc")
+D ::= UTF8String (SIZE (1))("a".."z")#
+E ::= BMPString (FROM (BMPString (FROM ("a".."z"))))
+F ::= IA5String (FROM (IA5String ("a".."z")))#
+G ::= DATE ("2020-01-01".."2021-12-31")
+V IA5String ::= { "a".."z" }#
+)";
+    for (const bool isLenient : {false, true}) {
+        std::string body;
+        std::istringstream lines(rows);
+        for (std::string line; std::getline(lines, line);) {
+            const size_t end = line.find('#');
+            const std::string name = line[0] == 'F' ? "" : ": " + line.substr(0, 1); // the type
+            body += line.substr(0, end);
+            if (end != std::string::npos)
+                body += isLenient
+                            ? " --! W Value range on a character string type outside FROM" + name
+                            : " --! Value range not allowed" + name + " ; " +
+                                  std::string(line[0] == 'V' ? "Element set spec is invalid"
+                                                             : "Invalid constraint");
+            body += "\n";
+        }
+        expectMarked(body, isLenient ? lenient : edition);
+    }
+}
+
+// X.681 12: different objects of a set differ in every UNIQUE field.
+TEST(NotationRules, ObjectsOfASetDifferInUniqueFields) {
+    expectMarked(R"(
+K ::= CLASS { &id INTEGER UNIQUE, &T OPTIONAL, &b Code UNIQUE OPTIONAL, &Ks K OPTIONAL } WITH SYNTAX { ID &id [B &b] [KS &Ks] }
+Code ::= CHOICE { local INTEGER, global OBJECT IDENTIFIER }
+o1 K ::= { ID 1 }
+o2 K ::= { ID 1 }
+same K ::= o1
+o3 K ::= { ID 2 B local : 1 }
+o4 K ::= { ID 3 B local : 1 }
+o5 K ::= { ID 4 B local : 2 }
+g1 K ::= { ID 6 B global : {2 1 1} }
+g2 K ::= { ID 7 B global : {joint-iso-itu-t 1 1} }
+o8 K ::= { ID 8 KS { o1 } }
+o9 K ::= { ID 9 KS { o2 | o3 } }
+A K ::= { o1 | o2 } --! Non-distinct UNIQUE: field 'id': 1
+B K ::= { o1 | same | o1 | o3 | o5 }
+C K ::= { o3 | o4 } --! Non-distinct UNIQUE: field 'b': local : 1
+D K ::= { g1 |
+ g2 } --! Non-distinct UNIQUE: field 'b': global : {2 1 1}
+E K ::= { o1, ..., o2 } --! Non-distinct UNIQUE: field 'id': 1
+F K ::= { B |
+ o4 | o2 } --! Non-distinct UNIQUE: field 'b': local : 1 ; Non-distinct UNIQUE: field 'id': 1
+G K ::= { A } -- A answers for itself
+H K ::= { { ID 5 } |
+ { ID 5 } } --! Non-distinct UNIQUE: field 'id': 5
+I K ::= { A EXCEPT o2 | o3 }
+J K ::= { (o1 | o3) ^ (o1 | o5) | o4 }
+L K ::= { o8 | o9 }
+N K ::= { L.&Ks } --! Non-distinct UNIQUE: field 'id': 1
+P {K : Set} ::= SEQUENCE { a K.&id ({Set | o1}) }
+Q ::= P { { same } }
+S ::= SEQUENCE { a K.&id ({o1 | o2}) } --! Non-distinct UNIQUE: field 'id': 1
+R ::= P { { o2 } } --! Non-distinct UNIQUE: field 'id': 1
+)");
+    expectMarked(R"(
+K ::= CLASS { &id INTEGER UNIQUE }
+A K ::= { { &id 1 } | { &id 1 } }
+)",
+                 {});
+}
+
 TEST(NotationRules, ParametersMayBeUnused) {
     expectMarked(R"(
 A {T} ::= ENUMERATED { a, ... ! T : 5 }
