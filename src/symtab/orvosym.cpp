@@ -9,12 +9,14 @@
 
 #include <algorithm>
 #include <cassert>
+#include <new>
 
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil.h"
+#include "tree/orvoutil_mem.h"
 #include "util/flat.h"
 
 namespace orvo {
@@ -24,13 +26,16 @@ namespace {
 /// Records that stay where they are, addressed by number from 1.
 template <typename T> struct Arena {
     static constexpr uint32_t pageSize = 512;
-    std::vector<std::unique_ptr<T[]>> pages;
+    Pool pool;
+    std::vector<T*> pages;
     uint32_t used = 0;
 
     uint32_t add() {
         if (used == maxRecNr) fatalError(Fatal::NoSpace);
-        if (used % pageSize == 0) pages.push_back(std::make_unique<T[]>(pageSize));
-        return ++used;
+        if (used % pageSize == 0) pages.push_back(static_cast<T*>(pool.take(pageSize * sizeof(T))));
+        ++used;
+        new (&at(used)) T{};
+        return used;
     }
     T& at(uint32_t nr) {
         assert(nr != 0 && nr <= used);

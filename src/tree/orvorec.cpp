@@ -61,10 +61,9 @@ RecPage& pageAt(ModuleRec* module, RecKind kind, uint32_t page) {
     auto& dir = module->recDir[kind];
     if (!dir) dir = makeOwned<RecPages>();
     if (page >= dir->pages.size()) dir->pages.resize(page + size_t{1});
-    auto& entry = dir->pages[page];
-    if (!entry) {
-        entry.reset(new (ezalloc(sizeof(RecPage) + pageRecs * slotSize(kind))) RecPage);
-    }
+    RecPage*& entry = dir->pages[page];
+    if (entry == nullptr)
+        entry = new (recState.pages.take(sizeof(RecPage) + pageRecs * slotSize(kind))) RecPage;
     return *entry;
 }
 
@@ -107,7 +106,7 @@ void* findWPos(ModuleRec* module, RecKind kind, uint32_t nr) {
 const void* findRPos(ModuleRec* module, RecKind kind, uint32_t nr) {
     const void* slot = pageForReading(module, kind, nr);
     if (slot == nullptr) fatalError(Fatal::ReadRecord);
-    return isStriKind(kind) ? static_cast<const StriSlot*>(slot)->text : slot;
+    return isStriKind(kind) ? textOf(static_cast<const StriSlot*>(slot)->copy) : slot;
 }
 
 bool recExists(const ModuleRec* module, RecKind kind, uint32_t nr) {

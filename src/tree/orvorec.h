@@ -13,6 +13,7 @@
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
 #include "tree/orvorec_page.h"
+#include "tree/orvoutil_mem.h"
 
 namespace orvo {
 
@@ -38,6 +39,7 @@ struct RecState {
     RecPlace writePend[kindCount];       // of what the buffer holds and the store lacks; 0 = none
     RecPlace recJustRead[kindCount];     // what the buffer holds
     ModuleRec* currTPtr[kindCount] = {}; // module of the record in the buffer
+    Pool pages;                          // of all modules
 };
 extern RecState recState;
 
