@@ -1,13 +1,16 @@
-// Real values: mantissa times a power of the base, compared as doubles. A double cannot hold every
-// mantissa, and a power beyond its range counts as the infinity of the sign, so that a finite value
-// is never beyond PLUS-INFINITY.
+// Real values: mantissa times a power of the base. Older notation compares them as doubles. A
+// double cannot hold every mantissa, and a power beyond its range counts as the infinity of the
+// sign, so that a finite value is never beyond PLUS-INFINITY. Today's notation compares them
+// exactly: as the product of an odd number that 5 does not divide and powers of 2 and 5.
 
 #include "check/orvonum.h"
 
 #include <algorithm>
+#include <compare>
+#include <functional>
 #include <limits>
 
-#include "diag/orvoerr.h"
+#include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
 
 namespace orvo {
@@ -15,6 +18,10 @@ namespace orvo {
 namespace {
 
 constexpr int16_t specialBase = -1;
+
+int sign(std::strong_ordering order) {
+    return order < 0 ? -1 : order > 0 ? 1 : 0;
+}
 constexpr double largest = std::numeric_limits<double>::max();
 
 int16_t clamped16(int64_t value, int16_t least, int16_t most) {
@@ -37,6 +44,32 @@ bool readTriple(ModuleRec* module, VNodeNr first, int64_t (&numbers)[3]) {
 }
 
 } // namespace
+
+Integer integerOf(ModuleRec* module, const ValUnion& val) {
+    const int64_t nearest = i64native(val.integer.number);
+    if (val.integer.text == 0) return Integer(nearest);
+    return Integer::of(nearest, getStri(module, int64_t{val.integer.text}));
+}
+
+void setInteger(ValUnion& val, ModuleRec* module, const Integer& number) {
+    val.integer.number = i64of(number.nearest());
+    val.integer.text = number.beyond().empty() ? 0 : putStri(module, number.beyond()).nr;
+}
+
+void setInteger(ValUnion& val, const Token& token, bool isNegative) {
+    Integer number(i64native(token.value));
+    if (token.text != 0) number = Integer::of(getStri(cMP, int64_t{token.text}));
+    if (isNegative) number = number.negated();
+    setInteger(val, cMP, number);
+}
+
+int compareIntegers(ModuleRec* modA, const ValUnion& a, ModuleRec* modB, const ValUnion& b) {
+    const auto text = [](ModuleRec* module, uint32_t stri) {
+        return stri == 0 ? std::string_view() : getStri(module, int64_t{stri});
+    };
+    return sign(compareIntegers(i64native(a.integer.number), text(modA, a.integer.text),
+                                i64native(b.integer.number), text(modB, b.integer.text)));
+}
 
 void makeRealVal(RealVal& real, I64 mantissa, int16_t base, int16_t exponent) {
     real = {mantissa, base, exponent};
@@ -140,27 +173,56 @@ int rankOfSpecial(const RealVal& real) {
     return code == REAL_NOT_A_NUMBER ? 1 : code == REAL_MINUS_ZERO ? -1 : 0;
 }
 
+/// -1 and 1 for the infinities.
+int endOf(const RealVal& real) {
+    if (!isSpecialRealVal(real)) return 0;
+    const int32_t code = getSpecialRealVal(real);
+    return code == REAL_PLUS_INFINITY ? 1 : code == REAL_MINUS_INFINITY ? -1 : 0;
+}
+
+/// A finite real of base 2 or 10.
+struct ScaledReal {
+    int64_t number = 0;
+    int32_t two = 0, five = 0;
+};
+bool scaledReal(const RealVal& real, ScaledReal& scaled) {
+    if (isSpecialRealVal(real)) return endOf(real) == 0; // the zeros; what is no number has a rank
+    if (real.base != 2 && real.base != 10) return false;
+    scaled.number = i64native(real.mantissa);
+    if (scaled.number == 0) return true;
+    scaled.two = real.exponent;
+    scaled.five = real.base == 10 ? real.exponent : 0;
+    for (; scaled.number % 2 == 0; ++scaled.two) scaled.number /= 2;
+    for (; scaled.number % 5 == 0; ++scaled.five) scaled.number /= 5;
+    return true;
+}
+
+int compareFinite(const RealVal& a, const RealVal& b) {
+    ScaledReal left, right;
+    if (run.anyNewNotation && scaledReal(a, left) && scaledReal(b, right))
+        return sign(
+            compareScaled(left.number, left.two, left.five, right.number, right.two, right.five));
+    const double valueA = retRealVal(a), valueB = retRealVal(b);
+    return valueA < valueB ? -1 : valueA > valueB ? 1 : 0;
+}
+
 } // namespace
 
 int compareReal(const RealVal& a, const RealVal& b) {
     const int rankA = rankOfSpecial(a), rankB = rankOfSpecial(b);
     if (rankA == 1 || rankB == 1) return rankA == rankB ? 0 : rankA == 1 ? 1 : -1;
-    const double left = retRealVal(a);
-    const double right = retRealVal(b);
-    return left < right ? -1 : left > right ? 1 : rankA - rankB;
+    if (run.anyNewNotation && endOf(a) != endOf(b)) return endOf(a) < endOf(b) ? -1 : 1;
+    const int order = compareFinite(a, b);
+    return order != 0 ? order : rankA - rankB;
 }
 
-void fixNegative(I64& number, uint32_t line) {
-    if (number == I64{}) {
-        recordError(cMP, ERR_SEMANTIC, invalidValue(TYP_INTEGER), line);
-        return;
-    }
-    // Through unsigned words: the smallest number stays what it is.
-    number = i64of(static_cast<int64_t>(-static_cast<uint64_t>(i64native(number))));
-}
-
-void fixNegative(RealVal& real, uint32_t line) {
-    fixNegative(real.mantissa, line);
+uint64_t hashOfReal(const RealVal& real) {
+    ScaledReal scaled;
+    if (!run.anyNewNotation || !scaledReal(real, scaled))
+        return std::hash<double>{}(retRealVal(real));
+    const auto powers =
+        static_cast<uint64_t>(scaled.two) << 32 ^ static_cast<uint32_t>(scaled.five);
+    return std::hash<int64_t>{}(scaled.number) ^ powers * 0x9E3779B97F4A7C15ULL;
 }
 
 } // namespace orvo

@@ -1,6 +1,6 @@
 #pragma once
 
-// Real values.
+// Numbers of value records: integers of any size, real values.
 
 #include <cstdint>
 #include <string_view>
@@ -8,8 +8,18 @@
 #include "lex/i64.h"
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
+#include "util/integer.h"
 
 namespace orvo {
+
+/// The integer in a value of a module.
+[[nodiscard]] Integer integerOf(ModuleRec* module, const ValUnion& val);
+void setInteger(ValUnion& val, ModuleRec* module, const Integer& number);
+/// The number of a token of the current module into a value of it.
+void setInteger(ValUnion& val, const Token& token, bool isNegative);
+/// -1, 0 or 1.
+[[nodiscard]] int compareIntegers(ModuleRec* modA, const ValUnion& a, ModuleRec* modB,
+                                  const ValUnion& b);
 
 /// Codes of the special real values, held in the mantissa under base -1.
 enum SpecialReal : int32_t {
@@ -35,15 +45,13 @@ int32_t getSpecialRealVal(const RealVal& real);
 /// As a double: the infinities are the largest doubles; exact for the mantissas and powers that a
 /// double holds exactly.
 double retRealVal(const RealVal& real);
-/// -1, 0 or 1.
+/// -1, 0 or 1; exact in runs with a module of today's notation, else as doubles compare.
 [[nodiscard]] int compareReal(const RealVal& a, const RealVal& b);
+/// The same for reals that compare as equal.
+[[nodiscard]] uint64_t hashOfReal(const RealVal& real);
 /// Sets the real that a number or real number, such as 2.50E-3, is written as: in base 10, its
 /// mantissa without trailing zeros.
 enum class RealText : uint8_t { Exact, LongMantissa, LongExponent };
 [[nodiscard]] RealText realOfText(std::string_view text, bool isNegative, RealVal& real);
-/// Negates a mantissa or an integer for a leading minus sign; zero records 341 at the line against
-/// the current module.
-void fixNegative(I64& number, uint32_t line);
-void fixNegative(RealVal& real, uint32_t line);
 
 } // namespace orvo

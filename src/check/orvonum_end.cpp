@@ -6,6 +6,7 @@
 #include "check/orvonum_end.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 #include <unordered_map>
 #include <vector>
@@ -200,17 +201,35 @@ bool computeEndpoint(Endpoint& end, bool upper, bool keepAll) {
 }
 
 /// The number of an item of an enumeration, the current value: false without one.
-bool itemNumber(int64_t& number) {
+bool itemNumber(Endpoint& number, bool upper) {
     const KeepRec<KIND_VNODE> keep;
     skipValues(false);
     if (vNode.valCode != TYP_INTEGER) return false;
-    number = i64native(vNode.val.number);
+    number = {vNode, upper ? SUBF_UPPER : SUBF_LOWER, valueModule()};
     return true;
 }
 
 I64 storedBound(const Endpoint& end, uint8_t kind) {
     if (testInfinity(end, false, TYP_INTEGER) && isSizeKind(kind)) return {};
     return end.value.val.number;
+}
+
+/// -1 for MIN, 1 for MAX.
+int signOfInfinity(const Endpoint& end) {
+    if (!end.value.isInfinite) return 0;
+    return i64isneg(end.value.val.number) ? -1 : 1;
+}
+
+/// How a bound of numbers is read; `bound` becomes what is stored.
+unsigned boundForm(const Endpoint& end, I64& bound) {
+    if (end.value.isInfinite) return BOUND_PLAIN;
+    if (end.value.val.integer.text == 0)
+        return i64ismin(bound) || i64ismax(bound) ? BOUND_SIGNED : BOUND_PLAIN;
+    if (i64isneg(bound)) return BOUND_BEYOND;
+    uint64_t word = UINT64_MAX;
+    const bool fits = integerOf(end.module, end.value.val).isUnsigned64(word);
+    bound = i64of(static_cast<int64_t>(fits ? word : UINT64_MAX));
+    return fits ? BOUND_UNSIGNED : BOUND_BEYOND;
 }
 
 } // namespace
@@ -221,21 +240,27 @@ void setInfinity(Endpoint& end, bool plus, uint8_t kind) {
     if (kind == TYP_REAL) {
         makeSpecialRealVal(end.value.val.real, plus ? REAL_PLUS_INFINITY : REAL_MINUS_INFINITY);
     } else {
+        end.value.isInfinite = true;
         end.value.val.number = plus ? i64max() : i64min();
     }
 }
 
 bool testInfinity(const Endpoint& end, bool plus, uint8_t kind) {
-    if (kind != TYP_REAL) return end.value.val.number == (plus ? i64max() : i64min());
+    if (kind != TYP_REAL)
+        return end.value.isInfinite && end.value.val.number == (plus ? i64max() : i64min());
     return isSpecialRealVal(end.value.val.real) &&
            getSpecialRealVal(end.value.val.real) ==
                (plus ? REAL_PLUS_INFINITY : REAL_MINUS_INFINITY);
 }
 
-int compareNumber(const EndValue& a, const EndValue& b, uint8_t kind) {
+int compareNumber(const Endpoint& a, const Endpoint& b, uint8_t kind) {
     switch (kind) {
-    case TYP_INTEGER: return i64cmp(a.val.number, b.val.number);
-    case TYP_REAL: return compareReal(a.val.real, b.val.real);
+    case TYP_INTEGER: {
+        const int order = signOfInfinity(a) - signOfInfinity(b);
+        return order != 0 ? order / std::abs(order)
+                          : compareIntegers(a.module, a.value.val, b.module, b.value.val);
+    }
+    case TYP_REAL: return compareReal(a.value.val.real, b.value.val.real);
     default: return 0;
     }
 }
@@ -246,14 +271,16 @@ bool getEnumEndpoint(Endpoint& end, bool upper) {
     bool first = true;
     for ([[maybe_unused]] const VNodeNr nr : chain(typeModule(), VNodeNr{tNode.namedVals})) {
         if (vNode.valCode == TYP_ENUM) return none(end);
-        int64_t number = 0;
+        Endpoint number;
         // A number that does not resolve is reported where the items are checked.
-        if (vNode.valCode == TYP_EXTENSION_MARKER || !itemNumber(number)) continue;
-        const int64_t best = i64native(end.value.val.number);
-        if (first || (upper ? number > best : number < best)) end.value.val.number = i64of(number);
+        if (vNode.valCode == TYP_EXTENSION_MARKER || !itemNumber(number, upper)) continue;
+        const int order = first ? 0 : compareNumber(number, end, TYP_INTEGER);
+        if (first || (upper ? order > 0 : order < 0)) end = number;
         first = false;
     }
-    if (!first) end.flags = upper ? SUBF_UPPER : SUBF_LOWER;
+    // In older notation the largest number is MAX, though counting may come to it.
+    if (upper && !newNotation(typeModule()) && i64ismax(end.value.val.number))
+        end.value.isInfinite = true;
     return true;
 }
 
@@ -308,6 +335,7 @@ void setTNodeEndpoints() {
     const uint8_t kind = tNode.typeCode;
     I64 lower = i64min();
     I64 upper = i64max();
+    unsigned forms = 0;
     if (isBounded(kind) && kind != TYP_REAL) {
         writeCurrent<KIND_TNODE>(); // the record is read again below
         Endpoint ends[2];
@@ -315,7 +343,10 @@ void setTNodeEndpoints() {
             fatalError(Fatal::Internal, "Cannot obtain endpoint for a type.");
         lower = storedBound(ends[0], kind);
         upper = storedBound(ends[1], kind);
+        if (newNotation(typeModule()) && !isSizeKind(kind))
+            forms = boundForm(ends[0], lower) | boundForm(ends[1], upper) << upperBoundShift;
     }
+    tNode.boundForms = static_cast<uint8_t>(forms);
     tNode.lowerBound = lower;
     tNode.upperBound = upper;
     writeCurrent<KIND_TNODE>();

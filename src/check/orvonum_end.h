@@ -17,6 +17,7 @@ struct EndValue { // of a value record what counts as an endpoint
     ValUnion val = {};
     uint32_t ref = 0; // of a string that is a list
     uint8_t valCode = 0;
+    bool isInfinite = false; // no number: MIN or MAX
     EndValue() = default;
     EndValue(const VNode& value) // NOLINT(google-explicit-constructor): it is one
         : val(value.val), ref(value.ref), valCode(value.valCode) {}
@@ -31,7 +32,7 @@ struct EndValue { // of a value record what counts as an endpoint
 struct Endpoint {
     EndValue value = {};
     uint8_t flags = 0;
-    ModuleRec* module = nullptr; // whose strings a string value refers to
+    ModuleRec* module = nullptr; // whose strings the value refers to
 };
 
 /// Sets an endpoint to minus or plus infinity of a kind: MIN or MAX, for REAL the special values.
@@ -52,7 +53,7 @@ void setInfinity(Endpoint& end, bool plus, uint8_t kind);
 /// Preserving.
 [[nodiscard]] bool isRangeInSub();
 /// -1, 0 or 1 by value: kind INTEGER or REAL; 0 for any other kind.
-[[nodiscard]] int compareNumber(const EndValue& a, const EndValue& b, uint8_t kind);
+[[nodiscard]] int compareNumber(const Endpoint& a, const Endpoint& b, uint8_t kind);
 /// Smallest or largest value of the current ENUMERATED type's numbered items; false when an item
 /// has no number yet. Preserving.
 [[nodiscard]] bool getEnumEndpoint(Endpoint& end, bool upper);
@@ -89,7 +90,8 @@ void extendNotedEndpoints(SubRef member);
 /// What was noted of a type holds no more.
 void forgetEndpoints(TNodeRef type);
 
-/// Stores the bounds of the current type in its record. Fatal 13 when they cannot be obtained.
+/// Stores the bounds of the current type in its record, of one of today's notation how to read them
+/// too. Fatal 13 when they cannot be obtained.
 void setTNodeEndpoints();
 
 } // namespace orvo

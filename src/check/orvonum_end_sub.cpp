@@ -5,6 +5,7 @@
 #include "check/orvonum_end_sub.h"
 
 #include "check/check_cache.h"
+#include "check/orvostri.h"
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvoutil_find.h"
 #include "util/stack.h"
@@ -33,7 +34,7 @@ uint8_t includedFlag(bool upper) {
 
 /// Replaces `end` by the endpoint that lies further out (wide) or further in.
 void choose(Endpoint& end, const Endpoint& other, bool wide, bool upper, uint8_t kind) {
-    int order = compareNumber(other.value, end.value, kind);
+    int order = compareNumber(other, end, kind);
     if (order == 0)
         order = (end.flags != 0 ? 1 : 0) - (other.flags != 0 ? 1 : 0);
     else if (upper)
@@ -41,12 +42,22 @@ void choose(Endpoint& end, const Endpoint& other, bool wide, bool upper, uint8_t
     if (wide ? order < 0 : order > 0) end = other;
 }
 
+/// What has no endpoint sets no bound to a union, except to older notation.
+bool isUnbounded(SubRef sub) {
+    readRec(sub);
+    return newNotation(sub.module) && subRec.subKind != SUB_EXTENSION_MARKER;
+}
+
 /// Walks the operands of the current operator record.
 bool operandsEndpoint(const Request& request, SubRef first, bool wide, Endpoint& end) {
     bool given = false;
     forEachOperand(first, [&](SubRef sub) {
         Endpoint operand;
-        if (!subEndpoint(request, sub, operand)) return true;
+        if (!subEndpoint(request, sub, operand)) {
+            if (!wide || !isUnbounded(sub)) return true;
+            given = false;
+            return false;
+        }
         if (given)
             choose(end, operand, wide, request.upper, request.kind);
         else
@@ -59,11 +70,11 @@ bool operandsEndpoint(const Request& request, SubRef first, bool wide, Endpoint&
 }
 
 /// The value lies between two endpoints, as far as they are given and finite.
-bool isWithin(const EndValue& value, const EndpointPair& bounds, uint8_t kind) {
+bool isWithin(const Endpoint& value, const EndpointPair& bounds, uint8_t kind) {
     for (const bool upper : {false, true}) {
         const Endpoint& bound = bounds.ends[upper];
         if (!bounds.given[upper] || testInfinity(bound, upper, kind)) continue;
-        int order = compareNumber(value, bound.value, kind);
+        int order = compareNumber(value, bound, kind);
         if (upper) order = -order;
         if (order < 0 || (order == 0 && bound.flags == 0)) return false;
     }
@@ -103,6 +114,11 @@ bool containedEndpoint(const Request& request, VNodeRef setting, Endpoint& end) 
     return getEndpoint(end, request.upper) && end.value.valCode == request.kind;
 }
 
+bool containedSize(const Request& request, VNodeRef setting, Endpoint& end) {
+    const KeepRec<KIND_TNODE> keep;
+    return readTypeSetting(setting) && getSizeEndpoint(end, request.upper);
+}
+
 bool subEndpoint(const Request& request, SubRef sub, Endpoint& end) {
     if (stackIsLow()) fatalError(Fatal::NoSpace, "Constraints are nested too deeply.");
     readRec(sub);
@@ -121,7 +137,9 @@ bool subEndpoint(const Request& request, SubRef sub, Endpoint& end) {
     case SUB_RANGE: return !request.ofSize && getRangeEndpoint(end, request.upper);
     case SUB_SINGLE_VALUE: return !request.ofSize && singleValueEndpoint(request, value, end);
     case SUB_CONTAINED_SUBTYPE:
-        return !request.ofSize && !request.inSize && containedEndpoint(request, value, end);
+        if (!newNotation(sub.module) && (request.ofSize || request.inSize)) return false;
+        return request.ofSize ? containedSize(request, value, end)
+                              : containedEndpoint(request, value, end);
     default: return false;
     }
 }
@@ -196,7 +214,7 @@ bool readRangeParent() {
 }
 
 /// An explicit endpoint lies inside the parent's range. The current type is the constrained one.
-bool isInsideParent(const EndValue& value, uint8_t kind) {
+bool isInsideParent(const Endpoint& value, uint8_t kind) {
     if (!isNumber(kind) || !readRangeParent()) return true;
     EndpointPair parent;
     for (const bool upper : {false, true})
@@ -220,9 +238,11 @@ bool explicitRangeEndpoint(Endpoint& end, bool upper, VNodeRef value, uint8_t fl
     const TNodeRef type = currentRec<KIND_TNODE>();
     readRec(value);
     skipValues(true);
-    if (vNode.valCode != kind || (kind == TYP_INTEGER && !isIntegerVNode())) return false;
+    if (kind == TYP_INTEGER ? !isIntegerVNode()
+                            : !sharesCharacters(value.module, vNode.valCode, kind))
+        return false;
     end = {vNode, flags, valueModule()};
-    if (isInsideParent(end.value, kind)) return true;
+    if (isInsideParent(end, kind)) return true;
     readRec(type);
     return implicitRangeEndpoint(end, upper, kind, value.module);
 }
@@ -281,8 +301,7 @@ void narrowByMember(EndpointPair& series, const EndpointPair& member, uint8_t ki
     const EndpointPair before = series;
     for (const bool upper : {false, true}) {
         const Endpoint& own = member.ends[upper];
-        if (!member.given[upper] ||
-            (!ofSize && isNumber(kind) && !isWithin(own.value, before, kind)))
+        if (!member.given[upper] || (!ofSize && isNumber(kind) && !isWithin(own, before, kind)))
             continue;
         if (series.given[upper])
             narrow(series.ends[upper], own, upper, kind);

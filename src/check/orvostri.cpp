@@ -15,6 +15,7 @@
 #include "check/check_cache.h"
 #include "diag/orvoerr_fatal.h"
 #include "lex/orvotok.h"
+#include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
 #include "util/ascii.h"
 #include "util/utf8.h"
@@ -166,6 +167,11 @@ uint64_t makeRestrCharStri(ModuleRec* module, const VNode& value, RestrCharStri&
     return makeRestrCharStriSeg(module, value, &stri);
 }
 
+std::string_view plainText(ModuleRec* module, const VNode& value) {
+    if (value.val.str.striLen == 0) return {};
+    return getStri(module, int64_t{value.val.str.stri});
+}
+
 std::u32string distinctChars(ModuleRec* module, const VNode& value) {
     std::u32string chars;
     std::set<char32_t> seen;
@@ -183,8 +189,33 @@ std::u32string distinctChars(ModuleRec* module, const VNode& value) {
     return chars;
 }
 
+char32_t largestCharacter(uint8_t kind) {
+    switch (kind) {
+    case TYP_IA5STR:
+    case TYP_VISSTR:
+    case TYP_PRISTR:
+    case TYP_NUMSTR:
+    case TYP_GENTIME: // these two are made of VisibleString
+    case TYP_UTCTIME: return 0x7F;
+    case TYP_BMPSTR: return 0xFFFF;
+    case TYP_UNISTR:
+    case TYP_UTF8STR:
+    case TYP_OIDIRI: // labels of arcs have characters of all scripts
+    case TYP_RELOIDIRI: return 0x10FFFF;
+    default: return is(kind, TypeClass::Quoted) ? 0x7F : 0xFF;
+    }
+}
+
+bool sharesCharacters(const ModuleRec* module, uint8_t a, uint8_t b) {
+    if (a == b || (is(a, TypeClass::Narrow) && is(b, TypeClass::Narrow))) return true;
+    return newNotation(module) && is(a, TypeClass::StringGroup) && is(b, TypeClass::StringGroup);
+}
+
 int compareStrings(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b) {
-    if (a.valCode != b.valCode) return 1;
+    return a.valCode != b.valCode ? 1 : compareCharacters(modA, a, modB, b);
+}
+
+int compareCharacters(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b) {
     RestrCharStri left;
     RestrCharStri right;
     const uint64_t lengthA = makeRestrCharStri(modA, a, left);
@@ -211,7 +242,7 @@ bool isBinary(const VNode& value) {
     return value.valCode == TYP_BITSTR && value.ref == 0;
 }
 bool isBitList(const VNode& value) {
-    return value.valCode == TYP_BITSTR && value.ref != 0;
+    return value.valCode == TYP_BITSTR && value.ref != 0 && !holdsContents(value);
 }
 
 std::string_view digitsOf(ModuleRec* module, const VNode& value) {
@@ -231,7 +262,7 @@ template <typename Fn> void forEachBitNumber(ModuleRec* module, VNodeNr first, F
 int64_t highestBit(ModuleRec* module, VNodeNr first) {
     int64_t highest = -1;
     forEachBitNumber(module, first, [&](int64_t number) { highest = std::max(highest, number); });
-    return highest;
+    return std::min(highest, INT64_MAX - 1); // its length is a number too
 }
 
 unsigned hexDigit(char digit) {
@@ -329,7 +360,25 @@ std::string convBitString(uint8_t kind, ModuleRec* module, const VNode& value) {
     return bits;
 }
 
+namespace {
+
+/// Two strings are given by what they contain, and that is equal.
+bool equalContents(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b) {
+    if (!holdsContents(a) || !holdsContents(b)) return false;
+    const KeepRec<KIND_VNODE> keep;
+    readRec(modA, VNodeNr{a.ref});
+    skipValues(true);
+    ModuleRec* const innerA = valueModule();
+    const VNode inner = vNode;
+    readRec(modB, VNodeNr{b.ref});
+    skipValues(true);
+    return compareValue(innerA, inner, valueModule(), VNode(vNode)) == 0;
+}
+
+} // namespace
+
 bool equalStrings(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b) {
+    if (holdsContents(a) || holdsContents(b)) return equalContents(modA, a, modB, b);
     if (kind == TYP_BITSTR) {
         return withoutTrailingZeros(convBitString(kind, modA, a)) ==
                withoutTrailingZeros(convBitString(kind, modB, b));

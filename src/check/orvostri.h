@@ -25,6 +25,8 @@ uint64_t makeRestrCharStri(ModuleRec* module, const VNode& value, RestrCharStri&
 /// The length of a value in characters, and, when asked for, its characters appended to `stri`.
 uint64_t makeRestrCharStriSeg(ModuleRec* module, const VNode& value, RestrCharStri* stri);
 /// The different characters of a value in the order in which they occur first. Preserving.
+/// The text of a value that is kept as one: of 8-bit characters, a time, an IRI.
+std::string_view plainText(ModuleRec* module, const VNode& value);
 std::u32string distinctChars(ModuleRec* module, const VNode& value);
 
 /// Length in bits of a value that lists named bits; 2147483647 when a number does not fit in 32
@@ -45,6 +47,13 @@ std::string convBitString(uint8_t kind, ModuleRec* module, const VNode& value);
 [[nodiscard]] bool equalStrings(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
                                 const VNode& b);
 /// The order of two character string values: negative, 0 or positive; 1 when their kinds differ.
+/// The largest character that a kind can hold.
+char32_t largestCharacter(uint8_t kind);
+/// Two kinds of character strings whose characters are the same, to the notation of `module`.
+bool sharesCharacters(const ModuleRec* module, uint8_t a, uint8_t b);
+/// Compares the characters of two strings whatever their kinds.
+[[nodiscard]] int compareCharacters(ModuleRec* modA, const VNode& a, ModuleRec* modB,
+                                    const VNode& b);
 [[nodiscard]] int compareStrings(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b);
 
 } // namespace orvo

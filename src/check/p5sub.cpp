@@ -3,6 +3,7 @@
 #include "check/p5sub.h"
 
 #include "check/orvonum_end.h"
+#include "check/p5set.h"
 #include "check/p5sub_int.h"
 #include "check/p5typ.h"
 #include "diag/orvoerr.h"
@@ -144,10 +145,25 @@ bool checkByKind(ModuleRec* module, ParentType parent) {
     case SUB_EXCEPTION: return subNoValueConstr(module);
     case SUB_OPEN_TYPE: return subOpenTypeConstr();
     case SUB_CONTENTS: return subContents(module);
-    case SUB_PATTERN:
-    case SUB_SETTINGS: return subText(module);
+    case SUB_PATTERN: return subText(module);
+    case SUB_SETTINGS: return subSettings(module);
     default: return true;
     }
+}
+
+/// The exception behind a marker or at the end of the constraint is a value of its type; one that
+/// is not says nothing about the constraint. Older notation did not have it looked at.
+void checkException(ModuleRec* module) {
+    if (subRec.subKind == SUB_EXCEPTION || !newNotation(subModule())) return;
+    const uint32_t line = subRec.line;
+    const KeepConstrained keep;
+    if (!subNoValueConstr(module))
+        recordError(module, ERR_SEMANTIC, Msg::InvalidExceptionValue, line);
+}
+
+/// The values of a set are those of its governor, in older notation those of its kind.
+bool isHeldAgainstGovernor() {
+    return newNotation(typeModule()) && !isObjSetTNode();
 }
 
 } // namespace
@@ -156,11 +172,12 @@ bool chkSubRec(ModuleRec* module, ParentType parent) {
     const uint8_t kind = subRec.subKind;
     const uint32_t line = subRec.line;
     if (!isSubKind(kind)) return false;
+    checkException(module);
     if (kind == SUB_EXTENSION_MARKER) {
         markExtensible(parent);
         return true;
     }
-    if (isSetTNode()) parent = ParentType::None;
+    if (isSetTNode() && !isHeldAgainstGovernor()) parent = ParentType::None;
     bool ok = false;
     {
         const KeepConstrained keep;
@@ -186,6 +203,7 @@ bool checkSubRec(ModuleRec* module) {
     } else {
         ok = chkSubRec(module, isReference ? ParentType::Referenced : ParentType::None);
     }
+    if (ok && newNotation(typeModule()) && isObjSetTNode()) ok = checkUnique(module);
     return ok;
 }
 

@@ -6,6 +6,7 @@
 
 #include "check/orvonum_end.h"
 #include "check/orvostri.h"
+#include "check/orvotime.h"
 #include "check/p5sub_int.h"
 #include "check/p5typ.h"
 #include "check/p5val.h"
@@ -20,23 +21,50 @@ namespace orvo {
 
 namespace {
 
-/// The endpoints that a range of times is written with are times of that kind.
+/// An end of a range of times, the value record `nr`, is a time of that kind.
+bool readTimeEnd(ModuleRec* module, VNodeRef end, TimeVal& time) {
+    readRec(end);
+    if (!checkVNode(module, true, false)) return false;
+    readRec(end);
+    skipValues(true);
+    return readTime(plainText(valueModule(), vNode), time);
+}
+
+/// The ends of a range of times are points in time or durations, of one form and in order
+/// (X.680 (02/2021) 51.4.3).
 bool subTimeRange(ModuleRec* module) {
     const SubRec range = subRec;
     ModuleRec* const owner = subModule();
-    bool ok = true;
-    for (const uint32_t end : {range.left, range.right}) {
-        if (end == 0) continue;
-        readRec(owner, VNodeNr{end});
-        ok &= checkVNode(module, true, false);
-    }
-    return ok;
+    TimeVal lower;
+    TimeVal upper;
+    bool ok = range.left == 0 || readTimeEnd(module, {owner, VNodeNr{range.left}}, lower);
+    ok &= range.right == 0 || readTimeEnd(module, {owner, VNodeNr{range.right}}, upper);
+    if (!ok || range.left == 0 || range.right == 0) return ok;
+    if (!lower.isComparable || !upper.isComparable || !isSameForm(lower, upper)) return false;
+    if (lower.parts != upper.parts) return lower.parts < upper.parts;
+    return (range.subFlags & SUBF_LOWER) != 0 && (range.subFlags & SUBF_UPPER) != 0;
 }
 
 bool isTime() {
     const KeepRec<KIND_TNODE> keep;
     skipTypes(true);
     return is(tNode.typeCode, TypeClass::Time);
+}
+
+/// The current range was written with an end that is no value of the parent type: what holds is the
+/// parent's endpoint there. Published modules have it (X.680 (02/2021) 51.4.3).
+void warnOfRangeBeyondParent(ModuleRec* module, const Endpoint& end, bool upper) {
+    const uint32_t written = upper ? subRec.right : subRec.left;
+    if (written == 0 || !newNotation(subModule())) return;
+    const uint8_t flag = upper ? SUBF_UPPER : SUBF_LOWER;
+    const KeepRec<KIND_VNODE> keep;
+    readRec(subModule(), VNodeNr{written});
+    skipValues(true);
+    const bool isKept = compareValue(valueModule(), vNode, end.module, end.value.asValue()) == 0 &&
+                        (end.flags & flag) == (subRec.subFlags & flag);
+    if (!isKept)
+        recordError(module, ERR_WARNING, Msg::RangeBeyondParent, subRec.line,
+                    upper ? "upper endpoint" : "lower endpoint");
 }
 
 } // namespace
@@ -47,10 +75,23 @@ bool subRange(ModuleRec* module) {
     Endpoint upper;
     if (!getRangeEndpoint(lower, false) || !getRangeEndpoint(upper, true)) return false;
     skipTypes(true);
-    if (lower.value.valCode != tNode.typeCode || upper.value.valCode != tNode.typeCode)
+    const uint8_t kind = tNode.typeCode;
+    if (!sharesCharacters(subModule(), lower.value.valCode, kind) ||
+        !sharesCharacters(subModule(), upper.value.valCode, kind))
         return false;
-    const int order =
-        compareValue(lower.module, lower.value.asValue(), upper.module, upper.value.asValue());
+    if (kind == TYP_INTEGER || kind == TYP_REAL) {
+        warnOfRangeBeyondParent(module, lower, false);
+        warnOfRangeBeyondParent(module, upper, true);
+    }
+    const VNode first = lower.value.asValue();
+    const VNode last = upper.value.asValue();
+    int order = 0;
+    if (kind == TYP_INTEGER)
+        order = compareNumber(lower, upper, kind);
+    else if (is(kind, TypeClass::StringGroup))
+        order = compareCharacters(lower.module, first, upper.module, last);
+    else
+        order = compareValue(lower.module, first, upper.module, last);
     if (order != 0) return order < 0;
     return (lower.flags & SUBF_LOWER) != 0 && (upper.flags & SUBF_UPPER) != 0;
 }
@@ -227,6 +268,17 @@ bool subText(ModuleRec* module) {
     if (subRec.left == 0) return false;
     readRec(subModule(), VNodeNr{subRec.left});
     return checkVNode(module, true, true);
+}
+
+bool subSettings(ModuleRec* module) {
+    if (!subText(module)) return false;
+    readRec(subModule(), VNodeNr{subRec.left});
+    skipValues(true);
+    TimeSettings settings;
+    std::string_view fault;
+    if (readTimeSettings(plainText(valueModule(), vNode), settings, fault)) return true;
+    recordSubRecError(module, Msg::InvalidTimeSetting, fault);
+    return false;
 }
 
 // ---- permitted alphabets ------------------------------------------------------------------------

@@ -47,8 +47,9 @@ void recordSubRecError(ModuleRec* module, Msg code, std::string_view detail = {}
 [[nodiscard]] bool subNoValueConstr(ModuleRec* module);
 [[nodiscard]] bool subOpenTypeConstr();
 [[nodiscard]] bool subContents(ModuleRec* module);
-/// The text of PATTERN or SETTINGS.
+/// The text of PATTERN.
 [[nodiscard]] bool subText(ModuleRec* module);
+[[nodiscard]] bool subSettings(ModuleRec* module);
 [[nodiscard]] bool subPermittedAlphabet(ModuleRec* module, ParentType parent);
 
 // ---- p5sub_tab ----------------------------------------------------------------------------------

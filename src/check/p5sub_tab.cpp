@@ -1,5 +1,6 @@
 // Table constraints and component relations (X.682 (07/2002) clause 10).
 
+#include "check/p5set.h"
 #include "check/p5sub_int.h"
 #include "check/p5typ.h"
 #include "diag/orvoerr.h"
@@ -29,6 +30,7 @@ bool checkTable(VNodeNr set) {
     } else if (ok && tNode.constraint > 0) {
         readRec(typeModule(), SubNr{static_cast<uint32_t>(tNode.constraint)});
         ok = chkSubRec(moduleForTypeErrors(), ParentType::None);
+        if (ok && newNotation(typeModule())) ok = checkUnique(moduleForTypeErrors());
     }
     return ok;
 }

@@ -192,7 +192,7 @@ void disableOption(ModuleRec* own, TedNr record) {
     const std::string_view text = getStri(own, StriNr{tedRec.text});
     tedRec.text = putStri(own, "?" + std::string(text.substr(1))).nr;
     writeRec(own, record);
-    own->optionsDisabled = true;
+    own->stringsAdded = true;
 }
 
 void checkAnyDefByOption(ModuleRec* module) {

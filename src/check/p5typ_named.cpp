@@ -4,8 +4,10 @@
 #include <climits>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
+#include "check/orvonum.h"
 #include "check/p5typ_int.h"
 #include "check/p5val.h"
 #include "diag/orvoerr.h"
@@ -54,66 +56,73 @@ void report(const NamedList& list, Msg code) {
 }
 
 /// The number of the current entry; false when it leads to no INTEGER.
-bool numberOf(int64_t& number) {
+bool numberOf(Integer& number) {
     const KeepRec<KIND_VNODE> keep;
     if (vNode.valCode == TYP_SYNONYM) {
         skipValues(true);
         if (!isIntegerVNode()) return false;
     }
-    number = i64native(vNode.val.number);
+    number = integerOf(valueModule(), vNode.val);
     return true;
 }
 
 /// A number, or a value that leads to one; no bit has a negative number.
 void signedNumOrDefVal(const NamedList& list) {
-    int64_t number = 0;
-    if (numberOf(number) && !(list.isBitString && number < 0)) return;
+    Integer number;
+    if (numberOf(number) && !(list.isBitString && number.nearest() < 0)) return;
     report(list, invalidValue(TYP_INTEGER));
+}
+
+/// Counts on from a number; in older notation 64 bits are the end.
+Integer counted(const NamedList& list, const Integer& number) {
+    const bool isEnd = number.nearest() == INT64_MAX && !newNotation(list.module);
+    return isEnd ? number : number.next();
 }
 
 /// The numbers that a scan for a collision covers, so far. Counting up from a number leads to the
 /// first free one behind it; what was counted over is noted, so that it is not counted again.
 class Numbers {
   public:
+    explicit Numbers(const NamedList& list) : list_(list) {}
     void addCurrent() {
-        int64_t number = 0;
+        Integer number;
         if (entrySort("Unexpected named number category.") == EntrySort::Numbered &&
             numberOf(number))
             add(number);
     }
-    void add(int64_t number) {
-        if (number < INT64_MAX) next_.try_emplace(number, number + 1);
+    void add(const Integer& number) {
+        const Integer next = counted(list_, number);
+        if (next != number) next_.try_emplace(number, next);
     }
-    [[nodiscard]] int64_t firstFreeFrom(int64_t number) {
-        int64_t free = number;
+    [[nodiscard]] Integer firstFreeFrom(Integer number) {
+        Integer free = number;
         for (auto at = next_.find(free); at != next_.end(); at = next_.find(free))
             free = at->second;
         for (auto at = next_.find(number); at != next_.end(); at = next_.find(number)) {
-            number = at->second;
-            at->second = free;
+            number = std::exchange(at->second, free);
         }
         return free;
     }
 
   private:
-    std::unordered_map<int64_t, int64_t> next_; // used number -> a number up to the next free one
+    const NamedList& list_;
+    // used number -> a number up to the next free one
+    std::unordered_map<Integer, Integer, IntegerHash> next_;
 };
 
 /// Gives the current item the first number from the counter on that no other one has; false when
 /// none is left.
-bool numberItem(Numbers& numbers, int64_t& counter) {
-    const int64_t free = numbers.firstFreeFrom(counter);
-    const bool isLeft = free == counter || free <= INT32_MAX;
-    if (!isLeft) {
-        counter = std::max<int64_t>(counter, INT32_MAX);
-    } else {
-        counter = free;
-    }
+bool numberItem(const NamedList& list, Numbers& numbers, Integer& counter) {
+    const Integer free = numbers.firstFreeFrom(counter);
+    const Integer last(INT32_MAX); // of older notation
+    const bool isLeft = newNotation(list.module) || free == counter || free <= last;
+    counter = isLeft ? free : std::max(counter, last);
     vNode.valCode = TYP_INTEGER;
-    vNode.val.number = i64of(counter);
+    setInteger(vNode.val, list.module, counter);
+    list.module->stringsAdded |= !counter.beyond().empty();
     writeCurrent<KIND_VNODE>();
     numbers.add(counter);
-    if (counter < INT64_MAX) ++counter;
+    counter = counted(list, counter);
     return isLeft;
 }
 
@@ -122,13 +131,13 @@ bool numberItem(Numbers& numbers, int64_t& counter) {
 /// for which no number was left.
 std::vector<VNodeNr> valuelessEnum(const NamedList& list) {
     std::vector<VNodeNr> numberless;
-    Numbers numbers;
+    Numbers numbers(list);
     bool inRoot = true;
     forEachEntry(list, [&] {
         inRoot &= vNode.valCode != TYP_EXTENSION_MARKER;
         if (inRoot) numbers.addCurrent();
     });
-    int64_t counter = 0;
+    Integer counter;
     inRoot = true;
     forEachEntry(list, [&] {
         const EntrySort sort = entrySort("Unexpected named number category.");
@@ -136,20 +145,20 @@ std::vector<VNodeNr> valuelessEnum(const NamedList& list) {
             inRoot = false;
         } else if (sort == EntrySort::Valueless) {
             const VNodeNr item = currentRec<KIND_VNODE>().nr;
-            if (!numberItem(numbers, counter)) numberless.push_back(item);
+            if (!numberItem(list, numbers, counter)) numberless.push_back(item);
         } else if (!inRoot) {
             numbers.addCurrent();
-            int64_t number = 0;
-            if (numberOf(number) && number < INT64_MAX) counter = number + 1;
+            Integer number;
+            if (numberOf(number)) counter = counted(list, number);
         }
     });
     return numberless;
 }
 
 void checkDuplicateValue(const NamedList& list) {
-    std::unordered_set<int64_t> seen;
+    std::unordered_set<Integer, IntegerHash> seen;
     forEachEntry(list, [&] {
-        int64_t number = 0;
+        Integer number;
         if (entrySort("Unexpected named number category.") != EntrySort::Numbered ||
             !numberOf(number))
             return;
@@ -160,14 +169,17 @@ void checkDuplicateValue(const NamedList& list) {
 /// Behind the extension marker values do not decrease.
 void checkExtensionOrder(const NamedList& list) {
     bool inRoot = true;
-    int64_t largest = INT32_MIN;
+    Integer largest = Integer(INT32_MIN); // all that older notation counts with
+    bool isFirst = newNotation(list.module);
     forEachEntry(list, [&] {
-        int64_t number = 0;
+        Integer number;
         if (vNode.valCode == TYP_EXTENSION_MARKER) {
             inRoot = false;
         } else if (!inRoot && numberOf(number)) {
-            if (number < largest) report(list, Msg::NonAscendingValueInExtensionAddition);
-            largest = std::max(largest, number);
+            if (!isFirst && number < largest)
+                report(list, Msg::NonAscendingValueInExtensionAddition);
+            largest = isFirst ? number : std::max(largest, number);
+            isFirst = false;
         }
     });
 }

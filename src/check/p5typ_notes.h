@@ -51,6 +51,7 @@ struct TypeNotes {
     RecNotes<CycleNote> cycles;
     FlatMap<uint32_t, bool> leadsToEnd;   // some way on from the type ends recursion
     FlatMap<uint32_t, bool> firstWayEnds; // and the first way on does
+    FlatMap<uint32_t, bool> hasNoValue;   // what it is part of has no finite value because of it
     FlatMap<uint32_t, LinkNote> links;
     FlatMap<uint32_t, std::vector<TNodeRef>> waiting; // references checked before it
     FlatSet<uint64_t> usedTags; // APPLICATION and PRIVATE tags, with TAGUSAGE=

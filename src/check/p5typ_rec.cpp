@@ -39,7 +39,7 @@ TNodeRef resolve(TNodeRef type) {
 /// The components of a type, one after the other; those of extension addition groups in place.
 class Components {
   public:
-    explicit Components(TNodeRef type) : module_(type.module) {
+    explicit Components(TNodeRef type) : module_(type.module), root_(type.module) {
         readRec(type);
         const bool has = isStructured(tNode.typeCode) && tNode.typeCode != TYP_SELECTION;
         if (has) next_ = tNode.ref;
@@ -57,17 +57,22 @@ class Components {
             next_ = tNode.next;
             if (tNode.typeCode == TYP_EXTADDGRP)
                 afterGroup_ = std::exchange(next_, tNode.ref);
-            else if (tNode.typeCode != TYP_EXTENSION_MARKER)
+            else if (tNode.typeCode == TYP_EXTENSION_MARKER)
+                root_.passMarker();
+            else
                 return component;
         }
         return {};
     }
+    /// The component that was given last is no extension addition.
+    [[nodiscard]] bool inRoot() const { return root_.isRoot(); }
 
   private:
     ModuleRec* module_;
     uint32_t next_ = 0;
     uint32_t afterGroup_ = 0;
     uint32_t left_ = 0;
+    RootOfList root_;
 };
 
 /// What a record leads to: the type it resolves to or, when it is that itself, its components.
@@ -191,6 +196,12 @@ bool checkAllowedRecursionForAlternative(TNodeRef choice) {
     return alternatives.next() && alternatives.next();
 }
 
+/// A lower size bound admits the empty list.
+bool admitsNone(const Endpoint& lower) {
+    if (testInfinity(lower, false, TYP_INTEGER)) return true; // MIN is 0 for sizes
+    return i64native(lower.value.val.number) <= ((lower.flags & SUBF_LOWER) == 0 ? -1 : 0);
+}
+
 /// A list ends the recursion when its size constraint admits the empty list.
 bool checkAllowedRecursionForElement(TNodeRef list) {
     readRec(list);
@@ -200,9 +211,7 @@ bool checkAllowedRecursionForElement(TNodeRef list) {
         !hasSizeConstraint(list.module, static_cast<uint32_t>(tNode.constraint), left))
         return false;
     Endpoint lower;
-    if (!getEndpoint(lower, false)) return false;
-    if (testInfinity(lower, false, TYP_INTEGER)) return true; // MIN is 0 for sizes
-    return i64native(lower.value.val.number) + ((lower.flags & SUBF_LOWER) == 0 ? 1 : 0) <= 0;
+    return getEndpoint(lower, false) && admitsNone(lower);
 }
 
 /// A visited component, of the type `parent`, decides whether the recursion may be.
@@ -326,6 +335,107 @@ bool recursionAllowed(TNodeRef component, uint32_t cycle) {
     return findRecursion(search, resolved);
 }
 
+// ---- types without a value ----------------------------------------------------------------------
+// Today's notation forbids recursion only where a type has no finite value: what is needed for a
+// value of it, the components of its root that are not optional, one alternative, or the element of
+// a list that is not empty, needs such a value again. All records that a start leads to are looked
+// at together: those without needs have values, and then those whose needs have.
+
+/// A record among those that are looked at.
+struct ValueNeeds {
+    TNodeRef record;
+    bool any = false;                           // one of the needs is enough
+    std::vector<std::pair<size_t, bool>> parts; // places of records; needed for a value or not
+    std::vector<size_t> users;                  // those that need it
+    size_t missing = 0;                         // needs without a value, as far as known
+    bool hasValue = false;
+    bool isReference = false; // it answers for no part of what it refers to
+};
+
+class ValueSearch {
+  public:
+    void run(TNodeRef start) {
+        static_cast<void>(placeOf(start));
+        for (size_t at = 0; at < records_.size(); ++at) findParts(at);
+        for (size_t at = 0; at < records_.size(); ++at)
+            if (records_[at].hasValue) ready_.push_back(at);
+        while (!ready_.empty()) {
+            const size_t at = ready_.back();
+            ready_.pop_back();
+            for (const size_t user : records_[at].users) met(user);
+        }
+        for (const ValueNeeds& needs : records_) note(needs);
+    }
+
+  private:
+    size_t placeOf(TNodeRef record) {
+        const auto [note, isNew] = places_.try_emplace(keyOf(record), records_.size());
+        if (isNew) records_.emplace_back().record = record;
+        return note->second;
+    }
+    void addPart(size_t user, TNodeRef part, bool needed) {
+        const size_t place = placeOf(part);
+        records_[user].parts.emplace_back(place, needed);
+        if (!needed) return;
+        records_[place].users.push_back(user);
+        ++records_[user].missing;
+    }
+    void findParts(size_t at) {
+        const TNodeRef record = records_[at].record;
+        readRec(record);
+        const bool filled = neverEmpty();
+        const TNodeRef type = resolve(record);
+        const bool isList = is(tNode.typeCode, TypeClass::List);
+        const bool isChoice = tNode.typeCode == TYP_CHOICE;
+        if (type != record) addPart(at, type, !isList);
+        if (type == record || (isList && filled)) {
+            Components components(type);
+            for (TNodeRef part = components.next(); part; part = components.next()) {
+                const bool mandatory =
+                    components.inRoot() && magnitude(tNode.compStatus) != TCS_OPTIONAL;
+                addPart(at, part, isList ? filled : isChoice || mandatory);
+            }
+        }
+        ValueNeeds& needs = records_[at];
+        needs.any = isChoice && type == record;
+        needs.isReference = type != record;
+        needs.hasValue = needs.missing == 0;
+    }
+    /// The current type, if a list, has no empty value.
+    static bool neverEmpty() {
+        Endpoint lower;
+        const KeepRec<KIND_SUB> keep;
+        return getSizeEndpoint(lower, false) && !admitsNone(lower);
+    }
+    void met(size_t user) {
+        ValueNeeds& needs = records_[user];
+        --needs.missing;
+        if (needs.hasValue || (needs.missing != 0 && !needs.any)) return;
+        needs.hasValue = true;
+        ready_.push_back(user);
+    }
+    /// The parts that keep a record from having a value.
+    void note(const ValueNeeds& needs) {
+        notesOf(needs.record).hasNoValue.try_emplace(needs.record.nr.nr, false);
+        if (needs.hasValue || needs.isReference) return;
+        for (const auto& [place, needed] : needs.parts) {
+            const ValueNeeds& part = records_[place];
+            if (needed && !part.hasValue) notesOf(part.record).hasNoValue[part.record.nr.nr] = true;
+        }
+    }
+
+    FlatMap<uint64_t, size_t> places_;
+    std::vector<ValueNeeds> records_;
+    std::vector<size_t> ready_;
+};
+
+/// The component, which is on a cycle, keeps what it is part of from having a value.
+bool preventsValues(TNodeRef component) {
+    const auto& notes = notesOf(component).hasNoValue;
+    if (!notes.contains(component.nr.nr)) ValueSearch().run(component);
+    return notes.find(component.nr.nr)->second;
+}
+
 /// RECURSION= asks for a finding at each type assignment on a cycle, whether it may be or not.
 void reportTypeRecursion() {
     ModuleRec* const own = typeModule();
@@ -346,8 +456,9 @@ void markRecursion(ModuleRec* module) {
         readRec(self);
         tNode.checkFlags |= CF_RECURSIVE;
         writeRec(self);
-        allowed =
-            magnitude(tNode.compStatus) == TCS_HEADER || recursionAllowed(self, cycle.component);
+        allowed = magnitude(tNode.compStatus) == TCS_HEADER ||
+                  (newNotation(self.module) ? !preventsValues(self)
+                                            : recursionAllowed(self, cycle.component));
     }
     readRec(self);
     if (cycle.onCycle) reportTypeRecursion();

@@ -22,7 +22,7 @@ ErrClass classOfSetting(uint8_t setting) {
 bool checkTagClass(ModuleRec* module, const TagRec& tag, bool outermost) {
     const OptionBlock& options = module->options;
     if (tag.tagClass == TAG_UNIVERSAL && !options.allow && isLenient(module)) {
-        recordOnce(module, Msg::UniversalTag, tNode.line, {});
+        recordOnce(module, Msg::UniversalTag, tNode.line, tNodeName());
     } else if (tag.tagClass == TAG_UNIVERSAL && !options.allow) {
         recordTNodeError(module, ERR_SEMANTIC, Msg::TagClassShallNotBeUniversal);
         return false;
@@ -87,10 +87,13 @@ bool checkExplicitTag(ModuleRec* module, SeenTag nextTag) {
 }
 
 /// Implicit tagging by the module's default, unless the type has no tag of its own
-/// (X.680 (07/2002) 30.6 c).
+/// (X.680 (07/2002) 30.6 c), or is one that not all instances have in common (X.680 (02/2021)
+/// 31.2.7 c).
 void checkIfExplicitNeeded(ModuleRec* module, TagNr nr, SeenTag nextTag) {
+    const bool isDummy = (tNode.nodeFlags & NF_DUMMY) != 0;
     readRec(module, nr);
-    tagRec.tagMode = isIndeterminate(nextTag.tagNr) ? TAGMODE_EXPLICIT : TAGMODE_IMPLICIT;
+    tagRec.tagMode =
+        isDummy || isIndeterminate(nextTag.tagNr) ? TAGMODE_EXPLICIT : TAGMODE_IMPLICIT;
     writeRec(module, nr);
 }
 

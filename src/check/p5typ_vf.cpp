@@ -70,17 +70,28 @@ bool generates(uint32_t bit) {
 struct Range {
     int64_t lower = INT64_MIN;
     int64_t upper = INT64_MAX;
-    [[nodiscard]] bool hasMin() const { return lower == INT64_MIN; }
-    [[nodiscard]] bool hasMax() const { return upper == INT64_MAX; }
+    bool isLowerMin = true;  // there is no lower end
+    bool isUpperMax = true;  // there is no upper end
+    bool isUnsigned = false; // within 64 bits without sign alone
+    bool isBeyond = false;   // not within 64 bits, where there are ends
+    [[nodiscard]] bool hasMin() const { return isLowerMin; }
+    [[nodiscard]] bool hasMax() const { return isUpperMax; }
 };
 Range rangeOf(const Endpoint& lower, const Endpoint& upper) {
     Range range;
-    range.lower = i64native(lower.value.val.number);
-    range.upper = i64native(upper.value.val.number);
-    if (!range.hasMin() && (lower.flags & SUBF_LOWER) == 0 && range.lower < INT64_MAX)
-        ++range.lower;
-    if (!range.hasMax() && (upper.flags & SUBF_UPPER) == 0 && range.upper > INT64_MIN)
-        --range.upper;
+    range.isLowerMin = lower.value.isInfinite;
+    range.isUpperMax = upper.value.isInfinite;
+    Integer least = integerOf(lower.module, lower.value.val);
+    Integer most = integerOf(upper.module, upper.value.val);
+    if (!range.hasMin() && (lower.flags & SUBF_LOWER) == 0) least = least.next();
+    if (!range.hasMax() && (upper.flags & SUBF_UPPER) == 0) most = most.previous();
+    range.lower = least.nearest();
+    range.upper = most.nearest();
+    const bool isBeyond = !least.beyond().empty() || !most.beyond().empty();
+    uint64_t word = 0;
+    range.isUnsigned = isBeyond && !range.hasMin() && !range.hasMax() && least.isUnsigned64(word) &&
+                       most.isUnsigned64(word);
+    range.isBeyond = isBeyond && !range.isUnsigned;
     return range;
 }
 
@@ -127,7 +138,12 @@ void setNumberType(ValueField& field, const Endpoint& lower, const Endpoint& upp
     if (kind == TYP_REAL) {
         code = realCode(field.size, lower, upper);
     } else {
-        const Range range = rangeOf(lower, upper);
+        Range range = rangeOf(lower, upper);
+        if (kind != lengthMember && range.isUnsigned) {
+            field = {SIZE_U64, SIZE_U64};
+            return;
+        }
+        if (kind != lengthMember && range.isBeyond) range = {};
         if (kind != lengthMember || field.size != SIZE_NONE || range.lower != range.upper) {
             const bool isUnsigned =
                 range.lower >= 0 && field.size >= SIZE_U8 && field.size <= SIZE_U64;
@@ -246,6 +262,7 @@ void setStringOrListVF(ValueField& field) {
     if (!getEndpoint(lower, false) || !getEndpoint(upper, true)) return;
     if (tNode.sizeLimit != 0) {
         if (isSizeLimitOK(rangeOf(lower, upper))) {
+            upper = {};
             upper.value.val.number = i64of(tNode.sizeLimit);
             upper.flags = SUBF_UPPER;
         } else {

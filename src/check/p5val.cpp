@@ -195,13 +195,7 @@ bool checkSynonymValNode(const ValueErrors& errors, const CheckedValue& value) {
     const Msg code = invalidValue(kind);
     if (value.rec.valCode == TYP_SYNONYM || value.rec.valCode == TYP_FIELDLIST)
         return failValue(errors, value, code);
-    ModuleRec* governor = value.rec.govTypeMod == 0
-                              ? value.module
-                              : refModule(value.module, static_cast<int32_t>(value.rec.govTypeMod));
-    if (governor != nullptr && value.rec.govType != 0 &&
-        typeCompatible(type.module, type.nr, governor, TNodeNr{value.rec.govType}))
-        return true;
-    return failValue(errors, value, code);
+    return isGovernedBy(value, type) || failValue(errors, value, code);
 }
 
 /// The value is of the kind of the current type, or of one that counts as such.
@@ -219,16 +213,24 @@ bool isOfKind(const CheckedValue& value) {
 bool checkForm(const ValueErrors& errors, const CheckedValue& value) {
     switch (tNode.typeCode) {
     case TYP_ENUM: return checkEnumVal(errors, value);
-    case TYP_BITSTR: return checkBitStriVal(errors, value);
+    case TYP_BITSTR: return checkBitStriVal(errors, value) && checkContents(errors, value);
+    case TYP_OCTSTR: return checkContents(errors, value);
     case TYP_ANY:
     case TYP_OPEN: return checkOpenTypeVal(errors, value);
     case TYP_OBJID:
     case TYP_RELOID: return checkObjIdVal(errors, value);
     case TYP_GENTIME:
     case TYP_UTCTIME: return checkTimeVal(errors, value);
+    case TYP_TIME:
+    case TYP_DATE:
+    case TYP_TIMEOFDAY:
+    case TYP_DATETIME:
+    case TYP_DURATION: return checkTimeForm(errors, value);
+    case TYP_OIDIRI:
+    case TYP_RELOIDIRI: return checkIri(errors, value);
     case TYP_NUMSTR:
     case TYP_PRISTR: return checkCharacters(errors, value);
-    default: return true;
+    default: return checkWidth(errors, value);
     }
 }
 

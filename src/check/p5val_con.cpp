@@ -9,6 +9,7 @@
 #include "check/check_cache.h"
 #include "check/orvonum_end.h"
 #include "check/orvostri.h"
+#include "check/orvotime.h"
 #include "check/p5val_int.h"
 #include "parser/iso8824.h"
 #include "tree/orvoutil_cmp.h"
@@ -139,28 +140,54 @@ bool valAllExcept(const ValueErrors& errors, const CheckedValue& value) {
 
 // ---- elements -----------------------------------------------------------------------------------
 
-/// Two kinds of character strings whose characters are the same.
-bool isSameWidth(uint8_t a, uint8_t b) {
-    return a == b || (is(a, TypeClass::Narrow) && is(b, TypeClass::Narrow));
-}
-
 /// The value lies on the inner side of an endpoint, or there is none on that side.
-bool isInside(const CheckedValue& value, Endpoint end, bool upper) {
+bool isInside(const CheckedValue& value, const Endpoint& end, bool upper) {
     const uint8_t kind = value.rec.valCode;
-    if (is(kind, TypeClass::StringGroup)) {
-        if (!isSameWidth(kind, end.value.valCode)) return false;
-        end.value.valCode = kind;
-    }
-    if (end.value.valCode != kind) return false;
+    const bool isText = is(kind, TypeClass::StringGroup);
+    if (isText ? !sharesCharacters(subModule(), kind, end.value.valCode)
+               : end.value.valCode != kind)
+        return false;
+    if (end.value.isInfinite) return true;
     const bool isMinOrMax = upper ? subRec.right == 0 : subRec.left == 0;
     const bool isIncluded = (subRec.subFlags & (upper ? SUBF_UPPER : SUBF_LOWER)) != 0;
-    int order = compareValue(value.module, value.rec, end.module, end.value.asValue());
+    const VNode bound = end.value.asValue();
+    int order = isText ? compareCharacters(value.module, value.rec, end.module, bound)
+                       : compareValue(value.module, value.rec, end.module, bound);
     if (upper) order = -order;
     return order > 0 || (order == 0 && isIncluded && (end.flags != 0 || isMinOrMax));
 }
 
+/// The time lies on the inner side of an end that is of its form.
+bool isTimeInside(const TimeVal& time, uint32_t end, bool upper) {
+    if (end == 0) return true;
+    const CheckedValue other = checkedValue({subModule(), VNodeNr{end}});
+    TimeVal bound;
+    if (!readTime(plainText(other.module, other.rec), bound) || !bound.isComparable) return true;
+    if (!isSameForm(time, bound)) return false;
+    const bool isIncluded = (subRec.subFlags & (upper ? SUBF_UPPER : SUBF_LOWER)) != 0;
+    if (time.parts == bound.parts) return isIncluded;
+    return (time.parts < bound.parts) == upper;
+}
+
+bool valTimeRange(const CheckedValue& value) {
+    const SubRec range = subRec;
+    TimeVal time;
+    if (!readTime(plainText(value.module, value.rec), time)) return true; // reported by its form
+    return isTimeInside(time, range.left, false) && isTimeInside(time, range.right, true);
+}
+
+bool valSettings(const CheckedValue& value) {
+    if (subRec.left == 0 || !is(value.rec.valCode, TypeClass::Time)) return true;
+    const CheckedValue text = checkedValue({subModule(), VNodeNr{subRec.left}});
+    TimeSettings settings;
+    std::string_view fault;
+    TimeVal time;
+    return !readTimeSettings(plainText(text.module, text.rec), settings, fault) ||
+           !readTime(plainText(value.module, value.rec), time) || hasSettings(time, settings);
+}
+
 bool valRange(const CheckedValue& value) {
-    if (is(value.rec.valCode, TypeClass::Time)) return true;
+    if (is(value.rec.valCode, TypeClass::Time)) return valTimeRange(value);
     for (const bool upper : {false, true}) {
         Endpoint end;
         if (!getRangeEndpoint(end, upper) || !isInside(value, end, upper)) return false;
@@ -215,6 +242,7 @@ uint64_t leastBits() {
 bool valSizeConstr(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef inner = operandsOf(currentSub());
     if (!inner) return false;
+    if (holdsContents(value.rec)) return true; // its encoding is not known
     uint64_t least = 0;
     if (newNotation(inner.module)) {
         const KeepRec<KIND_SUB> keep;
@@ -249,7 +277,8 @@ const std::u32string& alphabetOf(SubRef sub, const CheckedValue& operand) {
 
 bool isInAlphabet(SubRef sub, const CheckedValue& character, const CheckedValue& operand) {
     const uint8_t kind = operand.rec.valCode;
-    if (kind != TYP_OCTSTR && !isSameWidth(character.rec.valCode, kind)) return false;
+    if (kind != TYP_OCTSTR && !sharesCharacters(sub.module, character.rec.valCode, kind))
+        return false;
     std::u32string one = distinctChars(character.module, character.rec);
     return one.size() == 1 && std::ranges::binary_search(alphabetOf(sub, operand), one[0]);
 }
@@ -268,9 +297,10 @@ bool valSingleValue(const CheckedValue& value) {
     if (value.isCharacter) return isInAlphabet(sub, value, operand);
     const uint8_t kind = value.rec.valCode;
     if (is(kind, TypeClass::Bits) && is(operand.rec.valCode, TypeClass::Bits))
-        return equalBits(value, operand);
-    if (is(kind, TypeClass::StringGroup) && isSameWidth(kind, operand.rec.valCode))
-        operand.rec.valCode = kind;
+        return holdsContents(value.rec) != holdsContents(operand.rec) || equalBits(value, operand);
+    if (is(kind, TypeClass::StringGroup))
+        return sharesCharacters(sub.module, kind, operand.rec.valCode) &&
+               compareCharacters(value.module, value.rec, operand.module, operand.rec) == 0;
     if (is(kind, TypeClass::Time) && is(operand.rec.valCode, TypeClass::Time))
         operand.rec.valCode = kind;
     return kind == operand.rec.valCode &&
@@ -354,17 +384,44 @@ bool presencesAreKept(const CheckedValue& value, SubRef first, std::set<std::str
     return met;
 }
 
+/// The components that the value has meet the constraints of their entries (X.680 (02/2021) 51.8).
+bool componentsMeetEntries(const ValueErrors& errors, const CheckedValue& value, SubRef first) {
+    bool met = true;
+    forEachOperand(first, [&](SubRef entry) {
+        const SubRec sub = subRec;
+        ModuleRec* const owner = refModule(entry.module, static_cast<int32_t>(sub.typeMod));
+        if (sub.subKind == SUB_EXCEPTION || sub.name == 0 || owner == nullptr) return true;
+        if (!findValueCompById(value.module, VNodeNr{value.rec.ref},
+                               getStri(entry.module, int64_t{sub.name})))
+            return true;
+        const CheckedValue part = partAt(value, currentRec<KIND_VNODE>().nr);
+        met &= rememberedVerdict(errors, part, {.against = keyOf(entry), .isInner = true}, [&] {
+            readRec(owner, TNodeNr{sub.typeNr});
+            readRec(entry);
+            return checkAgainstSub(errors, part);
+        });
+        return true;
+    });
+    return met;
+}
+
 /// The current type becomes the structure whose components are restricted.
 void readRestrictedStructure() {
     skipTypes(true);
     static_cast<void>(readAssociatedType(subModule(), tNode.typeCode));
 }
 
-bool valWithComps(const CheckedValue& value) {
+bool valWithComps(const ValueErrors& errors, const CheckedValue& value) {
     const SubRef self = currentSub();
     const bool isFull = (subRec.subFlags & SUBF_FULL) != 0;
     std::set<std::string_view> named;
     bool met = presencesAreKept(value, operandsOf(self), named);
+    if (newNotation(self.module)) {
+        readRec(self);
+        const SubRef first = operandsOf(self);
+        met &= value.rec.valCode == TYP_REAL ? realMeetsEntries(value, first)
+                                             : componentsMeetEntries(errors, value, first);
+    }
     // What a type nearer to the value restricts again is not asked for here.
     if (!isFull || value.isRestricted) return met;
     readRestrictedStructure();
@@ -391,21 +448,22 @@ bool meets(const ValueErrors& errors, const CheckedValue& value) {
     case SUB_SINGLE_VALUE: return valSingleValue(value);
     case SUB_CONTAINED_SUBTYPE: return valContainedSubtype(errors, value);
     case SUB_WITH_COMPONENT: return valWithComp(errors, value);
-    case SUB_WITH_COMPONENTS: return valWithComps(value);
+    case SUB_WITH_COMPONENTS: return valWithComps(errors, value);
     case SUB_TABLE: return valTableConstr(errors, value);
     case SUB_CONTENTS: return newNotation(subModule());
     case SUB_OPEN_TYPE: return newNotation(subModule()) && valOpenType(errors, value);
     case SUB_USER_DEFINED:
     case SUB_EXCEPTION:
-    case SUB_PATTERN:
-    case SUB_SETTINGS: return true;
+    case SUB_PATTERN: return true;
+    case SUB_SETTINGS: return valSettings(value);
     default: return false;
     }
 }
 
 /// Kinds whose failure is reported where it is found, or not at all.
 bool reportsItself(uint8_t subKind) {
-    return subKind == SUB_CONTAINED_SUBTYPE || subKind > SUB_WITH_COMPONENTS;
+    return subKind == SUB_CONTAINED_SUBTYPE ||
+           (subKind > SUB_WITH_COMPONENTS && subKind != SUB_SETTINGS);
 }
 
 } // namespace

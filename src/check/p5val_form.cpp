@@ -1,15 +1,18 @@
 // The form of values that have a form of their own: enumeration items, named bits, open type
-// values, characters, times.
+// values, characters, times, IRIs.
 
+#include <algorithm>
 #include <string_view>
 
 #include "check/check_cache.h"
 #include "check/orvostri.h"
+#include "check/orvotime.h"
 #include "check/p5typ.h"
 #include "check/p5val_int.h"
 #include "tree/orvoutil_find.h"
 #include "util/ascii.h"
 #include "util/guard.h"
+#include "util/utf8.h"
 
 namespace orvo {
 
@@ -58,8 +61,8 @@ bool isTypeThere(const ValueErrors& errors, const CheckedValue& value) {
     return !is(tNode.typeCode, TypeClass::Reference);
 }
 
-/// A value written as Type : value holds that value, which is checked with it. Relations in its
-/// type begin there, as that type is no part of another.
+/// A value written as Type : value, or CONTAINING value, holds that value, which is checked with
+/// it. Relations in its type begin there, as that type is no part of another.
 bool checkInner(const ValueErrors& errors, const CheckedValue& value) {
     if (value.rec.refMod != REF_UNRESOLVED || value.rec.ref == 0) return true;
     return !checksParts(errors, value) ||
@@ -67,6 +70,11 @@ bool checkInner(const ValueErrors& errors, const CheckedValue& value) {
 }
 
 } // namespace
+
+bool checkContents(const ValueErrors& errors, const CheckedValue& value) {
+    if (!holdsContents(value.rec) || checkInner(errors, value)) return true;
+    return failValue(errors, value, invalidValue(tNode.typeCode));
+}
 
 bool checkOpenTypeVal(const ValueErrors& errors, const CheckedValue& value) {
     const bool isOpen = value.rec.valCode == TYP_OPEN || value.rec.valCode == TYP_ANY;
@@ -84,6 +92,16 @@ bool checkCharacters(const ValueErrors& errors, const CheckedValue& value) {
     const std::u32string chars = distinctChars(value.module, value.rec);
     if (chars.find_first_not_of(alphabet) == std::u32string::npos) return true;
     return failValue(errors, value, valueOutOfConstraint(SUBNAME_PERMITTED_ALPHABET));
+}
+
+bool checkWidth(const ValueErrors& errors, const CheckedValue& value) {
+    const uint8_t kind = tNode.typeCode;
+    const bool isLiteral = value.rec.valCode == kind && value.rec.ref == 0;
+    if (isLiteral || !is(kind, TypeClass::StringGroup) || !newNotation(value.module)) return true;
+    const char32_t largest = largestCharacter(kind);
+    for (const char32_t character : distinctChars(value.module, value.rec))
+        if (character > largest) return failValue(errors, value, Msg::CharacterOutsideOfType);
+    return true;
 }
 
 // ---- times --------------------------------------------------------------------------------------
@@ -151,11 +169,67 @@ bool checkTimeVal(const ValueErrors& errors, const CheckedValue& value) {
     const uint8_t code = value.rec.valCode;
     const bool isLiteral = is(code, TypeClass::Narrow) && value.rec.ref == 0;
     TimeText text;
-    if (isLiteral && value.rec.val.str.striLen != 0)
-        text.rest = getStri(value.module, int64_t{value.rec.val.str.stri});
+    if (isLiteral) text.rest = plainText(value.module, value.rec);
     const bool ok = isLiteral && isDate(text, generalized) && isTime(text, generalized) &&
                     isZone(text, generalized) && text.rest.empty();
     return ok || failValue(errors, value, invalidValue(kind));
+}
+
+bool checkTimeForm(const ValueErrors& errors, const CheckedValue& value) {
+    const uint8_t kind = tNode.typeCode;
+    TimeVal time;
+    const bool ok = is(value.rec.valCode, TypeClass::Time) && value.rec.ref == 0 &&
+                    readTime(plainText(value.module, value.rec), time) &&
+                    hasSettings(time, settingsOfType(kind));
+    return ok || failValue(errors, value, invalidValue(kind));
+}
+
+// ---- IRIs ---------------------------------------------------------------------------------------
+
+namespace {
+
+struct CharRange {
+    char32_t first, last;
+};
+
+/// Characters of a label that is no number (X.660 (07/2011) 7.5.4).
+bool isLabelChar(char32_t c) {
+    constexpr std::u32string_view marks = U"-._~";
+    constexpr CharRange ranges[] = {{'0', '9'},        {'A', 'Z'},       {'a', 'z'},
+                                    {0xA0, 0xD7FF},    {0xF900, 0xFDCF}, {0xFDF0, 0xFFEF},
+                                    {0x10000, 0xEFFFD}};
+    if (c >= 0x10000 && ((c & 0xFFFE) == 0xFFFE || (c >= 0xE0000 && c < 0xE1000))) return false;
+    return marks.find(c) != marks.npos ||
+           std::ranges::any_of(ranges, [c](CharRange r) { return c >= r.first && c <= r.last; });
+}
+
+/// A number without leading zeros, or a name (X.680 (02/2021) 12.25, 12.26).
+bool isLabel(std::u32string_view label) {
+    const auto isNumeral = [](char32_t c) { return c >= '0' && c <= '9'; };
+    if (label.empty()) return false;
+    if (std::ranges::all_of(label, isNumeral)) return label.size() == 1 || label.front() != '0';
+    return label.front() != '-' && label.back() != '-' &&
+           !(label.size() >= 4 && label.substr(2, 2) == U"--") &&
+           std::ranges::all_of(label, isLabelChar);
+}
+
+bool isIri(std::u32string_view text, bool isRelative) {
+    if (!isRelative && !text.starts_with(U'/')) return false;
+    if (!isRelative) text.remove_prefix(1);
+    for (;;) {
+        const size_t end = std::min(text.find(U'/'), text.size());
+        if (!isLabel(text.substr(0, end))) return false;
+        if (end == text.size()) return true;
+        text.remove_prefix(end + 1);
+    }
+}
+
+} // namespace
+
+bool checkIri(const ValueErrors& errors, const CheckedValue& value) {
+    const uint8_t kind = tNode.typeCode;
+    const std::u32string text = fromUtf8(plainText(value.module, value.rec));
+    return isIri(text, kind == TYP_RELOIDIRI) || failValue(errors, value, invalidValue(kind));
 }
 
 } // namespace orvo

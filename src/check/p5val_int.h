@@ -114,10 +114,28 @@ bool readBuiltinType(uint8_t kind);
 // ---- p5val_form ---------------------------------------------------------------------------------
 [[nodiscard]] bool checkEnumVal(const ValueErrors& errors, const CheckedValue& value);
 [[nodiscard]] bool checkBitStriVal(const ValueErrors& errors, const CheckedValue& value);
+/// A string that is given by what it contains: that is checked with it.
+[[nodiscard]] bool checkContents(const ValueErrors& errors, const CheckedValue& value);
 [[nodiscard]] bool checkOpenTypeVal(const ValueErrors& errors, const CheckedValue& value);
 /// NumericString and PrintableString: their characters.
 [[nodiscard]] bool checkCharacters(const ValueErrors& errors, const CheckedValue& value);
+/// Characters that references bring in from strings of other kinds.
+[[nodiscard]] bool checkWidth(const ValueErrors& errors, const CheckedValue& value);
+/// GeneralizedTime and UTCTime.
 [[nodiscard]] bool checkTimeVal(const ValueErrors& errors, const CheckedValue& value);
+/// TIME and the types defined by it.
+[[nodiscard]] bool checkTimeForm(const ValueErrors& errors, const CheckedValue& value);
+/// The labels of OID-IRI and RELATIVE-OID-IRI.
+[[nodiscard]] bool checkIri(const ValueErrors& errors, const CheckedValue& value);
+
+// ---- p5val_real ---------------------------------------------------------------------------------
+/// A REAL value has the mantissa, base and exponent that the entries of a WITH COMPONENTS ask for.
+[[nodiscard]] bool realMeetsEntries(const CheckedValue& value, SubRef first);
+
+// ---- p5val_inst ---------------------------------------------------------------------------------
+/// The type that governs the value is compatible with `type`; with notation of today so are
+/// instances that were made with equal actual parameters. Preserving.
+[[nodiscard]] bool isGovernedBy(const CheckedValue& value, TNodeRef type);
 
 // ---- p5val_oid ----------------------------------------------------------------------------------
 [[nodiscard]] bool checkObjIdVal(const ValueErrors& errors, const CheckedValue& value);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <string>
 
+#include "check/orvonum.h"
 #include "check/p5val_int.h"
 #include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
@@ -24,14 +25,16 @@ struct ObjIdArcs {
     bool isRelative = false;
     size_t count = 0; // arcs so far, valid or not
     int64_t first[2] = {unknownArc, unknownArc};
+    size_t most = 0;          // arcs that there may be
     std::string text;         // the accepted ones, each with a comma behind it
     size_t entries = 0;       // components as written
     bool prefixAlone = false; // the first one is a whole object identifier
 };
 
-void addArc(ObjIdArcs& arcs, int64_t number) {
-    if (arcs.count >= 1 && arcs.count <= 2) arcs.first[arcs.count - 1] = number;
-    if (arcs.count <= maxArcs) arcs.text += concat(std::to_string(number), ",");
+void addArc(ObjIdArcs& arcs, const Integer& number) {
+    if (arcs.count >= 1 && arcs.count <= 2) arcs.first[arcs.count - 1] = number.nearest();
+    if (arcs.count <= arcs.most && arcs.text.size() <= maxArcsText)
+        arcs.text += concat(number.text(), ",");
 }
 
 bool isValidFirstObjIdComp(int32_t form, int64_t number) {
@@ -77,7 +80,7 @@ template <typename Fn> void forEachArc(const CheckedValue& component, Fn&& fn) {
     const std::string_view text = getStri(component.module, int64_t{vNode.val.str.stri});
     for (size_t from = 0; from < text.size(); ++from) {
         const size_t end = std::min(text.find(',', from), text.size());
-        fn(std::stoll(std::string(text.substr(from, end - from))));
+        fn(Integer::of(text.substr(from, end - from)));
         from = end;
     }
 }
@@ -90,7 +93,7 @@ bool addPrefix(const ValueErrors& errors, const CheckedValue& component, ObjIdAr
         return failValue(errors, component, Msg::InvalidObjIdPrefix);
     }
     arcs.count = 0;
-    forEachArc(component, [&](int64_t arc) {
+    forEachArc(component, [&](const Integer& arc) {
         ++arcs.count;
         addArc(arcs, arc);
     });
@@ -107,9 +110,9 @@ bool addRelative(const ValueErrors& errors, const CheckedValue& component, ObjId
     bool ok = settleObjId({component.module, component.nr}, errors.module);
     if (ok) {
         --arcs.count;
-        forEachArc(component, [&](int64_t arc) {
+        forEachArc(component, [&](const Integer& arc) {
             ++arcs.count;
-            ok &= isValidObjIdComp(arcs, numberForm, arc);
+            ok &= isValidObjIdComp(arcs, numberForm, arc.nearest());
             addArc(arcs, arc);
         });
     }
@@ -128,8 +131,8 @@ bool checkObjIdComp(const ValueErrors& errors, const CheckedValue& component, Ob
         return addPrefix(errors, component, arcs);
     if (component.rec.valCode == TYP_RELOID) return addRelative(errors, component, arcs);
     if (component.rec.valCode == TYP_INTEGER) {
-        const int64_t number = i64native(component.rec.val.number);
-        if (isValidObjIdComp(arcs, formOf(component), number)) {
+        const Integer number = integerOf(component.module, component.rec.val);
+        if (isValidObjIdComp(arcs, formOf(component), number.nearest())) {
             addArc(arcs, number);
             return true;
         }
@@ -141,9 +144,12 @@ bool isLengthValid(const ValueErrors& errors, const CheckedValue& value, const O
     std::string text;
     if (arcs.count < 2 && !arcs.isRelative)
         text = "Too few object identifier components.";
-    else if (arcs.count > maxArcs)
-        text = concat("Limitation: there can be only ", std::to_string(maxArcs),
+    else if (arcs.count > arcs.most)
+        text = concat("Limitation: there can be only ", std::to_string(arcs.most),
                       " object identifier components.");
+    else if (arcs.text.size() > maxArcsText)
+        text = concat("Limitation: object identifier components can have only ",
+                      std::to_string(maxArcsText), " digits together.");
     else if (arcs.prefixAlone && arcs.entries == 1)
         text = "An object identifier prefix without additional components.";
     else
@@ -175,6 +181,7 @@ bool settleObjId(VNodeRef at, ModuleRec* caller) {
     const CheckedValue value = checkedValue(at);
     ObjIdArcs arcs;
     arcs.isRelative = value.rec.valCode == TYP_RELOID;
+    arcs.most = maxArcs(at.module);
     storeArcs(at, arcs, false); // one that begins with itself
     bool ok = true;
     for (const VNodeNr nr : chain(at.module, VNodeNr{value.rec.ref})) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -165,30 +166,87 @@ bool checkStruValMandOpt(const ValueErrors& errors, const CheckedValue& value,
     return ok;
 }
 
-bool isCompatible(const CheckedValue& value) {
+/// An entry of the list is an extension marker.
+bool isMarkerEntry(const FlatEntry& entry) {
+    if (!entry.name.empty() || entry.repeated) return false;
+    readRec(entry.component);
+    return tNode.typeCode == TYP_EXTENSION_MARKER;
+}
+
+/// In today's notation the values of a SEQUENCE come in the order of its components (X.680
+/// (02/2021) 25.18). What comes too late is told of.
+bool valuesAreInOrder(const ValueErrors& errors, const CheckedValue& value,
+                      const std::vector<FlatEntry>& entries, const Components& components) {
+    std::unordered_map<std::string_view, size_t> places;
+    for (const FlatEntry& entry : entries)
+        if (!entry.name.empty() && !entry.repeated) places.try_emplace(entry.name, places.size());
+    bool ok = true;
+    size_t next = 0; // the first component that may follow
+    for (const VNodeNr nr : components.records) {
+        const auto place = places.find(nameAt({components.module, nr}));
+        if (place == places.end()) continue;
+        if (place->second + 1 < next)
+            ok = failValue(errors, partAt(value, nr), Msg::ComponentValuesOutOfOrder);
+        next = std::max(next, place->second + 1);
+    }
+    return ok;
+}
+
+/// In today's notation additions may be missing from some point on, but not in front of one that is
+/// there (X.680 (02/2021) 25.13 to 25.15).
+bool checkPresence(const ValueErrors& errors, const CheckedValue& value, const Structure& structure,
+                   const Components& components) {
     const TNodeRef type = currentRec<KIND_TNODE>();
-    ModuleRec* governor = refModule(value.module, static_cast<int32_t>(value.rec.govTypeMod));
-    return governor != nullptr && value.rec.govType != 0 &&
-           typeCompatible(type.module, type.nr, governor, TNodeNr{value.rec.govType});
+    const std::vector<FlatEntry>& entries = flatComponents(type.module, TNodeNr{tNode.ref});
+    const auto isThere = [&](const FlatEntry& entry) {
+        return !entry.name.empty() && components.find(entry.name, 0) != Components::none;
+    };
+    RootOfList root(type.module);
+    std::vector<bool> isAddition(entries.size());
+    size_t needed = 0; // additions in front of this place
+    for (size_t place = 0; place < entries.size(); ++place) {
+        if (isMarkerEntry(entries[place])) root.passMarker();
+        isAddition[place] = !root.isRoot();
+        if (isAddition[place] && isThere(entries[place])) needed = place;
+    }
+    readRec(type);
+    const std::unordered_set<uint32_t> groups = presentGroups(entries, components);
+    bool ok = structure.kind != TYP_SEQ || valuesAreInOrder(errors, value, entries, components);
+    for (size_t place = 0; place < entries.size(); ++place) {
+        const FlatEntry& entry = entries[place];
+        if (entry.repeated || entry.name.empty() || entry.compStatus != TCS_MANDATORY ||
+            isThere(entry))
+            continue;
+        if (isAddition[place] && place > needed && !groups.contains(entry.group.nr)) continue;
+        reportValue(errors, value, Msg::MandatoryComponentValueMissing,
+                    concat("component '", entry.name, "'"));
+        ok = false;
+    }
+    readRec(type);
+    return ok;
 }
 
 bool checkParts(const ValueErrors& errors, const CheckedValue& value, const Structure& structure) {
     const Components components = componentsOf(value);
     bool ok = checkStruValComps(errors, value, structure, components);
-    if (structure.kind != TYP_CHOICE)
+    if (structure.kind == TYP_CHOICE) return ok;
+    if (newNotation(typeModule()) && !structure.isObject())
+        ok &= checkPresence(errors, value, structure, components);
+    else
         ok &= checkStruValMandOpt(errors, value, structure, components);
     return ok;
 }
 
 bool checkStruVal(const ValueErrors& errors, const CheckedValue& value) {
     const Structure structure = structureOf(tNode.typeCode);
-    const bool ok = isCompatible(value) && checkParts(errors, value, structure);
+    const bool ok =
+        isGovernedBy(value, currentRec<KIND_TNODE>()) && checkParts(errors, value, structure);
     return ok || failValue(errors, value, structure.invalid);
 }
 
 bool checkSOfVal(const ValueErrors& errors, const CheckedValue& value) {
     const uint8_t kind = tNode.typeCode;
-    bool ok = isCompatible(value);
+    bool ok = isGovernedBy(value, currentRec<KIND_TNODE>());
     if (ok && checksParts(errors, value)) {
         const CheckedValue holder = holderOf(value);
         const Components elements = componentsOf(value);

@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "check/check_cache.h"
+#include "check/p5set.h"
 #include "check/p5val_int.h"
 #include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
@@ -22,22 +22,6 @@ void sorry() {
     if (p5ValState.sorrySaid || run.verboseEx <= 1) return;
     p5ValState.sorrySaid = true;
     std::fputs("\n** WARNING: Table constraint checks not fully implemented, sorry.\n\n", stderr);
-}
-
-/// The field named by an entry of a field name chain: the name that was written, or that of the
-/// record which solves it. False for a value.
-bool fieldName(ModuleRec* module, std::string& name) {
-    if (sNode.module == 0) {
-        name = getStri(module, sNode.value);
-        return true;
-    }
-    ModuleRec* owner = refModule(module, static_cast<int32_t>(sNode.module));
-    if (owner == nullptr || sNode.value <= 0) return false;
-    const KeepRec<KIND_TNODE> keep;
-    readRec(owner, TNodeNr{static_cast<uint32_t>(sNode.value)});
-    if (tNode.name == 0) return false;
-    name = getStri(owner, tNode.name);
-    return true;
 }
 
 /// The fields of the current type, an object class field type. False when it is none, or when a
@@ -55,55 +39,9 @@ bool fieldPath(FieldPath& path) {
 
 // ---- the objects of a set -----------------------------------------------------------------------
 
-struct Collecting {
-    TableIndex& table;
-    const FieldPath& path;
-    std::set<std::pair<ModuleRec*, uint32_t>> walked; // sets that were walked
-};
-
-bool isObjectSetting() {
-    return (vNode.vflags & VF_SET) == 0 && isClassCode(vNode.valCode);
-}
-
-/// The default that the class of an object has for a field.
-VNodeRef classDefault(ModuleRec* module, const VNode& object, std::string_view name) {
-    const KeepRec<KIND_TNODE> keep;
-    ModuleRec* governor = refModule(module, static_cast<int32_t>(object.govTypeMod));
-    if (governor == nullptr || object.govType == 0) return {};
-    readRec(governor, TNodeNr{object.govType});
-    skipTypes(true);
-    if (tNode.typeCode != TYP_CLASS && isClassCode(tNode.typeCode))
-        static_cast<void>(readBuiltinType(tNode.typeCode));
-    if (tNode.typeCode != TYP_CLASS || tNode.ref == 0) return {};
-    if (!findTypeCompById(typeModule(), TNodeNr{tNode.ref}, name)) return {};
-    return {typeModule(), VNodeNr{tNode.defaultVal}};
-}
-
-/// The setting at the end of a path through fields that hold objects; none when an object on the
-/// way has no such setting. `isSet`: a field on the way holds a set of objects.
-VNodeRef settingOf(VNodeRef object, const FieldPath& path, bool& isSet) {
-    isSet = false;
-    VNodeRef at = object;
-    for (size_t step = 0; step < path.size(); ++step) {
-        readRec(at);
-        skipValues(true);
-        if (step != 0 && (vNode.vflags & VF_SET) != 0) isSet = true;
-        if (isSet || !isObjectSetting()) return {};
-        ModuleRec* module = valueModule();
-        const VNode holder = vNode;
-        if (findValueCompById(module, VNodeNr{holder.ref}, path[step]))
-            at = currentRec<KIND_VNODE>();
-        else
-            at = classDefault(module, holder, path[step]);
-        if (!at) return {};
-    }
-    return at;
-}
-
-void addObject(Collecting& collecting, VNodeRef object) {
-    TableIndex& table = collecting.table;
+void addObject(TableIndex& table, const FieldPath& path, VNodeRef object) {
     bool isSet = false;
-    const VNodeRef setting = settingOf(object, collecting.path, isSet);
+    const VNodeRef setting = settingOf(object, path, isSet);
     if (!setting && !isSet) return;
     const size_t place = table.entries.size();
     table.entries.push_back({object, setting});
@@ -114,41 +52,6 @@ void addObject(Collecting& collecting, VNodeRef object) {
         table.byValue[hashOfValue(value.module, value.rec)].push_back(place);
 }
 
-void collectFromType(Collecting& collecting, TNodeRef set);
-
-/// The element in the current constraint record of a set.
-void collectFromSub(Collecting& collecting, SubRef sub) {
-    readRec(sub);
-    switch (subRec.subKind) {
-    case SUB_UNION:
-    case SUB_SERIAL:
-        for (const SubNr nr : chain(sub.module, SubNr{subRec.left}))
-            collectFromSub(collecting, {sub.module, nr});
-        return;
-    case SUB_INTERSECTION:
-    case SUB_EXCEPT:
-    case SUB_ALL_EXCEPT: collecting.table.met = true; return;
-    case SUB_SINGLE_VALUE:
-        if (subRec.left != 0) addObject(collecting, {sub.module, VNodeNr{subRec.left}});
-        return;
-    case SUB_CONTAINED_SUBTYPE:
-        readRec(sub.module, VNodeNr{subRec.left});
-        if (readTypeSetting()) collectFromType(collecting, currentRec<KIND_TNODE>());
-        return;
-    default: return;
-    }
-}
-
-/// A set, or a reference to one. A set that was walked before brings no new objects.
-void collectFromType(Collecting& collecting, TNodeRef set) {
-    readRec(set);
-    while (tNode.constraint <= 0)
-        if (!followTypeRef(true)) return;
-    const TNodeRef type = currentRec<KIND_TNODE>();
-    if (!collecting.walked.insert({type.module, type.nr.nr}).second) return;
-    collectFromSub(collecting, {type.module, SubNr{magnitude(tNode.constraint)}});
-}
-
 /// The objects of the set in a table constraint with their settings for the fields of `path`.
 const TableIndex& objSetFieldsToList(SubRef sub, const FieldPath& path) {
     const auto [note, isNew] = checkCacheOf(sub.module).tables.try_emplace({sub.nr.nr, path});
@@ -156,11 +59,14 @@ const TableIndex& objSetFieldsToList(SubRef sub, const FieldPath& path) {
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;
+    const KeepRec<KIND_SNODE> keepEntry;
     readRec(sub);
-    Collecting collecting{note->second, path, {}};
+    TableIndex& table = note->second;
+    ObjectWalk walk{[&](VNodeRef object) { addObject(table, path, object); }};
     readRec(sub.module, VNodeNr{subRec.left});
-    if (readTypeSetting()) collectFromType(collecting, currentRec<KIND_TNODE>());
-    return note->second;
+    if (readTypeSetting()) walkSet(walk, currentRec<KIND_TNODE>());
+    table.met = walk.isPartial;
+    return table;
 }
 
 // ---- objects that agree with a value ------------------------------------------------------------

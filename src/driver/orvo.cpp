@@ -28,6 +28,7 @@
 #include "parser/iso8824.h"
 #include "parser/parser.h"
 #include "solve/solve.h"
+#include "solve/solve_macro.h"
 #include "solve/solve_pass3.h"
 #include "symtab/orvosym_imp.h"
 #include "symtab/orvosym_list.h"
@@ -124,6 +125,7 @@ void clearPass1Fields(ModuleRec& module) {
     module.nbStxErrors = module.nbSemErrors = module.nbSymErrors = module.nbWarnings = 0;
     module.automaticTags = module.extensibilityImplied = module.otherInstructions = false;
     module.macros.clear();
+    module.macroUses.clear();
     module.tagDefault = 1;
 }
 
@@ -429,7 +431,12 @@ int orvo_main(int argc, char** argv) {
     if (run.keepGoing) settleMissingModules();
     parseInternal(); // the notation of the modules decides which kinds it has
     solveRefs1Internal();
+    if (run.anyNewNotation) {
+        passOver(settleMacroTypes, Phase::Pass1);
+        passOver(settleMacros, Phase::Pass1);
+    }
     passOver(solveRefs1, Phase::Pass2);
+    if (run.anyNewNotation) passOver(governMacroReferences, Phase::Pass2);
     solveRefs2Internal();
     passOver(solveRefs2, Phase::Pass3);
     passFourInternal();

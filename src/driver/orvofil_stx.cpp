@@ -12,8 +12,9 @@
 // the same on every host, and two runs can be compared.
 //
 // The counts are those of pass 4. Pass 5 annotates records; the few it makes are for itself. They
-// have higher numbers and stay out of the file without anything being numbered anew, unless it has
-// switched options off: their records name texts that were added then.
+// have higher numbers and stay out of the file without anything being numbered anew, unless records
+// of the file name texts that were added then: options that were switched off, items of
+// enumerations that were numbered beyond 64 bits.
 
 #include "driver/orvofil_stx.h"
 
@@ -156,7 +157,7 @@ void writeSubTree(TreeFile& tree, ModuleRec* module, RecKind kind) {
 void writeTree(ModuleRec* module) {
     const Timed timed(Phase::Tree);
     const std::string path = concat(run.stxDir, module->generationPrefix, ".stx");
-    if (module->optionsDisabled) countAgain(module);
+    if (module->stringsAdded) countAgain(module);
     TreeFile tree{openFile(path, "wb"), {}};
     if (tree.file == nullptr) fatalError(Fatal::OpenWrite, path);
     for (int kind = 0; kind < fileKindCount; ++kind)

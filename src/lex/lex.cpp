@@ -184,6 +184,12 @@ int32_t readName() {
     return isTypeName ? TOK_TYPEID : TOK_VALUEID;
 }
 
+/// The text of a number that is more than a word, as long as a string may be.
+int32_t numberText(std::string_view text) {
+    if (text.size() > maxStringLength) noteLexError(Msg::TooManyCharacters);
+    return internText(text.substr(0, maxStringLength));
+}
+
 void installNumber(std::string_view digits) {
     if (digits.size() >= 2 && digits[0] == '0') {
         noteLexError(Msg::LeadingZeroesIn);
@@ -196,7 +202,7 @@ void installNumber(std::string_view digits) {
     if (!newNotation())
         noteLexError(Msg::TooManyDigits);
     else if (!fits)
-        lexState.Outp->text = internText(digits);
+        lexState.Outp->text = numberText(digits);
 }
 
 const char* skipDigits(const char* at) {
@@ -224,7 +230,7 @@ const char* endOfReal(const char* at) {
 
 int32_t realNumber(const char* from, const char* end) {
     lexState.Inp = end;
-    lexState.Outp->text = internText({from, static_cast<size_t>(end - from)});
+    lexState.Outp->text = numberText({from, static_cast<size_t>(end - from)});
     return TOK_REALNUMBER;
 }
 

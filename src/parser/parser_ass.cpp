@@ -109,6 +109,9 @@ void valueAssignment() {
     assignment.valueHead = newValueHead(parserState.Inp, lookAhead(1).code == TOK_LBRACE);
     noteHeader(assignment);
     ReadIn();
+    // Types too may be left out: any name counts.
+    if (newNotation() && parserState.Inp.code == TOK_TYPEID && lookAhead(1).code == TOK_ASSIGN)
+        noteMacro(parserState.Inp, assignment.valueHead, false);
     MGR57ParameterList();
     governingType(assignment);
     expectToken(TOK_ASSIGN);
@@ -139,6 +142,8 @@ void typeOrClassAssignment(const Assignment& assignment, const Token& name) {
     atType(assignment.typeHead);
     ReadIn();
     if (beginsType(parserState.Inp.code)) {
+        if (newNotation() && mayBeMacro(parserState.Inp))
+            noteMacroType(parserState.Inp, assignment.typeHead);
         MGR59Type();
     } else if (parserState.Inp.code == TOK_CLASS) {
         if (buildsTree()) requireCapital(getStri(cMP, name.stri()), name.line);

@@ -168,11 +168,13 @@ DNodeNr MGR63BraceValue() {
 
 namespace {
 
-/// {identifier `:` | Type `:`}: the alternatives of CHOICE values and the types of open type values
-/// around a value.
+/// {identifier `:` | Type `:` | CONTAINING}: the alternatives of CHOICE values, the types of open
+/// type values and the strings around a value.
 void valueSelectors() {
     for (;;) {
-        if (parserState.Inp.code == TOK_VALUEID && lookAhead(1).code == TOK_COLON) {
+        if (parserState.Inp.code == TOK_CONTAINING && newNotation()) {
+            ReadIn();
+        } else if (parserState.Inp.code == TOK_VALUEID && lookAhead(1).code == TOK_COLON) {
             ReadIn();
             ReadIn();
         } else if (typeFollows(false)) {

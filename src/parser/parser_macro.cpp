@@ -3,6 +3,7 @@
 
 #include "parser/parser_macro.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -36,16 +37,20 @@ int bracketsOf(int32_t code) {
     }
 }
 
-/// Passes over tokens up to one of the set that stands in no brackets, END or the end of the text.
-void passOverTo(const TokenSet& stop) {
+/// Passes over tokens up to one of the set that stands in no brackets, END or the end of the text;
+/// also to one of which `stopsAt` holds.
+template <typename Fn> void passOverTo(const TokenSet& stop, Fn&& stopsAt) {
     const Restore<bool> quiet(parserState.passingOver, true);
     int open = 0;
     while (parserState.Inp.code != TOK_EOF) {
-        if (open <= 0 && (stop.has(parserState.Inp.code) || parserState.Inp.code == TOK_END))
-            return;
+        const int32_t code = parserState.Inp.code;
+        if (open <= 0 && (stop.has(code) || code == TOK_END || stopsAt())) return;
         open += bracketsOf(parserState.Inp.code);
         ReadIn();
     }
+}
+void passOverTo(const TokenSet& stop) {
+    passOverTo(stop, [] { return false; });
 }
 
 bool isMacroDefinition() {
@@ -53,41 +58,74 @@ bool isMacroDefinition() {
            lookAhead(2).code == TOK_ASSIGN;
 }
 
+/// Published modules write `localValue 5` and `localValue : 5`.
+bool isForm(const Token& token) {
+    return token.code == TOK_VALUEID &&
+           (nameOf(token) == "localValue" || nameOf(token) == "globalValue");
+}
+constexpr TokenSet beginsFormValue = {TOK_COLON, TOK_NUMBER, TOK_MINUS, TOK_LBRACE};
+
 /// Notation that no type is written with stands behind the name of the macro.
 bool isMacroValue() {
     if (parserState.Inp.code != TOK_VALUEID || lookAhead(1).code != TOK_TYPEID) return false;
     if (cMP->macros.contains(nameOf(lookAhead(1)))) return true;
     const int32_t behind = lookAhead(2).code;
     if (behind == TOK_ASSIGN) // v OPERATION ::= localValue 5
-        return lookAhead(3).code == TOK_VALUEID &&
-               (nameOf(lookAhead(3)) == "localValue" || nameOf(lookAhead(3)) == "globalValue");
+        return isForm(lookAhead(3)) && beginsFormValue.has(lookAhead(4).code);
     return behind == TOK_TYPEID || behind == TOK_VALUEID || behind == TOK_CSTRING ||
            isReservedWord(behind);
 }
 
-/// T ::= MACRO WORD "text" ..., T ::= MACRO WORD name ...
+/// Words with which arguments of the macros OPERATION and ERROR begin (X.219).
+constexpr std::string_view argumentWords[] = {"ARGUMENT", "PARAMETER", "RESULT", "ERRORS",
+                                              "LINKED"};
+bool beginsArgument(const Token& token) {
+    return std::ranges::find(argumentWords, nameOf(token)) != std::end(argumentWords);
+}
+
+/// T ::= MACRO SYNTAX ..., T ::= MACRO WORD "text" ..., T ::= MACRO WORD name ..., T ::= MACRO WORD
+/// Name Name ...: where no macro is meant an assignment begins at WORD.
 bool isMacroType() {
     if (parserState.Inp.code != TOK_TYPEID || lookAhead(1).code != TOK_ASSIGN ||
         lookAhead(2).code != TOK_TYPEID)
         return false;
     if (cMP->macros.contains(nameOf(lookAhead(2)))) return true;
-    if (lookAhead(3).code != TOK_TYPEID) return false;
+    if (lookAhead(3).code == TOK_SYNTAX) return true;
+    if (lookAhead(3).code != TOK_TYPEID || lookAhead(4).code == TOK_ASSIGN) return false;
+    if (beginsArgument(lookAhead(3))) return true;
     const int32_t argument = lookAhead(4).code;
-    return argument == TOK_CSTRING || (argument == TOK_VALUEID && lookAhead(5).code != TOK_DOT);
+    const int32_t behind = lookAhead(5).code;
+    if (argument == TOK_TYPEID)
+        return behind == TOK_TYPEID || behind == TOK_VALUEID || isReservedWord(behind);
+    return argument == TOK_CSTRING || (argument == TOK_VALUEID && behind != TOK_DOT);
 }
 
-void noteUse(const Token& macro) {
-    const std::string name(nameOf(macro));
-    if (name.empty()) return;
-    cMP->macros.insert(name);
-    recordOnce(cMP, Msg::MacroUsed, macro.line, name);
+/// An assignment begins at the current token: what a macro without SYNTAX leaves of its type ends.
+bool isNextAssignment() {
+    const int32_t code = parserState.Inp.code;
+    if (code != TOK_TYPEID && code != TOK_VALUEID) return false;
+    const int32_t second = lookAhead(1).code;
+    const int32_t third = lookAhead(2).code;
+    if (code == TOK_TYPEID) {
+        if (second == TOK_ASSIGN || isMacroDefinition()) return true;
+        return second == TOK_TYPEID && third == TOK_ASSIGN && lookAhead(3).code == TOK_LBRACE;
+    }
+    if (second == TOK_TYPEID) {
+        const std::string_view name = nameOf(lookAhead(1));
+        if (cMP->macros.contains(name)) return true;
+        if (third == TOK_TYPEID) // v OPERATION ARGUMENT ..., but not: v Type RESULT ...
+            return beginsArgument(lookAhead(2)) &&
+                   (name.ends_with("OPERATION") || name.ends_with("ERROR"));
+        return third == TOK_ASSIGN || (third == TOK_DOT && lookAhead(4).code == TOK_ASSIGN);
+    }
+    return beginsType(second) && (third == TOK_ASSIGN || lookAhead(3).code == TOK_ASSIGN);
 }
 
 /// name MACRO `::=` (BEGIN ... END | reference)
 void macroDefinition() {
     recordError(cMP, ERR_WARNING, Msg::MacroPassedOver, parserState.Inp.line,
                 nameOf(parserState.Inp));
-    if (buildsTree()) cMP->macros.insert(std::string(nameOf(parserState.Inp)));
+    cMP->macros.emplace(nameOf(parserState.Inp));
     for (int i = 0; i < 3; ++i) ReadIn();
     if (parserState.Inp.code == TOK_BEGIN) {
         passOverTo({});
@@ -100,12 +138,14 @@ void macroDefinition() {
     expectToken(TOK_TYPEID);
 }
 
-/// Kind of the value behind `::=`: a number is an INTEGER, braces an OBJECT IDENTIFIER.
+/// Kind of the value behind `::=`: a number is an INTEGER, braces may be an OBJECT IDENTIFIER. That
+/// of a reference is not known yet.
 TypeCode kindOfValue() {
     switch (parserState.Inp.code) {
     case TOK_NUMBER:
     case TOK_MINUS: return TYP_INTEGER;
     case TOK_LBRACE: return TYP_OBJID;
+    case TOK_VALUEID: return lookAhead(1).code == TOK_COLON ? TYP_NONE : TYP_OBJID;
     default: return TYP_NONE;
     }
 }
@@ -114,35 +154,42 @@ TypeCode kindOfValue() {
 void macroValue() {
     const Token name = parserState.Inp;
     ReadIn();
-    noteUse(parserState.Inp);
+    const Token macro = parserState.Inp;
     passOverTo({TOK_ASSIGN});
     if (!expectToken(TOK_ASSIGN)) return;
-    const std::string_view form = nameOf(parserState.Inp);
-    if (form == "localValue" || form == "globalValue") {
+    if (isForm(parserState.Inp)) {
         ReadIn();
         if (parserState.Inp.code == TOK_COLON) ReadIn();
     }
     const TypeCode kind = kindOfValue();
     if (kind == TYP_NONE) {
+        noteMacro(macro, {}, true);
         recordError(cMP, ERR_WARNING, Msg::MacroValueLeftOut, name.line, nameOf(name));
-        if (buildsTree()) cMP->macros.insert(std::string(nameOf(name)));
+        cMP->macros.emplace(nameOf(name));
         MGR68OpenValue();
         return;
     }
     const VNodeNr head = newValueHead(name, false);
+    noteMacro(macro, kind == TYP_INTEGER ? VNodeNr{} : head, true);
     const TNodeNr type = newTypeNode();
     setTypeCode(kind);
     if (atValue(head)) vNode.govType = type.nr;
     assignedValue(head);
 }
 
-/// name `::=` MACRO ... SYNTAX Type
+/// name `::=` MACRO ... [SYNTAX Type]
 void macroType() {
     const Token name = parserState.Inp;
     ReadIn();
+    noteMacro(lookAhead(1), {}, true);
     ReadIn();
-    noteUse(parserState.Inp);
-    passOverTo({TOK_SYNTAX});
+    ReadIn();
+    passOverTo({TOK_SYNTAX, TOK_ASSIGN}, isNextAssignment);
+    if (parserState.Inp.code == TOK_END || isNextAssignment()) {
+        recordError(cMP, ERR_WARNING, Msg::MacroTypeLeftOut, name.line, nameOf(name));
+        cMP->macros.emplace(nameOf(name));
+        return;
+    }
     if (!expectToken(TOK_SYNTAX)) return;
     const Restore own(parserState.openInst, static_cast<int16_t>(parserState.openInst + 1));
     atType(newTypeHead(name, false));
@@ -165,6 +212,20 @@ void passOverBrackets() {
 }
 
 } // namespace
+
+bool mayBeMacro(const Token& type) {
+    if (type.code != TOK_TYPEID) return false;
+    return std::ranges::none_of(nameOf(type), [](char c) { return c >= 'a' && c <= 'z'; });
+}
+
+void noteMacro(const Token& macro, VNodeNr value, bool byNotation) {
+    if (buildsTree())
+        cMP->macroUses.push_back({macro.stri(), macro.line, value, {}, byNotation, false});
+}
+
+void noteMacroType(const Token& macro, TNodeNr type) {
+    if (buildsTree()) cMP->macroUses.push_back({macro.stri(), macro.line, {}, type, false, false});
+}
 
 bool macroFollows() {
     return isMacroDefinition() || isMacroValue() || isMacroType();

@@ -3,6 +3,8 @@
 
 #include "parser/parser_mod.h"
 
+#include <string>
+
 #include "diag/orvoerr.h"
 #include "parser/parser.h"
 #include "parser/parser_ass.h"
@@ -25,13 +27,25 @@ bool isReference(int32_t code) {
     return code == TOK_TYPEID || code == TOK_VALUEID;
 }
 
-/// Published modules list words that need no import: `BIT`, `BMPString`.
-bool beginsWithReservedSymbol() {
-    const int32_t code = parserState.Inp.code;
+bool isListedWord(int32_t code) {
     const bool isWord = isReservedWord(code) || isOlderTypeName(code) || isLaterWord(code);
-    const int32_t behind = lookAhead(1).code;
-    return isWord && isLenient(cMP) && code != TOK_FROM && code != TOK_END &&
-           (behind == TOK_COMMA || behind == TOK_FROM || behind == TOK_SEMICOLON);
+    return isWord && code != TOK_FROM && code != TOK_END;
+}
+
+/// Words of the name at the current token that need no import, though published modules list it:
+/// `BMPString`, `BIT STRING`; 0 for other names.
+uint32_t reservedSymbolWords() {
+    if (!isLenient(cMP) || !isListedWord(parserState.Inp.code)) return 0;
+    const uint32_t words = isListedWord(lookAhead(1).code) ? 2 : 1;
+    constexpr TokenSet behindSymbol = {TOK_COMMA, TOK_FROM, TOK_SEMICOLON};
+    return behindSymbol.has(lookAhead(words).code) ? words : 0;
+}
+
+void passOverReservedSymbol(uint32_t words) {
+    std::string name(tokenName(parserState.Inp.code));
+    if (words == 2) name.append(" ").append(tokenName(lookAhead(1).code));
+    recordOnce(cMP, Msg::ReservedWordInSymbolList, parserState.Inp.line, name);
+    for (; words != 0; --words) ReadIn();
 }
 
 /// [(EXPLICIT | IMPLICIT | AUTOMATIC) TAGS]
@@ -153,7 +167,7 @@ void symbolsFromModule() {
     assignedIdentifier();
     if (parserState.Inp.code == TOK_WITH && newNotation())
         selectionOption(module.stri(), token == TOK_LBRACE || token == TOK_MARKER);
-    if (beginsWithReservedSymbol()) return;
+    if (reservedSymbolWords() != 0) return;
     if (!isReference(parserState.Inp.code) && parserState.Inp.code != TOK_SEMICOLON)
         MGError(notAllowed);
 }
@@ -163,7 +177,7 @@ void importsClause() {
     if (parserState.Inp.code != TOK_IMPORTS) return;
     ReadIn();
     cMP->importsState = parserState.Inp.code == TOK_SEMICOLON ? 1 : 2;
-    while (isReference(parserState.Inp.code) || beginsWithReservedSymbol()) symbolsFromModule();
+    while (isReference(parserState.Inp.code) || reservedSymbolWords() != 0) symbolsFromModule();
     expectToken(TOK_SEMICOLON);
 }
 
@@ -222,9 +236,8 @@ void MGR24SymbolList(uint8_t clause) {
 /// Symbol ::= (typeid | valueid) [`{` `}`]
 void MGR26Symbol(uint8_t clause) {
     const Token symbol = parserState.Inp;
-    if (beginsWithReservedSymbol()) {
-        recordOnce(cMP, Msg::ReservedWordInSymbolList, symbol.line, tokenName(symbol.code));
-        ReadIn();
+    if (const uint32_t words = reservedSymbolWords()) {
+        passOverReservedSymbol(words);
         return;
     }
     if (!isReference(symbol.code)) {

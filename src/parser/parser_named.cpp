@@ -3,7 +3,7 @@
 
 #include "parser/parser_named.h"
 
-#include "lex/i64.h"
+#include "check/orvonum.h"
 #include "parser/parser.h"
 #include "parser/parser_defer.h"
 #include "parser/parser_oid.h"
@@ -58,10 +58,11 @@ void enumerationException(VNodeNr marker) {
     vNode.ref = minusWord(text.nr);
 }
 
-void numberValue(I64 number) {
+/// The number at the current token.
+void numberValue(bool isNegative) {
     if (!buildsTree()) return;
     setValNode(TYP_INTEGER);
-    vNode.val.number = number;
+    setInteger(vNode.val, parserState.Inp, isNegative);
 }
 
 /// `(` ([`-`] number | DefinedValue) `)`
@@ -69,13 +70,12 @@ void identValue() {
     ReadIn();
     switch (parserState.Inp.code) {
     case TOK_NUMBER:
-        numberValue(parserState.Inp.value);
+        numberValue(false);
         ReadIn();
         break;
     case TOK_MINUS:
         ReadIn();
-        if (parserState.Inp.code == TOK_NUMBER)
-            numberValue(i64of(-i64native(parserState.Inp.value)));
+        if (parserState.Inp.code == TOK_NUMBER) numberValue(true);
         expectToken(TOK_NUMBER);
         break;
     case TOK_VALUEID:

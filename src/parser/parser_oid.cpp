@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "check/orvonum.h"
 #include "options/orvoopt_loc.h"
 #include "parser/parser.h"
 #include "symtab/orvosym.h"
@@ -56,7 +57,7 @@ void numberComponent() {
             vNode.valStatus = -number.high;
             vNode.val.number = {0, number.low};
         } else {
-            vNode.val.number = number;
+            setInteger(vNode.val, parserState.Inp, false);
         }
     }
     ReadIn();

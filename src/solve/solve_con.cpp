@@ -82,6 +82,7 @@ void parseSubRec() {
     ReplayCursor replay(type.module, deferredText(tNode.constraint));
     // Only the nesting of one text counts, as with values.
     const Restore<uint32_t> ownDepth(constraintState.depth, 0);
+    const Restore<bool> outside(constraintState.inAlphabet, false);
     const uint32_t line = lineHere();
     const SubNr root = addSubArc(REF_OWN, type.nr, line);
     makePending(type.module, type.nr);

@@ -14,6 +14,7 @@
 namespace orvo {
 
 struct ConstraintState {
+    bool inAlphabet = false; // inside FROM
     uint32_t depth = 0; // nesting of elements, every level in brackets of its own
 };
 extern ConstraintState constraintState;

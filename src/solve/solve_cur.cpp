@@ -162,8 +162,14 @@ bool deferEntry() {
 bool deferValue(Cause& cause) {
     const DNode range = inp;
     uint32_t count = 0;
-    while ((curCode() == TOK_VALUEID || curCode() == TOK_MARKER) && nextCode() == TOK_COLON)
-        advanceTwo(count);
+    for (;;) {
+        if ((curCode() == TOK_VALUEID || curCode() == TOK_MARKER) && nextCode() == TOK_COLON)
+            advanceTwo(count);
+        else if (curCode() == TOK_CONTAINING && newNotation() && advance())
+            ++count;
+        else
+            break;
+    }
     if (!deferNotation(count, cause)) return false;
     addText(range, count);
     return true;

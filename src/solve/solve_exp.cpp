@@ -56,7 +56,10 @@ VNodeNr beginValueCopy(VNode& copy) {
 }
 
 void actualiseType(TNode& copy) {
-    if (copy.typeCode == TYP_SYNONYM) changeFormalTypeRefToActualRef(copy.refMod, copy.ref);
+    if (copy.typeCode == TYP_SYNONYM) {
+        if (copy.refMod == REF_FORMAL && newNotation()) copy.nodeFlags |= NF_DUMMY;
+        changeFormalTypeRefToActualRef(copy.refMod, copy.ref);
+    }
     markInstance(copy);
 }
 void actualiseValue(VNode& copy) {

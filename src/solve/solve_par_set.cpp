@@ -50,8 +50,10 @@ bool parseDefinedOrParameterizedType(TNodeNr& type, Cause& cause) {
         if (!deferValue(cause)) return false;
     }
     auto ref = static_cast<uint32_t>(name);
+    bool isDummy = false;
     if (actuals == 0 && inp.formals != 0 && handleDefined(STabNr{inp.formals}, refMod, name)) {
         ref = static_cast<uint32_t>(name);
+        isDummy = newNotation();
         changeFormalTypeRefToActualRef(refMod, ref);
     } else {
         resolveUse(refMod, name, actuals, line, line);
@@ -59,6 +61,7 @@ bool parseDefinedOrParameterizedType(TNodeNr& type, Cause& cause) {
     }
     type = addTypeArc(instContext(), line);
     setTypeNode(TYP_SYNONYM);
+    if (isDummy) tNode.nodeFlags |= NF_DUMMY;
     tNode.refMod = refMod;
     tNode.ref = ref;
     tNode.syntax = actuals;

@@ -42,6 +42,15 @@ bool beginsValue(int32_t code) {
            code == TOK_MODULEID || code == TOK_VALUEID;
 }
 
+/// The field in `tNode` may be a string, and its value is given by what it contains.
+bool containedValueFollows() {
+    if (curCode() != TOK_CONTAINING || !newNotation()) return false;
+    if (isVariabTypeFieldTNode()) return true;
+    const KeepRec<KIND_TNODE> keep;
+    skipTypes(true);
+    return is(tNode.typeCode, TypeClass::Bits);
+}
+
 /// The class of an object: the module of its records and its first field.
 struct ObjectClass {
     ModuleRec* module = nullptr;
@@ -69,7 +78,7 @@ bool fieldMatches(const ObjectClass& objectClass, std::string_view name, Cause& 
         cause.set(tokenExpected(TOK_LBRACE), name);
         return false;
     case FieldSort::Value:
-        if (beginsValue(curCode())) return true;
+        if (beginsValue(curCode()) || containedValueFollows()) return true;
         cause.set(tokenExpected(TOK_VALUEID), name);
         return false;
     }
@@ -327,7 +336,8 @@ bool readFieldListSet() {
         if (module == nullptr) return false;
         readRec(module, TNodeNr{tNode.ref});
     }
-    return isSetTNode();
+    // With notation of today a way through sets stays: its end is a field, the objects are many.
+    return isSetTNode() && (tNode.constraint != 0 || !newNotation());
 }
 
 } // namespace

@@ -123,7 +123,7 @@ Msg parseBuiltinValue(Cause& cause) {
     bool ok = true;
     switch (kind) {
     case TYP_BOOLEAN: ok = parseBoolean(); break;
-    case TYP_INTEGER: ok = parseIntegerValue(vNode.val.number); break;
+    case TYP_INTEGER: ok = parseIntegerValue(vNode.val); break;
     case TYP_ENUM: ok = false; break;
     case TYP_REAL: ok = parseRealValue(vNode.val.real, cause); break;
     case TYP_BITSTR:
@@ -154,29 +154,39 @@ Msg parseBuiltinValue(Cause& cause) {
     return ok ? Msg::None : valueSyntax(kind);
 }
 
-bool parseIntegerValue(I64& value) {
-    if (curCode() == TOK_NUMBER) {
-        value = curToken().value;
-        return true;
-    }
-    if (curCode() != TOK_MINUS || !advance() || curCode() != TOK_NUMBER) return false;
-    value = curToken().value;
+bool parseIntegerValue(ValUnion& value) {
+    const bool isNegative = curCode() == TOK_MINUS;
+    if (isNegative && !advance()) return false;
+    const Token& token = curToken();
+    if (token.code != TOK_NUMBER) return false;
+    setInteger(value, token, isNegative);
+    if (!isNegative || token.value != I64{}) return true;
     const InstContext* instance = instContext();
-    if (curToken().text != 0)
-        value = i64min(); // saturated, or just so
-    else if (value == I64{} && instance != nullptr)
+    if (instance != nullptr)
         recordError2(invalidValue(TYP_INTEGER), {}, instance->line);
     else
-        fixNegative(value, curToken().line);
+        recordError(cMP, ERR_SEMANTIC, invalidValue(TYP_INTEGER), token.line);
     return true;
 }
 
 namespace {
 
-/// One component of { mantissa m, base b, exponent e } with the separator behind it. A number
-/// beyond 64 bits is noted in `beyond`.
-bool parseRealValComp(std::string_view identifier, int32_t separator, I64& value,
-                      std::string& beyond, Cause& cause) {
+/// [`-`] number; in today's notation also a value that leads to one, which becomes one of the list.
+bool parseRealNumber(ValUnion& number, ValueList& references, Cause& cause) {
+    if (!newNotation() || !definedValueFollows()) return parseIntegerValue(number);
+    const VNodeRef self = currentRec<KIND_VNODE>();
+    references.append(curToken().line);
+    bool ok = parseDefinedValue(true, cause) == Msg::None;
+    skipValues(true);
+    ok = ok && isIntegerVNode();
+    if (ok) setInteger(number, cMP, integerOf(valueModule(), vNode.val));
+    makePending(self.module, self.nr);
+    return ok;
+}
+
+/// One component of { mantissa m, base b, exponent e } with the separator behind it.
+bool parseRealValComp(std::string_view identifier, int32_t separator, ValUnion& number,
+                      ValueList& references, Cause& cause) {
     if (!advance()) return false;
     if (cMP->options.standardVersion != 1990) {
         if (curCode() != TOK_VALUEID || getStri(cMP, curToken().stri()) != identifier) {
@@ -185,8 +195,7 @@ bool parseRealValComp(std::string_view identifier, int32_t separator, I64& value
         }
         if (!advance()) return false;
     }
-    if (!parseIntegerValue(value)) return false;
-    if (curToken().text != 0) beyond = getStri(cMP, curToken().text);
+    if (!parseRealNumber(number, references, cause)) return false;
     if (!advance() || curCode() != separator) {
         cause.set(tokenExpected(separator));
         return false;
@@ -212,16 +221,23 @@ bool parsePlainReal(RealVal& real) {
     return true;
 }
 
-bool isRealBase(I64 base) {
-    return i64native(base) == 2 || i64native(base) == 10;
-}
-
-/// Narrows a component of a REAL that was found in range.
-int16_t i64toi16(I64 value) {
-    const int64_t native = i64native(value);
-    if (native < INT16_MIN || native > INT16_MAX)
-        fatalError(Fatal::Internal, "Unexpected integer conversion error.");
-    return static_cast<int16_t>(native);
+/// The value that three components make; what is wrong with them is recorded.
+void setReal(RealVal& real, const ValUnion& mantissa, const ValUnion& base,
+             const ValUnion& exponent) {
+    makeSpecialRealVal(real, REAL_ZERO);
+    const int64_t radix = i64native(base.number);
+    const int64_t power = i64native(exponent.number);
+    const bool isPower = power >= INT16_MIN && power <= INT16_MAX; // beyond 64 bits it is none
+    const bool isZero = mantissa.number == I64{};
+    if ((radix != 2 && radix != 10) || (!newNotation() && (isZero || !isPower))) {
+        recordError2(invalidValue(TYP_REAL), {}, vNode.line);
+    } else if (mantissa.integer.text != 0 || !isPower) {
+        const ValUnion& number = isPower ? mantissa : exponent;
+        recordError2(Msg::RealBeyondLimits, {}, vNode.line, integerOf(cMP, number).text());
+    } else if (!isZero) { // excluded by the associated type of older editions
+        makeRealVal(real, mantissa.number, static_cast<int16_t>(radix),
+                    static_cast<int16_t>(power));
+    }
 }
 
 } // namespace
@@ -243,26 +259,15 @@ bool parseRealValue(RealVal& real, Cause& cause) {
     }
     if (newNotation() && curCode() != TOK_LBRACE) return parsePlainReal(real);
     if (curCode() != TOK_LBRACE) return false;
-    I64 mantissa;
-    I64 base;
-    I64 exponent;
-    std::string beyond;
-    if (!parseRealValComp("mantissa", TOK_COMMA, mantissa, beyond, cause) ||
-        !parseRealValComp("base", TOK_COMMA, base, beyond, cause) ||
-        !parseRealValComp("exponent", TOK_RBRACE, exponent, beyond, cause))
+    ValUnion mantissa;
+    ValUnion base;
+    ValUnion exponent;
+    ValueList references;
+    if (!parseRealValComp("mantissa", TOK_COMMA, mantissa, references, cause) ||
+        !parseRealValComp("base", TOK_COMMA, base, references, cause) ||
+        !parseRealValComp("exponent", TOK_RBRACE, exponent, references, cause))
         return false;
-    const int64_t power = i64native(exponent);
-    if (!beyond.empty()) {
-        recordError2(Msg::RealBeyondLimits, {}, vNode.line, beyond);
-        makeSpecialRealVal(real, REAL_ZERO);
-    } else if (mantissa != I64{} && isRealBase(base) && power >= INT16_MIN && power <= INT16_MAX) {
-        makeRealVal(real, mantissa, i64toi16(base), i64toi16(exponent));
-    } else if (newNotation() && mantissa == I64{} && isRealBase(base)) {
-        makeSpecialRealVal(real, REAL_ZERO); // excluded by the associated type of older editions
-    } else {
-        recordError2(invalidValue(TYP_REAL), {}, vNode.line);
-        makeSpecialRealVal(real, REAL_ZERO);
-    }
+    setReal(real, mantissa, base, exponent);
     return true;
 }
 

@@ -26,7 +26,7 @@ Msg parseBuiltinValue(Cause& cause);
 Msg parseDefinedValue(bool parsAndFields, Cause& cause);
 
 /// `number` or `-` `number`; false for anything else. `line` of a bad negation is the token's.
-[[nodiscard]] bool parseIntegerValue(I64& value);
+[[nodiscard]] bool parseIntegerValue(ValUnion& value);
 [[nodiscard]] bool parseRealValue(RealVal& real, Cause& cause);
 
 // ---- solve_val_stru -----------------------------------------------------------------------------

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "check/orvostri.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_par.h"
 #include "solve/solve_val.h"
@@ -37,24 +38,6 @@ void parseCString(uint8_t kind) {
         setString(kind, text.size(), putStri32(cMP, wide).nr);
     } else {
         setString(kind, text.size(), static_cast<uint32_t>(stri));
-    }
-}
-
-/// The largest character that a kind can hold.
-char32_t largestCharacter(uint8_t kind) {
-    switch (kind) {
-    case TYP_IA5STR:
-    case TYP_VISSTR:
-    case TYP_PRISTR:
-    case TYP_NUMSTR:
-    case TYP_GENTIME: // these two are made of VisibleString
-    case TYP_UTCTIME: return 0x7F;
-    case TYP_BMPSTR: return 0xFFFF;
-    case TYP_UNISTR:
-    case TYP_UTF8STR:
-    case TYP_OIDIRI: // labels of arcs have characters of all scripts
-    case TYP_RELOIDIRI: return 0x10FFFF;
-    default: return is(kind, TypeClass::Quoted) ? 0x7F : 0xFF;
     }
 }
 

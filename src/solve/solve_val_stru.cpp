@@ -1,8 +1,11 @@
 // Values made of values: component and element lists, CHOICE, open types, named bits,
 // object identifiers.
 
+#include "check/orvonum.h"
+#include "lex/i64.h"
 #include "parser/parser_oid.h"
 #include "solve/p5actpar.h"
+#include "solve/solve_con.h"
 #include "solve/solve_cur.h"
 #include "solve/solve_exp.h"
 #include "solve/solve_par.h"
@@ -13,6 +16,7 @@
 #include "symtab/orvosym.h"
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
 #include "tree/values.h"
 
 namespace orvo {
@@ -85,9 +89,59 @@ bool parseNamedBits(Cause& cause) {
     return false;
 }
 
+/// The type in the contents constraint `sub`, or in one of a series, becomes the current one.
+bool readContentsOf(SubRef sub) {
+    readRec(sub);
+    if (subRec.subKind == SUB_CONTENTS)
+        return subRec.left != 0 && readTypeSetting({sub.module, VNodeNr{subRec.left}});
+    if (subRec.subKind != SUB_SERIAL) return false;
+    for (const SubNr nr : chain(sub.module, SubNr{subRec.left}))
+        if (readContentsOf({sub.module, nr})) return true;
+    return false;
+}
+
+/// The same for the type that governs the current value, whose references may add constraints.
+bool readContentsType() {
+    const KeepRec<KIND_SUB> keep;
+    ModuleRec* const module = refModule(valueModule(), signedWord(vNode.govTypeMod));
+    if (module == nullptr || vNode.govType == 0) return false;
+    readRec(module, TNodeNr{vNode.govType});
+    for (size_t left = maxLinks; left != 0; --left) {
+        const CurrentModule inModule(typeModule());
+        const InstanceStack ofRecord(typeModule(), tNode.actParRec);
+        if (isDeferred(tNode.constraint)) parseSubRec();
+        const TNodeRef type = currentRec<KIND_TNODE>();
+        if (tNode.constraint > 0 &&
+            readContentsOf({type.module, SubNr{magnitude(tNode.constraint)}}))
+            return true;
+        readRec(type);
+        if (!followTypeRef(true)) return false;
+    }
+    return false;
+}
+
+/// CONTAINING Value (X.680 (02/2021) 22.3, 23.3)
+bool parseContainedValue(Cause& cause) {
+    const VNodeRef self = currentRec<KIND_VNODE>();
+    if (!readContentsType()) {
+        cause.set(Msg::NoContentsConstraint);
+        return false;
+    }
+    const TNodeRef contents = currentRec<KIND_TNODE>();
+    if (!advance()) return false;
+    makePending(self.module, self.nr);
+    vNode.vflags |= VF_CONTENTS;
+    ValueList content;
+    content.append(curToken().line);
+    readRec(contents);
+    governByCurrentType();
+    return parseValue();
+}
+
 } // namespace
 
 bool parseBitStringValue(Cause& cause) {
+    if (curCode() == TOK_CONTAINING && newNotation()) return parseContainedValue(cause);
     if (curCode() == TOK_BSTRING || curCode() == TOK_HSTRING) {
         setValNode(curCode() == TOK_BSTRING ? TYP_BITSTR : TYP_OCTSTR);
         const int32_t stri = curToken().stri();
@@ -205,7 +259,7 @@ namespace {
 /// record.
 void parseNumberObjIdComp(const Token& token) {
     setValNode(TYP_INTEGER);
-    vNode.val.number = token.value;
+    setInteger(vNode.val, token, false);
     if (token.value.high >= 0) return;
     vNode.valStatus = static_cast<int32_t>(magnitude(token.value.high));
     vNode.val.number.high = 0;
@@ -217,7 +271,7 @@ bool parseIdentifierObjIdComp(const Token& token, Cause& cause) {
     if (!advance() || !advance()) return false;
     if (curCode() == TOK_NUMBER) {
         setValNode(TYP_INTEGER);
-        vNode.val.number = curToken().value;
+        setInteger(vNode.val, curToken(), false);
     } else if (!definedValueFollows() || parseDefinedValue(false, cause) != Msg::None) {
         cause.set(Msg::DefinedValueSyntax);
         return false;
@@ -253,10 +307,13 @@ bool parseArcs(bool hasNames, Cause& cause) {
     if (curCode() != TOK_LBRACE) return false;
     ValueList components;
     uint32_t position = 0;
+    bool hasLetters = true; // arcs named by a letter: 0 0 a
     while (advance() && curCode() != TOK_RBRACE) {
         components.append(curToken().line);
         ++position;
-        if (!parseObjIdComp(hasNames ? position : withoutNames, cause)) return false;
+        const bool named = hasNames && (position != 3 || hasLetters || !newNotation());
+        if (!parseObjIdComp(named ? position : withoutNames, cause)) return false;
+        hasLetters &= vNode.valCode != TYP_INTEGER || i64native(vNode.val.number) == 0;
     }
     return position != 0 && curCode() == TOK_RBRACE;
 }

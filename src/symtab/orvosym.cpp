@@ -133,7 +133,7 @@ bool noteDefined(SymTab& table, int32_t name) {
 void meetDefinition(STabRec& symbol, uint8_t flags, uint32_t line) {
     const uint8_t braces = flags & SYM_PARAMETERIZED;
     const bool differs = (symbol.flags & SYM_PARAMETERIZED) != braces;
-    if ((symbol.flags & SYM_EXPORTED) != 0 && differs && !newNotation()) {
+    if ((symbol.flags & SYM_EXPORTED) != 0 && differs && (braces == 0 || !newNotation())) {
         recordError(cMP, ERR_SEMANTIC, braces != 0 ? Msg::BracesExpected : Msg::BracesNotAllowed,
                     symbol.line, nameText(symbol.name));
     }
@@ -322,12 +322,20 @@ void setSymbolNode(SymTab& table, STabNr symbol, int32_t node) {
     table.byNode.try_emplace(node, symbol);
 }
 
+void clearSymbolNode(SymTab& table, int32_t name, int32_t node) {
+    const STabNr symbol = findSymbol(table, name);
+    if (!symbol || symAt(symbol).node != node) return;
+    symAt(symbol).node = 0;
+    table.byNode.erase(node);
+}
+
 void chkIfSymbolDef(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint32_t line,
                     const ErrPlace* blamed) {
     const ErrPlace place = blamed != nullptr ? *blamed : ErrPlace{cMP, line};
     const STabNr nr = symbolOfUse(moduleRef, name, line);
     if (!nr) fatalError(Fatal::Internal, "Corrupted symbol table.");
-    const STabRec& symbol = symAt(nr);
+    STabRec& symbol = symAt(nr);
+    symbol.needed = 1;
     const std::string_view text = nameText(name);
     name = static_cast<int32_t>(magnitude(symbol.node));
     if (cMP->importsState != 0 && moduleRef > REF_OWN && (symbol.flags & SYM_IMPORTED) == 0)

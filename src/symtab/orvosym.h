@@ -61,6 +61,8 @@ STabNr formalAt(STabNr formals, uint32_t position);
 
 /// Gives a symbol of a table its definition.
 void setSymbolNode(SymTab& table, STabNr symbol, int32_t node);
+/// Takes its definition, `node`, back from the symbol of a name.
+void clearSymbolNode(SymTab& table, int32_t name, int32_t node);
 
 /// Looks a name up in the current module's own table, then among the imported symbols of references
 /// other than `moduleRef`. A `moduleRef` of 0 is set to where the symbol was found; 0 = not found.

@@ -240,6 +240,27 @@ Definition reexportedDefinition(ModuleRec* exporter, int32_t name, uint32_t line
     return {};
 }
 
+/// An imported symbol and its definition differ in braces. With notation of today they may be left
+/// out, but stand nowhere else than behind names with parameters (X.683 9.1).
+void reportBraces(const STabRec& symbol, bool missing) {
+    const std::string_view name = getStri(cMP, symbol.name);
+    if (missing && newNotation()) return;
+    if (isLenient(cMP))
+        recordOnce(cMP, Msg::BracesWithoutParameters, symbol.line, name);
+    else
+        recordError(cMP, ERR_SEMANTIC, missing ? Msg::BracesExpected : Msg::BracesNotAllowed,
+                    symbol.line, name);
+}
+
+/// Gives a symbol the parameters of its definition in another module.
+void takeHeader(STabRec& symbol, const STabRec& definition) {
+    const uint8_t braces = definition.flags & SYM_PARAMETERIZED;
+    const bool differs = (symbol.flags & SYM_PARAMETERIZED) != braces;
+    if ((symbol.flags & SYM_IMPORTED) != 0 && differs) reportBraces(symbol, braces != 0);
+    symbol.formals = definition.formals;
+    symbol.flags = static_cast<uint8_t>((symbol.flags & ~SYM_PARAMETERIZED) | braces);
+}
+
 /// Lets an imported symbol lead to the module that defines it.
 void defineReexported(const ModRef& ref, STabNr nr) {
     STabRec& symbol = symAt(nr);
@@ -250,9 +271,7 @@ void defineReexported(const ModRef& ref, STabNr nr) {
     ModRef* const target = cMP->modRefs.byModule.find(definition.module)->second;
     const STabRec& defined = symAt(definition.symbol);
     setSymbolNode(target->symbols, nr, defined.node);
-    symbol.formals = defined.formals;
-    symbol.flags = static_cast<uint8_t>((symbol.flags & ~SYM_PARAMETERIZED) |
-                                        (defined.flags & SYM_PARAMETERIZED));
+    takeHeader(symbol, defined);
     for (auto& [from, imported] : cMP->modRefs.imported[symbol.name])
         if (imported == nr) from = target;
 }
@@ -269,14 +288,7 @@ void defineImpSymbols(ModRef& ref) {
         }
         const STabRec& definition = symAt(exported);
         setSymbolNode(ref.symbols, nr, definition.node);
-        symbol.formals = definition.formals;
-        const uint8_t braces = definition.flags & SYM_PARAMETERIZED;
-        const bool differs = (symbol.flags & SYM_PARAMETERIZED) != braces;
-        if ((symbol.flags & SYM_IMPORTED) != 0 && differs && !newNotation())
-            recordError(cMP, ERR_SEMANTIC,
-                        braces != 0 ? Msg::BracesExpected : Msg::BracesNotAllowed, symbol.line,
-                        getStri(cMP, symbol.name));
-        symbol.flags = static_cast<uint8_t>((symbol.flags & ~SYM_PARAMETERIZED) | braces);
+        takeHeader(symbol, definition);
     }
 }
 

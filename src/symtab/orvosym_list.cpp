@@ -33,7 +33,7 @@ struct Listed {
 /// Uses that fit on one line of the listing.
 constexpr size_t usesPerLine = 10;
 
-/// Macros are no symbols: what they define is read over or made of their notation.
+/// Macros, and what they define without a value to be read, are symbols that nothing else may name.
 bool isMacro(std::string_view name, const ModRef* ref) {
     if (cMP->macros.contains(name)) return true;
     return ref != nullptr && ref->module != nullptr && ref->module->macros.contains(name);
@@ -51,7 +51,7 @@ void collect(const SymTab& table, const ModRef* ref, std::vector<Listed>& symbol
         const STabRec& symbol = symAt(nr);
         if (symbol.name == 0) continue;
         const std::string_view name = getStri(cMP, symbol.name);
-        if (symbol.node == 0 && isMacro(name, ref)) continue;
+        if (symbol.node == 0 && symbol.needed == 0 && isMacro(name, ref)) continue;
         symbols.push_back({beginOf(name), name, ref, nr, symbol.name < 0,
                            symbol.node != 0 || symbol.unread != 0});
     }

@@ -224,12 +224,14 @@ enum ValueFlags : uint8_t {
     VF_TED2 = 4,
     VF_TED3 = 8,
     VF_VARIABLE = 16,
+    VF_CONTENTS = 32, // BIT STRING, OCTET STRING: `ref` is the value that is contained
 };
 enum NodeFlags : uint32_t {
     NF_ASSIGNMENT = 2,
     NF_SET = 8,
     NF_VARIABLE = 32,
     NF_IGNORABLE_CHECKED = 64,
+    NF_DUMMY = 128, // in an instance: the type was written as a dummy reference
 };
 enum CheckState : uint16_t { CHECK_NEW = 0, CHECK_SOLVED = 1, CHECK_RUNNING = 2, CHECK_DONE = 3 };
 enum CheckFlags : uint16_t {
@@ -244,6 +246,15 @@ enum CheckFlags : uint16_t {
     CF_AUTOMATIC_TAGS = 0x0100,
     CF_IGNORABLE = 0x0800,
 };
+
+/// How a bound is to be read.
+enum BoundForm : uint8_t {
+    BOUND_PLAIN = 0,    // signed; the smallest number is MIN, the largest MAX
+    BOUND_SIGNED = 1,   // signed, and neither MIN nor MAX
+    BOUND_UNSIGNED = 2, // 64 bits without sign
+    BOUND_BEYOND = 3,   // beyond either: -2^63 signed, or 2^64 - 1 without sign
+};
+inline constexpr unsigned upperBoundShift = 2;
 
 /// Kinds of option comments (tedKind); bit k of optFlags stands for kind k.
 enum TedKind : uint8_t {
@@ -328,7 +339,7 @@ struct TNode {          // a type, component, field, formal parameter or type as
     uint8_t typeCode;   // TYP_*
     uint8_t vfKind;
     uint8_t sizeOpt;
-    uint8_t unused53;
+    uint8_t boundForms;  // BOUND_* of the lower bound, and shifted by upperBoundShift the upper
     uint16_t checkFlags; // CF_*
     uint8_t entryFlags;
     uint8_t entryKinds;
@@ -356,7 +367,7 @@ inline constexpr Field tNodeFields[] = {
     FIELD(24, TNode, constraint), FIELD(28, TNode, tags),          FIELD(32, TNode, optFlags),
     FIELD(36, TNode, nodeFlags),  FIELD(40, TNode, tedFirst),      FIELD(44, TNode, tedLast),
     FIELD(48, TNode, checkState), FIELD(50, TNode, typeCode),      FIELD(51, TNode, vfKind),
-    FIELD(52, TNode, sizeOpt),    FIELD(53, TNode, unused53),      FIELD(54, TNode, checkFlags),
+    FIELD(52, TNode, sizeOpt),    FIELD(53, TNode, boundForms),    FIELD(54, TNode, checkFlags),
     FIELD(56, TNode, entryFlags), FIELD(57, TNode, entryKinds),    FIELD(58, TNode, unused58),
     FIELD(60, TNode, lenForm),    FIELD(61, TNode, skipOpt),       FIELD(62, TNode, unused62),
     FIELD(64, TNode, sizeLimit),  FIELD(68, TNode, sizeLimitSkip), FIELD(69, TNode, unused69),
@@ -370,6 +381,10 @@ struct RealVal {  // mantissa times base to the power exponent
     int16_t base;
     int16_t exponent;
 };
+struct IntVal {
+    I64 number;    // the nearest one of 64 bits
+    uint32_t text; // string number of the exact decimal text; 0 when `number` is exact
+};
 struct StriVal {
     uint16_t striLen; // characters; for binary and hexadecimal strings digits
     uint16_t unused2;
@@ -378,8 +393,9 @@ struct StriVal {
 };
 union ValUnion {
     uint32_t words[3];
-    uint8_t boole; // 1 TRUE, 0 FALSE
-    I64 number;    // INTEGER, ENUMERATED, object identifier components
+    uint8_t boole;  // 1 TRUE, 0 FALSE
+    I64 number;     // that of `integer` alone, for whom numbers beyond 64 bits are all too large
+    IntVal integer; // INTEGER, ENUMERATED, object identifier components
     RealVal real;
     StriVal str;
     constexpr ValUnion() : words{} {} // clears all of it
@@ -470,16 +486,18 @@ struct STabRec {    // a symbol
     int32_t node;   // TNode head, or minus the VNode head; 0 = undefined
     uint8_t flags;  // SYM_*
     uint8_t unread; // 1: of a module without definitions to look at; counts as known
-    uint8_t unused10[2];
+    uint8_t needed; // 1: a definition was looked for
+    uint8_t unused11;
     uint32_t line;
     uint32_t uses;    // InstNr
     uint32_t formals; // STabNr
     uint32_t next;    // STabNr
 };
-inline constexpr Field sTabRecFields[] = {
-    FIELD(0, STabRec, name),   FIELD(4, STabRec, node),      FIELD(8, STabRec, flags),
-    FIELD(9, STabRec, unread), FIELD(10, STabRec, unused10), FIELD(12, STabRec, line),
-    FIELD(16, STabRec, uses),  FIELD(20, STabRec, formals),  FIELD(24, STabRec, next)};
+inline constexpr Field sTabRecFields[] = {FIELD(0, STabRec, name),     FIELD(4, STabRec, node),
+                                          FIELD(8, STabRec, flags),    FIELD(9, STabRec, unread),
+                                          FIELD(10, STabRec, needed),  FIELD(11, STabRec, unused11),
+                                          FIELD(12, STabRec, line),    FIELD(16, STabRec, uses),
+                                          FIELD(20, STabRec, formals), FIELD(24, STabRec, next)};
 
 struct InstRec { // a use of a symbol
     uint32_t line;
@@ -576,6 +594,11 @@ constexpr int32_t signedWord(uint32_t word) {
 /// The deferred text of a value whose refMod is REF_DEFERRED.
 constexpr DNodeNr deferredText(const VNode& value) {
     return deferredText(signedWord(value.ref));
+}
+/// A value of BIT STRING or OCTET STRING that is given by what it contains: its bits depend on the
+/// encoding rules.
+constexpr bool holdsContents(const VNode& value) {
+    return (value.vflags & VF_CONTENTS) != 0;
 }
 /// String number of a name that may be negated as a mark.
 constexpr StriNr nameStri(int32_t name) {

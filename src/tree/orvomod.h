@@ -167,6 +167,16 @@ struct CheckCache;   // what pass 5 computed once about a module (check/check_ca
 
 enum ParseState : uint8_t { PARSE_NEW = 0, PARSE_ERROR = 1, PARSE_OK = 2 };
 
+/// A name of the module that is, or may be, that of a macro.
+struct MacroUse {
+    int32_t macro = 0; // string number
+    uint32_t line = 0;
+    VNodeNr value;            // what it defines, when its type is not known yet
+    TNodeNr type;             // what it defines, when the name may be that of a type
+    bool byNotation = false;  // no type is written with the notation that follows
+    bool byReference = false; // the value is a reference whose type is not known yet
+};
+
 /// Everything about one module; lives for the whole run. The built-in module has one too.
 struct ModuleRec {
     uint32_t handle = 0;    // place in run.modules, from 1; what ANode records hold
@@ -188,12 +198,13 @@ struct ModuleRec {
     uint8_t tagDefault = 1;                     // 1 explicit, 2 implicit or automatic
     bool automaticTags = false, extensibilityImplied = false;
     bool otherInstructions = false;            // unprefixed `[NAME]` is an encoding instruction
-    std::set<std::string, std::less<>> macros; // names that are defined or used as macros
+    std::set<std::string, std::less<>> macros; // names that are macros, and what was left out
+    std::vector<MacroUse> macroUses;           // in the order of their values
     bool newNotation = false;                  // its notation is that of 2021
     bool named = false;                        // the command line names its file
     bool missing = false;                      // KEEP-GOING=: imported, but its file is not there
-    bool out = false;             // KEEP-GOING=: has an error, or refers to a module that is out
-    bool optionsDisabled = false; // pass 5 has switched off options of types
+    bool out = false;          // KEEP-GOING=: has an error, or refers to a module that is out
+    bool stringsAdded = false; // pass 5 has added strings that records in the tree file name
     int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;
     int32_t nbRecorded = 0;                             // diagnostics recorded, kept or not
     std::vector<ErrRec> errors;                         // sorted by line, then order of recording

@@ -85,10 +85,10 @@ int orderOf(int64_t a, int64_t b) {
     return a < b ? -1 : a > b ? 1 : 0;
 }
 
-int compareNumbers(const VNode& a, const VNode& b) {
+int compareNumbers(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b) {
     const auto isNumber = [](uint8_t code) { return code == TYP_INTEGER || code == TYP_ENUM; };
     if (!isNumber(b.valCode)) return -1;
-    return orderOf(i64native(a.val.number), i64native(b.val.number));
+    return compareIntegers(modA, a.val, modB, b.val);
 }
 
 int compareRealVals(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b) {
@@ -108,7 +108,7 @@ int compareSimple(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode&
     switch (a.valCode) {
     case TYP_BOOLEAN: return compareBooleans(a, b);
     case TYP_INTEGER:
-    case TYP_ENUM: return compareNumbers(a, b);
+    case TYP_ENUM: return compareNumbers(modA, a, modB, b);
     case TYP_REAL: return compareRealVals(modA, a, modB, b);
     case TYP_BITSTR:
     case TYP_OCTSTR:
@@ -303,10 +303,10 @@ int compareLists(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
 
 // ---- object identifiers -------------------------------------------------------------------------
 
-/// The arcs of a value in decimal, joined by commas; what the checks stored, or worked out when
-/// they have not come to the value yet. Empty when the value is not valid.
+/// Arcs in decimal, joined by commas.
 struct Arcs {
-    std::vector<int64_t> numbers;
+    std::string text;
+    size_t count = 0;
     bool valid = true;
 };
 
@@ -317,30 +317,34 @@ void addArcs(Arcs& arcs, std::vector<VNodeRef>& open, bool isFirst) {
     open.back().nr = {component.own.next};
     if (!open.back()) open.pop_back();
     const uint8_t code = component.value.valCode;
-    if (code == TYP_INTEGER)
-        arcs.numbers.push_back(i64native(component.value.val.number));
-    else if (code != TYP_RELOID && (code != TYP_OBJID || !isFirst))
+    if (code == TYP_INTEGER) {
+        if (arcs.count++ != 0) arcs.text += ',';
+        arcs.text += integerOf(component.module, component.value.val).text();
+    } else if (code != TYP_RELOID && (code != TYP_OBJID || !isFirst)) {
         arcs.valid = false;
-    else if (component.value.ref != 0)
+    } else if (component.value.ref != 0) {
         open.push_back({component.module, VNodeNr{component.value.ref}});
+    }
 }
+
+} // namespace
 
 std::string textOfObjId(ModuleRec* module, const VNode& value) {
     if (value.val.str.striLen == invalidObjId) return {};
     if (value.val.str.stri != 0) return std::string(getStri(module, int64_t{value.val.str.stri}));
     Arcs arcs;
     std::vector<VNodeRef> open{{module, VNodeNr{value.ref}}};
+    const size_t most = maxArcs(module);
     // Every list adds an arc in the end, but one that leads back to itself.
     for (size_t steps = 0; !open.empty() && open.back() && arcs.valid; ++steps) {
-        addArcs(arcs, open, arcs.numbers.empty());
-        arcs.valid = arcs.valid && arcs.numbers.size() <= maxArcs && steps <= maxArcs * maxArcs;
+        addArcs(arcs, open, arcs.count == 0);
+        arcs.valid = arcs.valid && arcs.count <= most && arcs.text.size() <= maxArcsText &&
+                     steps <= most * most;
     }
-    std::string text;
-    if (!arcs.valid) return text;
-    for (const int64_t number : arcs.numbers)
-        text += (text.empty() ? "" : ",") + std::to_string(number);
-    return text;
+    return arcs.valid ? arcs.text : std::string();
 }
+
+namespace {
 
 // ---- hashes -------------------------------------------------------------------------------------
 
@@ -364,14 +368,12 @@ uint64_t hashOfSimple(ModuleRec* module, const VNode& value) {
     switch (value.valCode) {
     case TYP_BOOLEAN: return value.val.boole != 0 ? 1 : 0;
     case TYP_INTEGER:
-    case TYP_ENUM: return static_cast<uint64_t>(i64native(value.val.number));
-    case TYP_REAL: {
-        const double real = retRealVal(value.val.real);
-        return std::hash<double>{}(real);
-    }
+    case TYP_ENUM: return IntegerHash{}(integerOf(module, value.val));
+    case TYP_REAL: return hashOfReal(value.val.real);
     // The same bits may be written in binary, in hexadecimal and by name.
     case TYP_BITSTR:
     case TYP_OCTSTR: {
+        if (holdsContents(value)) return value.valCode;
         std::string bits = convBitString(TYP_BITSTR, module, value);
         bits.erase(bits.find_last_not_of('0') + 1);
         return hashOfText(bits);

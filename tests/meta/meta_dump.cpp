@@ -188,8 +188,14 @@ void showValue(Walk& walk, const Rec& rec, const std::string& path, const Link& 
         walk.lines->push_back(path + ".val=" + hexOf(bytes));
         return;
     }
+    const uint8_t kind = rec.tree->vNode(rec.nr).valCode;
+    if (kind == TYP_INTEGER || kind == TYP_ENUM) { // too large: exact as a text at the end
+        walk.lines->push_back(path + ".val=" + hexOf(bytes.first(8)) + " " +
+                              textOfString(walk, *rec.tree, link));
+        return;
+    }
     // the joined arcs of an object identifier may be in the file or not
-    const bool hasText = rec.tree->vNode(rec.nr).valCode != TYP_OBJID;
+    const bool hasText = kind != TYP_OBJID && kind != TYP_RELOID;
     walk.lines->push_back(path + ".val=" + hexOf(bytes.first(4)) + hexOf(bytes.subspan(8)) +
                           (hasText ? " " + textOfString(walk, *rec.tree, link) : ""));
 }

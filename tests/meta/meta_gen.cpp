@@ -132,8 +132,9 @@ std::string textOfDefinition(Gen& gen, int at) {
 
 } // namespace
 
-Project generate(uint64_t seed) {
+Project generate(uint64_t seed, bool isNew) {
     Gen gen{Random{seed}};
+    gen.isNew = isNew;
     static const char* const taggings[] = {"AUTOMATIC", "EXPLICIT", "IMPLICIT"};
     gen.tagging = oneOf(gen, taggings);
     planAll(gen);
@@ -152,7 +153,7 @@ Project generate(uint64_t seed) {
         if (at < 0) break;
         define(gen, "va", defAt(gen, at).name, valueOf(gen, defAt(gen, at).type, 0));
     }
-    Project project{gen.tagging, {}};
+    Project project{gen.tagging, {}, isNew};
     for (const Planned& planned : gen.defs)
         if (!planned.text.empty()) // hidden sets have none
             project.definitions.push_back({planned.name, planned.text, planned.parameterized,

@@ -63,7 +63,9 @@ struct Type {
     std::string tag = {}, text = {}, constraint = {}, option = {};
     Domain domain = {};
     std::vector<Component> components = {};
-    int marker = -1, group = -1; // the component behind "..." and behind "[["
+    int marker = -1, group = -1;              // the component behind "..." and behind "[["
+    int second = -1;                          // the component behind the second "..."
+    std::string exception = {}, version = {}; // behind the first "..." and behind "[["
     std::vector<std::pair<std::string, int64_t>> names = {}; // of INTEGER
     int def = -1, pick = 0;
     int via = -1; // definition of a type in the constraint, with no other values
@@ -133,6 +135,7 @@ struct Planned {
 struct Gen {
     Random random;
     std::string tagging = {};
+    bool isNew = false;
     std::deque<Type> types = {};
     std::deque<Object> objects = {}; // those written in sets
     std::deque<Planned> defs = {};
@@ -187,6 +190,10 @@ const Type* actual(Gen& gen, const Type* type);
 const Type* effective(Gen& gen, const Type* type);
 void narrow(Domain& domain, const Domain& by);
 Domain domainOf(Gen& gen, const Type* type);
+/// The component behind the additions of a structure.
+inline int endOfAdditions(const Type* type) {
+    return type->second >= 0 ? type->second : static_cast<int>(type->components.size());
+}
 /// Components of the structure with those that COMPONENTS OF includes.
 std::vector<Component> allComponents(Gen& gen, const Type* type);
 /// A copy for an instance of a parameterized definition.

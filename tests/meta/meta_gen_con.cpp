@@ -67,7 +67,9 @@ std::vector<Component> allComponents(Gen& gen, const Type* type) {
             continue;
         }
         Type root = *actual(gen, component.type);
-        if (root.marker >= 0) root.components.resize(static_cast<size_t>(root.marker));
+        if (root.marker >= 0)
+            root.components.erase(root.components.begin() + root.marker,
+                                  root.components.begin() + endOfAdditions(&root));
         // what leads back into the list that is being built adds nothing
         std::erase_if(root.components, [&](const Component& inside) {
             return inside.included && inside.type->def == component.type->def;
@@ -275,6 +277,7 @@ void constrain(Gen& gen, Type* type, int depth) {
     const Type* base = effective(gen, type);
     const Domain before = domainOf(gen, type);
     if (depth > 3 || base->text.starts_with("INSTANCE")) return;
+    if (base->text.find("CONTAINING") != base->text.npos) return; // no value begins with it there
     if (type->kind == Kind::Reference && gen.random.chance(30) && containSubtype(gen, type)) return;
     if (isStructure(base->kind)) return constrainComponents(gen, type, base, depth);
     if (!before.only.empty()) return constrainValues(gen, type, before.only);
@@ -296,7 +299,7 @@ void constrain(Gen& gen, Type* type, int depth) {
         break;
     case Kind::List:
         if (gen.random.chance(40)) {
-            Inner inner{"", ' ', make(gen, Kind::Narrowed)};
+            Inner inner{base->components[0].id, ' ', make(gen, Kind::Narrowed)};
             inner.type->target = base->components[0].type;
             constrain(gen, inner.type, depth + 1);
             if (inner.type->constraint.empty()) return;

@@ -40,7 +40,28 @@ Type* otherType(Gen& gen) {
         {"EMBEDDED PDV", {pdv}},
         {"CHARACTER STRING", {"{identification fixed : NULL, data-value encoded : 'A5'H}"}},
         {"INSTANCE OF TYPE-IDENTIFIER", {"{type-id {1 2 3}, value INTEGER : 5}"}}};
+    static const std::pair<const char*, std::vector<std::string>> newTypes[] = {
+        {"REAL (-0.5..1.5E1)", {"0.25", "-5.0E-1", "{mantissa 15, base 10, exponent -1}"}},
+        {"INTEGER (0..18446744073709551615)", {"0", "18446744073709551615"}},
+        {"DATE (\"2000-01-01\"..\"2000-12-31\")", {"\"2000-02-29\"", "\"2000-12-31\""}},
+        {"TIME-OF-DAY", {"\"24:00:00\"", "\"10:20:30\""}},
+        {"DURATION", {"\"P1Y2M\"", "\"PT1.5S\""}},
+        {"TIME (SETTINGS \"Basic=Date Date=YW\")", {"\"2000-W01\""}},
+        {"EMBEDDED PDV", {"{identification syntax : {1 2 3}, data-value 'A5'H}"}},
+        {"CHARACTER STRING", {"{identification fixed : NULL, string-value 'A5'H}"}},
+        {"OID-IRI", {"\"/ISO/a\"", "\"/2/999\""}},
+        {"RELATIVE-OID", {"{3 4}", "{5}"}},
+        {"OCTET STRING (CONTAINING INTEGER (0..9))", {"CONTAINING 5", "'0101'H"}},
+        {"BIT STRING (CONTAINING SEQUENCE {q BOOLEAN})", {"CONTAINING {q TRUE}", "'01'B"}},
+        {"INTEGER (1..3 | 5..9 EXCEPT 7 ^ 7..8)", {"2", "8"}},
+        {"INTEGER (1 | 5, ..., 7 | 9)", {"1", "7"}}};
+    if (gen.isNew && gen.random.chance(50)) {
+        const auto& [text, values] = oneOf(gen, newTypes);
+        return fixedType(gen, text, values);
+    }
     const auto& [text, values] = oneOf(gen, types);
+    if (gen.isNew && values.front().find("encoded : ") != std::string::npos)
+        return simpleType(gen); // the associated types are others there
     return fixedType(gen, text, values);
 }
 
@@ -87,6 +108,8 @@ Type* stringType(Gen& gen) {
     const auto& [text, letters] = oneOf(gen, texts);
     type->text = text;
     type->domain.letters = letters;
+    if (gen.isNew && type->domain.letters == "abc12" && gen.random.chance(30))
+        type->text = "UTF8String";
     if (gen.random.chance(50)) type->constraint = "(" + sizes(gen, type->domain) + ")";
     if (type->text == "NumericString" && gen.random.chance(50)) {
         type->constraint = "(FROM (\"0\"..\"8\" | \" \"))";
@@ -238,7 +261,8 @@ Type* list(Gen& gen, int at, int depth, bool soft) {
         type->domain = {0, 3, {}, {}};
         type->constraint = gen.random.chance(50) ? "(SIZE (0..3))" : "(SIZE (0..3, ...))";
     }
-    type->components.push_back({"", anyType(gen, at, depth + 1, back)});
+    const std::string name = gen.isNew && gen.random.chance(30) ? fresh(gen, "l") : "";
+    type->components.push_back({name, anyType(gen, at, depth + 1, back)});
     return type;
 }
 
@@ -309,6 +333,21 @@ void addAny(Gen& gen, int at, Type* to) {
     to->components.push_back(any);
 }
 
+/// A second marker, an exception, groups of every structure and their versions.
+void addToday(Gen& gen, Type* type) {
+    const int count = static_cast<int>(type->components.size());
+    type->group = -1;
+    if (gen.random.chance(50))
+        type->second = type->kind == Kind::Choice
+                           ? count
+                           : type->marker + gen.random.below(count + 1 - type->marker);
+    const int additions = endOfAdditions(type) - type->marker;
+    if (additions > 0 && gen.random.chance(60))
+        type->group = type->marker + gen.random.below(additions);
+    if (gen.random.chance(50)) type->version = "2: ";
+    if (gen.random.chance(30)) type->exception = " ! 5";
+}
+
 Type* structure(Gen& gen, int at, int depth, bool soft) {
     const int pick = gen.random.below(10);
     Type* type = make(gen, pick < 5 ? Kind::Sequence : pick < 7 ? Kind::Set : Kind::Choice);
@@ -339,6 +378,7 @@ Type* structure(Gen& gen, int at, int depth, bool soft) {
     if (type->kind == Kind::Sequence && type->marker >= 0 && type->marker < count &&
         gen.random.chance(60))
         type->group = type->marker + gen.random.below(count - type->marker);
+    if (gen.isNew && type->marker >= 0) addToday(gen, type);
     tagComponents(gen, type);
     return type;
 }

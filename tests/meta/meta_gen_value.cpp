@@ -26,17 +26,25 @@ std::string componentsText(Gen& gen, const Type* type) {
     };
     const int count = static_cast<int>(type->components.size());
     for (int at = 0; at <= count; ++at) {
-        if (type->marker == at) add("...");
+        if (type->marker == at) add("..." + type->exception);
+        if (type->second == at) add("...");
         if (at == count) break;
         std::string entry = componentText(gen, type->components[static_cast<size_t>(at)]);
-        if (type->group == at) entry.insert(0, "[[ ");
-        if (type->group >= 0 && at == count - 1) entry += " ]]";
-        if (type->group >= 0 && at > type->group)
+        const int last = endOfAdditions(type) - 1;
+        if (type->group == at) entry.insert(0, "[[ " + type->version);
+        if (type->group >= 0 && at == last) entry += " ]]";
+        if (type->group >= 0 && at > type->group && at <= last)
             text += "\n    , " + entry;
         else
             add(entry);
     }
     return text + " }";
+}
+
+/// "name " in front of the element of a list, its type and its values.
+std::string nameOfElement(const Type* list) {
+    const std::string& name = list->components[0].id;
+    return name.empty() ? name : name + " ";
 }
 
 std::string namesText(const Type* type) {
@@ -82,7 +90,8 @@ std::string textOf(Gen& gen, const Type* type) {
     };
     const std::string tag = type->tag.empty() ? "" : type->tag + " ";
     if (type->kind == Kind::List)
-        return tag + type->text + constraint + " OF " + textOf(gen, type->components[0].type);
+        return tag + type->text + constraint + " OF " + nameOfElement(type) +
+               textOf(gen, type->components[0].type);
     return tag + notation() + constraint;
 }
 
@@ -183,7 +192,8 @@ std::string listValue(Gen& gen, const Type* type, int depth, const Domain& domai
     const int64_t most = depth > 3 ? least : std::min<int64_t>(domain.hi, least + 2);
     std::string text;
     for (int64_t size = gen.random.between(least, most); size > 0; --size)
-        text += (text.empty() ? "" : ", ") + valueOf(gen, type->components[0].type, depth + 1);
+        text += (text.empty() ? "" : ", ") + nameOfElement(type) +
+                valueOf(gen, type->components[0].type, depth + 1);
     return "{" + text + "}";
 }
 

@@ -1,4 +1,4 @@
-// orvo_meta FIRST-SEED COUNT [--faults] [--pairs] [--keep DIR] [--reduce]
+// orvo_meta FIRST-SEED COUNT [--2021] [--faults] [--pairs] [--keep DIR] [--reduce]
 // Compiles random modules in several arrangements; all must come to the same. The modules are
 // legal, or with --faults have one fault. --pairs: two arrangements of each seed only.
 
@@ -102,7 +102,7 @@ void print(uint64_t seed, const Project& project, const Verdict& verdict) {
 
 struct Wishes {
     uint64_t first = 0, count = 0;
-    bool faults = false, pairs = false, reduce = false;
+    bool faults = false, pairs = false, reduce = false, isNew = false;
     std::string folder;
 };
 
@@ -115,6 +115,7 @@ Wishes wishesOf(int argc, char** argv) {
         if (option == "--faults") wishes.faults = true;
         if (option == "--pairs") wishes.pairs = true;
         if (option == "--reduce") wishes.reduce = true;
+        if (option == "--2021") wishes.isNew = true;
         if (option == "--keep" && at + 1 < argc) wishes.folder = argv[++at];
     }
     return wishes;
@@ -124,14 +125,14 @@ Wishes wishesOf(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::fprintf(stderr, "usage: orvo_meta FIRST-SEED COUNT [--faults] [--pairs] "
+        std::fprintf(stderr, "usage: orvo_meta FIRST-SEED COUNT [--2021] [--faults] [--pairs] "
                              "[--keep DIR] [--reduce]\n");
         return 2;
     }
     const Wishes wishes = wishesOf(argc, argv);
     unsigned long long failed = 0, found = 0, followUps = 0;
     for (uint64_t seed = wishes.first; seed < wishes.first + wishes.count; ++seed) {
-        Project project = generate(seed);
+        Project project = generate(seed, wishes.isNew);
         Random random{seed * 7919};
         if (wishes.faults) plantFault(project, random);
         std::vector<Arrangement> arrangements = arrangementsOf(project, random);

@@ -18,6 +18,7 @@ struct Definition {
 struct Project {
     std::string tagging; // "EXPLICIT", "IMPLICIT", "AUTOMATIC"
     std::vector<Definition> definitions;
+    bool isNew = false; // of the notation of 2021
     bool isFaulty = false;
     std::string faulty = {}, mark = {}; // the definition that is, a piece of the line that is
 };
@@ -40,7 +41,7 @@ struct Random {
     bool chance(int percent) { return below(100) < percent; }
 };
 
-Project generate(uint64_t seed);
+Project generate(uint64_t seed, bool isNew);
 /// Plants one fault in a definition; at times none that can be named, only something is missing.
 void plantFault(Project& project, Random& random);
 

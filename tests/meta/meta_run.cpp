@@ -186,11 +186,12 @@ Outcome compile(const Project& project, const Arrangement& arrangement) {
     Outcome outcome;
     const Folder folder;
     std::vector<std::string> arguments{"orvo", "-V=1"};
+    if (project.isNew) arguments.emplace_back("-STANDARD-VERSION=2021");
     std::string root;
     for (const auto& [name, text] : modulesOf(project, arrangement)) {
         std::ofstream(folder.path + "/" + name + ".asn") << text;
         const auto module = std::ranges::find(fileNames, name) - std::begin(fileNames);
-        if (arguments.size() == 2) root = name + ".asn";
+        if (root.empty()) root = name + ".asn";
         arguments.push_back(std::string("-PREFIX=") + moduleNames[module] + ":" + name + ":" +
                             name);
     }

@@ -114,22 +114,81 @@ TEST(Notation2021, MarkersRootsAndGroups) {
 }
 
 TEST(Notation2021, MacrosAreReadOver) {
-    const RunResult run =
-        compileBody("OBJECT-TYPE MACRO ::=\nBEGIN TYPE NOTATION ::= \"SYNTAX\" # END\n"
-                    "sysDescr OBJECT-TYPE SYNTAX NULL ACCESS read-only ::= { 1 3 6 }\n"
-                    "op OPERATION ARGUMENT NULL ::= localValue 5\n"
-                    "DisplayString ::= TEXTUAL-CONVENTION DISPLAY-HINT \"255a\" STATUS "
-                    "current SYNTAX OCTET STRING (SIZE (0..255))",
-                    edition);
+    const RunResult run = compile(
+        {{"m.asn",
+          "M DEFINITIONS ::= BEGIN IMPORTS OPERATION, OBJECT-TYPE, far, sized, Plain{}, OCTET "
+          "STRING FROM N TEXTUAL-CONVENTION FROM P;\n"
+          "OBJECT-IDENTITY MACRO ::=\nBEGIN TYPE NOTATION ::= \"SYNTAX\" # END\n"
+          "id OBJECT-IDENTITY STATUS current ::= { 1 3 6 }\n"
+          "sysDescr OBJECT-TYPE SYNTAX NULL ACCESS read-only ::= { id 1 }\n"
+          "a OPERATION ARGUMENT NULL ::= localValue 5\n"
+          "b OPERATION ::= -7\n"
+          "c OPERATION ::= { id 2 }\n"
+          "d OPERATION ::= e e OPERATION ARGUMENT NULL ::= far\n"
+          "f OPERATION ::= N.sized g INTEGER ::= d localValue INTEGER ::= 9\n"
+          "h OPERATION ::= TRUE\n"
+          "i Number ::= localValue j OPERATION ARGUMENT NULL ::= \"text\"\n"
+          "DisplayString ::= TEXTUAL-CONVENTION DISPLAY-HINT \"255a\" STATUS "
+          "current SYNTAX OCTET STRING (SIZE (0..255))\n"
+          "Number ::= INTEGER (0..9)\nEND\n"},
+         {"p.asn", "P DEFINITIONS ::= BEGIN IMPORTS TEXTUAL-CONVENTION FROM N; END\n"},
+         {"n.asn", "N DEFINITIONS ::= BEGIN OPERATION MACRO ::= BEGIN END OBJECT-TYPE MACRO ::= "
+                   "BEGIN END TEXTUAL-CONVENTION MACRO ::= BEGIN END\n"
+                   "far OPERATION ::= 6 sized Sized ::= 3 Sized ::= INTEGER (0..7) Plain ::= NULL "
+                   "END\n"}},
+        lenient);
     const std::string use = "W Definition by a macro: what is read of it is its value or type: ";
-    EXPECT_EQ(run.diagnostics("m"), listed({{2, "W Macro definition passed over: OBJECT_TYPE"},
-                                            {4, use + "OBJECT_TYPE"},
-                                            {5, use + "OPERATION"},
-                                            {6, use + "TEXTUAL_CONVENTION"}}));
+    EXPECT_EQ(run.diagnostics("m"),
+              listed({{1, "W Reserved word in symbol list: OCTET STRING"},
+                      {1, "W Braces behind an imported name without parameters: Plain"},
+                      {2, "W Macro definition passed over: OBJECT_IDENTITY"},
+                      {5, use + "OBJECT_TYPE"},
+                      {6, use + "OPERATION"},
+                      {11, "W Value of a macro left out: h"},
+                      {12, "W Value of a macro left out: j"},
+                      {13, use + "TEXTUAL_CONVENTION"}}));
     const TreeFacts tree(run, "m");
-    EXPECT_EQ(tree.values(), "sysDescr op");
+    EXPECT_EQ(tree.values(), "id sysDescr a b c d e f g localValue i");
     EXPECT_EQ(tree.constraint("DisplayString"), "(SIZE (0..255))");
-    EXPECT_EQ(tree.valueText("op"), "5");
+    EXPECT_EQ(tree.valueText("a"), "5");
+    EXPECT_EQ(tree.valueText("b"), "-7");
+
+    const auto faults = [](const std::string& body) {
+        return compileBody(body, edition).diagnostics("m");
+    };
+    EXPECT_EQ(faults("T ::= NULL v T \"a\" ::= 5"), listed({{2, "Macro expected: T"}}));
+    EXPECT_EQ(faults("X MACRO ::= BEGIN END a X ::= b b X ::= a"),
+              listed({{2, "W Macro definition passed over: X"},
+                      {2, "Invalid recursion in definition of value: b"},
+                      {2, "Invalid recursion in definition of value: a"}}));
+    // Types that a macro makes without SYNTAX are none; values of them are those of the macro.
+    EXPECT_EQ(
+        faults("X MACRO ::= BEGIN END S ::= X SYNTAX NULL E ::= X\nT ::= X ARGUMENT a S RESULT "
+               "b INTEGER\no OBJECT IDENTIFIER ::= { 1 2 } t T ::= localValue 5\n"
+               "u E ::= { a 1, b 2 } v X ::= x : 5 w X ::= {} y INTEGER ::= t"),
+        listed({{2, "W Macro definition passed over: X"},
+                {2, "W Type of a macro left out: E"},
+                {3, "W Type of a macro left out: T"},
+                {5, "W Value of a macro left out: v"},
+                {5, "W Value of a macro left out: u"},
+                {5, "W Value of a macro left out: w"}}));
+    const RunResult types = compile(
+        {{"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS OPERATION, Q FROM N;\nE ::= OPERATION\nT ::= "
+                   "OPERATION RESULT ERRORS { e }\ne E ::= 5\nq Q ::= e S ::= INTEGER (e) END\n"},
+         {"n.asn", "N DEFINITIONS ::= BEGIN EXPORTS OPERATION, Q; Q ::= OPERATION OPERATION MACRO "
+                   "::= BEGIN END END\n"}},
+        edition);
+    EXPECT_EQ(types.diagnostics("m"), listed({{2, "W Type of a macro left out: E"},
+                                              {2, use + "OPERATION"},
+                                              {3, "W Type of a macro left out: T"},
+                                              {5, use + "Q"}}));
+    EXPECT_EQ(TreeFacts(types, "m").types(), "S");
+    EXPECT_EQ(TreeFacts(types, "m").values(), "e q");
+    // A macro is no type, and what was left out no value.
+    for (const char* body :
+         {"X MACRO ::= BEGIN END T ::= SET OF X",
+          "X MACRO ::= BEGIN END a X ::= TRUE b INTEGER ::= a", "v X \"a\" ::= 5"})
+        EXPECT_EQ(compileBody(body, edition).status, 1) << body;
 }
 
 TEST(Notation2021, SetsContentsAndRelations) {
@@ -167,7 +226,7 @@ TEST(Notation2021, FaultsOfPublishedModulesAreWarnings) {
                       {2, "W Reserved word in symbol list: BIT"},
                       {3, "W Module is named by two FROM clauses: N"},
                       {3, "W Imported symbol is not exported: Hid"},
-                      {4, "W Tag class UNIVERSAL"},
+                      {4, "W Tag class UNIVERSAL: T"},
                       {5, "W Underscore in name: U_x"},
                       {7, "W A set as actual parameter has no braces: S"},
                       {7, "W A set as actual parameter has no elements: Set"},

@@ -27,7 +27,7 @@ constexpr struct {
     {"12.8", "v INTEGER ::= 9223372036854775807", "9223372036854775807"},
     {"12.8: the smallest exact number", "v INTEGER ::= -9223372036854775808",
      "-9223372036854775808"},
-    {"12.8: saturated", "v INTEGER ::= -99999999999999999999", "-9223372036854775808"},
+    {"12.8: beyond 64 bits", "v INTEGER ::= -99999999999999999999", "-99999999999999999999"},
     {"12.9: no fraction", "v REAL ::= 1.E5", "{mantissa 1, base 10, exponent 5}"},
     {"12.9: no point", "v REAL ::= 3e+5", "{mantissa 3, base 10, exponent 5}"},
     {"12.9: exponent 0", "v REAL ::= 25E0", "{mantissa 25, base 10, exponent 0}"},
@@ -52,6 +52,12 @@ constexpr struct {
     {"51.7: an alphabet", "v UTF8String (FROM (\"\xC3\xA9\"..\"\xC3\xBC\")) ::= \"\xC3\xBC\"",
      "\"\\u00fc\""},
     {"51.2", "v UTF8String (\"a\" | \"\xC3\xA9\") ::= \"\xC3\xA9\"", "\"\\u00e9\""},
+    {"41: the characters of other kinds",
+     "v BMPString (w | x) (FROM (w | a..b)) ::= \"\xC3\xA9\" w UTF8String ::= \"\xC3\xA9\"\n"
+     "x UniversalString ::= \"x\" a UTF8String ::= \"a\" b UniversalString ::= \"b\"",
+     "\"\\u00e9\""},
+    {"41.8: in parts", "v UTF8String ::= { w, \"x\" } w UniversalString ::= { 0, 1, 0, 0 }",
+     "{w, \"x\"}"},
     {"33: names have no meaning below the root",
      "v RELATIVE-OID ::= { iso 3 rel b(n) } iso RELATIVE-OID ::= { 8 } n INTEGER ::= 7\n"
      "rel RELATIVE-OID ::= { a(4) }",
@@ -60,8 +66,22 @@ constexpr struct {
      "v OBJECT IDENTIFIER ({ 1 2 5 6 7 }) ::= { iso 2 rel 7 }\n"
      "rel RELATIVE-OID ::= { 5 6 }",
      "{1 2 rel 7}"},
+    {"32, annex A: letters name arcs of 0 0 alone",
+     "v OBJECT IDENTIFIER ({ 1 2 5 6 }) ::= { 1 2 b 6 } b RELATIVE-OID ::= { 5 }\n"
+     "w OBJECT IDENTIFIER ({ 0 0 2 6 }) ::= { itu-t recommendation b 6 }",
+     "{1 2 b 6}"},
     {"33, 51.2", "v RELATIVE-OID ({ 1 } | { 1 2 }) ::= { one 2 } one RELATIVE-OID ::= { 1 }",
      "{one 2}"},
+    {"23.3: in a string that a reference constrains, nested",
+     "v S ::= CONTAINING {x CONTAINING b : w} S ::= T (SIZE (1)) T ::= OCTET STRING (CONTAINING "
+     "E)\n"
+     "E ::= SEQUENCE { x BIT STRING (CONTAINING CHOICE { b INTEGER }) } w INTEGER ::= 5",
+     "CONTAINING {x CONTAINING b : w}"},
+    {"23.3: in objects and actual parameters",
+     "v T ::= d T ::= OCTET STRING (CONTAINING INTEGER) K ::= CLASS { &t T } WITH SYNTAX { T &t }\n"
+     "o K ::= { T CONTAINING 6 } d T ::= o.&t P {T:p} ::= SEQUENCE { a T DEFAULT p } Q ::= P "
+     "{CONTAINING 7}",
+     "d"},
     {"34", "v OID-IRI (\"/ISO/\xC3\xA9\") ::= \"/ISO/\xC3\xA9\"", "\"/ISO/\\u00e9\""},
     {"38.4: the time types are types of TIME", "v TIME (d) ::= d d DATE ::= \"2020-02-29\"", "d"},
 };
@@ -123,11 +143,30 @@ TEST(NotationLex, ReportsValuesThatTheTypeDoesNotHave) {
          {{2, "Value out of union constraint(s)"}}},
         {"v GeneralizedTime ::= \"\xC3\xA9\"",
          {{2, "Character that the type does not have"}, {2, "GeneralizedTime value syntax"}}},
+        {"v BMPString ::= { w, \"x\" } w UniversalString ::= { 0, 1, 0, 0 }",
+         {{2, "Character that the type does not have"}}},
+        {"v IA5String ::= w w UTF8String ::= \"\xC3\xA9\"",
+         {{2, "Character that the type does not have"}}},
+        {"v BMPString (w) ::= \"b\" w UTF8String ::= \"a\"",
+         {{2, "Value out of single value constraint(s)"}}},
+        {"T ::= UTF8String (FROM (b..a)) a BMPString ::= \"a\" b UniversalString ::= \"b\"",
+         {{2, "Invalid range constraint(s)"}, {2, "Invalid permitted alphabet constraint(s)"}}},
+        {"v UTF8String (FROM (\"a\"..\"c\") ^ \"a\"..\"b\") ::= \"b\"", // 51.4.1
+         {{2, "Value range not allowed"}, {2, "Invalid constraint"}}},
         {"v DATE ::= \"\xC3\xA9\"",
          {{2, "Character that the type does not have"}, {2, "DATE value syntax"}}},
         {"v DATE ::= { \"2020-02-29\" }", {{2, "DATE value syntax"}}},
         {"v RELATIVE-OID ::= { 3 o } o OBJECT IDENTIFIER ::= { 1 2 }",
          {{2, "Invalid RELATIVE-OID component: 2nd component"}, {2, "Invalid RELATIVE-OID value"}}},
+        {"v OCTET STRING ::= CONTAINING 5",
+         {{2, "CONTAINING a value needs a contents constraint with a type"},
+          {2, "OCTET STRING value syntax"}}},
+        {"v T ::= CONTAINING 10 T ::= OCTET STRING (CONTAINING INTEGER (0..9))",
+         {{2, "Value out of range constraint(s)"}, {2, "Invalid OCTET STRING value"}}},
+        {"v T (CONTAINING INTEGER) (w) ::= CONTAINING 7 w T (CONTAINING INTEGER) ::= CONTAINING 8 "
+         "T ::= OCTET STRING",
+         {{2, "Value out of single value constraint(s)"},
+          {2, "Value out of catenated constraint(s)"}}},
         {"v RELATIVE-OID ({ 1 } | { 1 2 }) ::= { 2 }", {{2, "Value out of union constraint(s)"}}},
         {"v OBJECT IDENTIFIER ::= { rel 3 } rel RELATIVE-OID ::= { 1 40 }", // below iso up to 39
          {{2, "Invalid OBJECT IDENTIFIER component: 1st component"},
@@ -140,9 +179,9 @@ TEST(NotationLex, ReportsValuesThatTheTypeDoesNotHave) {
     }
     // More arcs than the tree holds.
     std::string arcs;
-    for (int i = 0; i < 33; ++i) arcs += " 1";
+    for (int i = 0; i < 129; ++i) arcs += " 1";
     EXPECT_EQ(compileBody("v RELATIVE-OID ::= {" + arcs + " }", edition).diagnostics("m"),
-              listed({{2, "Value of RELATIVE-OID out of range: Limitation: there can be only 32 "
+              listed({{2, "Value of RELATIVE-OID out of range: Limitation: there can be only 128 "
                           "object identifier components."},
                       {2, "Invalid RELATIVE-OID value"}}));
 }

@@ -69,6 +69,7 @@ TEST(StxDump, JsonHoldsEveryFieldWhateverTheStringsHold) {
     m.text("\xff\xc3");         // not UTF-8
     m.text("\xed\xa0\x80");     // a surrogate in UTF-8 form
     m.text("\xf0\x9f\x98\x80"); // beyond 16 bits
+    m.value("", TYP_INTEGER).val.integer = {i64max(), 5};
     m.strings16 = {u"A\xd83d\xde00", u"\xd800"};
     m.strings32 = {U"\x110000"};
     const Dump result = dumpM(runWith(m, moduleN()), {"--json"});
@@ -83,6 +84,8 @@ TEST(StxDump, JsonHoldsEveryFieldWhateverTheStringsHold) {
           "{\"nr\":2,\"text\":\"\\ufffd\",\"hex\":\"00d8\"}",
           "{\"nr\":1,\"text\":\"\\ufffd\",\"hex\":\"00001100\"}",
           "\"ref\":{\"value\":1,\"kind\":\"tNode\",\"nr\":1,\"module\":2,\"moduleName\":\"N\"}",
+          "\"val\":{\"number\":9223372036854775807,"
+          "\"exact\":{\"value\":5,\"kind\":\"string\",\"text\":\"u\"}}",
           "\"typeCode\":{\"code\":8,\"name\":\"TYP_SEQOF\"}",
           "\"upperBound\":9223372036854775807}"})
         EXPECT_NE(result.out.find(piece), std::string::npos) << piece << '\n' << result.out;
@@ -95,9 +98,10 @@ TEST(StxDump, SummaryGivesCountsFinalTagsAndBounds) {
     m.types[0].next = 5;
     TNode& i = m.type("I", TYP_INTEGER, TCS_HEADER);
     i.tags = 2, i.lowerBound = i64of(-5), i.checkFlags = CF_EXTENSIBLE;
+    i.upperBound = i64of(-1), i.boundForms = BOUND_BEYOND << upperBoundShift;
     m.tags.push_back({TAG_APPLICATION, TAGMODE_IMPLICIT, 7, 0});
     VNode& v = m.value("v", TYP_INTEGER, VST_HEADER);
-    v.govType = 5, v.govTypeMod = 1, v.val.number = i64of(12);
+    v.govType = 5, v.govTypeMod = 1, v.val.integer = {i64max(), m.text("18446744073709551616")};
     m.modules[0].firstValAss = 1;
     const Dump result = dumpM(runWith(m, moduleN()), {"--summary"});
     EXPECT_EQ(result.err, "");
@@ -107,13 +111,13 @@ TEST(StxDump, SummaryGivesCountsFinalTagsAndBounds) {
               "    exports     all\n"
               "    options     TYP ALLOW\n"
               "    records     mNode 2, tNode 5, vNode 1, tagRec 2, subRec 0, tedRec 0, sNode 0, "
-              "string 8, string16 0, string32 0\n"
+              "string 9, string16 0, string32 0\n"
               "    modules     2 N (n.stx), by IMPORTS\n"
               "    types       2\n"
-              "        T  SEQUENCE  [UNIVERSAL 16]            0 entries\n"
-              "        I  INTEGER   [APPLICATION 7]  -5..MAX  EXTENSIBLE\n"
+              "        T  SEQUENCE  [UNIVERSAL 16]                              0 entries\n"
+              "        I  INTEGER   [APPLICATION 7]  -5..>18446744073709551615  EXTENSIBLE\n"
               "    values      1\n"
-              "        v  INTEGER  12\n");
+              "        v  INTEGER  18446744073709551616\n");
 }
 
 TEST(StxDump, TypeIsShownWithTheDefinitionsOfOtherFilesOnce) {

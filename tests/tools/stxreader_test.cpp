@@ -135,6 +135,7 @@ TEST(StxReader, DamagedRecordsAreDiagnosed) {
         {[](TreeBytes& f) { f.subs[1].left = 1; }, "subRec ", circle},
         {[](TreeBytes& f) { f.values[4].ref = 5; }, "vNode 5, ", circle},
         {[](TreeBytes& f) { f.values[4].ref = 6; }, "vNode 5, field ref: ", "6 is out of range (vNode 1..5)"},
+        {[](TreeBytes& f) { f.values[0].val.integer.text = 15; }, "vNode 1, field val: ", "15 is out of range (string 1..14)"},
         {[](TreeBytes& f) { f.types[2].constraint = 6; }, "tNode 3, field constraint: ", "6 is out of range (subRec 1..5)"},
         {[](TreeBytes& f) { f.subs[3].third = 6; }, "subRec 4, field third: ", "6 is out of range (vNode 1..5)"},
         {[](TreeBytes& f) { f.subs[4].left = 6; }, "subRec 5, field left: ", "6 is out of range (vNode 1..5)"},

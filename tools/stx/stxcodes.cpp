@@ -198,12 +198,14 @@ constexpr CodeName valueFlagRows[] = {
     {4, "TED2"},
     {8, "TED3"},
     {16, "VARIABLE"},
+    {32, "CONTENTS"},
 };
 constexpr CodeName nodeFlagRows[] = {
     {2, "ASSIGNMENT"},
     {8, "SET"},
     {32, "VARIABLE"},
     {64, "IGNORABLE_CHECKED"},
+    {128, "DUMMY"},
 };
 constexpr CodeName checkFlagRows[] = {
     {0x0001, "OPTIONALS"},

@@ -7,6 +7,14 @@
 
 namespace stx {
 
+/// How a bound of INTEGER or ENUMERATED is to be read.
+enum BoundForm : uint8_t {
+    BOUND_PLAIN = 0,    // signed; the smallest number is MIN, the largest MAX
+    BOUND_SIGNED = 1,   // signed, and neither MIN nor MAX
+    BOUND_UNSIGNED = 2, // 64 bits without sign
+    BOUND_BEYOND = 3,   // beyond either: -2^63 signed, or 2^64 - 1 without sign
+};
+
 enum Kind : uint8_t {
     MNODE = 0,
     TNODE = 1,
@@ -153,12 +161,14 @@ enum ValueFlags : uint8_t {
     VF_TED2 = 4,
     VF_TED3 = 8,
     VF_VARIABLE = 16,
+    VF_CONTENTS = 32,
 };
 enum NodeFlags : uint32_t {
     NF_ASSIGNMENT = 2,
     NF_SET = 8,
     NF_VARIABLE = 32,
     NF_IGNORABLE_CHECKED = 64,
+    NF_DUMMY = 128,
 };
 enum CheckFlags : uint16_t {
     CF_OPTIONALS = 0x0001,

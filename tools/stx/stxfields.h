@@ -67,7 +67,7 @@ inline constexpr Field tNodeFields[] = {
     {"typeCode",       50, 1, F::Unsigned, S::Code,   To::Nowhere,     &typeNames},
     {"vfKind",         51, 1, F::Unsigned, S::Names,  To::Nowhere,     &vfKindNames},
     {"sizeOpt",        52, 1, F::Unsigned, S::Names,  To::Nowhere,     &sizeNames},
-    {"unused53",       53, 1, F::Unused,   S::Plain,  To::Nowhere,     nullptr},
+    {"boundForms",     53, 1, F::Unsigned, S::Plain,  To::Nowhere,     nullptr},
     {"checkFlags",     54, 2, F::Unsigned, S::Bits,   To::Nowhere,     &checkFlagNames},
     {"entryFlags",     56, 1, F::Unsigned, S::Bits,   To::Nowhere,     &entryFlagNames},
     {"entryKinds",     57, 1, F::Unsigned, S::Bits,   To::Nowhere,     nullptr},

@@ -70,8 +70,9 @@ Link linkOfActuals(const TNode& node) {
     return ownLink(node.typeCode == TYP_SYNONYM ? VNODE : SNODE, node.syntax);
 }
 
-/// The string that is the value.
+/// The string that is the value, or says it exactly.
 Link linkOfValueText(const VNode& node) {
+    if (node.valCode == TYP_INTEGER || node.valCode == TYP_ENUM) return stringLink(node.exact);
     if (!typeRow(node.valCode).stringValue || node.refMod == REF_DEFERRED) return {};
     Link link = stringLink(node.stri);
     if (node.valCode == TYP_BMPSTR) link.kind = STRI16;
@@ -93,8 +94,10 @@ Link linkOfValueRef(const VNode& node) {
             return recordLink(TNODE, node.refMod < 0 ? 1 : node.refMod, node.ref);
         return ownLink(VNODE, node.ref);
     }
-    const bool marker = node.valCode == TYP_EXTENSION_MARKER; // leads to its exception
-    if (node.valCode == TYP_FIELDLIST || marker || typeRow(node.valCode).valueList)
+    // A marker leads to its exception, a REAL to the values that its components name.
+    const bool leads = node.valCode == TYP_EXTENSION_MARKER || node.valCode == TYP_REAL;
+    const bool holdsContents = (node.vflags & VF_CONTENTS) != 0;
+    if (node.valCode == TYP_FIELDLIST || leads || holdsContents || typeRow(node.valCode).valueList)
         return ownLink(VNODE, node.ref);
     return {};
 }

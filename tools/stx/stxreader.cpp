@@ -190,6 +190,7 @@ TNode Tree::tNode(uint32_t nr) const {
     node.typeCode = in.get<"typeCode">();
     node.vfKind = in.get<"vfKind">();
     node.sizeOpt = in.get<"sizeOpt">();
+    node.boundForms = in.get<"boundForms">();
     node.checkFlags = in.get<"checkFlags">();
     node.entryFlags = in.get<"entryFlags">();
     node.entryKinds = in.get<"entryKinds">();
@@ -231,6 +232,7 @@ VNode Tree::vNode(uint32_t nr) const {
     const uint8_t* val = in.at<"val">();
     node.boole = val[0] != 0;
     node.number = i64At(val);
+    node.exact = u32At(val + 8);
     node.base = i16At(val + 8);
     node.exponent = i16At(val + 10);
     node.striLen = static_cast<uint16_t>(u16At(val));

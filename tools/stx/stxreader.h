@@ -51,6 +51,7 @@ struct TNode { // a type, component, field, formal parameter or the head of a ty
     uint32_t tags = 0, optFlags = 0, nodeFlags = 0, tedFirst = 0, tedLast = 0;
     int16_t checkState = 0;
     uint8_t typeCode = TYP_NONE, vfKind = 0, sizeOpt = 0;
+    uint8_t boundForms = 0; // BOUND_* of either bound: lowerForm() and upperForm()
     uint16_t checkFlags = 0;
     uint8_t entryFlags = 0, entryKinds = 0, lenForm = 255, skipOpt = 255;
     uint32_t sizeLimit = 0;
@@ -60,6 +61,8 @@ struct TNode { // a type, component, field, formal parameter or the head of a ty
     uint32_t ref = 0, namedVals = 0, syntaxList = 0, formals = 0;
     int32_t syntax = 0;
     int64_t lowerBound = 0, upperBound = 0;
+    uint8_t lowerForm() const { return boundForms & 3; }
+    uint8_t upperForm() const { return boundForms >> 2 & 3; }
     /// TCS_* whatever its sign.
     int64_t role() const { return compStatus < 0 ? -int64_t{compStatus} : compStatus; }
     /// A parameterized definition: it is not solved, only its instances are (their heads have the
@@ -78,6 +81,7 @@ struct VNode {
     // the value proper; valCode tells which of these counts
     bool boole = false;
     int64_t number = 0; // INTEGER, ENUMERATED, arcs; of a REAL the mantissa
+    uint32_t exact = 0; // string of the digits, when `number` is only the nearest one of 64 bits
     int16_t base = 0, exponent = 0;
     uint16_t striLen = 0;
     uint32_t stri = 0;
@@ -379,8 +383,13 @@ int64_t tagNumber(Trees& trees, const Tree& tree, const TagRec& tag);
 std::string tagText(const Tag& tag);
 /// The tag records of a type as they stand: "[1] IMPLICIT [APPLICATION 2] EXPLICIT".
 std::string tagListText(Trees& trees, TypeRef type);
-/// "1..10", "MIN..MAX": bounds as pass 5 stored them.
+/// "1..10", "MIN..MAX": bounds as pass 5 stored them; beyond what they hold
+/// "<-9223372036854775808",
+/// ">18446744073709551615".
 std::string boundsText(const TNode& type);
+std::string boundText(int64_t bound, uint8_t form);
+/// An INTEGER, ENUMERATED or arc in decimal, whatever its size.
+std::string integerText(const Tree& tree, const VNode& value);
 /// A value and a constraint in ASN.1 notation, references by name, cut after some thousand
 /// characters.
 std::string valueText(Trees& trees, ValueRef value);

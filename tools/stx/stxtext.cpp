@@ -284,7 +284,7 @@ void writeValue(Writer& writer, ValueRef value) {
         return;
     case TYP_BOOLEAN: writer.out += node.boole ? "TRUE" : "FALSE"; return;
     case TYP_INTEGER:
-    case TYP_ENUM: writer.out += std::to_string(node.number); return;
+    case TYP_ENUM: writer.out += integerText(tree, node); return;
     case TYP_REAL: writeReal(writer, node); return;
     case TYP_NULL: writer.out += "NULL"; return;
     case TYP_OPEN:
@@ -297,6 +297,10 @@ void writeValue(Writer& writer, ValueRef value) {
         return writeValue(writer, {&tree, chosen[0]});
     }
     default: break;
+    }
+    if ((node.vflags & VF_CONTENTS) != 0) {
+        writer.out += "CONTAINING ";
+        return writeValue(writer, {&tree, node.ref});
     }
     const Link string = tree.linkOf(VNODE, value.nr, fieldNamed(VNODE, "val"));
     if (string.target == Target::String && !isArcs(node.valCode) && node.ref == 0)
@@ -455,13 +459,23 @@ std::string tagListText(Trees& trees, TypeRef type) {
     return text;
 }
 
+std::string boundText(int64_t bound, uint8_t form) {
+    constexpr int64_t least = std::numeric_limits<int64_t>::min();
+    if (form == BOUND_PLAIN && bound == least) return "MIN";
+    if (form == BOUND_PLAIN && bound == std::numeric_limits<int64_t>::max()) return "MAX";
+    if (form == BOUND_BEYOND && bound == least) return '<' + std::to_string(bound);
+    const std::string sign(form == BOUND_BEYOND ? ">" : "");
+    return form < BOUND_UNSIGNED ? std::to_string(bound)
+                                 : sign + std::to_string(static_cast<uint64_t>(bound));
+}
+
 std::string boundsText(const TNode& type) {
-    const auto text = [](int64_t bound) -> std::string {
-        if (bound == std::numeric_limits<int64_t>::min()) return "MIN";
-        if (bound == std::numeric_limits<int64_t>::max()) return "MAX";
-        return std::to_string(bound);
-    };
-    return text(type.lowerBound) + ".." + text(type.upperBound);
+    return boundText(type.lowerBound, type.lowerForm()) + ".." +
+           boundText(type.upperBound, type.upperForm());
+}
+
+std::string integerText(const Tree& tree, const VNode& value) {
+    return value.exact == 0 ? std::to_string(value.number) : std::string(tree.text(value.exact));
 }
 
 std::string typeText(Trees& trees, TypeRef type) {

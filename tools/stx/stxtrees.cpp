@@ -254,7 +254,9 @@ FinalTags finalTags(Trees& trees, TypeRef type, int64_t automaticTag, std::strin
     if (automaticTag >= 0) {
         result.tags.push_back({TAG_CONTEXT, automaticTag});
         const FinalTags inner = finalTags(trees, type, -1, error);
-        replaced = !inner.tags.empty(); // explicit after all where nothing is there to be replaced
+        // Explicit after all where nothing is there to be replaced, and in front of a dummy
+        // reference.
+        replaced = !inner.tags.empty() && (type.node().nodeFlags & NF_DUMMY) == 0;
     }
     for (int steps = 0; type && steps < maxTags; ++steps) {
         std::string broken;

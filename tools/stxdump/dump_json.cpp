@@ -120,7 +120,13 @@ std::string payloadJson(const Tree& tree, uint32_t nr, const Field& field) {
     switch (node.valCode) {
     case stx::TYP_BOOLEAN: return node.boole ? "{\"boole\":true}" : "{\"boole\":false}";
     case stx::TYP_INTEGER:
-    case stx::TYP_ENUM: return "{\"number\":" + std::to_string(node.number) + '}';
+    case stx::TYP_ENUM: {
+        const std::string exact =
+            node.exact == 0
+                ? ""
+                : ",\"exact\":" + linkJson(tree, node.exact, tree.linkOf(stx::VNODE, nr, field));
+        return "{\"number\":" + std::to_string(node.number) + exact + '}';
+    }
     case stx::TYP_REAL:
         return "{\"mantissa\":" + std::to_string(node.number) +
                ",\"base\":" + std::to_string(node.base) +

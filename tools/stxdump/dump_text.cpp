@@ -70,7 +70,7 @@ std::string payloadText(const Tree& tree, uint32_t nr, const Field& field) {
     switch (node.valCode) {
     case stx::TYP_BOOLEAN: return node.boole ? "TRUE" : "FALSE";
     case stx::TYP_INTEGER:
-    case stx::TYP_ENUM: return std::to_string(node.number);
+    case stx::TYP_ENUM: return stx::integerText(tree, node);
     case stx::TYP_REAL:
         return "mantissa " + std::to_string(node.number) + ", base " + std::to_string(node.base) +
                ", exponent " + std::to_string(node.exponent) +
@@ -99,11 +99,6 @@ std::string wordsText(const stx::MNode& node, const Field& field) {
     return text;
 }
 
-std::string boundText(int64_t bound) {
-    if (bound == INT64_MIN) return "MIN";
-    return bound == INT64_MAX ? "MAX" : std::to_string(bound);
-}
-
 /// Number and meaning; "" where the field says none and `all` is not wanted.
 std::string fieldText(const Tree& tree, Kind kind, uint32_t nr, const Field& field, bool all) {
     switch (field.form) {
@@ -117,7 +112,11 @@ std::string fieldText(const Tree& tree, Kind kind, uint32_t nr, const Field& fie
     }
     int64_t value = 0;
     if (!tree.number(kind, nr, field, value)) return "";
-    if (field.form == Form::Wide) return boundText(value);
+    if (field.form == Form::Wide) { // of a type alone
+        const stx::TNode node = tree.tNode(nr);
+        const bool isLower = std::string_view(field.name) == "lowerBound";
+        return stx::boundText(value, isLower ? node.lowerForm() : node.upperForm());
+    }
     std::string meaning;
     switch (field.sense) {
     case Sense::Plain: break;

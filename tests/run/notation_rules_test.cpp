@@ -1,0 +1,184 @@
+// Rules of X.680 to X.683 (02/2021) by which the older notation of this program judges otherwise.
+// Each module carries its findings behind the lines that they stand at, "--!" in front, ";"
+// between, "W" in front of a warning; what has none is the legal neighbour.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "support/cases.h"
+#include "support/tree.h"
+
+namespace orvo::test {
+namespace {
+
+const std::vector<std::string> edition = {"-STANDARD-VERSION=2021"};
+const std::vector<std::string> lenient = {"-STANDARD-VERSION=2021", "-LENIENT=yes"};
+
+std::vector<Finding> marked(const std::string& source) {
+    std::vector<Finding> findings;
+    std::istringstream lines(source);
+    int number = 1;
+    for (std::string line; std::getline(lines, line); ++number) {
+        size_t at = line.find("--! ");
+        while (at != std::string::npos) {
+            const size_t begin = line.find(' ', at + 1) + 1;
+            at = line.find(" ; ", begin);
+            findings.push_back(
+                {number, line.substr(begin, at == std::string::npos ? at : at - begin)});
+        }
+    }
+    return findings;
+}
+
+/// Compiles module M; the body, which begins with a line end, has its findings marked.
+RunResult expectMarked(const std::string& body, const std::vector<std::string>& options = edition,
+                       const std::string& defaults = "") {
+    const std::string source = "M DEFINITIONS " + defaults + "::= BEGIN" + body + "END\n";
+    const RunResult run = compile({{"m.asn", source}}, options);
+    const std::vector<Finding> findings = marked(source);
+    EXPECT_EQ(run.diagnostics("m"), listed(findings));
+    bool failed = false;
+    for (const Finding& finding : findings) failed |= !finding.text.starts_with("W ");
+    EXPECT_EQ(run.status, failed ? 1 : 0) << run.err;
+    return run;
+}
+
+// X.680 3.8.64: at least one finite value.
+TEST(NotationRules, RecursionNeedsAFiniteValue) {
+    expectMarked(R"(
+T ::= SEQUENCE OF T
+S ::= SEQUENCE { ..., t S }
+C ::= CHOICE { a NULL, t C }
+O ::= SEQUENCE { a O OPTIONAL, b SET OF O, c D }
+D ::= CHOICE { o O, n NULL }
+G ::= SEQUENCE { ..., [[ t G ]] }
+L ::= SEQUENCE (SIZE (0..5)) OF L
+Z ::= SET { l SEQUENCE (SIZE (1..5)) OF CHOICE { z Z, n NULL } }
+H ::= CHOICE { h H, ..., n NULL }
+)",
+                 edition, "AUTOMATIC TAGS ");
+    expectMarked(R"(
+S ::= SEQUENCE { t S } --! Invalid recursion in definition of type: t
+C ::= CHOICE { t C } --! Invalid recursion in definition of type: t
+L ::= SEQUENCE (SIZE (1..5)) OF L --! Invalid recursion in definition of type
+A ::= SEQUENCE { o A OPTIONAL, b B } --! Invalid recursion in definition of type: b
+B ::= SET { a A } --! Invalid recursion in definition of type: a
+D ::= SEQUENCE { x NULL, ..., y D, ..., d D } --! Invalid recursion in definition of type: d
+E ::= CHOICE { e F, f F } --! Invalid recursion in definition of type: e ; Invalid recursion in definition of type: f
+F ::= SEQUENCE { g E } --! Invalid recursion in definition of type: g
+M ::= SEQUENCE { m N (SIZE (1..5)) } --! Invalid recursion in definition of type: m
+N ::= SEQUENCE OF M
+U ::= SEQUENCE { s S }
+)",
+                 edition, "AUTOMATIC TAGS ");
+}
+
+// X.680 51.4.3; the type keeps the endpoint of the parent.
+TEST(NotationRules, RangesStayWithinTheParent) {
+    for (const auto& options : {edition, lenient}) {
+        const RunResult run = expectMarked(R"(
+A ::= INTEGER (1..10)
+B ::= A (0..5) --! W Range endpoint outside the parent type: lower endpoint
+C ::= A (5..20) --! W Range endpoint outside the parent type: upper endpoint
+D ::= A (MIN..3 | 7..MAX)
+E ::= A (20..30) --! W Range endpoint outside the parent type: lower endpoint ; W Range endpoint outside the parent type: upper endpoint
+F ::= REAL (0..<10)(5..10) --! W Range endpoint outside the parent type: upper endpoint
+G ::= REAL (0..<10)(5..<10)
+V A ::= { 5..20 } --! W Range endpoint outside the parent type: upper endpoint
+S ::= IA5String (SIZE (1..10))(SIZE (0..5))
+P ::= INTEGER (1..10)(0..5) --! W Range endpoint outside the parent type: lower endpoint
+Q ::= INTEGER (1..10)(5..20) --! W Range endpoint outside the parent type: upper endpoint
+)",
+                                           options);
+        // 0..5 and 5..20 within 1..10
+        const TreeFacts facts(run, "m");
+        EXPECT_EQ(facts.bounds("P"), "1..5");
+        EXPECT_EQ(facts.bounds("Q"), "5..10");
+    }
+    expectMarked(R"(
+A ::= INTEGER (1..10)
+F ::= A (20) --! Value out of range constraint(s) ; Invalid single value constraint(s)
+H ::= A (5..4) --! Invalid range constraint(s)
+)");
+}
+
+// X.680 50.9: the elements of a value set are values of its governor.
+TEST(NotationRules, ValueSetsAreHeldAgainstTheirGovernors) {
+    expectMarked(R"(
+A ::= INTEGER (1..10)
+B ::= INTEGER
+V A ::= { 1 | 2..10, ..., 3 }
+W A ::= { 1 | 20 } --! Value out of range constraint(s) ; Invalid set element ; Invalid value set
+X A ::= { 1, ..., 20 } --! Value out of range constraint(s) ; Invalid set element ; Invalid value set
+Y A ::= { B (5) | V }
+Z B ::= { 20 }
+K ::= CLASS { &Set A OPTIONAL }
+k K ::= { &Set { 1 | 20 } } --! Value out of range constraint(s) ; Invalid set element ; Invalid value set ; Invalid object
+l K ::= { &Set { 1 | 2 } }
+)");
+}
+
+// X.680 53.4: the value of an exception is one of its type.
+TEST(NotationRules, ExceptionsAreValuesOfTheirTypes) {
+    const std::string wrong = " --! Value out of range constraint(s) ; Invalid Open type value ; "
+                              "Invalid ExceptionValue\n";
+    std::string body =
+        "\nI ::= INTEGER (1..3)\nK ::= CLASS { &id INTEGER }\nKs K ::= { { &id 1 } }\n";
+    for (const char* form :
+         {"INTEGER (5 ! I : #)", "INTEGER (1..5, ... ! I : #)", "ENUMERATED { a, ... ! I : # }",
+          "SEQUENCE { a NULL, ... ! I : # }", "CHOICE { a NULL, ... ! I : # }",
+          "SEQUENCE { a K.&id ({Ks} ! I : #) }", "INTEGER (CONSTRAINED BY {} ! I : #)",
+          "OCTET STRING (CONTAINING NULL ! I : #)"})
+        for (const bool fits : {true, false}) {
+            std::string type = form;
+            type.replace(type.find('#'), 1, fits ? "3" : "9");
+            body += (fits ? "F" : "W") + std::to_string(body.size()) + " ::= " + type +
+                    (fits ? std::string("\n") : wrong);
+        }
+    expectMarked(body);
+}
+
+// X.680 25.18: the order of the type; 25.13 to 25.15: additions missing from some point on.
+TEST(NotationRules, ValuesOfSequencesFollowTheType) {
+    expectMarked(R"(
+T ::= SEQUENCE { a NULL, b NULL OPTIONAL, ..., c NULL, [[ d NULL, e NULL OPTIONAL ]], g NULL OPTIONAL, ..., f NULL }
+t1 T ::= { a NULL, f NULL }
+t2 T ::= { a NULL, c NULL, f NULL }
+t3 T ::= { a NULL, c NULL, d NULL, f NULL }
+t4 T ::= { a NULL, b NULL, c NULL, d NULL, e NULL, g NULL, f NULL }
+t5 T ::= { a NULL, d NULL, f NULL } --! Mandatory component value missing: component 'c' ; Invalid SEQUENCE value
+t6 T ::= { a NULL, c NULL, g NULL, f NULL } --! Mandatory component value missing: component 'd' ; Invalid SEQUENCE value
+t7 T ::= { a NULL, c NULL, e NULL, f NULL } --! Mandatory component value missing: component 'd' ; Invalid SEQUENCE value
+t8 T ::= { a NULL, c NULL } --! Mandatory component value missing: component 'f' ; Invalid SEQUENCE value
+t9 T ::= { a NULL, f NULL, --! Invalid SEQUENCE value
+  c NULL } --! Component values out of order
+t10 T ::= { b NULL, --! Invalid SEQUENCE value
+  a NULL, f NULL } --! Component values out of order
+S ::= SET { a NULL, b NULL, ..., c NULL, d NULL }
+s1 S ::= { b NULL, a NULL }
+s2 S ::= { d NULL, c NULL, b NULL, a NULL }
+s3 S ::= { d NULL, b NULL, a NULL } --! Mandatory component value missing: component 'c' ; Invalid SET value
+)",
+                 edition, "AUTOMATIC TAGS ");
+}
+
+TEST(NotationRules, ParametersMayBeUnused) {
+    expectMarked(R"(
+A {T} ::= ENUMERATED { a, ... ! T : 5 }
+B {T} ::= INTEGER (1 ! T : 5)
+C {T} ::= NULL
+D {T, T : v} ::= INTEGER (v)
+E {T} ::= OCTET STRING (CONTAINING T)
+a A {INTEGER} ::= a
+b B {INTEGER} ::= 1
+c C {INTEGER} ::= NULL --! W Unused actual parameters: (1) T
+d D {INTEGER, 5} ::= 5
+f E {NULL} ::= '0500'H
+)");
+    expectMarked("\nC {T} ::= NULL\nc C {INTEGER} ::= NULL --! Unused actual parameters: (1) T\n",
+                 {});
+}
+
+} // namespace
+} // namespace orvo::test
