@@ -91,6 +91,7 @@ struct CheckCache {
     std::unordered_map<uint32_t, std::u32string> alphabets;
     std::unordered_map<uint32_t, UnionIndex> unions;             // large unions of simple values
     std::map<std::pair<uint32_t, FieldPath>, TableIndex> tables; // table constraint and fields
+    std::map<std::pair<uint64_t, uint64_t>, bool> sameTypes; // of pairs of types (types_struct)
     TypeNotes types;
 };
 

@@ -8,10 +8,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
-#include <map>
-#include <set>
-#include <tuple>
-#include <utility>
+#include <unordered_map>
 #include <vector>
 
 #include "check/check_cache.h"
@@ -19,6 +16,7 @@
 #include "check/orvonum_end_sub.h"
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvoutil_find.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -100,7 +98,9 @@ uint8_t actualKind() {
     return tNode.typeCode;
 }
 
-using EndpointKey = std::tuple<ModuleRec*, uint32_t, bool>;
+uint64_t endpointKey(TNodeRef type, bool upper) {
+    return keyOf(type) << 1 | uint64_t{upper};
+}
 struct KnownEndpoint {
     Endpoint end;
     bool exists = false;
@@ -108,9 +108,10 @@ struct KnownEndpoint {
 /// The endpoints that are being computed: a type that contains itself as a subtype has no endpoint
 /// there. What depends on that, or on types under check, holds in this computation alone.
 struct EndpointState {
-    std::set<EndpointKey> running;
-    std::map<EndpointKey, KnownEndpoint> forNow;
-    uint64_t unsettled = 0; // such dependencies met so far
+    FlatSet<uint64_t> running;                          // by endpointKey
+    std::unordered_map<uint64_t, KnownEndpoint> forNow; // likewise
+    std::vector<TNodeRef> links;                        // of the chains, one behind the other
+    uint64_t unsettled = 0;                             // such dependencies met so far
 };
 EndpointState endpointState;
 
@@ -127,20 +128,22 @@ bool knownEndpoint(KnownEndpoint& known, bool upper) {
         if (!isDone()) ++endpointState.unsettled;
         return true;
     }
-    const auto found = endpointState.forNow.find({type.module, type.nr.nr, upper});
+    const auto found = endpointState.forNow.find(endpointKey(type, upper));
     if (found == endpointState.forNow.end()) return false;
     known = found->second;
     ++endpointState.unsettled;
     return true;
 }
 
-/// The types from the current one along its references to the first whose endpoint is known, or the
-/// last. Returns whether it is known.
-bool collectChain(std::vector<TNodeRef>& chain, KnownEndpoint& known, bool upper) {
+/// Appends the types from the current one along its references to the first whose endpoint is
+/// known, or the last, to the links. Returns whether it is known.
+bool collectChain(KnownEndpoint& known, bool upper) {
+    auto& links = endpointState.links;
+    const size_t first = links.size();
     do {
         if (knownEndpoint(known, upper)) return true;
-        chain.push_back(currentRec<KIND_TNODE>());
-    } while (chain.size() < maxLinks && followTypeRef(true));
+        links.push_back(currentRec<KIND_TNODE>());
+    } while (links.size() - first < maxLinks && followTypeRef(true));
     return false;
 }
 
@@ -148,19 +151,20 @@ bool collectChain(std::vector<TNodeRef>& chain, KnownEndpoint& known, bool upper
 class RunningEndpoint {
   public:
     RunningEndpoint(TNodeRef type, bool upper)
-        : place_(endpointState.running.insert({type.module, type.nr.nr, upper})) {
-        if (!isNew()) ++endpointState.unsettled;
+        : key_(endpointKey(type, upper)), isNew_(endpointState.running.insert(key_).second) {
+        if (!isNew_) ++endpointState.unsettled;
     }
     RunningEndpoint(const RunningEndpoint&) = delete;
     RunningEndpoint& operator=(const RunningEndpoint&) = delete;
     ~RunningEndpoint() {
-        if (isNew()) endpointState.running.erase(place_.first);
+        if (isNew_) endpointState.running.erase(key_);
         if (endpointState.running.empty()) endpointState.forNow.clear();
     }
-    [[nodiscard]] bool isNew() const { return place_.second; }
+    [[nodiscard]] bool isNew() const { return isNew_; }
 
   private:
-    std::pair<decltype(EndpointState::running)::iterator, bool> place_;
+    uint64_t key_;
+    bool isNew_;
 };
 
 /// Computes the endpoint of the current type; `keepAll` keeps it even though its checks still run.
@@ -173,11 +177,12 @@ bool computeEndpoint(Endpoint& end, bool upper, bool keepAll) {
     if (!running.isNew()) return false;
     const uint64_t settled = endpointState.unsettled;
     const uint8_t kind = actualKind();
-    std::vector<TNodeRef> chain;
+    const size_t first = endpointState.links.size();
     KnownEndpoint known;
-    bool isKnown = collectChain(chain, known, upper);
-    for (size_t i = chain.size(); i-- != 0; isKnown = true) {
-        const TNodeRef type = chain[i];
+    bool isKnown = collectChain(known, upper);
+    for (; endpointState.links.size() != first; isKnown = true) {
+        const TNodeRef type = endpointState.links.back();
+        endpointState.links.pop_back();
         readRec(type);
         if (!isKnown) {
             known.exists = baseEndpoint(known.end, upper);
@@ -189,7 +194,7 @@ bool computeEndpoint(Endpoint& end, bool upper, bool keepAll) {
         if (endpointState.unsettled == settled)
             keepEndpoint(type, known.end, known.exists, upper);
         else
-            endpointState.forNow[{type.module, type.nr.nr, upper}] = known;
+            endpointState.forNow[endpointKey(type, upper)] = known;
     }
     end = known.end;
     return known.exists;

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "check/check_cache.h"
+#include "check/orvonum.h"
 #include "check/p5typ.h"
 #include "check/p5val_int.h"
 #include "diag/orvoerr.h"
@@ -283,7 +284,7 @@ bool isSame(const CheckedValue& a, const CheckedValue& b) {
 /// How a value is written, as far as it is short.
 std::string textOf(const CheckedValue& value) {
     switch (value.rec.valCode) {
-    case TYP_INTEGER: return std::to_string(i64native(value.rec.val.number));
+    case TYP_INTEGER: return integerOf(value.module, value.rec.val).text();
     case TYP_OBJID:
     case TYP_RELOID: {
         std::string text(getStri(value.module, int64_t{value.rec.val.str.stri}));

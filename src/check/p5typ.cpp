@@ -310,11 +310,12 @@ bool outerEnclStru() {
 
 namespace {
 
-/// What the current record refers to: the next type on the way of a reference, selection or field,
-/// and the components of a structure (those of extension addition groups through the group).
-std::vector<TNodeRef> referredTypes() {
+/// Puts into `types` what the current record refers to: the next type on the way of a reference,
+/// selection or field, and the components of a structure (those of extension addition groups
+/// through the group).
+void findReferredTypes(std::vector<TNodeRef>& types) {
     const TNodeRef self = currentRec<KIND_TNODE>();
-    std::vector<TNodeRef> types;
+    types.clear();
     if (is(tNode.typeCode, TypeClass::Enclosing) && tNode.typeCode != TYP_CLASS) {
         forEachTNodeByMod(self.module, TNodeNr{tNode.ref}, [&] {
             if (tNode.typeCode != TYP_EXTENSION_MARKER) types.push_back(currentRec<KIND_TNODE>());
@@ -323,7 +324,6 @@ std::vector<TNodeRef> referredTypes() {
         types.push_back(currentRec<KIND_TNODE>());
     }
     readRec(self);
-    return types;
 }
 
 void setIgnorableChecked(TNodeRef type) {
@@ -335,6 +335,7 @@ void setIgnorableChecked(TNodeRef type) {
 /// Marks a type, and everything it refers to, as ignorable; one that is marked already ends the
 /// walk.
 void markReferencedIgnorable(std::vector<TNodeRef> pending) {
+    std::vector<TNodeRef> referred;
     while (!pending.empty()) {
         const TNodeRef type = pending.back();
         pending.pop_back();
@@ -343,20 +344,21 @@ void markReferencedIgnorable(std::vector<TNodeRef> pending) {
         tNode.checkFlags |= CF_IGNORABLE;
         tNode.nodeFlags |= NF_IGNORABLE_CHECKED;
         writeRec(type);
-        for (const TNodeRef& next : referredTypes()) pending.push_back(next);
+        findReferredTypes(referred);
+        pending.insert(pending.end(), referred.begin(), referred.end());
     }
 }
 
-/// Examines a type by the three rules, and what it refers to.
-void doCheckIgnorable(TNodeRef first) {
-    std::vector<TNodeRef> pending{first};
+/// Examines the types by the three rules, and what they refer to, the last one first.
+void doCheckIgnorable(std::vector<TNodeRef> pending) {
+    std::vector<TNodeRef> referred;
     while (!pending.empty()) {
         const TNodeRef type = pending.back();
         pending.pop_back();
         readRec(type);
         if ((tNode.nodeFlags & NF_IGNORABLE_CHECKED) != 0) continue;
         setIgnorableChecked(type);
-        const std::vector<TNodeRef> referred = referredTypes();
+        findReferredTypes(referred);
         if ((tNode.optFlags & OPTF_SKIP) != 0 && tNode.skipOpt == 0)
             markReferencedIgnorable({type});
         else if (tNode.sizeLimit == 0 || tNode.typeCode == TYP_EXTADDGRP) // whose version it is
@@ -373,8 +375,10 @@ void checkIgnorable() {
 }
 
 void markIgnorables() {
-    for (const TNodeRef& type : p5State.ignorableFrom) doCheckIgnorable(type);
-    p5State.ignorableFrom.clear();
+    std::vector<TNodeRef> types;
+    types.swap(p5State.ignorableFrom);
+    std::ranges::reverse(types); // the first one first
+    doCheckIgnorable(std::move(types));
 }
 
 namespace {

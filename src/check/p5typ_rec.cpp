@@ -93,7 +93,8 @@ void addSuccessorsOf(TNodeRef type, std::vector<TNodeRef>& successors) {
 class CycleFinder {
   public:
     void run(TNodeRef start) {
-        marks_ = {};
+        for (const uint64_t key : marked_) marks_.erase(key); // the table keeps its memory
+        marked_.clear();
         enter(start);
         while (!frames_.empty()) {
             Frame& top = frames_.back();
@@ -120,6 +121,7 @@ class CycleFinder {
     void enter(TNodeRef type) {
         const auto index = static_cast<uint32_t>(marks_.size());
         markOf(type) = {index, index};
+        marked_.push_back(keyOf(type));
         open_.push_back(type);
         const size_t first = successors_.size();
         addSuccessorsOf(type, successors_);
@@ -158,6 +160,7 @@ class CycleFinder {
     }
 
     FlatMap<uint64_t, Mark> marks_;
+    std::vector<uint64_t> marked_;
     std::vector<TNodeRef> open_;
     std::vector<Frame> frames_;
     std::vector<TNodeRef> successors_; // of the frames, one behind the other

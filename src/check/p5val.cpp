@@ -272,6 +272,15 @@ bool checkAgainstBase(const ValueErrors& errors, const CheckedValue& value, bool
 
 } // namespace
 
+bool isGovernedBy(const CheckedValue& value, TNodeRef type) {
+    ModuleRec* const module =
+        value.rec.govTypeMod == 0
+            ? value.module
+            : refModule(value.module, static_cast<int32_t>(value.rec.govTypeMod));
+    return module != nullptr && value.rec.govType != 0 &&
+           typeCompatible(type.module, type.nr, module, TNodeNr{value.rec.govType});
+}
+
 bool checksParts(const ValueErrors& errors, const CheckedValue& value) {
     return value.isOwn && errors.report;
 }

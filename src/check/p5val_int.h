@@ -94,6 +94,8 @@ class ValueNesting {
                                     bool constrain);
 /// Checks a value against the current constraint record of the current type.
 [[nodiscard]] bool checkAgainstSub(const ValueErrors& errors, const CheckedValue& value);
+/// The type that governs the value is compatible with `type`.
+[[nodiscard]] bool isGovernedBy(const CheckedValue& value, TNodeRef type);
 /// What a value holds is to be checked with it.
 bool checksParts(const ValueErrors& errors, const CheckedValue& value);
 /// Checks the value of a record against its governing type, once per record; `enclosing` holds it.
@@ -131,11 +133,6 @@ bool readBuiltinType(uint8_t kind);
 // ---- p5val_real ---------------------------------------------------------------------------------
 /// A REAL value has the mantissa, base and exponent that the entries of a WITH COMPONENTS ask for.
 [[nodiscard]] bool realMeetsEntries(const CheckedValue& value, SubRef first);
-
-// ---- p5val_inst ---------------------------------------------------------------------------------
-/// The type that governs the value is compatible with `type`; with notation of today so are
-/// instances that were made with equal actual parameters. Preserving.
-[[nodiscard]] bool isGovernedBy(const CheckedValue& value, TNodeRef type);
 
 // ---- p5val_oid ----------------------------------------------------------------------------------
 [[nodiscard]] bool checkObjIdVal(const ValueErrors& errors, const CheckedValue& value);

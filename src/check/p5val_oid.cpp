@@ -8,6 +8,7 @@
 
 #include "check/orvonum.h"
 #include "check/p5val_int.h"
+#include "diag/orvoerr.h"
 #include "tree/orvoutil_cmp.h"
 #include "tree/orvoutil_find.h"
 #include "util/text.h"
@@ -29,6 +30,7 @@ struct ObjIdArcs {
     std::string text;         // the accepted ones, each with a comma behind it
     size_t entries = 0;       // components as written
     bool prefixAlone = false; // the first one is a whole object identifier
+    std::string prefix;       // its name
 };
 
 void addArc(ObjIdArcs& arcs, const Integer& number) {
@@ -88,6 +90,7 @@ template <typename Fn> void forEachArc(const CheckedValue& component, Fn&& fn) {
 /// The first component is an object identifier: its arcs are taken over.
 bool addPrefix(const ValueErrors& errors, const CheckedValue& component, ObjIdArcs& arcs) {
     arcs.prefixAlone = true;
+    arcs.prefix = getStri(component.module, int64_t{component.rec.name});
     if (!settleObjId({component.module, component.nr}, errors.module)) {
         arcs.count = 2;
         return failValue(errors, component, Msg::InvalidObjIdPrefix);
@@ -140,6 +143,13 @@ bool checkObjIdComp(const ValueErrors& errors, const CheckedValue& component, Ob
     return failValue(errors, component, invalidComponent(arcs), placeOfComp(arcs.count));
 }
 
+/// Published modules write `{id}` for the object identifier `id`.
+bool toleratesBraces(const ValueErrors& errors, const CheckedValue& value, const ObjIdArcs& arcs) {
+    if (!isLenient(errors.module)) return false;
+    recordOnce(errors.module, Msg::ObjIdInBraces, value.rec.line, arcs.prefix);
+    return true;
+}
+
 bool isLengthValid(const ValueErrors& errors, const CheckedValue& value, const ObjIdArcs& arcs) {
     std::string text;
     if (arcs.count < 2 && !arcs.isRelative)
@@ -150,7 +160,7 @@ bool isLengthValid(const ValueErrors& errors, const CheckedValue& value, const O
     else if (arcs.text.size() > maxArcsText)
         text = concat("Limitation: object identifier components can have only ",
                       std::to_string(maxArcsText), " digits together.");
-    else if (arcs.prefixAlone && arcs.entries == 1)
+    else if (arcs.prefixAlone && arcs.entries == 1 && !toleratesBraces(errors, value, arcs))
         text = "An object identifier prefix without additional components.";
     else
         return true;

@@ -4,6 +4,8 @@
 
 #include "lex/lex.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <array>
 #include <cassert>
@@ -50,14 +52,18 @@ namespace {
 // ---- the text -----------------------------------------------------------------------------------
 
 void readSourceFile(std::string& text) {
-    constexpr size_t firstBlock = 65536;
     text.clear();
     std::FILE* file = cMP->srcFile;
     if (file == nullptr) return;
     const Timed reading(Phase::Read);
+    struct stat status = {};
+    const bool known = fstat(fileno(file), &status) == 0 && status.st_size > 0;
+    constexpr size_t fewest = 65536;
     size_t length = 0;
-    do {
-        text.resize(std::max(firstBlock, length * 2));
+    do { // to the end, which may be elsewhere when the file is a pipe or grows
+        text.resize(length != 0 ? std::max(fewest, length * 2)
+                    : known     ? static_cast<size_t>(status.st_size) + 1
+                                : fewest);
         length += std::fread(text.data() + length, 1, text.size() - length, file);
     } while (length == text.size());
     if (std::ferror(file) != 0) fatalError(Fatal::Read, cMP->options.sourceFileName);

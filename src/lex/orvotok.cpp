@@ -17,10 +17,9 @@ namespace {
 constexpr uint32_t maxTokens = 0xFFFFFFFF - tokenChunk;
 
 void addChunk() {
-    // running out of memory must end in a diagnostic, not in an exception that nobody catches
-    Token* chunk = tokenArena.used < maxTokens ? new (std::nothrow) Token[tokenChunk] : nullptr;
-    if (chunk == nullptr) fatalError(Fatal::NoSpace);
-    tokenArena.chunks.emplace_back(chunk);
+    if (tokenArena.used >= maxTokens) fatalError(Fatal::NoSpace);
+    void* chunk = tokenArena.pool.take(tokenChunk * sizeof(Token));
+    tokenArena.chunks.push_back(static_cast<Token*>(chunk));
 }
 
 } // namespace
@@ -34,7 +33,9 @@ TokNr newToken() {
         return nr;
     }
     if (tokenArena.used % tokenChunk == 0) addChunk();
-    return TokNr{++tokenArena.used};
+    const TokNr nr{++tokenArena.used};
+    new (&tokenAt(nr)) Token;
+    return nr;
 }
 
 void freeToken(TokNr nr) {

@@ -6,12 +6,12 @@
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string_view>
 #include <vector>
 
 #include "lex/i64.h"
 #include "tree/orvodef.h"
+#include "tree/orvoutil_mem.h"
 
 namespace orvo {
 
@@ -127,7 +127,8 @@ void resetTokens();
 inline constexpr uint32_t tokenChunkBits = 12;
 inline constexpr uint32_t tokenChunk = 1U << tokenChunkBits;
 struct TokenArena {
-    std::vector<std::unique_ptr<Token[]>> chunks;
+    Pool pool;
+    std::vector<Token*> chunks;
     uint32_t used = 0; // records handed out so far, reused ones counted once
     TokNr free;        // chain of records for reuse
 };

@@ -136,13 +136,12 @@ bool parseNumberValueRange(SubNr nr, VNodeNr lower, TNodeRef governor, Cause& ca
     return true;
 }
 
-/// In today's notation characters have an order, the strings of them have none (X.680
-/// (02/2021) 51.2, table 9): a range stands inside FROM.
-bool rangeOutsideAlphabet(SubNr nr) {
-    if (!newNotation() || constraintState.inAlphabet || !is(tNode.typeCode, TypeClass::Text))
-        return false;
-    readRec(cMP, nr);
-    return !tolerate(Msg::ValueRangeNotAllowed, subRec.line, currentTypeName());
+/// Ranges of characters make alphabets: with notation of today they stand inside FROM alone (X.680
+/// (02/2021) 51.4.1). The governor is current.
+bool toleratesRange() {
+    if (constraintState.inAlphabet || !newNotation() || !is(tNode.typeCode, TypeClass::Text))
+        return true;
+    return tolerate(Msg::RangeOfStrings, curToken().line, currentTypeName());
 }
 
 /// A value, or a range between two.
@@ -158,7 +157,7 @@ bool parseSingleValueOrValueRange(SubNr nr, TNodeRef governor, Cause& cause) {
         return true;
     }
     readRec(governor);
-    if (!hasValueRange(tNode.typeCode) || rangeOutsideAlphabet(nr)) {
+    if (!hasValueRange(tNode.typeCode) || !toleratesRange()) {
         recordSubError(nr, Msg::ValueRangeNotAllowed, currentTypeName());
         return false;
     }
@@ -195,7 +194,7 @@ bool parsePermittedAlphabet(SubNr nr, uint8_t kind, Cause& cause) {
     const SubNr alphabet = addOperand(nr);
     makePending(cMP, nr);
     subRec.subKind = SUB_PERMITTED_ALPHABET;
-    const Restore inAlphabet(constraintState.inAlphabet, true);
+    const Restore<bool> inside(constraintState.inAlphabet, true);
     return parseParenthesized(alphabet, cause, "Invalid permitted alphabet constraint");
 }
 

@@ -333,7 +333,7 @@ std::vector<ModuleRec*> endTrial(bool kept) {
     snapState.touched.resize(inherited);
     snapState.starts.pop_back();
     --trialState.current;
-    if (trialState.current == 0) snapState = {};
+    assert(trialState.current != 0 || snapState.touched.empty()); // all marks are gone with it
     return grown;
 }
 

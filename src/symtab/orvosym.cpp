@@ -9,12 +9,14 @@
 
 #include <algorithm>
 #include <cassert>
+#include <new>
 
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil.h"
+#include "tree/orvoutil_mem.h"
 #include "util/flat.h"
 
 namespace orvo {
@@ -24,13 +26,16 @@ namespace {
 /// Records that stay where they are, addressed by number from 1.
 template <typename T> struct Arena {
     static constexpr uint32_t pageSize = 512;
-    std::vector<std::unique_ptr<T[]>> pages;
+    Pool pool;
+    std::vector<T*> pages;
     uint32_t used = 0;
 
     uint32_t add() {
         if (used == maxRecNr) fatalError(Fatal::NoSpace);
-        if (used % pageSize == 0) pages.push_back(std::make_unique<T[]>(pageSize));
-        return ++used;
+        if (used % pageSize == 0) pages.push_back(static_cast<T*>(pool.take(pageSize * sizeof(T))));
+        ++used;
+        new (&at(used)) T{};
+        return used;
     }
     T& at(uint32_t nr) {
         assert(nr != 0 && nr <= used);
@@ -96,19 +101,32 @@ std::string_view nameText(int32_t name) {
     return getStri(cMP, name);
 }
 
+/// Notes the significant characters of a name, its number where these are all: false when they are
+/// noted already.
+bool noteName(SymTab& table, int32_t name) {
+    const std::string_view text = nameText(name);
+    if (text.size() >= table.prefixLen)
+        return table.definedPrefixes.insert(text.substr(0, table.prefixLen)).second;
+    const uint32_t nr = magnitude(name);
+    if (nr >= table.definedNames.size()) table.definedNames.resize(nr + nr / 2 + size_t{1});
+    if (table.definedNames[nr]) return false;
+    table.definedNames[nr] = true;
+    return true;
+}
+
 /// Notes a name as defined. False when a defined name agrees with it in the significant characters.
 bool noteDefined(SymTab& table, int32_t name) {
-    const size_t significant = cMP->options.nameLen;
     if (table.prefixLen != cMP->options.nameLen) {
         table.prefixLen = cMP->options.nameLen;
+        table.definedNames.clear();
         table.definedPrefixes.clear();
         for (STabNr nr = table.first; nr; nr = STabNr{symAt(nr).next}) {
             const STabRec& symbol = symAt(nr);
             if (symbol.node != 0 && symbol.name != 0)
-                table.definedPrefixes.insert(nameText(symbol.name).substr(0, significant));
+                static_cast<void>(noteName(table, symbol.name));
         }
     }
-    return table.definedPrefixes.insert(nameText(name).substr(0, significant)).second;
+    return noteName(table, name);
 }
 
 /// A symbol of the own table that was entered before its definition meets it.
@@ -206,6 +224,7 @@ void removeNamesOf(SymTab& table, const SymTab& other) {
         if (!other.byName.contains(symAt(nr).name)) append(kept, nr);
         nr = next;
     }
+    kept.definedNames = std::move(table.definedNames);
     kept.definedPrefixes = std::move(table.definedPrefixes);
     kept.prefixLen = table.prefixLen;
     table = std::move(kept);
@@ -342,12 +361,11 @@ void addInst(STabNr symbol, uint32_t line) {
     entry.lastUse = use;
 }
 
-std::vector<uint32_t> usesOf(STabNr symbol) {
-    std::vector<uint32_t> lines;
+void findUses(STabNr symbol, std::vector<uint32_t>& lines) {
+    lines.clear();
     for (InstNr use{symAt(symbol).uses}; use; use = InstNr{instAt(use).next})
         lines.push_back(instAt(use).line);
     std::sort(lines.begin(), lines.end());
-    return lines;
 }
 
 int32_t findEnumExtMarkIdx() {

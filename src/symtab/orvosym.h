@@ -89,8 +89,8 @@ void chkIfSymbolDef(int32_t& moduleRef, int32_t& name, int32_t& hasActuals, uint
 
 /// Records a use of a symbol.
 void addInst(STabNr symbol, uint32_t line);
-/// The lines of a symbol's uses, ascending.
-std::vector<uint32_t> usesOf(STabNr symbol);
+/// Puts the lines of the uses of a symbol into `lines`, ascending.
+void findUses(STabNr symbol, std::vector<uint32_t>& lines);
 
 /// Position from 0 of the extension marker among the items of the current ENUMERATED type, or -1.
 /// The current records stay as they are.

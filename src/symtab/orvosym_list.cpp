@@ -7,6 +7,7 @@
 #include "symtab/orvosym_list.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -22,6 +23,7 @@ namespace orvo {
 namespace {
 
 struct Listed {
+    uint64_t begin = 0; // the first characters of the name, as a number: most names differ there
     std::string_view name;
     const ModRef* ref = nullptr; // null: the own table
     STabNr symbol;
@@ -37,13 +39,20 @@ bool isMacro(std::string_view name, const ModRef* ref) {
     return ref != nullptr && ref->module != nullptr && ref->module->macros.contains(name);
 }
 
+uint64_t beginOf(std::string_view name) {
+    uint64_t begin = 0;
+    for (size_t i = 0; i < sizeof begin; ++i)
+        begin = begin << 8 | (i < name.size() ? static_cast<uint8_t>(name[i]) : 0U);
+    return begin;
+}
+
 void collect(const SymTab& table, const ModRef* ref, std::vector<Listed>& symbols) {
     for (STabNr nr = table.first; nr; nr = STabNr{symAt(nr).next}) {
         const STabRec& symbol = symAt(nr);
         if (symbol.name == 0) continue;
-        if (symbol.node == 0 && symbol.needed == 0 && isMacro(getStri(cMP, symbol.name), ref))
-            continue;
-        symbols.push_back({getStri(cMP, symbol.name), ref, nr, symbol.name < 0,
+        const std::string_view name = getStri(cMP, symbol.name);
+        if (symbol.node == 0 && symbol.needed == 0 && isMacro(name, ref)) continue;
+        symbols.push_back({beginOf(name), name, ref, nr, symbol.name < 0,
                            symbol.node != 0 || symbol.unread != 0});
     }
 }
@@ -58,14 +67,19 @@ std::vector<Listed> allSymbols() {
 
 std::vector<Listed> sortedSymbols() {
     std::vector<Listed> symbols = allSymbols();
-    std::ranges::stable_sort(symbols, {}, &Listed::name);
+    std::ranges::stable_sort(symbols, [](const Listed& a, const Listed& b) {
+        return a.begin != b.begin ? a.begin < b.begin : a.name < b.name;
+    });
     return symbols;
 }
 
 /// A line number, at least five characters wide.
-std::string padded(uint32_t line) {
-    const std::string digits = std::to_string(line);
-    return std::string(digits.size() < 5 ? 5 - digits.size() : 0, ' ') + digits;
+void appendLine(std::string& text, uint32_t line) {
+    char digits[16];
+    const auto end = std::to_chars(std::begin(digits), std::end(digits), line).ptr;
+    const auto length = static_cast<size_t>(end - digits);
+    if (length < 5) text.append(5 - length, ' ');
+    text.append(digits, length);
 }
 
 void appendUses(std::string& text, const std::vector<uint32_t>& uses) {
@@ -77,7 +91,8 @@ void appendUses(std::string& text, const std::vector<uint32_t>& uses) {
     text += "   line";
     for (size_t i = 0; i < uses.size(); ++i) {
         if (i != 0 && i % usesPerLine == 0) text += "\n       ";
-        text += ' ' + padded(uses[i]);
+        text += ' ';
+        appendLine(text, uses[i]);
     }
     text += '\n';
 }
@@ -100,12 +115,9 @@ void reportUndefined(const Listed& listed, const std::vector<uint32_t>& uses) {
     put(stdout, text);
 }
 
-void printSymbol(const Listed& listed) {
+void appendSymbol(std::string& text, const Listed& listed, const std::vector<uint32_t>& uses) {
     const STabRec& symbol = symAt(listed.symbol);
-    const std::vector<uint32_t> uses = usesOf(listed.symbol);
-    if (!listed.defined) reportUndefined(listed, uses);
-    std::string text = "\n";
-    text += listed.name;
+    text.append("\n").append(listed.name);
     if ((symbol.flags & SYM_EXPORTED) != 0)
         text += " exported";
     else if ((symbol.flags & SYM_IMPORTED) != 0)
@@ -117,9 +129,12 @@ void printSymbol(const Listed& listed) {
             text += " (" + module->moduleName + ")";
     }
     text += '\n';
-    if (listed.defined) text += " definition:\n   line " + padded(symbol.line) + '\n';
+    if (listed.defined) {
+        text += " definition:\n   line ";
+        appendLine(text, symbol.line);
+        text += '\n';
+    }
     if (cMP->options.xref) appendUses(text, uses);
-    put(cMP->lstFile, text);
 }
 
 /// One section: its heading and the selected symbols, or the line that says there are none.
@@ -132,9 +147,19 @@ void printSTab(const std::vector<Listed>& symbols, bool isValue, bool defined,
         put(cMP->lstFile, none);
         return;
     }
-    put(cMP->lstFile, heading);
-    for (const Listed& listed : symbols)
-        if (selected(listed)) printSymbol(listed);
+    constexpr size_t chunkSize = 65536;
+    std::string text(heading);
+    std::vector<uint32_t> uses;
+    for (const Listed& listed : symbols) {
+        if (!selected(listed)) continue;
+        findUses(listed.symbol, uses);
+        if (!defined) reportUndefined(listed, uses);
+        appendSymbol(text, listed, uses);
+        if (text.size() < chunkSize) continue;
+        put(cMP->lstFile, text);
+        text.clear();
+    }
+    put(cMP->lstFile, text);
 }
 
 } // namespace

@@ -28,10 +28,12 @@ namespace orvo {
 /// are searched. symtab/orvosym adds to all of them.
 struct SymTab {
     STabNr first, last;
-    FlatMap<int32_t, STabNr> byName;           // the first symbol of a name
-    FlatMap<int32_t, STabNr> byNode;           // the first symbol of a definition
-    FlatSet<std::string_view> definedPrefixes; // own table: the characters of defined names
-    uint8_t prefixLen = 0;                     // that count (NAMELEN=); 0 = none noted yet
+    FlatMap<int32_t, STabNr> byName; // the first symbol of a name
+    FlatMap<int32_t, STabNr> byNode; // the first symbol of a definition
+    // Own table: the defined names, by the characters of them that count (NAMELEN=).
+    std::vector<bool> definedNames;            // shorter ones, by string number
+    FlatSet<std::string_view> definedPrefixes; // the others
+    uint8_t prefixLen = 0;                     // how many count; 0 = none noted yet
 };
 
 /// A module that a module names: by IMPORTS, by an external reference or on demand.
@@ -158,7 +160,7 @@ enum CGeneration : uint32_t {
 
 // ---- modules ------------------------------------------------------------------------------------
 
-struct RecPages;     // storage of one kind (tree/orvorec)
+struct RecPage;      // storage of some records of a kind (tree/orvorec)
 struct StriCacheRec; // string caches of a module (tree/orvorec_stri)
 struct FindCache;    // what look-ups and walks noted about a module (tree/orvoutil_find)
 struct CheckCache;   // what pass 5 computed once about a module (check/check_cache)
@@ -209,9 +211,9 @@ struct ModuleRec {
     std::set<std::pair<int32_t, std::string>> warnedOf; // message and detail (recordOnce)
     std::FILE* srcFile = nullptr;                       // open during pass 1 and during the listing
     std::FILE* lstFile = nullptr;                       // open during the listing
-    std::set<uint32_t> preparedLists; // component lists that solve/solve_ref has prepared
-    uint64_t touchedIn = 0;           // the trial parse that has noted the counters
-    Owned<RecPages> recDir[kindCount];
+    std::set<uint32_t> preparedLists;        // component lists that solve/solve_ref has prepared
+    uint64_t touchedIn = 0;                  // the trial parse that has noted the counters
+    std::vector<RecPage*> recDir[kindCount]; // by index; null = no record of it written yet
     Owned<StriCacheRec> striCache;
     Owned<FindCache> findCache;
     Owned<CheckCache> checkCache;

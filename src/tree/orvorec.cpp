@@ -58,13 +58,11 @@ size_t slotSize(RecKind kind) {
 }
 
 RecPage& pageAt(ModuleRec* module, RecKind kind, uint32_t page) {
-    auto& dir = module->recDir[kind];
-    if (!dir) dir = makeOwned<RecPages>();
-    if (page >= dir->pages.size()) dir->pages.resize(page + size_t{1});
-    auto& entry = dir->pages[page];
-    if (!entry) {
-        entry.reset(new (ezalloc(sizeof(RecPage) + pageRecs * slotSize(kind))) RecPage);
-    }
+    auto& pages = module->recDir[kind];
+    if (page >= pages.size()) pages.resize(page + size_t{1});
+    RecPage*& entry = pages[page];
+    if (entry == nullptr)
+        entry = new (recState.pages.take(sizeof(RecPage) + pageRecs * slotSize(kind))) RecPage;
     return *entry;
 }
 
@@ -96,7 +94,7 @@ void erasePage(ModuleRec* module, RecKind kind, uint32_t nr) {
     void* slot = pageForReading(module, kind, nr);
     if (slot == nullptr) return;
     std::memset(slot, 0, slotSize(kind));
-    module->recDir[kind]->pages[(nr - 1) / pageRecs]->written.reset((nr - 1) % pageRecs);
+    module->recDir[kind][(nr - 1) / pageRecs]->written.reset((nr - 1) % pageRecs);
 }
 
 void* findWPos(ModuleRec* module, RecKind kind, uint32_t nr) {
@@ -107,7 +105,7 @@ void* findWPos(ModuleRec* module, RecKind kind, uint32_t nr) {
 const void* findRPos(ModuleRec* module, RecKind kind, uint32_t nr) {
     const void* slot = pageForReading(module, kind, nr);
     if (slot == nullptr) fatalError(Fatal::ReadRecord);
-    return isStriKind(kind) ? static_cast<const StriSlot*>(slot)->text : slot;
+    return isStriKind(kind) ? textOf(static_cast<const StriSlot*>(slot)->copy) : slot;
 }
 
 bool recExists(const ModuleRec* module, RecKind kind, uint32_t nr) {
@@ -135,20 +133,9 @@ void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
     recState.writePend[kind].nr = 0;
 }
 
-void beginRecKind(RecKind kind, uint32_t nr) {
-    void* buffer = bufferOf(kind);
-    if (buffer == nullptr || cMP == nullptr) fatalError(Fatal::WriteRecord);
-    checkLeft(kind);
-    flushRecs(kind);
-    recState.writePend[kind] = {cMP, nr};
-    bufferHolds(kind, cMP, nr);
-    std::memset(buffer, 0, recSize[kind]);
-}
-
-uint32_t newRecKind(RecKind kind) {
+uint32_t takeRecNr(RecKind kind) {
     const uint32_t nr = cMP == nullptr ? 0 : cMP->nextRecNr[kind];
     if (nr == 0 || nr > maxRecNr) fatalError(Fatal::WriteRecord);
-    beginRecKind(kind, nr);
     cMP->nextRecNr[kind] = nr + 1;
     return nr;
 }

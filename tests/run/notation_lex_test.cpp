@@ -151,6 +151,8 @@ TEST(NotationLex, ReportsValuesThatTheTypeDoesNotHave) {
          {{2, "Value out of single value constraint(s)"}}},
         {"T ::= UTF8String (FROM (b..a)) a BMPString ::= \"a\" b UniversalString ::= \"b\"",
          {{2, "Invalid range constraint(s)"}, {2, "Invalid permitted alphabet constraint(s)"}}},
+        {"v UTF8String (FROM (\"a\"..\"c\") ^ \"a\"..\"b\") ::= \"b\"", // 51.4.1
+         {{2, "Value range not allowed"}, {2, "Invalid constraint"}}},
         {"v DATE ::= \"\xC3\xA9\"",
          {{2, "Character that the type does not have"}, {2, "DATE value syntax"}}},
         {"v DATE ::= { \"2020-02-29\" }", {{2, "DATE value syntax"}}},

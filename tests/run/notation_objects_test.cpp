@@ -18,10 +18,7 @@ const std::string operations =
     "op2 OP ::= { &code 2, &Errors { e2 } } Ops OP ::= { op1 | op2 }\n"
     "op3 OP ::= { &code 3, &Linked { op1 | op2 }, &err e2 }\n";
 const std::string instances = "P {X} ::= SEQUENCE OF X Q {X} ::= P {X} A ::= INTEGER (1..5)\n"
-                              "R {INTEGER : x} ::= SEQUENCE (SIZE (1..x)) OF INTEGER\n"
-                              "K ::= CLASS { &id INTEGER } S1 K ::= {{ &id 1 }} S2 K ::= {{ &id 1 "
-                              "}} S {K : Set} ::= SEQUENCE { a K.&id ({Set}) }\n";
-
+                              "R {INTEGER : x} ::= SEQUENCE (SIZE (1..x)) OF INTEGER\n";
 TEST(NotationObjects, ReadsWhatSetsAndInstancesMean) {
     const struct {
         const char* clause;
@@ -44,23 +41,37 @@ TEST(NotationObjects, ReadsWhatSetsAndInstancesMean) {
          operations + "v T {op3} ::= { e 1 } T {OP : op} ::= SEQUENCE { e ERR.&code "
                       "({op.&Linked.&Errors | op.&err}) }",
          {}},
-        {"X.683: equal actual parameters",
-         instances + "v P {INTEGER} ::= w w P {INTEGER} ::= {5}",
+        {"X.681 9.20: in the set of a table",
+         "K ::= CLASS { &id INTEGER UNIQUE }\nT ::= SEQUENCE { a K.&id ({{ &id 1 } | { &id 1 }}) }",
+         {"Non-distinct UNIQUE: field 'id': 1"}},
+        {"that a parameter completes: who makes the instance",
+         "P {K : S} ::= SEQUENCE { a K.&id ({S | { &id 1 }}) }\n"
+         "K ::= CLASS { &id INTEGER UNIQUE } T ::= P {{{ &id 1 }}}",
+         {"Non-distinct UNIQUE: field 'id': 1"}},
+        {"X.680 annex F: instances made apart",
+         instances + "v P {INTEGER} ::= w w Q {A} ::= {5}",
          {}},
-        {"others",
+        {"other elements",
          instances + "v P {INTEGER} ::= w w P {BOOLEAN} ::= {TRUE}",
          {"Invalid SEQUENCE OF value"}},
-        {"by name", instances + "v P {A} ::= w w P {A} ::= {5}", {}},
-        {"a subtype is another type",
-         instances + "v P {INTEGER} ::= w w P {A} ::= {5}",
-         {"Invalid SEQUENCE OF value"}},
-        {"in another instance", instances + "v Q {A} ::= w w P {A} ::= {5}", {}},
-        {"values", instances + "v R {5} ::= w w R {y} ::= {1} y INTEGER ::= 5", {}},
-        {"others", instances + "v R {5} ::= w w R {6} ::= {1}", {"Invalid SEQUENCE OF value"}},
-        {"sets", instances + "v S {{S1}} ::= w w S {{S1}} ::= { a 1 }", {}},
-        {"others",
-         instances + "v S {{S1}} ::= w w S {{S2}} ::= { a 1 }",
+        {"what the actual parameters constrain is checked",
+         instances + "v R {1} ::= w w R {6} ::= {1, 2}",
+         {"Value out of range constraint(s)", "Value out of size constraint(s)"}},
+        {"structures that lead back, tags and constraints aside",
+         "B ::= SEQUENCE { a INTEGER, b C OPTIONAL } C ::= CHOICE { x B, y NULL }\n"
+         "D ::= SEQUENCE { a [5] INTEGER (1..7), b E OPTIONAL } E ::= CHOICE { x D, y [7] NULL }\n"
+         "v B ::= { a 5, b x : { a 6 } } w D ::= v",
+         {}},
+        {"another identifier",
+         "B ::= SEQUENCE { a INTEGER } D ::= SEQUENCE { b INTEGER } v B ::= { a 5 } w D ::= v",
          {"Invalid SEQUENCE value"}},
+        {"optional",
+         "B ::= SET { a NULL OPTIONAL } D ::= SET { a NULL } v B ::= {} w D ::= v",
+         {"Invalid SET value"}},
+        {"items",
+         "B ::= SET { a ENUMERATED { i } } D ::= SET { a ENUMERATED { j } }\nv B ::= { a i } w D "
+         "::= v",
+         {"Invalid SET value"}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.clause);

@@ -265,10 +265,11 @@ V IA5String ::= { "a".."z" }#
             const std::string name = line[0] == 'F' ? "" : ": " + line.substr(0, 1); // the type
             body += line.substr(0, end);
             if (end != std::string::npos)
-                body += isLenient ? " --! W Value range not allowed" + name
-                                  : " --! Value range not allowed" + name + " ; " +
-                                        std::string(line[0] == 'V' ? "Element set spec is invalid"
-                                                                   : "Invalid constraint");
+                body += isLenient
+                            ? " --! W Value range on a character string type outside FROM" + name
+                            : " --! Value range not allowed" + name + " ; " +
+                                  std::string(line[0] == 'V' ? "Element set spec is invalid"
+                                                             : "Invalid constraint");
             body += "\n";
         }
         expectMarked(body, isLenient ? lenient : edition);
