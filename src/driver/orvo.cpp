@@ -127,6 +127,7 @@ void clearPass1Fields(ModuleRec& module) {
     module.automaticTags = module.extensibilityImplied = module.otherInstructions = false;
     module.macros.clear();
     module.macroUses.clear();
+    module.governorTexts.clear();
     module.tagDefault = 1;
 }
 

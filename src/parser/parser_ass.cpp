@@ -126,6 +126,8 @@ void valueAssignment() {
 void setAssignment(const Assignment& assignment) {
     if (!beginsType(parserState.Inp.code)) MGError(notAllowed);
     MGR59Type();
+    if (newNotation() && atType(assignment.typeHead) && isDeferred(tNode.constraint))
+        cMP->governorTexts[assignment.typeHead.nr] = tNode.constraint;
     expectToken(TOK_ASSIGN);
     attachFormals(assignment);
     const DNodeNr set = MGR63BraceValue();

@@ -52,8 +52,43 @@ void solveRefs2() {
         parseValueAssignment();
 }
 
+namespace {
+
+/// Puts a record of its own between the head of a value set, the current type, and a governor with
+/// a constraint, which would otherwise have no place.
+void separateGovernor() {
+    const TNodeRef head = currentRec<KIND_TNODE>();
+    const auto text = head.module->governorTexts.find(head.nr.nr);
+    if (text == head.module->governorTexts.end()) return;
+    const TNode set = tNode;
+    const TNodeNr governor = addTypeArc(nullptr, set.line);
+    tNode.typeCode = set.typeCode;
+    tNode.refMod = set.refMod;
+    tNode.ref = set.ref;
+    tNode.syntax = set.syntax;
+    tNode.namedVals = set.namedVals;
+    tNode.tags = set.tags;
+    tNode.constraint = text->second;
+    flushRecs(KIND_TNODE);
+    head.module->governorTexts.erase(text);
+    readRec(head);
+    tNode.typeCode = TYP_SYNONYM;
+    tNode.refMod = REF_OWN;
+    tNode.ref = governor.nr;
+    tNode.syntax = 0;
+    tNode.namedVals = tNode.tags = 0;
+    writeRec(head);
+    readRec(head.module, governor);
+    parseTNode();
+    readRec(head);
+}
+
+} // namespace
+
 void parseTypeAssignment() {
-    if (tNode.formals == 0) parseTNode();
+    if (tNode.formals != 0) return;
+    if (isSetTNode()) separateGovernor();
+    parseTNode();
 }
 
 void parseValueAssignment() {

@@ -200,6 +200,9 @@ struct ModuleRec {
     bool otherInstructions = false;            // unprefixed `[NAME]` is an encoding instruction
     std::set<std::string, std::less<>> macros; // names that are macros, and what was left out
     std::vector<MacroUse> macroUses;           // in the order of their values
+    // Heads of value sets whose governor has a constraint of its own: its text, negated. Until pass
+    // 3, which gives such a governor a record.
+    std::unordered_map<uint32_t, int32_t> governorTexts;
     bool newNotation = false;                  // its notation is that of 2021
     bool named = false;                        // the command line names its file
     bool missing = false;                      // KEEP-GOING=: imported, but its file is not there
