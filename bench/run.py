@@ -163,14 +163,15 @@ def growth(bench, folder, names, sizes, start, table):
 
 def report(options, bench, start, costs, phases, exponents):
     compiler = subprocess.run(["c++", "--version"], stdout=subprocess.PIPE, text=True, check=True).stdout.split("\n")[0]
-    against = " `ratio`: the time of the program that it was compared with, by its own." if options.against else ""
+    against = "\n`ratio`: the time of the other program by its own." if options.against else ""
     return f"""# Performance
 
-Written by `./bench.sh{" --large" if options.large else ""}{" --against PROGRAM" if options.against else ""}`, which
-builds a release with the hardening flags of distributions and compiles generated modules (`bench/shapes.py`) and, where
-they are at hand, published ones. Times are processor seconds, the best of {bench.times} runs, listings and trees written.
+Written by `./bench.sh{" --large" if options.large else ""}{" --against PROGRAM" if options.against else ""}`, which builds a release with the
+hardening flags of distributions and compiles generated modules (`bench/shapes.py`) and, where they are at hand,
+published ones. Times are processor seconds, the best of {bench.times} runs, listings and trees written.
 A *scan* is a plain loop that splits bytes into words (`bench/scan.cpp`): ratios to it hardly depend on the machine.
-`--quick` takes less than a minute; `--help` shows the other options. Measured on {platform.machine()}, {compiler}.
+`--quick` takes less than a minute; `--help` shows the other options. Measured on {platform.machine()}, compiled by
+{compiler}.
 
 Start-up, with a module of one type: {start[0] * 1000:.1f} ms, {start[1] * 1024 / 1e6:.1f} MB.
 

@@ -56,4 +56,8 @@ bool sharesCharacters(const ModuleRec* module, uint8_t a, uint8_t b);
                                     const VNode& b);
 [[nodiscard]] int compareStrings(ModuleRec* modA, const VNode& a, ModuleRec* modB, const VNode& b);
 
+/// The text is one of labels (X.680 (02/2021) clauses 34 and 35), the first one behind a `/` unless
+/// it is relative.
+[[nodiscard]] bool isIri(std::u32string_view text, bool isRelative);
+
 } // namespace orvo

@@ -27,19 +27,35 @@ namespace orvo {
 
 namespace {
 
-/// Objects, each once.
+/// The objects of a set, each once.
 struct ObjectList {
     std::vector<VNodeRef> objects;
-    FlatSet<uint64_t> known;
     bool all = false;
+};
+FlatSet<uint64_t> keysOf(const ObjectList& list) {
+    FlatSet<uint64_t> keys;
+    for (const VNodeRef& object : list.objects) keys.insert(keyOf(object));
+    return keys;
+}
 
-    void add(VNodeRef object) {
-        if (known.insert(keyOf(object)).second) objects.push_back(object);
+/// Joins lists of objects.
+class ObjectUnion {
+  public:
+    void add(ObjectList&& other) {
+        list_.all |= other.all;
+        if (list_.objects.empty()) {
+            list_.objects = std::move(other.objects);
+            return;
+        }
+        if (known_.empty()) known_ = keysOf(list_);
+        for (const VNodeRef& object : other.objects)
+            if (known_.insert(keyOf(object)).second) list_.objects.push_back(object);
     }
-    void add(const ObjectList& other) {
-        for (const VNodeRef& object : other.objects) add(object);
-        all |= other.all;
-    }
+    ObjectList take() { return std::move(list_); }
+
+  private:
+    ObjectList list_;
+    FlatSet<uint64_t> known_; // once there are several
 };
 
 /// Collects the objects of sets. With a filter only those in it count.
@@ -60,10 +76,10 @@ class ObjectCollector {
         switch (subRec.subKind) {
         case SUB_UNION:
         case SUB_SERIAL: {
-            ObjectList list;
+            ObjectUnion list;
             for (const SubNr nr : chain(sub.module, SubNr{subRec.left}))
                 list.add(ofSub({sub.module, nr}));
-            return list;
+            return list.take();
         }
         case SUB_INTERSECTION: return combined(sub, true);
         case SUB_EXCEPT: return combined(sub, false);
@@ -87,25 +103,25 @@ class ObjectCollector {
         const VNodeRef object = currentRec<KIND_VNODE>();
         if ((vNode.vflags & VF_SET) == 0 && isClassCode(vNode.valCode) &&
             (filter_ == nullptr || filter_->contains(keyOf(object))))
-            list.add(object);
+            list.objects.push_back(object);
         return list;
     }
     /// Intersection: what all operands have; else the first without the second.
     ObjectList combined(SubRef sub, bool common) {
-        std::vector<ObjectList> operands;
-        for (const SubNr nr : chain(sub.module, SubNr{subRec.left}))
-            operands.push_back(ofSub({sub.module, nr}));
         ObjectList list;
-        if (operands.empty()) return list;
-        for (const VNodeRef& object : operands.front().objects) {
-            const bool stays =
-                std::all_of(operands.begin() + 1, operands.end(), [&](const ObjectList& operand) {
-                    return operand.known.contains(keyOf(object)) == common ||
-                           (common && operand.all);
-                });
-            if (stays) list.add(object);
+        bool isFirst = true;
+        for (const SubNr nr : chain(sub.module, SubNr{subRec.left})) {
+            ObjectList operand = ofSub({sub.module, nr});
+            if (std::exchange(isFirst, false)) {
+                list = std::move(operand);
+                continue;
+            }
+            if (common && operand.all) continue;
+            const FlatSet<uint64_t> keys = keysOf(operand);
+            std::erase_if(list.objects, [&](const VNodeRef& object) {
+                return keys.contains(keyOf(object)) != common;
+            });
         }
-        list.all = operands.front().all;
         return list;
     }
     ObjectList ofType(TNodeRef set) {
@@ -149,14 +165,13 @@ class ObjectCollector {
         }
         filter_ = filter;
         if (filter == nullptr) return list;
-        ObjectList kept;
-        for (const VNodeRef& object : list.objects)
-            if (filter->contains(keyOf(object))) kept.add(object);
-        return kept;
+        std::erase_if(list.objects,
+                      [&](const VNodeRef& object) { return !filter->contains(keyOf(object)); });
+        return list;
     }
     /// The objects that a field of objects holds.
     ObjectList fieldOf(const ObjectList& holders, std::string_view name) {
-        ObjectList list;
+        ObjectUnion list;
         for (const VNodeRef& holder : holders.objects) {
             VNodeRef setting;
             readRec(holder);
@@ -165,7 +180,7 @@ class ObjectCollector {
             const bool isSetting = vNode.valCode == TYP_OPEN;
             list.add(isSetting ? ofSetting(setting) : ofObject(setting));
         }
-        return list;
+        return list.take();
     }
 
     const FlatSet<uint64_t>* filter_;
@@ -289,48 +304,54 @@ std::string textOf(const CheckedValue& value) {
     }
 }
 
-/// Objects by the values of their UNIQUE fields.
+/// Numbers the values in UNIQUE fields, equal ones of one field alike.
 class UniqueIndex {
   public:
-    /// A field of the object has the value that it has in one which was added before from another
-    /// element, or from any when `compareOwn` is set.
-    struct Clash {
-        const UniqueValue* value = nullptr;
-        VNodeRef other;
+    struct Numbered {
+        uint32_t number = 0;
+        UniqueValue value;
     };
-    Clash add(VNodeRef object, size_t element, bool compareOwn) {
-        Clash clash;
-        for (const UniqueValue& own : valuesOf(object)) {
-            std::vector<Entry>& bucket = entries_[hashOf(own)];
-            const auto same = std::ranges::find_if(bucket, [&](const Entry& entry) {
-                return entry.value->field == own.field && isSame(entry.value->value, own.value);
-            });
-            if (same == bucket.end())
-                bucket.push_back({object, element, &own});
-            else if (compareOwn || same->element != element)
-                clash = {&own, same->object};
+
+    void add(VNodeRef object) {
+        const auto [note, isNew] = objects_.try_emplace(keyOf(object));
+        if (!isNew) return;
+        for (const UniqueValue& value : uniqueValues(object)) {
+            const uint32_t number = numberOf(value);
+            ++uses_[number];
+            note->second.push_back({number, value});
         }
-        return clash;
+    }
+    /// The objects that agree with another one in some field.
+    [[nodiscard]] FlatSet<uint64_t> agreeing() const {
+        FlatSet<uint64_t> agreeing;
+        for (const auto& [object, values] : objects_)
+            for (const Numbered& value : values)
+                if (uses_[value.number] > 1) agreeing.insert(object);
+        return agreeing;
+    }
+    [[nodiscard]] const std::vector<Numbered>& valuesOf(VNodeRef object) const {
+        static const std::vector<Numbered> none;
+        const auto note = objects_.find(keyOf(object));
+        return note == objects_.end() ? none : note->second;
     }
 
   private:
-    struct Entry { // the first object with a value
-        VNodeRef object;
-        size_t element;
-        const UniqueValue* value;
-    };
-    static uint64_t hashOf(const UniqueValue& own) {
-        return hashOfValue(own.value.module, own.value.rec) * 31 +
-               std::hash<std::string_view>()(own.field);
-    }
-    const std::vector<UniqueValue>& valuesOf(VNodeRef object) {
-        const auto [note, isNew] = values_.try_emplace(keyOf(object));
-        if (isNew) note->second = uniqueValues(object);
-        return note->second;
+    uint32_t numberOf(const UniqueValue& own) {
+        const uint64_t hash = hashOfValue(own.value.module, own.value.rec) * 31 +
+                              std::hash<std::string_view>()(own.field);
+        std::vector<Numbered>& bucket = byHash_[hash];
+        const auto same = std::ranges::find_if(bucket, [&](const Numbered& other) {
+            return other.value.field == own.field && isSame(other.value.value, own.value);
+        });
+        if (same != bucket.end()) return same->number;
+        bucket.push_back({static_cast<uint32_t>(uses_.size()), own});
+        uses_.push_back(0);
+        return bucket.back().number;
     }
 
-    std::unordered_map<uint64_t, std::vector<UniqueValue>> values_; // entries point into it
-    std::unordered_map<uint64_t, std::vector<Entry>> entries_;
+    std::unordered_map<uint64_t, std::vector<Numbered>> objects_;
+    std::unordered_map<uint64_t, std::vector<Numbered>> byHash_;
+    std::vector<uint32_t> uses_; // by number
 };
 
 /// A set in a set is told of its own faults, unless it comes from several objects.
@@ -360,24 +381,14 @@ SubRef constraintOf(TNodeRef type) {
     return {type.module, SubNr{tNode.constraint > 0 ? magnitude(tNode.constraint) : 0}};
 }
 
-/// The objects that agree with another one in some UNIQUE field.
-FlatSet<uint64_t> agreeingObjects() {
-    FlatSet<uint64_t> agreeing;
-    FlatSet<uint64_t> known;
+/// All objects that sets name, by the values of their UNIQUE fields.
+UniqueIndex indexOfObjects() {
     UniqueIndex index;
     ObjectCollector collector;
-    for (const auto& [set, errors] : p5State.objectSets) {
-        const SubRef sub = constraintOf(set);
-        if (!sub) continue;
-        forEachOwnObject(collector, sub, [&](VNodeRef object) {
-            if (!known.insert(keyOf(object)).second) return;
-            const UniqueIndex::Clash clash = index.add(object, 0, true);
-            if (clash.value == nullptr) return;
-            agreeing.insert(keyOf(object));
-            agreeing.insert(keyOf(clash.other));
-        });
-    }
-    return agreeing;
+    for (const auto& [set, errors] : p5State.objectSets)
+        if (const SubRef sub = constraintOf(set))
+            forEachOwnObject(collector, sub, [&](VNodeRef object) { index.add(object); });
+    return index;
 }
 
 /// The elements of a set, in order.
@@ -389,28 +400,51 @@ std::vector<SubNr> elementsOf(SubRef sub) {
     return elements;
 }
 
-void checkSet(ObjectCollector& collector, TNodeRef set, ModuleRec* errors) {
-    const SubRef sub = constraintOf(set);
-    if (!sub) return;
-    UniqueIndex index;
-    FlatSet<uint64_t> known;
-    const std::vector<SubNr> elements = elementsOf(sub);
-    for (size_t place = 0; place < elements.size(); ++place) {
-        const SubRef element{sub.module, elements[place]};
-        const bool compareOwn = !answersForItself(element);
-        const ObjectList list = collector.ofSub(element);
-        readRec(element);
-        const uint32_t line = subRec.line;
-        for (const VNodeRef& object : list.objects) {
-            if (!known.insert(keyOf(object)).second) continue;
-            const UniqueIndex::Clash clash = index.add(object, place, compareOwn);
-            if (clash.value == nullptr) continue;
-            const std::string text = textOf(clash.value->value);
-            recordError(errors, ERR_SEMANTIC, Msg::NonDistinctUnique, line,
-                        concat("field '", clash.value->field, text.empty() ? "'" : "': ", text));
+/// What is told of one module; more would not be listed.
+constexpr uint32_t mostFindings = 500;
+
+/// Compares the objects of the sets, those that agree with none aside.
+class SetComparison {
+  public:
+    explicit SetComparison(const UniqueIndex& index, const FlatSet<uint64_t>& agreeing)
+        : index_(index), collector_(&agreeing) {}
+
+    void compare(TNodeRef set, ModuleRec* errors) {
+        const SubRef sub = constraintOf(set);
+        uint32_t& findings = findings_[errors];
+        if (!sub || findings >= mostFindings) return;
+        FlatMap<uint32_t, size_t> seen; // value -> element that brought it
+        FlatSet<uint64_t> known;
+        const std::vector<SubNr> elements = elementsOf(sub);
+        for (size_t place = 0; place < elements.size(); ++place) {
+            const SubRef element{sub.module, elements[place]};
+            const bool compareOwn = !answersForItself(element);
+            const ObjectList list = collector_.ofSub(element);
+            readRec(element);
+            const uint32_t line = subRec.line;
+            for (const VNodeRef& object : list.objects) {
+                if (!known.insert(keyOf(object)).second) continue;
+                for (const UniqueIndex::Numbered& own : index_.valuesOf(object)) {
+                    const auto [first, isNew] = seen.try_emplace(own.number, place);
+                    if (isNew || (!compareOwn && first->second == place)) continue;
+                    report(errors, line, own.value);
+                    ++findings;
+                }
+            }
         }
     }
-}
+
+  private:
+    static void report(ModuleRec* errors, uint32_t line, const UniqueValue& own) {
+        const std::string text = textOf(own.value);
+        recordError(errors, ERR_SEMANTIC, Msg::NonDistinctUnique, line,
+                    concat("field '", own.field, text.empty() ? "'" : "': ", text));
+    }
+
+    const UniqueIndex& index_;
+    ObjectCollector collector_;
+    std::unordered_map<ModuleRec*, uint32_t> findings_;
+};
 
 } // namespace
 
@@ -421,11 +455,12 @@ void noteObjectSet(ModuleRec* errors) {
 }
 
 void checkUniqueFields() {
-    const FlatSet<uint64_t> agreeing = agreeingObjects();
+    const UniqueIndex index = indexOfObjects();
+    const FlatSet<uint64_t> agreeing = index.agreeing();
     if (!agreeing.empty()) {
-        ObjectCollector collector(&agreeing);
+        SetComparison comparison(index, agreeing);
         for (const auto& [set, errors] : p5State.objectSets)
-            if (newNotation(set.module)) checkSet(collector, set, errors);
+            if (newNotation(set.module)) comparison.compare(set, errors);
     }
     p5State.objectSets.clear();
 }

@@ -186,46 +186,6 @@ bool checkTimeForm(const ValueErrors& errors, const CheckedValue& value) {
 
 // ---- IRIs ---------------------------------------------------------------------------------------
 
-namespace {
-
-struct CharRange {
-    char32_t first, last;
-};
-
-/// Characters of a label that is no number (X.660 (07/2011) 7.5.4).
-bool isLabelChar(char32_t c) {
-    constexpr std::u32string_view marks = U"-._~";
-    constexpr CharRange ranges[] = {{'0', '9'},        {'A', 'Z'},       {'a', 'z'},
-                                    {0xA0, 0xD7FF},    {0xF900, 0xFDCF}, {0xFDF0, 0xFFEF},
-                                    {0x10000, 0xEFFFD}};
-    if (c >= 0x10000 && ((c & 0xFFFE) == 0xFFFE || (c >= 0xE0000 && c < 0xE1000))) return false;
-    return marks.find(c) != marks.npos ||
-           std::ranges::any_of(ranges, [c](CharRange r) { return c >= r.first && c <= r.last; });
-}
-
-/// A number without leading zeros, or a name (X.680 (02/2021) 12.25, 12.26).
-bool isLabel(std::u32string_view label) {
-    const auto isNumeral = [](char32_t c) { return c >= '0' && c <= '9'; };
-    if (label.empty()) return false;
-    if (std::ranges::all_of(label, isNumeral)) return label.size() == 1 || label.front() != '0';
-    return label.front() != '-' && label.back() != '-' &&
-           !(label.size() >= 4 && label.substr(2, 2) == U"--") &&
-           std::ranges::all_of(label, isLabelChar);
-}
-
-bool isIri(std::u32string_view text, bool isRelative) {
-    if (!isRelative && !text.starts_with(U'/')) return false;
-    if (!isRelative) text.remove_prefix(1);
-    for (;;) {
-        const size_t end = std::min(text.find(U'/'), text.size());
-        if (!isLabel(text.substr(0, end))) return false;
-        if (end == text.size()) return true;
-        text.remove_prefix(end + 1);
-    }
-}
-
-} // namespace
-
 bool checkIri(const ValueErrors& errors, const CheckedValue& value) {
     const uint8_t kind = tNode.typeCode;
     const std::u32string text = fromUtf8(plainText(value.module, value.rec));

@@ -4,7 +4,12 @@
 #include "diag/orvoerr_hello.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <ctime>
+#include <optional>
 
 #include "tree/orvomod.h"
 #include "util/ascii.h"
@@ -29,13 +34,36 @@ int takeNumber(std::string_view& text) {
 
 } // namespace
 
+namespace {
+
+/// The end of the year 9999.
+constexpr int64_t lastSecond = 253402300799;
+
+/// The time that SOURCE_DATE_EPOCH gives, so that builds can be repeated; none when it is unset or
+/// no number of seconds.
+std::optional<std::time_t> timeOfBuild() {
+    const char* const text = std::getenv("SOURCE_DATE_EPOCH");
+    if (text == nullptr) return {};
+    const char* const end = text + std::strlen(text);
+    int64_t seconds = 0;
+    const auto [rest, error] = std::from_chars(text, end, seconds);
+    if (error == std::errc() && rest == end && *text != '-' && seconds <= lastSecond)
+        return static_cast<std::time_t>(seconds);
+    put(stderr, concat("\nWARNING : SOURCE_DATE_EPOCH ignored, no number of seconds from 0 to ",
+                       std::to_string(lastSecond), "\n"));
+    return {};
+}
+
+} // namespace
+
 void getTimeStamp(TimeStamp& timeStamp) {
     timeStamp = {orvoVersion, orvoVersion, 0, 0};
-    const std::time_t now = std::time(nullptr);
-    const std::tm* local = std::localtime(&now);
-    if (local == nullptr) return;
-    timeStamp.date = 19000000 + local->tm_year * 10000 + (local->tm_mon + 1) * 100 + local->tm_mday;
-    timeStamp.time = local->tm_hour * 10000 + local->tm_min * 100 + local->tm_sec;
+    const std::optional<std::time_t> fixed = timeOfBuild();
+    const std::time_t now = fixed ? *fixed : std::time(nullptr);
+    const std::tm* at = fixed ? std::gmtime(&now) : std::localtime(&now);
+    if (at == nullptr) return;
+    timeStamp.date = 19000000 + at->tm_year * 10000 + (at->tm_mon + 1) * 100 + at->tm_mday;
+    timeStamp.time = at->tm_hour * 10000 + at->tm_min * 100 + at->tm_sec;
 }
 
 std::string printTimeStamp(std::string_view prefix, const TimeStamp& timeStamp,

@@ -13,7 +13,8 @@ namespace orvo {
 inline constexpr uint16_t orvoVersion = 213;
 inline constexpr int orvoPatch = 0;
 
-/// Version and the local date and time of now.
+/// Version and the local date and time of now; where SOURCE_DATE_EPOCH gives the seconds since 1970,
+/// date and time of that in UTC.
 void getTimeStamp(TimeStamp& timeStamp);
 /// prefix + "on DD.MM.YYYY at H:MM.SS" + suffix.
 std::string printTimeStamp(std::string_view prefix, const TimeStamp& timeStamp,

@@ -240,13 +240,16 @@ void macroAssignment() {
         macroType();
 }
 
+bool isEncodingReference(std::string_view name) {
+    return std::ranges::find(encodingReferences, name) != std::end(encodingReferences);
+}
+
 void encodingPrefixes() {
     while (parserState.Inp.code == TOK_LBRACKET && lookAhead(1).code == TOK_TYPEID) {
         const std::string_view reference = nameOf(lookAhead(1));
         if (lookAhead(2).code == TOK_COLON) {
             if (reference == "TAG") return;
-            if (buildsTree() &&
-                std::ranges::find(encodingReferences, reference) == std::end(encodingReferences))
+            if (buildsTree() && !isEncodingReference(reference))
                 recordError(cMP, ERR_SEMANTIC, Msg::UnknownEncodingReference, parserState.Inp.line,
                             reference);
         } else if (!cMP->otherInstructions || lookAhead(2).code == TOK_DOT) {

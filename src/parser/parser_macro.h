@@ -3,6 +3,8 @@
 // What is passed over: macros of X.208 and what they define, encoding instructions and encoding
 // control sections. With notation of today only.
 
+#include <string_view>
+
 #include "lex/orvotok.h"
 #include "tree/orvodef.h"
 
@@ -21,6 +23,8 @@ void noteMacro(const Token& macro, VNodeNr value, bool byNotation);
 void noteMacroType(const Token& macro, TNodeNr type);
 /// Passes over a macro definition; reads the value or type that a macro defines.
 void macroAssignment();
+/// The name stands for encoding rules that are known.
+[[nodiscard]] bool isEncodingReference(std::string_view name);
 /// {`[` encodingreference `:` ... `]`} in front of a type
 void encodingPrefixes();
 /// {ENCODING-CONTROL encodingreference ...} in front of END

@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "check/orvostri.h"
 #include "diag/orvoerr.h"
 #include "parser/parser.h"
 #include "parser/parser_ass.h"
@@ -15,6 +16,8 @@
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil.h"
+#include "tree/types.h"
+#include "util/utf8.h"
 
 namespace orvo {
 namespace {
@@ -69,10 +72,22 @@ void tagDefault() {
         recordError(cMP, ERR_WARNING, Msg::ExplicitTaggingNotAllowed, parserState.prevL);
 }
 
+/// The IRI behind the identifier of a module, which only has to be one.
+void moduleIri() {
+    const Token iri = parserState.Inp;
+    if (buildsTree() && !isIri(fromUtf8(getStri(cMP, iri.stri())), false))
+        recordError(cMP, ERR_SEMANTIC, invalidValue(TYP_OIDIRI), iri.line);
+    ReadIn();
+}
+
 /// [reference INSTRUCTIONS] of X.680 (02/2021) 13.1
 void encodingReferenceDefault() {
     if (parserState.Inp.code != TOK_TYPEID || lookAhead(1).code != TOK_INSTRUCTIONS) return;
-    cMP->otherInstructions = nameOf(parserState.Inp) != "TAG";
+    const std::string_view reference = nameOf(parserState.Inp);
+    cMP->otherInstructions = reference != "TAG";
+    if (buildsTree() && cMP->otherInstructions && !isEncodingReference(reference))
+        recordError(cMP, ERR_SEMANTIC, Msg::UnknownEncodingReference, parserState.Inp.line,
+                    reference);
     ReadIn();
     ReadIn();
 }
@@ -217,7 +232,7 @@ void MGR4ModuleIdentifier() {
     if (hasObjId) {
         newObjectIdNode();
         MGR13ObjectIdValue();
-        if (parserState.Inp.code == TOK_CSTRING && newNotation()) ReadIn(); // its IRI
+        if (parserState.Inp.code == TOK_CSTRING && newNotation()) moduleIri();
     }
     constexpr TokenSet behindIdentifier = {TOK_DEFINITIONS, TOK_EOF};
     if (!MGIsInSet(behindIdentifier)) MGSkip({TOK_DEFINITIONS});

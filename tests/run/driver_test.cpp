@@ -1,5 +1,7 @@
 // The pass sequence, progress lines, listings and trees of whole runs.
 
+#include <cstdlib>
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -119,6 +121,25 @@ TEST(Driver, AFaultKeepsAnEarlierTree) {
     const RunResult run = compile({faulty, earlier});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.file("bad.stx"), "what was");
+}
+
+/// Seconds since 1970 in place of the clock make builds that can be repeated.
+TEST(Driver, TheTimeOfABuildCanBeGiven) {
+    setenv("SOURCE_DATE_EPOCH", "951825601", 1);
+    const RunResult run = compile({good});
+    EXPECT_NE(run.file("m.lst").find("on 29.02.2000 at 12:00.01"), std::string::npos);
+    EXPECT_EQ(run.err, "");
+    const RunResult again = compile({good});
+    EXPECT_EQ(again.file("m.stx"), run.file("m.stx"));
+    for (const char* none : {"", "-1", "253402300800", "1x"}) {
+        setenv("SOURCE_DATE_EPOCH", none, 1);
+        const RunResult other = compile({good});
+        EXPECT_EQ(other.err,
+                  "\nWARNING : SOURCE_DATE_EPOCH ignored, no number of seconds from 0 to "
+                  "253402300799\n");
+        EXPECT_EQ(other.file("m.lst").find("29.02.2000"), std::string::npos);
+    }
+    unsetenv("SOURCE_DATE_EPOCH");
 }
 
 TEST(Driver, QuietRunsSpeakOnlyOfErrors) {

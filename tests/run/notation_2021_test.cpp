@@ -69,6 +69,11 @@ TEST(Notation2021, ModuleHeadersAndSymbolLists) {
             .diagnostics("m"),
         listed(
             {{2, "WITH SUCCESSORS and WITH DESCENDANTS need an object identifier: SUCCESSORS"}}));
+    EXPECT_EQ(
+        compile({{"m.asn", "M { 1 2 3 } \"ISO\" DEFINITIONS\nFOO INSTRUCTIONS ::= BEGIN END"}},
+                edition)
+            .diagnostics("m"),
+        listed({{1, "Invalid OID-IRI value"}, {2, "Unknown encoding reference: FOO"}}));
     EXPECT_EQ(compileBody("T ::= [ABC: x] NULL", edition).diagnostics("m"),
               listed({{2, "Unknown encoding reference: ABC"},
                       {2, "W Encoding instructions passed over"}}));
