@@ -341,6 +341,7 @@ bool takeEnd(Reader& text, TimeVal& value) {
     if (!takePoint(text, end)) return false;
     end.settings[TIME_MIDNIGHT] = value.settings[TIME_MIDNIGHT];
     end.settings[TIME_INTERVAL_TYPE] = value.settings[TIME_INTERVAL_TYPE];
+    end.settings[TIME_RECURRENCE] = value.settings[TIME_RECURRENCE];
     return isSameForm(value, end);
 }
 

@@ -146,6 +146,13 @@ SeenTag innerTag() {
     return {TAG_UNIVERSAL, typeArr[tNode.typeCode].tag};
 }
 
+/// The actual parameters of an instance.
+bool checkActuals() {
+    const bool ok = checkTNodeActuals();
+    if (!isInstantiatedTNode() || tNode.refMod <= 0) return ok;
+    return checkActualValues(typeModule(), static_cast<uint32_t>(tNode.syntax)) && ok;
+}
+
 bool checkParts(ModuleRec* module) {
     bool ok = true;
     std::vector<VNodeNr> numberless;
@@ -158,7 +165,7 @@ bool checkParts(ModuleRec* module) {
     if (tNode.typeCode == TYP_ANY)
         ok &= checkAnyType(module);
     else if (tNode.syntax > 0)
-        ok &= checkTNodeActuals();
+        ok &= checkActuals();
     return ok;
 }
 

@@ -334,7 +334,7 @@ bool checkInstance(const ValueErrors& errors, VNodeRef at) {
     const bool ok = instance.module == nullptr || !instance || checkRecord(errors, instance, true);
     readRec(at);
     checkVNodeActuals();
-    return ok;
+    return checkActualValues(at.module, static_cast<uint32_t>(vNode.deferred)) && ok;
 }
 
 } // namespace
@@ -361,6 +361,16 @@ bool checkRecord(const ValueErrors& errors, VNodeRef at, bool constrain,
     vNode.checkState = CHECK_DONE;
     writeRec(at);
     return ok || vNode.valStatus == VST_HEADER; // an assignment answers for its faults itself
+}
+
+bool checkActualValues(ModuleRec* module, uint32_t first) {
+    if (!newNotation(module)) return true;
+    bool ok = true;
+    const KeepRec<KIND_VNODE> keep;
+    for (const VNodeNr nr : chain(module, VNodeNr{first}))
+        if (vNode.refMod != REF_FORMAL)
+            ok &= checkRecord({actErrModPtr(module, vNode.actParRec), true}, {module, nr}, true);
+    return ok;
 }
 
 bool checkVNode(ModuleRec* module, bool report, bool constrain) {

@@ -13,5 +13,8 @@ namespace orvo {
 [[nodiscard]] bool checkVNode(ModuleRec* module, bool report, bool constrain);
 /// Checks the current value against the current type. `value` is the record that findings stand at.
 [[nodiscard]] bool checkValNode(ModuleRec* module, VNodeRef value, bool report, bool constrain);
+/// Checks the actual parameters from record `first` of a module on that are values against their
+/// governors (X.683 (02/2021) 9.3); nothing in older notation. Preserving.
+[[nodiscard]] bool checkActualValues(ModuleRec* module, uint32_t first);
 
 } // namespace orvo

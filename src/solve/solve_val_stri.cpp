@@ -129,8 +129,10 @@ bool parseQuadrupleTuple(uint8_t kind, Cause& cause) {
     return false;
 }
 
+/// Since 2002 a list has quadruples and tuples, too (X.680 (02/2021) 41.8).
 bool parseStringElement(uint8_t kind, Cause& cause) {
     if (curCode() == TOK_CSTRING) return parseLiteral(kind, cause);
+    if (newNotation() && curCode() == TOK_LBRACE) return parseQuadrupleTuple(kind, cause);
     if (!definedValueFollows()) return false;
     if (parseDefinedValue(false, cause) == Msg::None) return true;
     cause.set(Msg::DefinedValueSyntax);

@@ -52,6 +52,9 @@ constexpr struct {
     {"51.7: an alphabet", "v UTF8String (FROM (\"\xC3\xA9\"..\"\xC3\xBC\")) ::= \"\xC3\xBC\"",
      "\"\\u00fc\""},
     {"51.2", "v UTF8String (\"a\" | \"\xC3\xA9\") ::= \"\xC3\xA9\"", "\"\\u00e9\""},
+    {"41.8: quadruples in lists",
+     "v UTF8String (SIZE (3)) ::= { { 0, 0, 0, 65 }, \"b\", { 0, 0, 0, 67 } }",
+     "{\"A\", \"b\", \"C\"}"},
     {"41: the characters of other kinds",
      "v BMPString (w | x) (FROM (w | a..b)) ::= \"\xC3\xA9\" w UTF8String ::= \"\xC3\xA9\"\n"
      "x UniversalString ::= \"x\" a UTF8String ::= \"a\" b UniversalString ::= \"b\"",
@@ -137,6 +140,8 @@ TEST(NotationLex, ReportsValuesThatTheTypeDoesNotHave) {
          {{2, "Invalid Quadruple/Tuple"}, {2, "UTF8String value syntax"}}},
         {"v UTF8String ::= { 6, 5 }",
          {{2, "Invalid Quadruple/Tuple"}, {2, "UTF8String value syntax"}}},
+        {"v IA5String ::= { \"a\", { 8, 1 } }",
+         {{2, "Invalid Quadruple/Tuple"}, {2, "IA5String value syntax"}}},
         {"v UTF8String (SIZE (1)) ::= \"\xC3\xA9x\"",
          {{2, "Value out of single value constraint(s)"}, {2, "Value out of size constraint(s)"}}},
         {"v UTF8String (\"a\" | \"\xC3\xA9\") ::= \"\xC3\xA8\"",

@@ -122,6 +122,29 @@ l K ::= { &Set { 1 | 2 } }
 )");
 }
 
+// X.683 9.3: an actual parameter is one of its governor's, wherever it goes.
+TEST(NotationRules, ActualValuesAreHeldAgainstTheirGovernors) {
+    expectMarked(R"(
+A {INTEGER : n} ::= INTEGER (1..n)
+K ::= CLASS { &id INTEGER (0..10) }
+P {INTEGER : n, A {n} : s} ::= SEQUENCE { a INTEGER DEFAULT s, b [1] INTEGER DEFAULT n }
+Q {K.&id : n} ::= INTEGER (n)
+v {K.&id : n} INTEGER ::= n
+o {K.&id : n} K ::= { &id n }
+R {INTEGER : n} ::= Q {n}
+p1 P {5, 5} ::= {}
+p2 P {5, 6} ::= {} --! Value out of range constraint(s)
+Q1 ::= Q {k.&id}
+Q2 ::= Q {11} --! Value out of range constraint(s)
+v1 INTEGER ::= v {10}
+v2 INTEGER ::= v {11} --! Value out of range constraint(s)
+R1 ::= R {10}
+R2 ::= R {11} --! Value out of range constraint(s)
+k K ::= o {9}
+)");
+    expectMarked("\nA ::= INTEGER (0..5)\nP {A : s} ::= INTEGER (s)\nQ ::= P {6}\n", {});
+}
+
 // X.680 53.4: the value of an exception is one of its type.
 TEST(NotationRules, ExceptionsAreValuesOfTheirTypes) {
     const std::string wrong = " --! Value out of range constraint(s) ; Invalid Open type value ; "

@@ -28,6 +28,7 @@ TEST(NotationTime, ReadsValues) {
              "v TIME ::= \"2020-01-01T10Z/2020-01-01T12Z\"", //
              "v TIME ::= \"R5/2020-01-01/P1D\"",             //
              "v TIME ::= \"R/P1DT2H/2020-01-01\"",           //
+             "v TIME ::= \"R12/2020-01-01/2020-02-01\"",     //
              "v DURATION ::= \"PT1.5H\"",                    //
              "v DURATION ::= \"P3W\"",                       //
              "v TIME (SETTINGS \"Basic=Date  Date=YMD\") ::= \"2020-01-01\"",
@@ -68,6 +69,7 @@ TEST(NotationTime, RefusesWhatIsNone) {
         {"v TIME ::= \"2020-01T10\"", {"Invalid TIME value"}},
         {"v TIME ::= \"2020-01-01T10/2020-01-01T12:00\"", {"Invalid TIME value"}},
         {"v TIME ::= \"R5/2020-01-01\"", {"Invalid TIME value"}},
+        {"v TIME ::= \"R/2020-01-01T10/2020-01-01\"", {"Invalid TIME value"}},
         {"v TIME ::= \"\"", {"Invalid TIME value"}},
         {"v TIME-OF-DAY ::= \"24:00:01\"", {"Invalid TIME-OF-DAY value"}},
         {"v TIME-OF-DAY ::= \"23:59:60\"", {"Invalid TIME-OF-DAY value"}},
