@@ -188,6 +188,7 @@ void instantiate(const Reference& reference, Refer refer, Expand expand) {
         return;
     }
     ModuleRec* const defModule = parState.entries[parState.aplStack - 1].module;
+    parState.entries[parState.aplStack - 1].head = nextRec<K>(defModule).nr;
     makePending(self.module, self.nr);
     refer(reference.refMod, nextRec<K>(defModule).nr,
           static_cast<int32_t>(aplAt(parState.aplStack).firstActual));
@@ -229,8 +230,58 @@ void expandAndParseParameterizedValue(VNodeNr definition) {
 
 } // namespace
 
+namespace {
+
+/// The text at the cursor's place, `{a, {B}}`, hands the formal parameters on as they are, sets in
+/// braces of their own.
+bool handsFormalsOn(DNodeNr text, STabNr formals) {
+    readRec(cMP, text);
+    if (dNode.formals != formals.nr) return false;
+    TokNr at{dNode.first};
+    const auto take = [&at](int32_t code) {
+        if (!at || tokenAt(at).code != code) return false;
+        at = TokNr{tokenAt(at).next};
+        return true;
+    };
+    if (!take(TOK_LBRACE)) return false;
+    for (STabNr formal = formals; formal; formal = STabNr{symAt(formal).next}) {
+        const int32_t name = symAt(formal).name;
+        const bool isSet = name > 0 && (symAt(formal).flags & SYM_TYPE_PARAMETER) == 0;
+        if (formal != formals && !take(TOK_COMMA)) return false;
+        if (isSet && !take(TOK_LBRACE)) return false;
+        if (!at || tokenAt(at).stri() != name) return false;
+        if (!take(name < 0 ? TOK_VALUEID : TOK_TYPEID)) return false;
+        if (isSet && !take(TOK_RBRACE)) return false;
+    }
+    return take(TOK_RBRACE);
+}
+
+/// The current type refers to the definition whose instance it is part of, with the parameters of
+/// that instance: it refers to the instance. Older notation refuses the recursion.
+bool referToOwnInstance() {
+    const TNodeRef self = currentRec<KIND_TNODE>();
+    const uint32_t handle = aplOfInstance(self.module, tNode.actParRec);
+    if (handle == 0 || !newNotation(self.module)) return false;
+    const ANode own = aplAt(handle);
+    const ModuleRec* const target = getModPtr(self.module, static_cast<uint32_t>(tNode.refMod));
+    if (target != self.module || own.defModule != target->handle ||
+        own.definition != static_cast<int32_t>(tNode.ref))
+        return false;
+    const STabNr symbol = findSymbTabRecByNr(self.module, REF_OWN, own.definition);
+    const CurrentModule inModule(self.module);
+    if (!handsFormalsOn(deferredText(tNode.syntax), STabNr{symAt(symbol).formals})) return false;
+    makePending(self.module, self.nr);
+    tNode.ref = parState.entries[handle - 1].head;
+    tNode.syntax = 0;
+    writeRec(self);
+    return true;
+}
+
+} // namespace
+
 void parseTNodeActuals() {
     if (tNode.typeCode != TYP_SYNONYM || !isDeferred(tNode.syntax)) return;
+    if (tNode.actParRec != 0 && referToOwnInstance()) return;
     const TNodeNr definition{tNode.ref};
     instantiate<KIND_TNODE>(
         {tNode.refMod, static_cast<int32_t>(tNode.ref), deferredText(tNode.syntax), tNode.line},

@@ -24,6 +24,7 @@ struct AplEntry {
     ModuleRec* module = nullptr;
     ANodeNr nr;
     ModuleRec* outermost = nullptr; // module of the outermost reference
+    uint32_t head = 0;              // first record of the copy in the defining module
 };
 /// The stack of active instantiations. Handles (from 1; 0 = none) address all entries of the run.
 struct ParState {

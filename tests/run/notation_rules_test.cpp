@@ -56,6 +56,13 @@ G ::= SEQUENCE { ..., [[ t G ]] }
 L ::= SEQUENCE (SIZE (0..5)) OF L
 Z ::= SET { l SEQUENCE (SIZE (1..5)) OF CHOICE { z Z, n NULL } }
 H ::= CHOICE { h H, ..., n NULL }
+P {X, INTEGER : n} ::= CHOICE { nil NULL, cons SEQUENCE { head X (0..n), tail P {X, n} } }
+Q ::= P {INTEGER, 5}
+q Q ::= cons : { head 5, tail cons : { head 0, tail nil : NULL } }
+K ::= CLASS { &id INTEGER }
+R {K : Set} ::= SEQUENCE { a K.&id ({Set}), r R {{Set}} OPTIONAL }
+V ::= R {{{ &id 1 }}}
+v V ::= { a 1, r { a 1 } }
 )",
                  edition, "AUTOMATIC TAGS ");
     expectMarked(R"(
@@ -70,8 +77,13 @@ F ::= SEQUENCE { g E } --! Invalid recursion in definition of type: g
 M ::= SEQUENCE { m N (SIZE (1..5)) } --! Invalid recursion in definition of type: m
 N ::= SEQUENCE OF M
 U ::= SEQUENCE { s S }
+P {X} ::= SEQUENCE { head X, tail P {X} }
+Q ::= P {NULL} --! Invalid recursion in definition of type: tail
 )",
                  edition, "AUTOMATIC TAGS ");
+    expectMarked("\nR {INTEGER : n} ::= SEQUENCE (SIZE (0..n)) OF R {4}\n"
+                 "V ::= R {5} --! Invalid recursion in definition of type\n",
+                 edition);
 }
 
 // X.680 51.4.3; the type keeps the endpoint of the parent.
