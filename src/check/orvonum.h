@@ -26,7 +26,7 @@ enum SpecialReal : int32_t {
     REAL_ZERO = 0,
     REAL_MINUS_INFINITY = -1,
     REAL_PLUS_INFINITY = -2,
-    REAL_NOT_A_NUMBER = -3,
+    REAL_NOT_A_NUMBER = -3, // in no order with others
     REAL_MINUS_ZERO = -4,
 };
 /// What getSpecialRealVal gives for a mantissa that is no code.

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "check/orvonum.h"
 #include "check/orvonum_end.h"
 #include "check/orvostri.h"
 #include "check/orvotime.h"
@@ -69,6 +70,15 @@ void warnOfRangeBeyondParent(ModuleRec* module, const Endpoint& end, bool upper)
 
 } // namespace
 
+namespace {
+
+bool isNotANumber(const Endpoint& end) {
+    const RealVal& real = end.value.val.real;
+    return real.base == -1 && i64native(real.mantissa) == REAL_NOT_A_NUMBER;
+}
+
+} // namespace
+
 bool subRange(ModuleRec* module) {
     if (isTime()) return subTimeRange(module);
     Endpoint lower;
@@ -83,6 +93,7 @@ bool subRange(ModuleRec* module) {
         warnOfRangeBeyondParent(module, lower, false);
         warnOfRangeBeyondParent(module, upper, true);
     }
+    if (kind == TYP_REAL && (isNotANumber(lower) || isNotANumber(upper))) return false;
     const VNode first = lower.value.asValue();
     const VNode last = upper.value.asValue();
     int order = 0;

@@ -83,6 +83,7 @@ bool setCharacter(uint8_t kind, std::span<const uint32_t> numbers) {
         return true;
     }
     if (numbers.size() == 2 && kind == TYP_UTF8STR) return false; // tuples are IA5String's
+    if (newNotation() && numbers.size() == 4 && numbers[0] > 127) return false; // groups end there
     const bool isWide = kind == TYP_UNISTR || kind == TYP_UTF8STR;
     const size_t significant = isWide ? 4 : kind == TYP_BMPSTR ? 2 : 1;
     uint32_t character = 0;

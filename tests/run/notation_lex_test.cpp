@@ -138,6 +138,9 @@ TEST(NotationLex, ReportsValuesThatTheTypeDoesNotHave) {
         {"v REAL (-1.5..2.5) ::= -1.75", {{2, "Value out of range constraint(s)"}}},
         {"v UTF8String ::= { 0, 17, 0, 0 }", // beyond U+10FFFF
          {{2, "Invalid Quadruple/Tuple"}, {2, "UTF8String value syntax"}}},
+        {"v UniversalString ::= { 128, 0, 0, 0 }",
+         {{2, "Invalid Quadruple/Tuple"}, {2, "UniversalString value syntax"}}},
+        {"T ::= REAL (0..NOT-A-NUMBER)", {{2, "Invalid range constraint(s)"}}},
         {"v UTF8String ::= { 6, 5 }",
          {{2, "Invalid Quadruple/Tuple"}, {2, "UTF8String value syntax"}}},
         {"v IA5String ::= { \"a\", { 8, 1 } }",
