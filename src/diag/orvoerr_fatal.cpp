@@ -1,5 +1,5 @@
-// A fatal error leaves no way back into the compilation: what is written already stays, nothing is
-// unwound. Both standard streams are flushed by hand because the process ends without running the
+// A fatal error leaves no way back into the compilation: what is whole stays, what is half written
+// goes, nothing is unwound. Both standard streams are flushed by hand because the process ends without running the
 // destructors of the run, which may be what is damaged. Memory may have run out: nothing is
 // allocated.
 
@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
+
+#include "util/outfile.h"
 
 namespace orvo {
 
@@ -41,7 +43,10 @@ void put(std::FILE* stream, std::string_view text) {
 } // namespace
 
 void fatalError(Fatal number, std::string_view detail) {
-    if (std::exchange(fatalState.reporting, true)) std::_Exit(fatalStatus);
+    if (std::exchange(fatalState.reporting, true)) {
+        dropOutputs();
+        std::_Exit(fatalStatus);
+    }
     const std::string_view text = fatalText(number);
     std::fflush(stdout);
     put(stderr, "\nFATAL ERROR : ");
@@ -56,6 +61,7 @@ void fatalError(Fatal number, std::string_view detail) {
     put(stdout, "ORVO>>> aborting compilation\n");
     if (fatalState.hook != nullptr) fatalState.hook(text, detail);
     std::fflush(nullptr);
+    dropOutputs();
     std::_Exit(fatalStatus);
 }
 

@@ -8,6 +8,7 @@
 
 #include "diag/orvoerr_fatal.h"
 #include "driver/orvo.h"
+#include "util/outfile.h"
 #include "util/stack.h"
 
 namespace {
@@ -45,6 +46,7 @@ void echoArguments(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     occupyStandardStreams();
+    orvo::dropOutputsOnSignals();
     std::set_new_handler([] { orvo::fatalError(orvo::Fatal::NoSpace); });
     // Progress lines appear as they are written, also when the output goes to a file or a pipe.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);

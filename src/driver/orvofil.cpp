@@ -13,6 +13,7 @@
 
 #include "diag/orvoerr_fatal.h"
 #include "util/guard.h"
+#include "util/outfile.h"
 #include "util/text.h"
 
 namespace orvo {
@@ -67,8 +68,8 @@ bool isSource(const std::string& path) {
 std::FILE* openFile(const std::string& path, const char* mode) {
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored)) return nullptr;
-    if (*mode == 'w' && isSource(path)) return nullptr;
-    return std::fopen(path.c_str(), mode);
+    if (*mode != 'w') return std::fopen(path.c_str(), mode);
+    return isSource(path) ? nullptr : openOutput(path, mode);
 }
 
 ModuleRec* newModuleRec() {
@@ -169,7 +170,7 @@ void addDirToSearchPath(std::vector<std::string>& path, std::string_view directo
 void closeFile(std::FILE*& file, std::string_view detail) {
     if (file == nullptr) return;
     const bool written = std::ferror(file) == 0;
-    const bool closed = std::fclose(std::exchange(file, nullptr)) == 0;
+    const bool closed = closeOutput(std::exchange(file, nullptr));
     if (!written) fatalError(Fatal::Write, detail);
     if (!closed) fatalError(Fatal::Close, detail);
 }

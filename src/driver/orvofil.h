@@ -38,6 +38,7 @@ std::string setFileName(std::string_view name, std::string_view ext, bool replac
 
 /// Opens a file. Null when it cannot be opened, is a directory or, for writing, is a source of the
 /// run, by whatever path: a listing or tree must not destroy what the run has read or is to list.
+/// What is written appears when it is closed (util/outfile).
 [[nodiscard]] std::FILE* openFile(const std::string& path, const char* mode);
 /// Opens directory + name as openFile does. Failure or a path above maxPathLength: fatal 2 when the
 /// mode begins with "w", else 1.

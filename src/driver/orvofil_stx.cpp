@@ -27,6 +27,7 @@
 #include "diag/timing.h"
 #include "driver/orvofil.h"
 #include "tree/orvorec.h"
+#include "util/outfile.h"
 #include "util/text.h"
 
 namespace orvo {
@@ -163,7 +164,7 @@ void writeTree(ModuleRec* module) {
     for (int kind = 0; kind < fileKindCount; ++kind)
         writeSubTree(tree, module, static_cast<RecKind>(kind));
     flushChunk(tree);
-    if (std::fclose(tree.file) != 0) fatalError(Fatal::Close, "Syntax tree file");
+    if (!closeOutput(tree.file)) fatalError(Fatal::Close, "Syntax tree file");
 }
 
 } // namespace orvo
