@@ -16,6 +16,7 @@
 #include "symtab/orvosym.h"
 #include "symtab/orvosym_imp.h"
 #include "tree/orvorec.h"
+#include "tree/orvoutil_find.h"
 #include "tree/values.h"
 #include "util/guard.h"
 
@@ -232,11 +233,32 @@ void expandAndParseParameterizedValue(VNodeNr definition) {
 
 namespace {
 
-/// The text at the cursor's place, `{a, {B}}`, hands the formal parameters on as they are, sets in
-/// braces of their own.
-bool handsFormalsOn(DNodeNr text, STabNr formals) {
+/// The type that stands for a formal parameter in an instance, as far as nothing is said on the
+/// way; none when the parameter is no type.
+TNodeRef actualType(uint32_t handle, uint32_t position) {
+    const ANode instance = aplAt(handle);
+    ModuleRec* const module = run.modules[instance.instModule - 1].get();
+    readRec(module, VNodeNr{instance.firstActual + position - 1});
+    if (vNode.valCode != TYP_OPEN || vNode.refMod != REF_FORMAL || vNode.ref == 0) return {};
+    readRec(module, TNodeNr{vNode.ref});
+    const auto isBare = [] {
+        return tNode.typeCode == TYP_SYNONYM && tNode.constraint == 0 && tNode.tags == 0 &&
+               tNode.syntax == 0 && tNode.ref != 0;
+    };
+    for (size_t left = maxLinks; isBare() && left != 0; --left) {
+        ModuleRec* const next = refModule(typeModule(), tNode.refMod);
+        if (next == nullptr) break;
+        readRec(next, TNodeNr{tNode.ref});
+    }
+    return currentRec<KIND_TNODE>();
+}
+
+/// The text `{a, {B}}`, within the instance `own`, gives each formal parameter what it stands for
+/// in the instance `outer`, which may be the same one. Only types are followed from one to the
+/// other.
+bool handsFormalsOn(DNodeNr text, STabNr formals, uint32_t own, uint32_t outer) {
     readRec(cMP, text);
-    if (dNode.formals != formals.nr) return false;
+    const STabNr ownFormals{dNode.formals};
     TokNr at{dNode.first};
     const auto take = [&at](int32_t code) {
         if (!at || tokenAt(at).code != code) return false;
@@ -244,34 +266,51 @@ bool handsFormalsOn(DNodeNr text, STabNr formals) {
         return true;
     };
     if (!take(TOK_LBRACE)) return false;
+    uint32_t position = 0;
     for (STabNr formal = formals; formal; formal = STabNr{symAt(formal).next}) {
-        const int32_t name = symAt(formal).name;
-        const bool isSet = name > 0 && (symAt(formal).flags & SYM_TYPE_PARAMETER) == 0;
-        if (formal != formals && !take(TOK_COMMA)) return false;
+        const bool isType = (symAt(formal).flags & SYM_TYPE_PARAMETER) != 0;
+        const bool isSet = symAt(formal).name > 0 && !isType;
+        if (++position != 1 && !take(TOK_COMMA)) return false;
         if (isSet && !take(TOK_LBRACE)) return false;
-        if (!at || tokenAt(at).stri() != name) return false;
-        if (!take(name < 0 ? TOK_VALUEID : TOK_TYPEID)) return false;
+        if (!at) return false;
+        int32_t refMod = REF_UNRESOLVED;
+        int32_t name = tokenAt(at).stri();
+        if (!take(symAt(formal).name < 0 ? TOK_VALUEID : TOK_TYPEID)) return false;
+        if (!handleDefined(ownFormals, refMod, name)) return false;
+        const auto place = static_cast<uint32_t>(name);
+        const bool isSame = own == outer && ownFormals == formals && place == position;
+        if (!isSame && !(isType && actualType(own, place) == actualType(outer, position)))
+            return false;
         if (isSet && !take(TOK_RBRACE)) return false;
     }
     return take(TOK_RBRACE);
 }
 
-/// The current type refers to the definition whose instance it is part of, with the parameters of
-/// that instance: it refers to the instance. Older notation refuses the recursion.
-bool referToOwnInstance() {
+/// The current type, part of an instance, refers to the definition of that instance or of one
+/// around it with the parameters of that one: it refers to the instance itself. Older notation
+/// refuses the recursion.
+bool referToOuterInstance() {
     const TNodeRef self = currentRec<KIND_TNODE>();
-    const uint32_t handle = aplOfInstance(self.module, tNode.actParRec);
-    if (handle == 0 || !newNotation(self.module)) return false;
-    const ANode own = aplAt(handle);
-    const ModuleRec* const target = getModPtr(self.module, static_cast<uint32_t>(tNode.refMod));
-    if (target != self.module || own.defModule != target->handle ||
-        own.definition != static_cast<int32_t>(tNode.ref))
-        return false;
-    const STabNr symbol = findSymbTabRecByNr(self.module, REF_OWN, own.definition);
+    const TNode reference = tNode;
+    const uint32_t own = aplOfInstance(self.module, reference.actParRec);
+    const ModuleRec* const target = getModPtr(self.module, static_cast<uint32_t>(reference.refMod));
+    if (own == 0 || target == nullptr || !newNotation(self.module)) return false;
+    const auto definition = static_cast<int32_t>(reference.ref);
+    uint32_t outer = own;
+    while (outer != 0 &&
+           (aplAt(outer).defModule != target->handle || aplAt(outer).definition != definition))
+        outer = aplAt(outer).below;
+    if (outer == 0) return false;
+    const KeepRec<KIND_VNODE> keep;
     const CurrentModule inModule(self.module);
-    if (!handsFormalsOn(deferredText(tNode.syntax), STabNr{symAt(symbol).formals})) return false;
+    const STabNr symbol =
+        findSymbTabRecByNr(parState.entries[outer - 1].module, REF_OWN, definition);
+    const bool isSame =
+        handsFormalsOn(deferredText(reference.syntax), STabNr{symAt(symbol).formals}, own, outer);
+    readRec(self);
+    if (!isSame) return false;
     makePending(self.module, self.nr);
-    tNode.ref = parState.entries[handle - 1].head;
+    tNode.ref = parState.entries[outer - 1].head;
     tNode.syntax = 0;
     writeRec(self);
     return true;
@@ -281,7 +320,7 @@ bool referToOwnInstance() {
 
 void parseTNodeActuals() {
     if (tNode.typeCode != TYP_SYNONYM || !isDeferred(tNode.syntax)) return;
-    if (tNode.actParRec != 0 && referToOwnInstance()) return;
+    if (tNode.actParRec != 0 && referToOuterInstance()) return;
     const TNodeNr definition{tNode.ref};
     instantiate<KIND_TNODE>(
         {tNode.refMod, static_cast<int32_t>(tNode.ref), deferredText(tNode.syntax), tNode.line},

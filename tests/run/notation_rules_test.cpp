@@ -63,6 +63,9 @@ K ::= CLASS { &id INTEGER }
 R {K : Set} ::= SEQUENCE { a K.&id ({Set}), r R {{Set}} OPTIONAL }
 V ::= R {{{ &id 1 }}}
 v V ::= { a 1, r { a 1 } }
+X {T} ::= SEQUENCE { y Y {T} OPTIONAL }
+Y {T} ::= SEQUENCE { x X {T} OPTIONAL, t T }
+x X {BOOLEAN} ::= { y { x { y { t FALSE } }, t TRUE } }
 )",
                  edition, "AUTOMATIC TAGS ");
     expectMarked(R"(
@@ -81,6 +84,10 @@ P {X} ::= SEQUENCE { head X, tail P {X} }
 Q ::= P {NULL} --! Invalid recursion in definition of type: tail
 )",
                  edition, "AUTOMATIC TAGS ");
+    expectMarked("\nX {T} ::= SEQUENCE { y Y {SEQUENCE OF T} OPTIONAL }\n"
+                 "Y {T} ::= SEQUENCE { x X {T} OPTIONAL, t T }\n"
+                 "Z ::= X {BOOLEAN} --! Invalid recursion in definition of type\n",
+                 edition);
     expectMarked("\nR {INTEGER : n} ::= SEQUENCE (SIZE (0..n)) OF R {4}\n"
                  "V ::= R {5} --! Invalid recursion in definition of type\n",
                  edition);
