@@ -95,19 +95,6 @@ bool governByText(MacroUse& use) {
     return isNumber || isObjId;
 }
 
-/// The records of a chain that are not among those in ascending order, linked anew by
-/// `link(record, next)`.
-template <RecKind K, typename Fn>
-void takeOff(const std::vector<RecNr<K>>& gone, RecNr<K>& first, RecNr<K>& last, Fn&& link) {
-    std::vector<RecNr<K>> kept;
-    for (const RecNr<K> nr : chain(cMP, first))
-        if (!std::ranges::binary_search(gone, nr.nr, {}, &RecNr<K>::nr)) kept.push_back(nr);
-    first = kept.empty() ? RecNr<K>{} : kept.front();
-    last = kept.empty() ? RecNr<K>{} : kept.back();
-    for (size_t i = 0; i < kept.size(); ++i)
-        link(kept[i], i + 1 < kept.size() ? kept[i + 1].nr : 0);
-}
-
 /// What is left out is a name that leads nowhere.
 void leaveOutName(Msg code, uint32_t line, int32_t name, int32_t node) {
     recordError(cMP, ERR_WARNING, code, line, getStri(cMP, name));
@@ -115,40 +102,33 @@ void leaveOutName(Msg code, uint32_t line, int32_t name, int32_t node) {
     clearSymbolNode(cMP->symTab, name, node);
 }
 
-/// Takes the values of uses, in ascending order, off the chain of value assignments.
-void leaveOut(const std::vector<VNodeNr>& values) {
-    if (values.empty()) return;
-    takeOff(values, cMP->firstValueHead, cMP->lastValueHead, [](VNodeNr nr, uint32_t next) {
-        readRec(cMP, nr);
-        vNode.next = next;
-        writeRec(cMP, nr);
-    });
-    for (const VNodeNr nr : values) {
-        readRec(cMP, nr);
-        leaveOutName(Msg::MacroValueLeftOut, vNode.line, vNode.name, minus(nr.nr));
-        const uint32_t line = vNode.line;
-        vNode = {};
-        vNode.line = line;
-        vNode.valCode = TYP_NULL;
-        writeRec(cMP, nr);
+/// Takes the heads `gone`, in ascending order, off a chain of assignments. Each becomes a NULL that
+/// nothing leads to.
+template <RecKind K>
+void leaveOut(const std::vector<RecNr<K>>& gone, RecNr<K>& first, RecNr<K>& last, Msg code) {
+    if (gone.empty()) return;
+    auto& record = bufferRec<K>();
+    std::vector<RecNr<K>> kept;
+    for (const RecNr<K> nr : chain(cMP, first))
+        if (!std::ranges::binary_search(gone, nr.nr, {}, &RecNr<K>::nr)) kept.push_back(nr);
+    first = kept.empty() ? RecNr<K>{} : kept.front();
+    last = kept.empty() ? RecNr<K>{} : kept.back();
+    for (size_t i = 0; i < kept.size(); ++i) {
+        readRec(cMP, kept[i]);
+        record.next = i + 1 < kept.size() ? kept[i + 1].nr : 0;
+        writeRec(cMP, kept[i]);
     }
-}
-
-/// The same for types.
-void leaveOut(const std::vector<TNodeNr>& types) {
-    if (types.empty()) return;
-    takeOff(types, cMP->firstTypeHead, cMP->lastTypeHead, [](TNodeNr nr, uint32_t next) {
+    for (const RecNr<K> nr : gone) {
         readRec(cMP, nr);
-        tNode.next = next;
-        writeRec(cMP, nr);
-    });
-    for (const TNodeNr nr : types) {
-        readRec(cMP, nr);
-        leaveOutName(Msg::MacroTypeLeftOut, tNode.line, tNode.name, static_cast<int32_t>(nr.nr));
-        const uint32_t line = tNode.line;
-        tNode = {};
-        tNode.line = line;
-        setTypeNode(TYP_NULL);
+        leaveOutName(code, record.line, record.name,
+                     K == KIND_VNODE ? minus(nr.nr) : static_cast<int32_t>(nr.nr));
+        const uint32_t line = record.line;
+        record = {};
+        record.line = line;
+        if constexpr (K == KIND_VNODE)
+            record.valCode = TYP_NULL;
+        else
+            setTypeNode(TYP_NULL);
         writeRec(cMP, nr);
     }
 }
@@ -210,17 +190,9 @@ struct Governor {
     TNodeRef definition;
 };
 
+/// A kind whose records need no parts.
 bool isPlain(uint8_t kind) {
-    switch (kind) {
-    case TYP_BOOLEAN:
-    case TYP_INTEGER:
-    case TYP_REAL:
-    case TYP_BITSTR:
-    case TYP_OCTSTR:
-    case TYP_NULL:
-    case TYP_RELOID: return true;
-    default: return false;
-    }
+    return (kind <= TYP_NULL && kind != TYP_ENUM) || kind == TYP_RELOID;
 }
 
 Governor governorOf(VNodeRef value) {
@@ -273,7 +245,7 @@ void settleMacroTypes() {
         if (meaning != Meaning::OwnMacro && meaning != Meaning::ImportedMacro) continue;
         leftOut.push_back(use.type);
     }
-    leaveOut(leftOut);
+    leaveOut(leftOut, cMP->firstTypeHead, cMP->lastTypeHead, Msg::MacroTypeLeftOut);
 }
 
 void settleMacros() {
@@ -297,7 +269,7 @@ void settleMacros() {
             leftOut.push_back(use.value);
     }
     cMP->macroUses = std::move(settled);
-    leaveOut(leftOut);
+    leaveOut(leftOut, cMP->firstValueHead, cMP->lastValueHead, Msg::MacroValueLeftOut);
 }
 
 void governMacroReferences() {

@@ -2,12 +2,39 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 #include <string_view>
 
 #include "meta_model.h"
 
 namespace orvo::meta {
 namespace {
+
+/// Texts with one thing less: an item of a list, a constraint, what follows a component's type.
+std::vector<std::string> smallerTexts(const std::string& text) {
+    std::vector<std::string> list;
+    const auto endOf = [&text](size_t at, const char* stops) {
+        for (int depth = 0; at < text.size(); ++at) {
+            if (depth == 0 && std::strchr(stops, text[at]) != nullptr) break;
+            if (std::strchr("{([", text[at]) != nullptr) ++depth;
+            if (std::strchr("})]", text[at]) != nullptr && depth-- == 0) break;
+        }
+        return at;
+    };
+    const auto without = [&](size_t from, size_t to) {
+        if (to <= text.size()) list.push_back(text.substr(0, from) + text.substr(to));
+    };
+    for (size_t at = 0; at < text.size(); ++at) {
+        const char ch = text[at];
+        if (ch == ' ' || ch == ',') without(at, endOf(at + 1, ","));
+        if (ch == ' ') without(at, endOf(at + 1, " ,\n"));
+        if (std::strchr("{([", ch) == nullptr) continue;
+        without(at, endOf(at + 1, "") + 1);
+        if (const size_t comma = endOf(at + 1, ","); text[comma] == ',') without(at + 1, comma + 1);
+    }
+    std::ranges::stable_sort(list, {}, &std::string::size);
+    return list;
+}
 
 // Separated by ~. $Ty and the like stand for any definition of that kind, $Me for the one that gets
 // the fault.

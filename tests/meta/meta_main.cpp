@@ -1,4 +1,4 @@
-// orvo_meta FIRST-SEED COUNT [--2021] [--faults] [--pairs] [--keep DIR] [--reduce]
+// orvo_meta FIRST-SEED COUNT [--2021] [--faults] [--pairs] [--keep DIR]
 // Compiles random modules in several arrangements; all must come to the same. The modules are
 // legal, or with --faults have one fault. --pairs: two arrangements of each seed only.
 
@@ -59,24 +59,6 @@ Verdict judge(const Project& project, const std::vector<Arrangement>& arrangemen
     return verdict;
 }
 
-/// What kind of failure this is, names aside: reducing must not wander off to another one.
-std::string classOf(const Verdict& verdict) {
-    std::string text = verdict.refusal;
-    if (!verdict.differences.empty()) {
-        const Difference& difference = verdict.differences.front();
-        text = difference.where.substr(0, difference.where.find(" of")) + "|" + difference.first +
-               "|" + difference.other;
-    }
-    std::string result;
-    bool inBracket = false;
-    for (const char ch : text) {
-        if (ch == '[') inBracket = true;
-        if (ch == ']') inBracket = false;
-        if (!inBracket && (ch < '0' || ch > '9')) result += ch;
-    }
-    return result + " " + verdict.statuses;
-}
-
 void keep(const std::string& folder, const Project& project,
           const std::vector<Arrangement>& arrangements) {
     char letter = 'a';
@@ -102,7 +84,7 @@ void print(uint64_t seed, const Project& project, const Verdict& verdict) {
 
 struct Wishes {
     uint64_t first = 0, count = 0;
-    bool faults = false, pairs = false, reduce = false, isNew = false;
+    bool faults = false, pairs = false, isNew = false;
     std::string folder;
 };
 
@@ -114,7 +96,6 @@ Wishes wishesOf(int argc, char** argv) {
         const std::string option = argv[at];
         if (option == "--faults") wishes.faults = true;
         if (option == "--pairs") wishes.pairs = true;
-        if (option == "--reduce") wishes.reduce = true;
         if (option == "--2021") wishes.isNew = true;
         if (option == "--keep" && at + 1 < argc) wishes.folder = argv[++at];
     }
@@ -126,7 +107,7 @@ Wishes wishesOf(int argc, char** argv) {
 int main(int argc, char** argv) {
     if (argc < 3) {
         std::fprintf(stderr, "usage: orvo_meta FIRST-SEED COUNT [--2021] [--faults] [--pairs] "
-                             "[--keep DIR] [--reduce]\n");
+                             "[--keep DIR]\n");
         return 2;
     }
     const Wishes wishes = wishesOf(argc, argv);
@@ -146,15 +127,10 @@ int main(int argc, char** argv) {
         if (verdict.differences.empty() && verdict.refusal.empty()) continue;
         ++failed;
         print(seed, project, verdict);
-        std::vector<Arrangement> pair = verdict.pair;
-        if (pair.empty()) pair = {arrangements[0]};
-        if (wishes.reduce) {
-            const std::string wanted = classOf(judge(project, pair));
-            project = reduce(project, pair, [&wanted](const auto& smaller, const auto& list) {
-                return classOf(judge(smaller, list)) == wanted;
-            });
-        }
-        if (!wishes.folder.empty()) keep(wishes.folder + "/" + std::to_string(seed), project, pair);
+        if (wishes.folder.empty()) continue;
+        const bool differs = !verdict.pair.empty();
+        keep(wishes.folder + "/" + std::to_string(seed), project,
+             differs ? verdict.pair : std::vector<Arrangement>{arrangements[0]});
     }
     if (wishes.faults)
         std::printf("%llu faults found at their place, with %llu other findings by order\n", found,

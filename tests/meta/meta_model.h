@@ -45,8 +45,6 @@ Project generate(uint64_t seed, bool isNew);
 /// Plants one fault in a definition; at times none that can be named, only something is missing.
 void plantFault(Project& project, Random& random);
 
-/// Texts with one thing less: an item of a list, a constraint, what follows a component's type.
-std::vector<std::string> smallerTexts(const std::string& text);
 /// Identifiers of a text that are no field names and not in strings.
 std::vector<std::string> wordsOf(const std::string& text);
 

@@ -2,7 +2,6 @@
 
 // Arrangements of a project as modules, and what the compiler says about each.
 
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -33,10 +32,6 @@ std::vector<Arrangement> arrangementsOf(const Project& project, Random& random);
 /// The modules of an arrangement: file names and texts, the root first.
 std::vector<std::pair<std::string, std::string>> modulesOf(const Project& project,
                                                            const Arrangement& arrangement);
-using Fails = std::function<bool(const Project&, const std::vector<Arrangement>&)>;
-/// Takes away what can go while it still fails.
-Project reduce(Project project, std::vector<Arrangement>& pair, const Fails& fails);
-
 Outcome compile(const Project& project, const Arrangement& arrangement);
 /// What was found at the line of the fault.
 std::vector<std::string> foundAtFault(const Project& project, const Outcome& outcome);
