@@ -178,5 +178,18 @@ Ident ::= INTEGER)");
         EXPECT_FALSE(isMarked(path)) << path;
 }
 
+TEST(Recursion, IsReportedAsTheOptionAsks) {
+    const std::string body = "A ::= SEQUENCE { b B OPTIONAL }\nB ::= SET OF A\nN ::= SET OF NULL\n"
+                             "P{T} ::= SEQUENCE { p P{T} OPTIONAL, t T }\nR ::= SEQUENCE { r R }";
+    const std::string text = "$Recursion in definition of type: ";
+    const Finding invalid = {6, "Invalid recursion in definition of type: r"};
+    EXPECT_EQ(compileBody(body).diagnostics("m"), listed({invalid}));
+    EXPECT_EQ(
+        compileBody(body, {"-RECURSION=WARNING"}).diagnostics("m"),
+        listed({{2, "W " + text + "A"}, {3, "W " + text + "B"}, invalid, {6, "W " + text + "R"}}));
+    EXPECT_EQ(compileBody(body, {"-RECURSION=ERROR"}).diagnostics("m"),
+              listed({{2, text + "A"}, {3, text + "B"}, invalid, {6, text + "R"}}));
+}
+
 } // namespace
 } // namespace orvo::test
