@@ -6,7 +6,6 @@
 #include <cctype>
 
 #include "support/cases.h"
-#include "support/tree.h"
 
 namespace orvo::test {
 namespace {

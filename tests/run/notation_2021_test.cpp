@@ -4,13 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "support/cases.h"
-#include "support/tree.h"
 
 namespace orvo::test {
 namespace {
-
-const std::vector<std::string> edition = {"-STANDARD-VERSION=2021"};
-const std::vector<std::string> lenient = {"-STANDARD-VERSION=2021", "-LENIENT=yes"};
 
 /// Errors of the notation read "*** ERROR on line   N : ..." in a listing.
 std::string lexical(int line, const std::string& text) {

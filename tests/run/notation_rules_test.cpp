@@ -7,42 +7,12 @@
 #include <sstream>
 
 #include "support/cases.h"
-#include "support/tree.h"
 
 namespace orvo::test {
 namespace {
 
-const std::vector<std::string> edition = {"-STANDARD-VERSION=2021"};
-const std::vector<std::string> lenient = {"-STANDARD-VERSION=2021", "-LENIENT=yes"};
-
-std::vector<Finding> marked(const std::string& source) {
-    std::vector<Finding> findings;
-    std::istringstream lines(source);
-    int number = 1;
-    for (std::string line; std::getline(lines, line); ++number) {
-        size_t at = line.find("--! ");
-        while (at != std::string::npos) {
-            const size_t begin = line.find(' ', at + 1) + 1;
-            at = line.find(" ; ", begin);
-            findings.push_back(
-                {number, line.substr(begin, at == std::string::npos ? at : at - begin)});
-        }
-    }
-    return findings;
-}
-
-/// Compiles module M; the body, which begins with a line end, has its findings marked.
-RunResult expectMarked(const std::string& body, const std::vector<std::string>& options = edition,
-                       const std::string& defaults = "") {
-    const std::string source = "M DEFINITIONS " + defaults + "::= BEGIN" + body + "END\n";
-    const RunResult run = compile({{"m.asn", source}}, options);
-    const std::vector<Finding> findings = marked(source);
-    EXPECT_EQ(run.diagnostics("m"), listed(findings));
-    bool failed = false;
-    for (const Finding& finding : findings) failed |= !finding.text.starts_with("W ");
-    EXPECT_EQ(run.status, failed ? 1 : 0) << run.err;
-    return run;
-}
+const Frame ofToday = {.options = edition};
+const Frame automaticToday = {.options = edition, .defaults = "AUTOMATIC TAGS "};
 
 // X.680 3.8.64: at least one finite value.
 TEST(NotationRules, RecursionNeedsAFiniteValue) {
@@ -67,7 +37,7 @@ X {T} ::= SEQUENCE { y Y {T} OPTIONAL }
 Y {T} ::= SEQUENCE { x X {T} OPTIONAL, t T }
 x X {BOOLEAN} ::= { y { x { y { t FALSE } }, t TRUE } }
 )",
-                 edition, "AUTOMATIC TAGS ");
+                 automaticToday);
     expectMarked(R"(
 S ::= SEQUENCE { t S } --! Invalid recursion in definition of type: t
 C ::= CHOICE { t C } --! Invalid recursion in definition of type: t
@@ -83,14 +53,14 @@ U ::= SEQUENCE { s S }
 P {X} ::= SEQUENCE { head X, tail P {X} }
 Q ::= P {NULL} --! Invalid recursion in definition of type: tail
 )",
-                 edition, "AUTOMATIC TAGS ");
+                 automaticToday);
     expectMarked("\nX {T} ::= SEQUENCE { y Y {SEQUENCE OF T} OPTIONAL }\n"
                  "Y {T} ::= SEQUENCE { x X {T} OPTIONAL, t T }\n"
                  "Z ::= X {BOOLEAN} --! Invalid recursion in definition of type\n",
-                 edition);
+                 ofToday);
     expectMarked("\nR {INTEGER : n} ::= SEQUENCE (SIZE (0..n)) OF R {4}\n"
                  "V ::= R {5} --! Invalid recursion in definition of type\n",
-                 edition);
+                 ofToday);
 }
 
 // X.680 51.4.3; the type keeps the endpoint of the parent.
@@ -109,7 +79,7 @@ S ::= IA5String (SIZE (1..10))(SIZE (0..5))
 P ::= INTEGER (1..10)(0..5) --! W Range endpoint outside the parent type: lower endpoint
 Q ::= INTEGER (1..10)(5..20) --! W Range endpoint outside the parent type: upper endpoint
 )",
-                                           options);
+                                           {options});
         // 0..5 and 5..20 within 1..10
         const TreeFacts facts(run, "m");
         EXPECT_EQ(facts.bounds("P"), "1..5");
@@ -119,7 +89,8 @@ Q ::= INTEGER (1..10)(5..20) --! W Range endpoint outside the parent type: upper
 A ::= INTEGER (1..10)
 F ::= A (20) --! Value out of range constraint(s) ; Invalid single value constraint(s)
 H ::= A (5..4) --! Invalid range constraint(s)
-)");
+)",
+                 ofToday);
 }
 
 // X.680 50.9: the elements of a value set are values of its governor.
@@ -138,7 +109,8 @@ Z B ::= { 20 }
 K ::= CLASS { &Set A OPTIONAL }
 k K ::= { &Set { 1 | 20 } } --! Value out of range constraint(s) ; Invalid set element ; Invalid value set ; Invalid object
 l K ::= { &Set { 1 | 2 } }
-)");
+)",
+                 ofToday);
 }
 
 // X.683 9.3: an actual parameter is one of its governor's, wherever it goes.
@@ -160,8 +132,9 @@ v2 INTEGER ::= v {11} --! Value out of range constraint(s)
 R1 ::= R {10}
 R2 ::= R {11} --! Value out of range constraint(s)
 k K ::= o {9}
-)");
-    expectMarked("\nA ::= INTEGER (0..5)\nP {A : s} ::= INTEGER (s)\nQ ::= P {6}\n", {});
+)",
+                 ofToday);
+    expectMarked("\nA ::= INTEGER (0..5)\nP {A : s} ::= INTEGER (s)\nQ ::= P {6}\n");
 }
 
 // X.680 53.4: the value of an exception is one of its type.
@@ -181,7 +154,7 @@ TEST(NotationRules, ExceptionsAreValuesOfTheirTypes) {
             body += (fits ? "F" : "W") + std::to_string(body.size()) + " ::= " + type +
                     (fits ? std::string("\n") : wrong);
         }
-    expectMarked(body);
+    expectMarked(body, ofToday);
 }
 
 // X.680 25.18: the order of the type; 25.13 to 25.15: additions missing from some point on.
@@ -205,7 +178,7 @@ s1 S ::= { b NULL, a NULL }
 s2 S ::= { d NULL, c NULL, b NULL, a NULL }
 s3 S ::= { d NULL, b NULL, a NULL } --! Mandatory component value missing: component 'c' ; Invalid SET value
 )",
-                 edition, "AUTOMATIC TAGS ");
+                 automaticToday);
 }
 
 // X.680 25.6, 25.7, 27.3, 29.3 and 52.7.
@@ -224,7 +197,8 @@ J ::= SET { a INTEGER, ..., b NULL, ..., c INTEGER } --! Non-distinct tag: [UNIV
 K ::= SET { a INTEGER, ..., b NULL, ..., c REAL }
 L ::= CHOICE { a INTEGER, ..., b INTEGER } --! Non-distinct tag: [UNIVERSAL 2]
 N ::= CHOICE { a INTEGER, ..., [[ b NULL, c REAL ]] }
-)");
+)",
+                 ofToday);
     expectMarked(R"(
 X ::= CHOICE { x NULL, ... }
 Y ::= CHOICE { y REAL, ... }
@@ -243,10 +217,11 @@ L ::= SEQUENCE { a X OPTIONAL, ... } --! Non-distinct tag: unknown additions
 N ::= SEQUENCE { a INTEGER, ..., ..., b X } --! Non-distinct tag: unknown additions
 O ::= SEQUENCE { a INTEGER, ..., ..., b INTEGER, c X }
 P ::= SEQUENCE { a INTEGER, ..., b X, ..., c REAL }
-)");
+)",
+                 ofToday);
     // Without the option what may be added does not count.
     expectMarked(
-        "\nX ::= CHOICE { x NULL, ... }\nB ::= SET { a X, b CHOICE { y REAL, ... }, ... }\n", {});
+        "\nX ::= CHOICE { x NULL, ... }\nB ::= SET { a X, b CHOICE { y REAL, ... }, ... }\n");
 }
 
 // X.680 31.2.7 c: EXPLICIT in front of a dummy reference, whatever it stands for.
@@ -271,7 +246,7 @@ I ::= P {BOOLEAN}
     };
     for (const bool today : {true, false}) {
         const RunResult run =
-            expectMarked(body, today ? edition : std::vector<std::string>(), "IMPLICIT TAGS ");
+            expectMarked(body, {today ? edition : std::vector<std::string>(), "IMPLICIT TAGS "});
         const TreeFacts facts(run, "m");
         for (const auto& row : rows)
             EXPECT_EQ(facts.finalTags(row.path), today ? row.tags : row.older);
@@ -281,7 +256,7 @@ P {T} ::= SEQUENCE { a T, b Q {T}, c CHOICE { x T, y NULL } }
 Q {U} ::= SEQUENCE { u U }
 I ::= P {BOOLEAN}
 )",
-                                       edition, "AUTOMATIC TAGS ");
+                                       automaticToday);
     const TreeFacts facts(run, "m");
     EXPECT_EQ(facts.finalTags("I.a"), "[0] [UNIVERSAL 1]");
     EXPECT_EQ(facts.finalTags("I.b"), "[1]");
@@ -317,7 +292,7 @@ V IA5String ::= { "a".."z" }#
                                                              : "Invalid constraint");
             body += "\n";
         }
-        expectMarked(body, isLenient ? lenient : edition);
+        expectMarked(body, {isLenient ? lenient : edition});
     }
 }
 
@@ -355,12 +330,12 @@ P {K : Set} ::= SEQUENCE { a K.&id ({Set | o1}) }
 Q ::= P { { same } }
 S ::= SEQUENCE { a K.&id ({o1 | o2}) } --! Non-distinct UNIQUE: field 'id': 1
 R ::= P { { o2 } } --! Non-distinct UNIQUE: field 'id': 1
-)");
+)",
+                 ofToday);
     expectMarked(R"(
 K ::= CLASS { &id INTEGER UNIQUE }
 A K ::= { { &id 1 } | { &id 1 } }
-)",
-                 {});
+)");
 }
 
 TEST(NotationRules, ParametersMayBeUnused) {
@@ -375,9 +350,9 @@ b B {INTEGER} ::= 1
 c C {INTEGER} ::= NULL --! W Unused actual parameters: (1) T
 d D {INTEGER, 5} ::= 5
 f E {NULL} ::= '0500'H
-)");
-    expectMarked("\nC {T} ::= NULL\nc C {INTEGER} ::= NULL --! Unused actual parameters: (1) T\n",
-                 {});
+)",
+                 ofToday);
+    expectMarked("\nC {T} ::= NULL\nc C {INTEGER} ::= NULL --! Unused actual parameters: (1) T\n");
 }
 
 } // namespace

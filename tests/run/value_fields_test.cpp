@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "support/tree.h"
+#include "support/cases.h"
 
 namespace orvo::test {
 namespace {
@@ -104,17 +104,13 @@ TEST(ValueFields, OfStringsAndListsFollowTheirSize) {
 
 TEST(ValueFields, OfStructuresAndOtherKinds) {
     const auto optionals = [](int count) {
-        std::string text = "SEQUENCE { ";
-        for (int i = 0; i < count; ++i)
-            text += (i == 0 ? "c" : ", c") + std::to_string(i) + " [" + std::to_string(i) +
-                    "] NULL OPTIONAL";
+        std::string text = "SEQUENCE { c [0] NULL OPTIONAL";
+        for (int i = 1; i < count; ++i) text += numbered(", c# [#] NULL OPTIONAL", i);
         return text + " }";
     };
     const auto alternatives = [](int count) {
-        std::string text = "CHOICE { ";
-        for (int i = 0; i < count; ++i)
-            text +=
-                (i == 0 ? "c" : ", c") + std::to_string(i) + " [" + std::to_string(i) + "] NULL";
+        std::string text = "CHOICE { c [0] NULL";
+        for (int i = 1; i < count; ++i) text += numbered(", c# [#] NULL", i);
         return text + " }";
     };
     const std::string o8 = optionals(8), o9 = optionals(9), o17 = optionals(17);
@@ -142,93 +138,55 @@ TEST(ValueFields, OfStructuresAndOtherKinds) {
 }
 
 TEST(ValueFields, OfReferencesAreThoseOfTheType) {
-    const RunResult run = compile({{"m.asn", R"(M DEFINITIONS ::= BEGIN
-A ::= B (0..5)
-B ::= INTEGER (0..300)
+    const TreeFacts tree(expectMarked(R"(
+A ::= B (0..5) B ::= INTEGER (0..300)
 R ::= SEQUENCE { next R OPTIONAL, any C.&Type, id C.&id, all SEQUENCE SIZE (0..2) OF R }
-S ::= R
-C ::= CLASS { &id INTEGER, &Type }
-END
-)"}});
-    const TreeFacts tree(run, "m");
-    EXPECT_EQ(tree.valueField("A"), "(7, 7)");
-    EXPECT_EQ(tree.valueField("R"), "(24, 6)");
-    EXPECT_EQ(tree.valueField("R.next"), "(24, 6)") << "known only when R has been checked";
-    EXPECT_EQ(tree.valueField("R.all.*"), "(24, 6)");
-    EXPECT_EQ(tree.valueField("S"), "(24, 6)");
-    EXPECT_EQ(tree.valueField("R.any"), "(24, 0)");
-    EXPECT_EQ(tree.valueField("C.Type"), "(31, 0)");
+S ::= R C ::= CLASS { &id INTEGER, &Type }
+)"),
+                         "m");
+    // That of R.next is known only when R has been checked.
+    expectFacts("A: (7, 7) ; R: (24, 6) ; R.next: (24, 6) ; R.all.*: (24, 6) ; S: (24, 6)\n"
+                "R.any: (24, 0) ; C.Type: (31, 0)",
+                [&](const std::string& path) { return tree.valueField(path); });
 }
 
 TEST(ValueFields, SizeLimitsAndDirectivesAreWeighed) {
-    const RunResult run = compile({{"m.asn", R"(M DEFINITIONS ::= BEGIN
-A ::= OCTET STRING (SIZE (10)) --$SIZE-LIMIT=5--
-B ::= OCTET STRING (SIZE (0..100)) --$SIZE-LIMIT=200--
-C ::= SEQUENCE SIZE (10..100) --$SIZE-LIMIT=9-- OF NULL
+    const RunResult run = expectMarked(R"(
+A ::= OCTET STRING (SIZE (10)) --$SIZE-LIMIT=5-- --! W $Option(s) ignored: SIZE-LIMIT used with a fixed size OCTET STRING type.
+B ::= OCTET STRING (SIZE (0..100)) --$SIZE-LIMIT=200-- --! W $Option(s) ignored: SIZE-LIMIT=200 is greater than upper endpoint (100)
+C ::= SEQUENCE SIZE (10..100) --$SIZE-LIMIT=9-- OF NULL --! W $Option(s) ignored: SIZE-LIMIT=9 is less than lower endpoint (10)
 D ::= OCTET STRING (SIZE (0..1000)) --$SIZE-LIMIT=100--
 E ::= IA5String --$SIZE-LIMIT=4000:ERROR--
-F ::= BIT STRING (SIZE (20000)) --$DYN--
-G ::= SEQUENCE SIZE (0..5000) --$DYNARR-- OF NULL
-H ::= SEQUENCE SIZE (0..20000) --$DYNARR-- OF NULL
-I ::= SEQUENCE SIZE (0..10) --$DYNARR-- OF NULL
-J ::= SET SIZE (0..10) OF NULL
-K ::= OCTET STRING (SIZE (0..4294967295))
-L ::= OCTET STRING (SIZE (4294967296..MAX))
-N ::= OCTET STRING (SIZE (0..4294967296))
-END
-)"}},
-                                  {"-DYNARRLIM=9"});
-    EXPECT_EQ(run.diagnostics("m"),
-              "  ** WARNING  line   2 : $Option(s) ignored: SIZE-LIMIT used with a fixed size "
-              "OCTET STRING type.\n"
-              "  ** WARNING  line   3 : $Option(s) ignored: SIZE-LIMIT=200 is greater than upper "
-              "endpoint (100)\n"
-              "  ** WARNING  line   4 : $Option(s) ignored: SIZE-LIMIT=9 is less than lower "
-              "endpoint (10)\n"
-              "  ** WARNING  line   7 : $Option changed to : SEG\n"
-              "  ** WARNING  line   8 : $Option changed to : DYN\n"
-              "  ** WARNING  line   9 : $Option changed to : SEG\n"
-              "  ** WARNING  line  14 : Unimplemented: \n");
+F ::= BIT STRING (SIZE (20000)) --$DYN-- --! W $Option changed to : SEG
+G ::= SEQUENCE SIZE (0..5000) --$DYNARR-- OF NULL --! W $Option changed to : DYN
+H ::= SEQUENCE SIZE (0..20000) --$DYNARR-- OF NULL --! W $Option changed to : SEG
+I ::= SEQUENCE SIZE (0..10) --$DYNARR-- OF NULL J ::= SET SIZE (0..10) OF NULL
+K ::= OCTET STRING (SIZE (0..4294967295)) L ::= OCTET STRING (SIZE (4294967296..MAX))
+N ::= OCTET STRING (SIZE (0..4294967296)) --! W Unimplemented: 
+)",
+                                       {{"-DYNARRLIM=9"}});
     EXPECT_NE(run.listing("m").find(
                   "Unimplemented: \n"
                   "     Support for string/sequence-of types with an explicit size constraint\n"
                   "     upper bound larger than MAXUINT32. (4294967295)\n"),
               std::string::npos);
     const TreeFacts tree(run, "m");
-    constexpr struct {
-        const char* type;
-        const char* field;
-        const char* optFlags;
-        uint32_t sizeLimit;
-    } rows[] = {{"A", "(13, 0)", "OPTION", 0},
-                {"B", "(14, 2)", "OPTION", 0},
-                {"C", "(24, 2)", "OPTION DYNARR", 0},
-                {"D", "(14, 2)", "OPTION", 100},
-                {"E", "(16, 8)", "OPTION", 4000},
-                {"F", "(21, 8)", "SEG", 0},
-                {"G", "(21, 8)", "DYN", 0},
-                {"H", "(21, 8)", "SEG", 0},
-                {"I", "(24, 2)", "DYNARR", 0},
-                {"J", "(24, 2)", "DYNARR", 0},
-                {"K", "(21, 8)", "SEG", 0},
-                {"L", "(20, 4)", "DYN", 0},
-                {"N", "(21, 8)", "SEG", 0}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.type);
-        EXPECT_EQ(tree.valueField(row.type), row.field);
-        EXPECT_EQ(tree.optFlags(row.type), row.optFlags);
-        EXPECT_EQ(tree.node(row.type).sizeLimit, row.sizeLimit);
-    }
+    expectFacts("A: (13, 0) OPTION 0 ; B: (14, 2) OPTION 0 ; C: (24, 2) OPTION DYNARR 0\n"
+                "D: (14, 2) OPTION 100 ; E: (16, 8) OPTION 4000 ; F: (21, 8) SEG 0\n"
+                "G: (21, 8) DYN 0 ; H: (21, 8) SEG 0 ; I: (24, 2) DYNARR 0 ; J: (24, 2) DYNARR 0\n"
+                "K: (21, 8) SEG 0 ; L: (20, 4) DYN 0 ; N: (21, 8) SEG 0",
+                [&](const std::string& type) {
+                    return tree.valueField(type) + " " + tree.optFlags(type) + " " +
+                           std::to_string(tree.node(type).sizeLimit);
+                });
 }
 
 TEST(ValueFields, ImpossibleSizesAreReported) {
-    const RunResult run = compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n"
-                                             "A ::= OCTET STRING (SIZE (-1..5))\n"
-                                             "B ::= SEQUENCE SIZE (MIN..5) OF NULL\n"
-                                             "C ::= SET (SIZE (1..5) ^ SIZE (6..7)) OF NULL\n"
-                                             "END\n"}});
-    EXPECT_EQ(run.diagnostics("m"), "  ** ERROR on line   2 : Invalid size constraint\n"
-                                    "  ** ERROR on line   4 : Invalid size constraint\n");
+    expectMarked(R"(
+A ::= OCTET STRING (SIZE (-1..5)) --! Invalid size constraint
+B ::= SEQUENCE SIZE (MIN..5) OF NULL
+C ::= SET (SIZE (1..5) ^ SIZE (6..7)) OF NULL --! Invalid size constraint
+)");
 }
 
 } // namespace
