@@ -26,7 +26,7 @@ import sys
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-PROGRAMS = ["orvo", "orvo_tests", "orvo_meta"]
+PROGRAMS = ["orvo", "tests/orvo_tests", "tests/orvo_meta"]
 META_RUNS = [[], ["--2021"], ["--faults"], ["--2021", "--faults"]]
 MEMORY = 4 << 30
 
@@ -157,6 +157,8 @@ def run(command, seconds, folder=ROOT):
     def limit():
         resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+        for number in (signal.SIGINT, signal.SIGHUP):  # ignored in the background
+            signal.signal(number, signal.SIG_DFL)
 
     process = subprocess.Popen(command, cwd=folder, stdout=subprocess.PIPE, preexec_fn=limit,
                                stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL,
@@ -209,15 +211,15 @@ class Folder:
             mustRun(["cmake", "-S", str(ROOT), "-B", str(path), "-G", "Ninja",
                      "-DCMAKE_BUILD_TYPE=", "-DCMAKE_CXX_FLAGS=-O1 -w -D_GLIBCXX_ASSERTIONS"])
         for name in PROGRAMS:  # an earlier run may have ended with a change linked in
-            for place in (path / name, path / "tests" / name):
-                place.unlink(missing_ok=True)
+            (path / name).unlink(missing_ok=True)
         mustRun(["ninja", "-C", str(path), "-j1", *PROGRAMS])
         compile_commands = json.loads((path / "compile_commands.json").read_text())
         self.compiles = {entry["file"]: entry["command"] for entry in compile_commands}
         commands = {name: mustRun(["ninja", "-C", str(path), "-t", "commands", "-s", name])
                     for name in PROGRAMS}
-        self.links = [re.sub(r"^: && |( && :)+$", "", text.strip()).replace("&& :", "")
+        self.links = [text.strip().removeprefix(": && ").removesuffix(" && :")
                       for text in commands.values()]
+        assert all(" -o " in link for link in self.links)
         # The first program is what the tests start; then what they are.
         started = time.time()
         failed = self.test()
