@@ -197,7 +197,7 @@ def findings(output):
             rows.append(match.group(1))
         elif line == "Google Test trace:" and not ended and rows:
             rows[-1] = re.sub(r"^.*/", "", lines[at + 1])[:160]
-    if not ended:
+    if not ended and not failed:  # a child that is killed leaves the like behind a failure
         failed[current] = ["killed"]
     return failed
 

@@ -11,13 +11,11 @@ namespace {
 TEST(CheckObjects, SettingsFitTheirFields) {
     expectMarked(R"(
 C ::= CLASS { &a INTEGER (0..9), &b BOOLEAN OPTIONAL, &T DEFAULT NULL, &S INTEGER OPTIONAL }
-a1 C ::= { &a 1, &b TRUE, &T INTEGER, &S { 1 | 2 } }
-a2 C ::= { &b TRUE, &a 1 }
+a1 C ::= { &a 1, &b TRUE, &T INTEGER, &S { 1 | 2 } } a2 C ::= { &b TRUE, &a 1 }
 a3 C ::= { &b TRUE } --! Mandatory field missing: field 'a' ; Invalid object
 a4 C ::= { &a 1, &a 2 } --! Duplicate field setting ; Invalid object
 a5 C ::= { &a 10 } --! Value out of range constraint(s) ; Invalid object
-V ::= CLASS { &T, &v &T } WITH SYNTAX { &T &v }
-b1 V ::= { INTEGER (0..3) 3 }
+V ::= CLASS { &T, &v &T } WITH SYNTAX { &T &v } b1 V ::= { INTEGER (0..3) 3 }
 b2 V ::= { INTEGER (0..3) 4 } --! Value out of range constraint(s) ; Invalid object
 b3 V ::= { SEQUENCE { a NULL } { a NULL } }
 c1 TYPE-IDENTIFIER ::= { INTEGER IDENTIFIED BY { 1 2 3 } }
@@ -29,26 +27,19 @@ c2 TYPE-IDENTIFIER ::= { INTEGER IDENTIFIED BY { 1 50 3 } } --! Invalid OBJECT I
 TEST(CheckObjects, ValuesStandInTheTable) {
     expectMarked(R"(
 C ::= CLASS { &id INTEGER UNIQUE, &T OPTIONAL, &V INTEGER OPTIONAL }
-o1 C ::= { &id 1, &T INTEGER (0..9), &V { 1..5 } }
-o2 C ::= { &id 2, &T BOOLEAN }
-o3 C ::= { &id 3, &T SEQUENCE { a NULL } }
-Set C ::= { o1 | o2 }
-All C ::= { Set | Set | o3 }
+o1 C ::= { &id 1, &T INTEGER (0..9), &V { 1..5 } } o2 C ::= { &id 2, &T BOOLEAN }
+o3 C ::= { &id 3, &T SEQUENCE { a NULL } } Set C ::= { o1 | o2 } All C ::= { Set | Set | o3 }
 S ::= SEQUENCE { id C.&id ({Set}), val C.&T ({Set}{@id}) OPTIONAL }
-a1 S ::= { id 1, val INTEGER : 5 }
-a2 S ::= { id 2, val BOOLEAN : TRUE }
+a1 S ::= { id 1, val INTEGER : 5 } a2 S ::= { id 2, val BOOLEAN : TRUE }
 a3 S ::= { id 1, val BOOLEAN : TRUE } --! Value out of component relation constraint(s) ; Invalid SEQUENCE value
 a4 S ::= { id 3 } --! Value out of table constraint(s) ; Invalid SEQUENCE value
 a5 S ::= { id 1, val NULL : NULL } --! Value out of table constraint(s) ; Invalid SEQUENCE value
 a6 S ::= { id 1, val INTEGER : 10 } --! Value out of table constraint(s) ; Invalid SEQUENCE value
-A ::= SEQUENCE { id C.&id ({All}), v C.&V ({All}{@id}) OPTIONAL }
-b1 A ::= { id 3 }
+A ::= SEQUENCE { id C.&id ({All}), v C.&V ({All}{@id}) OPTIONAL } b1 A ::= { id 3 }
 b2 A ::= { id 1, v 5 }
 b3 A ::= { id 1, v 6 } --! Value out of table constraint(s) ; Invalid SEQUENCE value
 b4 A ::= { id 2, v 5 } --! Value out of component relation constraint(s) ; Invalid SEQUENCE value
-Cut C ::= { Set ^ All }
-X ::= SEQUENCE { id C.&id ({Cut}) }
-c1 X ::= { id 9 }
+Cut C ::= { Set ^ All } X ::= SEQUENCE { id C.&id ({Cut}) } c1 X ::= { id 9 }
 )",
                  automatic);
 }
@@ -56,24 +47,19 @@ c1 X ::= { id 9 }
 TEST(CheckObjects, ObjectsOfBuiltinClassesStandInTables) {
     expectMarked(R"(
 Set TYPE-IDENTIFIER ::= { { INTEGER IDENTIFIED BY {1 2 3} } | o }
-o TYPE-IDENTIFIER ::= { T IDENTIFIED BY id }
-T ::= SEQUENCE { a INTEGER (0..5) }
+o TYPE-IDENTIFIER ::= { T IDENTIFIED BY id } T ::= SEQUENCE { a INTEGER (0..5) }
 id OBJECT IDENTIFIER ::= { 2 5 }
 S ::= SEQUENCE { id TYPE-IDENTIFIER.&id ({Set}), val TYPE-IDENTIFIER.&Type ({Set}{@id}) }
-a1 S ::= { id {1 2 3}, val INTEGER : 5 }
-a2 S ::= { id {2 5}, val T : { a 4 } }
+a1 S ::= { id {1 2 3}, val INTEGER : 5 } a2 S ::= { id {2 5}, val T : { a 4 } }
 a3 S ::= { id {2 5}, val INTEGER : 4 } --! Value out of component relation constraint(s) ; Invalid SEQUENCE value
 a4 S ::= { id {2 6}, val INTEGER : 4 } --! Value out of table constraint(s) ; Value out of component relation constraint(s) ; Invalid SEQUENCE value
-C ::= CLASS { &t TYPE-IDENTIFIER }
-In C ::= { { &t o } }
-U ::= SEQUENCE { id C.&t.&id ({In}) }
+C ::= CLASS { &t TYPE-IDENTIFIER } In C ::= { { &t o } } U ::= SEQUENCE { id C.&t.&id ({In}) }
 b1 U ::= { id id }
 b2 U ::= { id {1 2 3} } --! Value out of table constraint(s) ; Invalid SEQUENCE value
 Abs ABSTRACT-SYNTAX ::= { { NULL IDENTIFIED BY {1 2} } | { NULL IDENTIFIED BY {1 3}
   HAS PROPERTY {handles-invalid-encodings} } }
 V ::= SEQUENCE { id ABSTRACT-SYNTAX.&id ({Abs}), p ABSTRACT-SYNTAX.&property ({Abs}{@id}) }
-c1 V ::= { id {1 2}, p {} }
-c2 V ::= { id {1 3}, p {handles-invalid-encodings} }
+c1 V ::= { id {1 2}, p {} } c2 V ::= { id {1 3}, p {handles-invalid-encodings} }
 c3 V ::= { id {1 3}, p {} } --! Value out of component relation constraint(s) ; Invalid SEQUENCE value
 )",
                  automatic);

@@ -14,48 +14,37 @@ namespace {
 TEST(CheckValues, ComponentsArePresentInOrderAndNotRepeated) {
     expectMarked(R"(
 S ::= SEQUENCE { a INTEGER, b BOOLEAN, c NULL OPTIONAL, d INTEGER DEFAULT 5 }
-s1 S ::= { a 1, b TRUE }
-s2 S ::= { a 1, b TRUE, d 6 }
+s1 S ::= { a 1, b TRUE } s2 S ::= { a 1, b TRUE, d 6 }
 s3 S ::= { b TRUE, a 1 } --! Component values out of order ; Invalid SEQUENCE value
 s4 S ::= { a 1 } --! Mandatory component value missing: component 'b' ; Invalid SEQUENCE value
 s5 S ::= { } --! Mandatory component value missing: component 'a' ; Mandatory component value missing: component 'b' ; Invalid SEQUENCE value
 s6 S ::= { a 1, a 2, b TRUE } --! Duplicate component value ; Invalid SEQUENCE value
-T ::= SET { a INTEGER, b BOOLEAN }
-t1 T ::= { b TRUE, a 1 }
+T ::= SET { a INTEGER, b BOOLEAN } t1 T ::= { b TRUE, a 1 }
 t2 T ::= { b TRUE } --! Mandatory component value missing: component 'a' ; Invalid SET value
 t3 T ::= { a 1, b TRUE, a 1 } --! Duplicate component value ; Invalid SET value
-K ::= SEQUENCE { x NULL, COMPONENTS OF S, z NULL }
-k1 K ::= { x NULL, a 1, b TRUE, z NULL }
+K ::= SEQUENCE { x NULL, COMPONENTS OF S, z NULL } k1 K ::= { x NULL, a 1, b TRUE, z NULL }
 k2 K ::= { x NULL, z NULL, a 1, b TRUE } --! Component values out of order ; Invalid SEQUENCE value
 k3 K ::= { x NULL, a 1, z NULL } --! Mandatory component value missing: component 'b' ; Invalid SEQUENCE value
-G ::= SEQUENCE { a NULL, ..., [[ b NULL, c NULL ]] }
-g1 G ::= { a NULL }
+G ::= SEQUENCE { a NULL, ..., [[ b NULL, c NULL ]] } g1 G ::= { a NULL }
 g2 G ::= { a NULL, c NULL } --! Mandatory component value missing: component 'b' ; Invalid SEQUENCE value
-g3 G ::= { a NULL, b NULL, c NULL }
-E ::= SEQUENCE { }
-e E ::= { }
+g3 G ::= { a NULL, b NULL, c NULL } E ::= SEQUENCE { } e E ::= { }
 )",
                  automatic);
 }
 
 TEST(CheckValues, PartsMeetTheConstraintsOfTheirTypes) {
     expectMarked(R"(
-C ::= CHOICE { a INTEGER (0..5), b BOOLEAN }
-c1 C ::= a : 5
+C ::= CHOICE { a INTEGER (0..5), b BOOLEAN } c1 C ::= a : 5
 c2 C ::= a : 6 --! Value out of range constraint(s) ; Invalid CHOICE value
-L ::= SEQUENCE OF INTEGER (0..9)
-l1 L ::= { 1, 9 }
+L ::= SEQUENCE OF INTEGER (0..9) l1 L ::= { 1, 9 }
 l2 L ::= { 1, 10, 11 } --! Value out of range constraint(s) ; Value out of range constraint(s) ; Invalid SEQUENCE OF value
-L2 ::= SET OF C
-l3 L2 ::= { a : 1, b : TRUE }
+L2 ::= SET OF C l3 L2 ::= { a : 1, b : TRUE }
 l4 L2 ::= { a : 7 } --! Value out of range constraint(s) ; Invalid CHOICE value ; Invalid SET OF value
 D ::= SEQUENCE { a INTEGER (0..5) DEFAULT 5 }
 D2 ::= SEQUENCE { a INTEGER (0..5) DEFAULT 6 } --! Value out of range constraint(s) ; Invalid default value
-P { INTEGER : max } ::= SEQUENCE { a INTEGER (0..max) DEFAULT 9 }
-Q ::= P { 10 }
+P { INTEGER : max } ::= SEQUENCE { a INTEGER (0..max) DEFAULT 9 } Q ::= P { 10 }
 R ::= P { 5 } --! Value out of range constraint(s) ; Invalid default value
-A ::= SEQUENCE { id INTEGER, any ANY DEFINED BY id }
-a1 A ::= { id 1, any INTEGER (0..3) : 3 }
+A ::= SEQUENCE { id INTEGER, any ANY DEFINED BY id } a1 A ::= { id 1, any INTEGER (0..3) : 3 }
 a2 A ::= { id 1, any INTEGER (0..3) : 5 } --! Value out of range constraint(s) ; Invalid Open type value ; Invalid SEQUENCE value
 )",
                  automatic);
@@ -63,28 +52,20 @@ a2 A ::= { id 1, any INTEGER (0..3) : 5 } --! Value out of range constraint(s) ;
 
 TEST(CheckValues, ReferencesAreReportedWhereTheyStand) {
     expectMarked(R"(
-T1 ::= INTEGER (0..5)
-T2 ::= T1 (2..MAX)
+T1 ::= INTEGER (0..5) T2 ::= T1 (2..MAX)
 a T2 ::= 1 --! Value out of range constraint(s)
 b T2 ::= 6 --! Value out of range constraint(s)
-c T2 ::= 3
-d T1 ::= c
+c T2 ::= 3 d T1 ::= c
 e T2 ::= b --! Value out of range constraint(s)
 f BOOLEAN ::= c --! Invalid BOOLEAN value
-S ::= SEQUENCE { a NULL }
-S2 ::= SEQUENCE { a NULL }
-g S ::= { a NULL }
-h S ::= g
+S ::= SEQUENCE { a NULL } S2 ::= SEQUENCE { a NULL } g S ::= { a NULL } h S ::= g
 i S2 ::= g --! Invalid SEQUENCE value
-j IA5String ::= "abc"
-k VisibleString ("abc" | "b") ::= j
+j IA5String ::= "abc" k VisibleString ("abc" | "b") ::= j
 l VisibleString (FROM ("a".."b")) ::= j --! Value out of range constraint(s) ; Value out of permitted alphabet constraint(s)
 m L ::= { n } --! Value out of range constraint(s) ; Invalid SEQUENCE OF value
-n T1 ::= 4
-L ::= SEQUENCE OF INTEGER (0..3)
+n T1 ::= 4 L ::= SEQUENCE OF INTEGER (0..3)
 o L ::= { 3, n } --! Value out of range constraint(s) ; Invalid SEQUENCE OF value
-p UTCTime ::= "9912312359Z"
-q IA5String ::= p
+p UTCTime ::= "9912312359Z" q IA5String ::= p
 r OCTET STRING ::= j --! Invalid OCTET STRING value
 )",
                  automatic);
@@ -96,8 +77,7 @@ a1 INTEGER (1..10 | 20) ::= 20
 a2 INTEGER (1..10 | 20) ::= 15 --! Value out of union constraint(s)
 a3 INTEGER (1<..<3) ::= 2
 a4 INTEGER (1<..<3) ::= 3 --! Value out of range constraint(s)
-a5 INTEGER (MIN..MAX) ::= -9223372036854775806
-a6 INTEGER (1..10 ^ 5..20) ::= 5
+a5 INTEGER (MIN..MAX) ::= -9223372036854775806 a6 INTEGER (1..10 ^ 5..20) ::= 5
 a7 INTEGER (1..10 ^ 5..20) ::= 4 --! Value out of range constraint(s) ; Value out of INTERSECTION constraint(s)
 a8 INTEGER (1..10)(5..7) ::= 4 --! Value out of range constraint(s) ; Value out of catenated constraint(s)
 a9 INTEGER (1..10 EXCEPT 5) ::= 4
@@ -108,30 +88,23 @@ b4 INTEGER (ALL EXCEPT 5) ::= 5 --! Value out of ALL EXPECT constraint(s)
 b5 INTEGER (5) ::= 6 --! Value out of single value constraint(s)
 b6 OCTET STRING ('A0'H) ::= '1010'B
 b7 OCTET STRING ('A0'H) ::= 'A000'H --! Value out of single value constraint(s)
-T ::= INTEGER (0..5)
-b8 INTEGER (T | 9) ::= 9
+T ::= INTEGER (0..5) b8 INTEGER (T | 9) ::= 9
 b9 INTEGER (T) ::= 6 --! Value out of range constraint(s)
 c1 IA5String (FROM ("a".."z" | "09")) ::= "ab0"
 c2 IA5String (FROM ("a".."z")) ::= "aB" --! Value out of range constraint(s) ; Value out of permitted alphabet constraint(s)
 c3 IA5String (FROM ("ab" | "c")) ::= "cd" --! Value out of union constraint(s) ; Value out of permitted alphabet constraint(s)
-c4 IA5String (FROM (MIN.."b")) ::= "Ab"
-c5 OCTET STRING (SIZE (1..2)) ::= '000000001'B
+c4 IA5String (FROM (MIN.."b")) ::= "Ab" c5 OCTET STRING (SIZE (1..2)) ::= '000000001'B
 c6 OCTET STRING (SIZE (1..2)) ::= 'ABCDEF'H --! Value out of range constraint(s) ; Value out of size constraint(s)
-c7 IA5String (SIZE (3)) ::= { "a", "bc" }
-L ::= SEQUENCE (SIZE (1..2)) OF INTEGER
-d1 L ::= { 1, 2 }
+c7 IA5String (SIZE (3)) ::= { "a", "bc" } L ::= SEQUENCE (SIZE (1..2)) OF INTEGER d1 L ::= { 1, 2 }
 d5 L ({ 1, 2 }) ::= { 2, 1 } --! Value out of single value constraint(s)
-M1 ::= SET OF INTEGER
-d6 M1 ({ 1, 2 } | { }) ::= { 2, 1 }
+M1 ::= SET OF INTEGER d6 M1 ({ 1, 2 } | { }) ::= { 2, 1 }
 d7 M1 ({ 1, 1, 2 }) ::= { 1, 2, 2 } --! Value out of single value constraint(s)
 d2 L ::= { } --! Value out of range constraint(s) ; Value out of size constraint(s)
 d3 L (WITH COMPONENT (0..5)) ::= { 1, 5 }
 d4 L (WITH COMPONENT (0..5)) ::= { 6, 1 } --! Value out of range constraint(s) ; Value out of WITH COMPONENT constraint(s)
 d0 L (WITH COMPONENT (0..5)) ::= { n, --! Value out of range constraint(s) ; Value out of WITH COMPONENT constraint(s)
 n } --! Value out of range constraint(s)
-n INTEGER ::= 6
-V INTEGER ::= { 1 | 2 }
-e1 V ::= 2
+n INTEGER ::= 6 V INTEGER ::= { 1 | 2 } e1 V ::= 2
 e2 V ::= 3 --! Value out of union constraint(s)
 f1 REAL ({mantissa 1, base 10, exponent 0}..MAX) ::= {mantissa 10, base 10, exponent -1}
 f2 REAL ({mantissa 1, base 10, exponent 0}..MAX) ::= {mantissa 9, base 10, exponent -1} --! Value out of range constraint(s)
@@ -143,18 +116,14 @@ f7 REAL (0) ::= {mantissa 1, base 10, exponent -32767}
 f8 REAL (MIN..0) ::= {mantissa 1, base 2, exponent -300} --! Value out of range constraint(s)
 h5 REAL (MIN<..0) ::= MINUS-INFINITY --! Value out of range constraint(s)
 h6 T (MIN<..<MAX) ::= 5 --! Value out of range constraint(s)
-h7 T (MIN<..<MAX) ::= 4
-h3 REAL (0..PLUS-INFINITY) ::= PLUS-INFINITY
+h7 T (MIN<..<MAX) ::= 4 h3 REAL (0..PLUS-INFINITY) ::= PLUS-INFINITY
 h4 REAL (0..<PLUS-INFINITY) ::= PLUS-INFINITY --! Value out of range constraint(s)
-N ::= NumericString
-g1 N ::= "12 3"
+N ::= NumericString g1 N ::= "12 3"
 g2 N (SIZE (1)) ::= "1a" --! Value out of permitted alphabet constraint(s)
 g3 PrintableString ::= "a'b?"
 g4 PrintableString ::= "a@b" --! Value out of permitted alphabet constraint(s)
-h1 BMPString (FROM ("a".."b")) ::= "ab"
-W ::= IA5String (SIZE (1)) (FROM ("a".."b"))
-j1 IA5String (FROM (W)) ::= "abba"
-i1 ObjectDescriptor (FROM ("ab")) ::= "aba"
+h1 BMPString (FROM ("a".."b")) ::= "ab" W ::= IA5String (SIZE (1)) (FROM ("a".."b"))
+j1 IA5String (FROM (W)) ::= "abba" i1 ObjectDescriptor (FROM ("ab")) ::= "aba"
 i2 ObjectDescriptor (FROM ("ab")) ::= "c" --! Value out of single value constraint(s) ; Value out of permitted alphabet constraint(s)
 h2 UniversalString (FROM ("a".."b")) ::= "c" --! Value out of range constraint(s) ; Value out of permitted alphabet constraint(s)
 )",
@@ -249,8 +218,7 @@ a2 S (WITH COMPONENTS { ..., a PRESENT }) ::= { b 1 } --! Value out of WITH COMP
 a3 S (WITH COMPONENTS { ..., a ABSENT }) ::= { a 1 } --! Value out of WITH COMPONENTS constraint(s)
 a4 S (WITH COMPONENTS { a, b }) ::= { a 1 }
 a5 S (WITH COMPONENTS { a, b }) ::= { a 1, c NULL } --! Value out of WITH COMPONENTS constraint(s)
-C ::= CHOICE { a INTEGER, b NULL }
-b1 C (WITH COMPONENTS { ..., a ABSENT }) ::= b : NULL
+C ::= CHOICE { a INTEGER, b NULL } b1 C (WITH COMPONENTS { ..., a ABSENT }) ::= b : NULL
 b2 C (WITH COMPONENTS { ..., a ABSENT }) ::= a : 1 --! Value out of WITH COMPONENTS constraint(s)
 b3 C (WITH COMPONENTS { ..., a PRESENT }) ::= b : NULL --! Value out of WITH COMPONENTS constraint(s)
 )",
@@ -259,10 +227,8 @@ b3 C (WITH COMPONENTS { ..., a PRESENT }) ::= b : NULL --! Value out of WITH COM
 
 TEST(CheckValues, FullSpecificationsHoldForEachPart) {
     expectMarked(R"(
-S ::= SEQUENCE { a INTEGER OPTIONAL, b INTEGER OPTIONAL }
-F ::= S (WITH COMPONENTS { a })
-G ::= F (WITH COMPONENTS { a, b })
-g G ::= { b 1 }
+S ::= SEQUENCE { a INTEGER OPTIONAL, b INTEGER OPTIONAL } F ::= S (WITH COMPONENTS { a })
+G ::= F (WITH COMPONENTS { a, b }) g G ::= { b 1 }
 T ::= SEQUENCE { f F OPTIONAL, c CHOICE { f F, n NULL } OPTIONAL,
   l SEQUENCE OF F OPTIONAL, any TYPE-IDENTIFIER.&Type OPTIONAL, x NULL OPTIONAL }
 R ::= T (WITH COMPONENTS { f, c, l, any })
@@ -272,8 +238,7 @@ r3 R ::= { f { b 1 } } --! Value out of WITH COMPONENTS constraint(s) ; Invalid 
 r4 R ::= { c f : { b 1 } } --! Value out of WITH COMPONENTS constraint(s) ; Invalid CHOICE value ; Invalid SEQUENCE value
 r5 R ::= { l { { b 1 } } } --! Value out of WITH COMPONENTS constraint(s) ; Invalid SEQUENCE OF value ; Invalid SEQUENCE value
 r6 R ::= { any F : { b 1 } } --! Value out of WITH COMPONENTS constraint(s) ; Invalid Open type value ; Invalid SEQUENCE value
-C ::= CLASS { &Type }
-Set C ::= { { &Type F } }
+C ::= CLASS { &Type } Set C ::= { { &Type F } }
 U ::= SEQUENCE { v C.&Type ({Set}), x NULL OPTIONAL } (WITH COMPONENTS { v })
 u1 U ::= { v F : { a 1 } }
 u2 U ::= { v S : { b 1 } } --! Value out of table constraint(s) ; Invalid SEQUENCE value
@@ -283,22 +248,14 @@ u2 U ::= { v S : { b 1 } } --! Value out of table constraint(s) ; Invalid SEQUEN
 
 TEST(CheckValues, ItemsAndNamedBitsAreThoseOfTheType) {
     expectMarked(R"(
-n INTEGER ::= 7
-E ::= ENUMERATED { red, green(n), ..., blue }
-a1 E ::= green
-a2 E ::= blue
+n INTEGER ::= 7 E ::= ENUMERATED { red, green(n), ..., blue } a1 E ::= green a2 E ::= blue
 a3 E ::= a1
 a4 E ::= one --! Invalid ENUMERATED value
-one INTEGER ::= 1
-B ::= BIT STRING { x(0), y(1), z(2) }
-b1 B ::= '111'B
+one INTEGER ::= 1 B ::= BIT STRING { x(0), y(1), z(2) } b1 B ::= '111'B
 b2 B ::= '1111'B --! Invalid BIT STRING value
-b3 B ::= '1110'B
-b4 B ::= 'E0'H
+b3 B ::= '1110'B b4 B ::= 'E0'H
 b5 B ::= 'F0'H --! Invalid BIT STRING value
-b6 B ::= { x, z }
-b7 B (SIZE (3)) ::= { z }
-b8 BIT STRING ::= '1111'B
+b6 B ::= { x, z } b7 B (SIZE (3)) ::= { z } b8 BIT STRING ::= '1111'B
 )",
                  automatic);
 }

@@ -8,12 +8,6 @@
 namespace orvo::test {
 namespace {
 
-/// A lexical error as a listing has it.
-std::string lexical(int line, const std::string& text) {
-    return " *** ERROR on line   " + std::to_string(line) + " : " + text + "\n";
-}
-
-/// `body`, from line 2 on, defines the value v among others; `text` is what the tree holds of it.
 // What the tree holds of the value v.
 TEST(NotationLex, ReadsNumbersStringsAndValues) {
     const FactOf valueOfV = [](const TreeFacts& tree) { return tree.valueText("v"); };
@@ -62,28 +56,19 @@ v TIME (d) ::= d d DATE ::= "2020-02-29" --= d -- 38.4: the time types are types
 }
 
 TEST(NotationLex, ReportsLexicalErrors) {
-    const struct {
-        const char* clause;
-        const char* body;
-        std::string diagnostics;
-    } cases[] = {
-        {"12.6.4: whatever else is wrong there", "v INTEGER ::= 1 # /* x",
-         lexical(2, "Invalid end character in: /*")},
-        {"12.9: zeroes of an exponent", "v REAL ::= 1.0E03",
-         lexical(2, "Leading zeroes in: realnumber")},
-        {"12.8", "v INTEGER ::= 01", lexical(2, "Leading zeroes in: number")},
-        {"12.14: no UTF-8", "v UTF8String ::= \"\xC3\"",
-         lexical(2, "Invalid character in: cstring")},
-        {"12.14: a control character", "v UTF8String ::= \"\xC2\x85\"",
-         lexical(2, "Invalid character in: cstring")},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.clause);
-        EXPECT_EQ(compileBody(row.body, edition).diagnostics("m"), row.diagnostics);
-    }
+    expectRows(R"(
+v INTEGER ::= 1 # /* x --! L Invalid end character in: /*
+v REAL ::= 1.0E03 --! L Leading zeroes in: realnumber
+v INTEGER ::= 01 --! L Leading zeroes in: number
+)",
+               {edition});
+    // No UTF-8; a control character.
+    for (const std::string byte : {"\xC3", "\xC2\x85"})
+        expectRows("v UTF8String ::= \"" + byte + "\" --! L Invalid character in: cstring",
+                   {edition});
     // 12.6.4: no word about the header that is missing.
     EXPECT_EQ(compile({{"m.asn", "\n/* M DEFINITIONS ::= BEGIN END\n"}}, edition).diagnostics("m"),
-              lexical(2, "Invalid end character in: /*"));
+              listed(2, "L Invalid end character in: /*"));
 }
 
 TEST(NotationLex, ReportsValuesThatTheTypeDoesNotHave) {
@@ -107,6 +92,7 @@ v BMPString (w) ::= "b" w UTF8String ::= "a" --! Value out of single value const
 T ::= UTF8String (FROM (b..a)) a BMPString ::= "a" b UniversalString ::= "b" --! Invalid range constraint(s) ; Invalid permitted alphabet constraint(s)
 v UTF8String (FROM ("a".."c") ^ "a".."b") ::= "b" --! Value range not allowed ; Invalid constraint
 v DATE ::= "é" --! Character that the type does not have ; DATE value syntax
+v T (w) ::= '0105'H w T ::= CONTAINING 5 T ::= OCTET STRING (CONTAINING INTEGER)
 v DATE ::= { "2020-02-29" } --! DATE value syntax
 v RELATIVE-OID ::= { 3 o } o OBJECT IDENTIFIER ::= { 1 2 } --! Invalid RELATIVE-OID component: 2nd component ; Invalid RELATIVE-OID value
 v OCTET STRING ::= CONTAINING 5 --! CONTAINING a value needs a contents constraint with a type ; OCTET STRING value syntax

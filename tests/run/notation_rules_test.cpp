@@ -17,25 +17,15 @@ const Frame automaticToday = {.options = edition, .defaults = "AUTOMATIC TAGS "}
 // X.680 3.8.64: at least one finite value.
 TEST(NotationRules, RecursionNeedsAFiniteValue) {
     expectMarked(R"(
-T ::= SEQUENCE OF T
-S ::= SEQUENCE { ..., t S }
-C ::= CHOICE { a NULL, t C }
-O ::= SEQUENCE { a O OPTIONAL, b SET OF O, c D }
-D ::= CHOICE { o O, n NULL }
-G ::= SEQUENCE { ..., [[ t G ]] }
-L ::= SEQUENCE (SIZE (0..5)) OF L
-Z ::= SET { l SEQUENCE (SIZE (1..5)) OF CHOICE { z Z, n NULL } }
-H ::= CHOICE { h H, ..., n NULL }
+T ::= SEQUENCE OF T S ::= SEQUENCE { ..., t S } C ::= CHOICE { a NULL, t C }
+O ::= SEQUENCE { a O OPTIONAL, b SET OF O, c D } D ::= CHOICE { o O, n NULL }
+G ::= SEQUENCE { ..., [[ t G ]] } L ::= SEQUENCE (SIZE (0..5)) OF L
+Z ::= SET { l SEQUENCE (SIZE (1..5)) OF CHOICE { z Z, n NULL } } H ::= CHOICE { h H, ..., n NULL }
 P {X, INTEGER : n} ::= CHOICE { nil NULL, cons SEQUENCE { head X (0..n), tail P {X, n} } }
-Q ::= P {INTEGER, 5}
-q Q ::= cons : { head 5, tail cons : { head 0, tail nil : NULL } }
-K ::= CLASS { &id INTEGER }
-R {K : Set} ::= SEQUENCE { a K.&id ({Set}), r R {{Set}} OPTIONAL }
-V ::= R {{{ &id 1 }}}
-v V ::= { a 1, r { a 1 } }
-X {T} ::= SEQUENCE { y Y {T} OPTIONAL }
-Y {T} ::= SEQUENCE { x X {T} OPTIONAL, t T }
-x X {BOOLEAN} ::= { y { x { y { t FALSE } }, t TRUE } }
+Q ::= P {INTEGER, 5} q Q ::= cons : { head 5, tail cons : { head 0, tail nil : NULL } }
+K ::= CLASS { &id INTEGER } R {K : Set} ::= SEQUENCE { a K.&id ({Set}), r R {{Set}} OPTIONAL }
+V ::= R {{{ &id 1 }}} v V ::= { a 1, r { a 1 } } X {T} ::= SEQUENCE { y Y {T} OPTIONAL }
+Y {T} ::= SEQUENCE { x X {T} OPTIONAL, t T } x X {BOOLEAN} ::= { y { x { y { t FALSE } }, t TRUE } }
 )",
                  automaticToday);
     expectMarked(R"(
@@ -48,9 +38,7 @@ D ::= SEQUENCE { x NULL, ..., y D, ..., d D } --! Invalid recursion in definitio
 E ::= CHOICE { e F, f F } --! Invalid recursion in definition of type: e ; Invalid recursion in definition of type: f
 F ::= SEQUENCE { g E } --! Invalid recursion in definition of type: g
 M ::= SEQUENCE { m N (SIZE (1..5)) } --! Invalid recursion in definition of type: m
-N ::= SEQUENCE OF M
-U ::= SEQUENCE { s S }
-P {X} ::= SEQUENCE { head X, tail P {X} }
+N ::= SEQUENCE OF M U ::= SEQUENCE { s S } P {X} ::= SEQUENCE { head X, tail P {X} }
 Q ::= P {NULL} --! Invalid recursion in definition of type: tail
 )",
                  automaticToday);
@@ -96,17 +84,13 @@ H ::= A (5..4) --! Invalid range constraint(s)
 // X.680 50.9: the elements of a value set are values of its governor.
 TEST(NotationRules, ValueSetsAreHeldAgainstTheirGovernors) {
     expectMarked(R"(
-A ::= INTEGER (1..10)
-B ::= INTEGER
-V A ::= { 1 | 2..10, ..., 3 }
+A ::= INTEGER (1..10) B ::= INTEGER V A ::= { 1 | 2..10, ..., 3 }
 W A ::= { 1 | 20 } --! Value out of range constraint(s) ; Invalid set element ; Invalid value set
 YY INTEGER { n (3) } (0..10) ::= { n | 10 }
 ZY A (1..5) ::= { 6 } --! Value out of range constraint(s) ; Invalid set element
 ZZ IA5String (SIZE (2)) ::= { "ab" | "abc" } --! Value out of single value constraint(s) ; Value out of size constraint(s) ; Invalid set element ; Invalid value set
 X A ::= { 1, ..., 20 } --! Value out of range constraint(s) ; Invalid set element ; Invalid value set
-Y A ::= { B (5) | V }
-Z B ::= { 20 }
-K ::= CLASS { &Set A OPTIONAL }
+Y A ::= { B (5) | V } Z B ::= { 20 } K ::= CLASS { &Set A OPTIONAL }
 k K ::= { &Set { 1 | 20 } } --! Value out of range constraint(s) ; Invalid set element ; Invalid value set ; Invalid object
 l K ::= { &Set { 1 | 2 } }
 )",
@@ -116,14 +100,10 @@ l K ::= { &Set { 1 | 2 } }
 // X.683 9.3: an actual parameter is one of its governor's, wherever it goes.
 TEST(NotationRules, ActualValuesAreHeldAgainstTheirGovernors) {
     expectMarked(R"(
-A {INTEGER : n} ::= INTEGER (1..n)
-K ::= CLASS { &id INTEGER (0..10) }
+A {INTEGER : n} ::= INTEGER (1..n) K ::= CLASS { &id INTEGER (0..10) }
 P {INTEGER : n, A {n} : s} ::= SEQUENCE { a INTEGER DEFAULT s, b [1] INTEGER DEFAULT n }
-Q {K.&id : n} ::= INTEGER (n)
-v {K.&id : n} INTEGER ::= n
-o {K.&id : n} K ::= { &id n }
-R {INTEGER : n} ::= Q {n}
-p1 P {5, 5} ::= {}
+Q {K.&id : n} ::= INTEGER (n) v {K.&id : n} INTEGER ::= n o {K.&id : n} K ::= { &id n }
+R {INTEGER : n} ::= Q {n} p1 P {5, 5} ::= {}
 p2 P {5, 6} ::= {} --! Value out of range constraint(s)
 Q1 ::= Q {k.&id}
 Q2 ::= Q {11} --! Value out of range constraint(s)
@@ -161,8 +141,7 @@ TEST(NotationRules, ExceptionsAreValuesOfTheirTypes) {
 TEST(NotationRules, ValuesOfSequencesFollowTheType) {
     expectMarked(R"(
 T ::= SEQUENCE { a NULL, b NULL OPTIONAL, ..., c NULL, [[ d NULL, e NULL OPTIONAL ]], g NULL OPTIONAL, ..., f NULL }
-t1 T ::= { a NULL, f NULL }
-t2 T ::= { a NULL, c NULL, f NULL }
+t1 T ::= { a NULL, f NULL } t2 T ::= { a NULL, c NULL, f NULL }
 t3 T ::= { a NULL, c NULL, d NULL, f NULL }
 t4 T ::= { a NULL, b NULL, c NULL, d NULL, e NULL, g NULL, f NULL }
 t5 T ::= { a NULL, d NULL, f NULL } --! Mandatory component value missing: component 'c' ; Invalid SEQUENCE value
@@ -173,8 +152,7 @@ t9 T ::= { a NULL, f NULL, --! Invalid SEQUENCE value
   c NULL } --! Component values out of order
 t10 T ::= { b NULL, --! Invalid SEQUENCE value
   a NULL, f NULL } --! Component values out of order
-S ::= SET { a NULL, b NULL, ..., c NULL, d NULL }
-s1 S ::= { b NULL, a NULL }
+S ::= SET { a NULL, b NULL, ..., c NULL, d NULL } s1 S ::= { b NULL, a NULL }
 s2 S ::= { d NULL, c NULL, b NULL, a NULL }
 s3 S ::= { d NULL, b NULL, a NULL } --! Mandatory component value missing: component 'c' ; Invalid SET value
 )",
@@ -200,9 +178,7 @@ N ::= CHOICE { a INTEGER, ..., [[ b NULL, c REAL ]] }
 )",
                  ofToday);
     expectMarked(R"(
-X ::= CHOICE { x NULL, ... }
-Y ::= CHOICE { y REAL, ... }
-A ::= SET { a INTEGER, b X }
+X ::= CHOICE { x NULL, ... } Y ::= CHOICE { y REAL, ... } A ::= SET { a INTEGER, b X }
 B ::= SET { a X, b Y } --! Non-distinct tag: unknown additions
 C ::= SET { a X, b [0] Y }
 D ::= SET { a INTEGER, b X, ... } --! Non-distinct tag: unknown additions
@@ -210,8 +186,7 @@ E ::= SET { a [0] X, ... }
 F ::= CHOICE { a INTEGER, b X, ... } --! Non-distinct tag: unknown additions
 G ::= CHOICE { a INTEGER, b X }
 H ::= CHOICE { a CHOICE { b G, i [0] INTEGER }, b Y } --! Non-distinct tag: unknown additions
-I ::= SEQUENCE { a X, b Y, ..., c X }
-J ::= SEQUENCE { a X OPTIONAL, b INTEGER, ... }
+I ::= SEQUENCE { a X, b Y, ..., c X } J ::= SEQUENCE { a X OPTIONAL, b INTEGER, ... }
 K ::= SEQUENCE { a X OPTIONAL, b Y } --! Non-distinct tag: unknown additions
 L ::= SEQUENCE { a X OPTIONAL, ... } --! Non-distinct tag: unknown additions
 N ::= SEQUENCE { a INTEGER, ..., ..., b X } --! Non-distinct tag: unknown additions
@@ -252,8 +227,7 @@ I ::= P {BOOLEAN}
             EXPECT_EQ(facts.finalTags(row.path), today ? row.tags : row.older);
     }
     const RunResult run = expectMarked(R"(
-P {T} ::= SEQUENCE { a T, b Q {T}, c CHOICE { x T, y NULL } }
-Q {U} ::= SEQUENCE { u U }
+P {T} ::= SEQUENCE { a T, b Q {T}, c CHOICE { x T, y NULL } } Q {U} ::= SEQUENCE { u U }
 I ::= P {BOOLEAN}
 )",
                                        automaticToday);
@@ -300,16 +274,10 @@ V IA5String ::= { "a".."z" }#
 TEST(NotationRules, ObjectsOfASetDifferInUniqueFields) {
     expectMarked(R"(
 K ::= CLASS { &id INTEGER UNIQUE, &T OPTIONAL, &b Code UNIQUE OPTIONAL, &Ks K OPTIONAL } WITH SYNTAX { ID &id [B &b] [KS &Ks] }
-Code ::= CHOICE { local INTEGER, global OBJECT IDENTIFIER }
-o1 K ::= { ID 1 }
-o2 K ::= { ID 1 }
-same K ::= o1
-o3 K ::= { ID 2 B local : 1 }
-o4 K ::= { ID 3 B local : 1 }
-o5 K ::= { ID 4 B local : 2 }
-g1 K ::= { ID 6 B global : {2 1 1} }
-g2 K ::= { ID 7 B global : {joint-iso-itu-t 1 1} }
-o8 K ::= { ID 8 KS { o1 } }
+Code ::= CHOICE { local INTEGER, global OBJECT IDENTIFIER } o1 K ::= { ID 1 } o2 K ::= { ID 1 }
+same K ::= o1 o3 K ::= { ID 2 B local : 1 } o4 K ::= { ID 3 B local : 1 }
+o5 K ::= { ID 4 B local : 2 } g1 K ::= { ID 6 B global : {2 1 1} }
+g2 K ::= { ID 7 B global : {joint-iso-itu-t 1 1} } o8 K ::= { ID 8 KS { o1 } }
 o9 K ::= { ID 9 KS { o2 | o3 } }
 A K ::= { o1 | o2 } --! Non-distinct UNIQUE: field 'id': 1
 B K ::= { o1 | same | o1 | o3 | o5 }
@@ -322,34 +290,25 @@ F K ::= { B |
 G K ::= { A } -- A answers for itself
 H K ::= { { ID 5 } |
  { ID 5 } } --! Non-distinct UNIQUE: field 'id': 5
-I K ::= { A EXCEPT o2 | o3 }
-J K ::= { (o1 | o3) ^ (o1 | o5) | o4 }
-L K ::= { o8 | o9 }
+I K ::= { A EXCEPT o2 | o3 } J K ::= { (o1 | o3) ^ (o1 | o5) | o4 } L K ::= { o8 | o9 }
 N K ::= { L.&Ks } --! Non-distinct UNIQUE: field 'id': 1
-P {K : Set} ::= SEQUENCE { a K.&id ({Set | o1}) }
-Q ::= P { { same } }
+P {K : Set} ::= SEQUENCE { a K.&id ({Set | o1}) } Q ::= P { { same } }
 S ::= SEQUENCE { a K.&id ({o1 | o2}) } --! Non-distinct UNIQUE: field 'id': 1
 R ::= P { { o2 } } --! Non-distinct UNIQUE: field 'id': 1
 )",
                  ofToday);
     expectMarked(R"(
-K ::= CLASS { &id INTEGER UNIQUE }
-A K ::= { { &id 1 } | { &id 1 } }
+K ::= CLASS { &id INTEGER UNIQUE } A K ::= { { &id 1 } | { &id 1 } }
 )");
 }
 
 TEST(NotationRules, ParametersMayBeUnused) {
     expectMarked(R"(
-A {T} ::= ENUMERATED { a, ... ! T : 5 }
-B {T} ::= INTEGER (1 ! T : 5)
-C {T} ::= NULL
-D {T, T : v} ::= INTEGER (v)
-E {T} ::= OCTET STRING (CONTAINING T)
-a A {INTEGER} ::= a
+A {T} ::= ENUMERATED { a, ... ! T : 5 } B {T} ::= INTEGER (1 ! T : 5) C {T} ::= NULL
+D {T, T : v} ::= INTEGER (v) E {T} ::= OCTET STRING (CONTAINING T) a A {INTEGER} ::= a
 b B {INTEGER} ::= 1
 c C {INTEGER} ::= NULL --! W Unused actual parameters: (1) T
-d D {INTEGER, 5} ::= 5
-f E {NULL} ::= '0500'H
+d D {INTEGER, 5} ::= 5 f E {NULL} ::= '0500'H
 )",
                  ofToday);
     expectMarked("\nC {T} ::= NULL\nc C {INTEGER} ::= NULL --! Unused actual parameters: (1) T\n");

@@ -55,6 +55,7 @@ T ::= o.&id --! Defined type syntax: id
 T ::= C.&nix --! Invalid class field type: nix
 U ::= NULL T ::= U.&id --! Invalid class field type: id
 T ::= TYPE-IDENTIFIER.&id v T ::= { 1 2 }
+v INTEGER ::= r.&id\nr C ::= { ID v NEED NULL } --! Invalid recursion in definition of value: v ; 3: Invalid recursion in definition of value: v
 T ::= r.&Need r C ::= { ID 9 NEED r.&Need } --! Invalid recursion in definition of type: Need
 )",
                {.defaults = "AUTOMATIC TAGS ",

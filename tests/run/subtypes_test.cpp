@@ -87,16 +87,14 @@ C3 ::= NumericString (FROM ("1a")) --! Value out of permitted alphabet constrain
 TEST(Subtypes, ComponentsAreRestrictedInOrderAndOnce) {
     expectMarked(R"(
 S ::= SEQUENCE { a INTEGER OPTIONAL, b INTEGER (1..5), COMPONENTS OF O, c-d C }
-O ::= SEQUENCE { x NULL OPTIONAL, y INTEGER DEFAULT 3, ... }
-C ::= CHOICE { p INTEGER, q NULL }
+O ::= SEQUENCE { x NULL OPTIONAL, y INTEGER DEFAULT 3, ... } C ::= CHOICE { p INTEGER, q NULL }
 S1 ::= S (WITH COMPONENTS { ..., a PRESENT, b (1), x ABSENT, y OPTIONAL, c-d })
 S2 ::= S (WITH COMPONENTS { ..., b PRESENT }) --! Invalid presence constraint: component 'b' ; Invalid WITH COMPONENTS constraint(s)
 S3 ::= S (WITH COMPONENTS { ..., b (1..5), a (1..5) }) --! Constraints must appear in order ; Invalid WITH COMPONENTS constraint(s)
 S4 ::= S (WITH COMPONENTS { ..., y PRESENT, x PRESENT }) --! Constraints must appear in order ; Invalid WITH COMPONENTS constraint(s)
 S5 ::= S (WITH COMPONENTS { a, c-d ABSENT, c-d }) --! Invalid presence constraint: component 'c_d' ; Constraints must appear in order ; Duplicate constraint: component 'c_d' ; Invalid WITH COMPONENTS constraint(s)
 S6 ::= S (WITH COMPONENTS { ..., b (7) }) --! Value out of range constraint(s) ; Invalid single value constraint(s) ; Invalid WITH COMPONENTS constraint(s)
-T ::= SET { a INTEGER OPTIONAL, b INTEGER }
-T1 ::= T (WITH COMPONENTS { b (1..5), a (1..5) ABSENT })
+T ::= SET { a INTEGER OPTIONAL, b INTEGER } T1 ::= T (WITH COMPONENTS { b (1..5), a (1..5) ABSENT })
 T2 ::= T (WITH COMPONENTS { b, a ABSENT, b PRESENT }) --! Invalid presence constraint: component 'b' ; Duplicate constraint: component 'b' ; Invalid WITH COMPONENTS constraint(s)
 C1 ::= C (WITH COMPONENTS { q ABSENT, p (3) PRESENT })
 C2 ::= C (WITH COMPONENTS { ..., p OPTIONAL }) --! Invalid presence constraint: component 'p' ; Invalid WITH COMPONENTS constraint(s)
@@ -116,8 +114,7 @@ A3 ::= INTEGER (CONSTRAINED BY { }) A4 ::= OCTET STRING (CONTAINING A1) B1 ::= I
 B3 ::= INTEGER (! v) --! Invalid INTEGER value ; Invalid ExceptionValue
 C1 ::= K.&Type (INTEGER (1..3)) C3 ::= K.&Type (p < C) C ::= CHOICE { p INTEGER }
 C2 ::= K.&Type (INTEGER (3..1)) --! Invalid range constraint(s) ; Invalid TypeConstraint constraint(s)
-P { INTEGER : low } ::= SEQUENCE { a INTEGER (low..5) }
-Q ::= SEQUENCE { a P { 5 },
+P { INTEGER : low } ::= SEQUENCE { a INTEGER (low..5) } Q ::= SEQUENCE { a P { 5 },
   b P { 6 } } --! Invalid range constraint(s)
 )",
                  automatic);

@@ -208,6 +208,10 @@ TEST(LargeTypes, EndInTimeAndAtTheLimit) {
         for (int i = 1; i < count; ++i) text += numbered(",\n c# NULL", i);
         return text + " }";
     };
+    std::string items = "e0", numbers = "0"; // what stands in a row does not nest
+    for (int i = 1; i < 20000; ++i) items += numbered(", e#", i), numbers += numbered(", #", i);
+    expectMarked("E ::= ENUMERATED { " + items + " } v SEQUENCE OF INTEGER ::= { " + numbers +
+                 " }");
     const RunResult most = expectMarked(structure("SET", 32767), automatic);
     EXPECT_EQ(TreeFacts(most, "m").node("T").fieldSize, 32767);
     EXPECT_EQ(compileBody(structure("CHOICE", 32768), {}, "AUTOMATIC TAGS ").diagnostics("m"),

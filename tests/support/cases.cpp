@@ -69,11 +69,13 @@ std::vector<std::string> linesOf(const std::string& body) {
 std::string listed(const std::vector<Finding>& findings) {
     std::string lines;
     for (const Finding& finding : findings) {
-        const bool warning = finding.text.starts_with("W ");
+        const bool isWarning = finding.text.starts_with("W "),
+                   isLexical = finding.text.starts_with("L ");
         std::string number = std::to_string(finding.line);
         number.insert(0, number.size() < 3 ? 3 - number.size() : 0, ' ');
-        lines += std::string("  ** ") + (warning ? "WARNING " : "ERROR on") + " line " + number +
-                 " : " + finding.text.substr(warning ? 2 : 0) + '\n';
+        lines += std::string(isLexical ? " *** " : "  ** ") +
+                 (isWarning ? "WARNING " : "ERROR on") + " line " + number + " : " +
+                 finding.text.substr(isWarning || isLexical ? 2 : 0) + '\n';
     }
     return lines;
 }

@@ -3,8 +3,8 @@
 // Tables of small modules and of what the compiler finds in them.
 //
 // A text carries its findings behind the lines that they stand at: "--!" in front, ";" between,
-// "W" in front of a warning. What a tree says of a row stands behind "--=". What has neither is
-// the legal neighbour.
+// "W" in front of a warning, "L" of an error of the notation. What a tree says of a row stands
+// behind "--=". What has neither is the legal neighbour.
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@
 
 namespace orvo::test {
 
-/// A diagnostic; "W" in front of the text makes it a warning.
+/// A diagnostic; "W" in front of the text makes it a warning, "L" an error of the notation.
 struct Finding {
     int line;
     std::string text;
@@ -44,7 +44,7 @@ struct Frame {
 inline const Frame automatic = {.defaults = "AUTOMATIC TAGS "};
 
 /// Each line is a module of its own and stands on line 2, "\n" in it ends a line; "3: " in front of
-/// a finding names another line. A fact in front of "--=", and a comment behind it, may be there.
+/// a finding names another line. A fact stands behind "--=", a comment behind that.
 using FactOf = std::function<std::string(const TreeFacts&)>;
 void expectRows(const std::string& rows, const Frame& frame = {}, const FactOf& factOf = {});
 
