@@ -111,17 +111,13 @@ constexpr const char* relations =
     "i K.&Type ({Ks}{@...b.c, @a}) } } }\n";
 
 TEST(NotationConstraints, RelationsClimbTheStructures) {
-    const RunResult run = compileWith(relations);
-    EXPECT_EQ(run.diagnostics("m"), "");
-    const TreeFacts tree(run, "m");
-    EXPECT_EQ(tree.constraint("T.b.d.*.f"), "({Ks} {@.e})");
-    EXPECT_EQ(tree.constraint("T.b.d.*.g"), "({Ks} {@..c})");
-    EXPECT_EQ(tree.constraint("T.b.d.*.h"), "({Ks} {@...a})");
-    EXPECT_EQ(tree.constraint("T.b.d.*.i"), "({Ks} {@...b.c,@a})");
-    const std::string faulty = "T ::= SEQUENCE { a K.&id ({Ks}), b SEQUENCE { "
-                               "c K.&Type ({Ks}{@...a}) } }";
-    EXPECT_EQ(compileWith(faulty).diagnostics("m"),
-              listed({{3, "Invalid component relation constraint(s)"}}));
+    expectFacts(TreeFacts(expectMarked(relations, frame), "m"), R"(
+constraint T.b.d.*.f: ({Ks} {@.e}) ; constraint T.b.d.*.g: ({Ks} {@..c})
+constraint T.b.d.*.h: ({Ks} {@...a}) ; constraint T.b.d.*.i: ({Ks} {@...b.c,@a})
+)");
+    expectRows("T ::= SEQUENCE { a K.&id ({Ks}), b SEQUENCE { c K.&Type ({Ks}{@...a}) } } --! "
+               "Invalid component relation constraint(s)",
+               frame);
     // 1 is that of INTEGER, 2 that of NULL.
     const auto value = [](const char* g, const char* h) {
         return compileWith(std::string(relations) +

@@ -206,37 +206,26 @@ P {T} ::= SEQUENCE { a [1] T, b [2] IMPLICIT T, c [3] [4] T, d T, e [6] Q {T}, f
 Q {U} ::= [9] U
 I ::= P {BOOLEAN}
 )";
-    constexpr struct {
-        const char* path;
-        const char* tags;
-        const char* older;
-    } rows[] = {
-        {"I.a", "[1] [UNIVERSAL 1]", "[1]"}, // the default is IMPLICIT
-        {"I.b", "[2]", "[2]"},               // the keyword holds
-        {"I.c", "[3] [UNIVERSAL 1]", "[3]"}, // [3] replaces [4], which is EXPLICIT
-        {"I.d", "[UNIVERSAL 1]", "[UNIVERSAL 1]"},
-        {"I.e", "[6] [UNIVERSAL 1]", "[6]"}, // [6] replaces [9], which is EXPLICIT
-        {"I.f", "[7]", "[7]"},               // no dummy reference: a list of some
-        {"I.g", "[8]", "[8]"},
-    };
-    for (const bool today : {true, false}) {
-        const RunResult run =
-            expectMarked(body, {today ? edition : std::vector<std::string>(), "IMPLICIT TAGS "});
-        const TreeFacts facts(run, "m");
-        for (const auto& row : rows)
-            EXPECT_EQ(facts.finalTags(row.path), today ? row.tags : row.older);
-    }
+    // The default of the module is IMPLICIT. I.b: the keyword holds; I.c: [3] replaces [4], which
+    // is EXPLICIT; I.e: [6] replaces [9]; I.f: no dummy reference, a list of some.
+    expectFacts(TreeFacts(expectMarked(body, {edition, "IMPLICIT TAGS "}), "m"), R"(
+finalTags I.a: [1] [UNIVERSAL 1] ; finalTags I.b: [2] ; finalTags I.c: [3] [UNIVERSAL 1]
+finalTags I.d: [UNIVERSAL 1] ; finalTags I.e: [6] [UNIVERSAL 1] ; finalTags I.f: [7] ; finalTags I.g: [8]
+)");
+    expectFacts(TreeFacts(expectMarked(body, {{}, "IMPLICIT TAGS "}), "m"), R"(
+finalTags I.a: [1] ; finalTags I.b: [2] ; finalTags I.c: [3] ; finalTags I.d: [UNIVERSAL 1]
+finalTags I.e: [6] ; finalTags I.f: [7] ; finalTags I.g: [8]
+)");
     const RunResult run = expectMarked(R"(
 P {T} ::= SEQUENCE { a T, b Q {T}, c CHOICE { x T, y NULL } } Q {U} ::= SEQUENCE { u U }
 I ::= P {BOOLEAN}
 )",
                                        automaticToday);
     const TreeFacts facts(run, "m");
-    EXPECT_EQ(facts.finalTags("I.a"), "[0] [UNIVERSAL 1]");
-    EXPECT_EQ(facts.finalTags("I.b"), "[1]");
-    EXPECT_EQ(facts.finalTags("I.b.u"), "[0] [UNIVERSAL 1]"); // T, handed on as U
-    EXPECT_EQ(facts.finalTags("I.c.x"), "[0] [UNIVERSAL 1]");
-    EXPECT_EQ(facts.finalTags("I.c.y"), "[1]");
+    // I.b.u: T, handed on as U.
+    expectFacts(facts, "finalTags I.a: [0] [UNIVERSAL 1] ; finalTags I.b: [1]\n"
+                       "finalTags I.b.u: [0] [UNIVERSAL 1] ; finalTags I.c.x: [0] [UNIVERSAL 1]\n"
+                       "finalTags I.c.y: [1]");
 }
 
 // X.680 51.2: characters have an order, strings have none.

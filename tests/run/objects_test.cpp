@@ -80,39 +80,31 @@ TYPE-IDENTIFIER ::= { INTEGER IDENTIFIED { 1 2 } } --! 'BY' expected ; TYPE-IDEN
 }
 
 TEST(Objects, KeepTheirSettingsInTheOrderOfTheText) {
-    const TreeFacts tree(
-        compile({moduleM(classes + "\n" +
-                         "p PL ::= { &v TRUE, &n 5, &T BOOLEAN }\n"
-                         "o ALL-SORTS ::= { TYPE BOOLEAN, VALUES {1..9} OF x VAR TRUE VARS {TRUE}"
-                         " OBJ p OBJS {p, ..., {&n 6}} }")}),
-        "m");
-    EXPECT_EQ(tree.valueText("pl"), "{}");
+    const TreeFacts tree(expectMarked(R"(
+p PL ::= { &v TRUE, &n 5, &T BOOLEAN }
+o ALL-SORTS ::= { TYPE BOOLEAN, VALUES {1..9} OF x VAR TRUE VARS {TRUE} OBJ p OBJS {p, ..., {&n 6}} }
+)",
+                                      {.defaults = "AUTOMATIC TAGS ", .head = classes}),
+                         "m");
+    expectFacts(tree, "valueText pl: {}");
     const stx::Tree& records = tree.tree();
     std::vector<stx::VNode> settings;
-    for (uint32_t nr = tree.value("o").node().ref; nr != 0; nr = settings.back().next)
+    std::string names;
+    for (uint32_t nr = tree.value("o").node().ref; nr != 0; nr = settings.back().next) {
         settings.push_back(records.vNode(nr));
-    constexpr struct {
-        const char* name;
-        uint8_t kind, vflags;
-    } expected[] = {{"Type", stx::TYP_OPEN, 0},   {"Set", stx::TYP_OPEN, 2},
-                    {"val", stx::TYP_SYNONYM, 0}, {"var", stx::TYP_SYNONYM, 16},
-                    {"Vars", stx::TYP_OPEN, 18},  {"obj", stx::TYP_SYNONYM, 0},
-                    {"Objs", stx::TYP_OPEN, 2}};
-    ASSERT_EQ(settings.size(), std::size(expected));
-    for (size_t i = 0; i < settings.size(); ++i) {
-        SCOPED_TRACE(expected[i].name);
-        EXPECT_EQ(records.text(settings[i].name), expected[i].name);
-        EXPECT_EQ(settings[i].valCode, expected[i].kind);
-        EXPECT_EQ(settings[i].vflags, expected[i].vflags);
+        const stx::VNode& setting = settings.back();
+        names += std::string(records.text(setting.name)) +
+                 (setting.valCode == stx::TYP_OPEN ? " type " : " value ") +
+                 std::to_string(setting.vflags) + "; ";
     }
+    EXPECT_EQ(names, "Type type 0; Set type 2; val value 0; var value 16; Vars type 18; obj value "
+                     "0; Objs type 2; ");
     // The type of `var` is the field &Type of this very object.
     const stx::TNode governor = records.tNode(settings[3].govType);
     EXPECT_EQ(governor.typeCode, stx::TYP_FIELDLIST);
     EXPECT_EQ(governor.refMod, -2);
     EXPECT_EQ(governor.ref, tree.value("o").nr);
-    const stx::VNode variable = records.vNode(settings[3].ref);
-    EXPECT_EQ(variable.valCode, stx::TYP_BOOLEAN);
-    EXPECT_TRUE(variable.boole);
+    EXPECT_TRUE(records.vNode(settings[3].ref).boole);
     // A set is the constraint of a reference to its governor.
     const stx::TNode set = records.tNode(settings[1].ref);
     EXPECT_EQ(set.ref, tree.type("ALL_SORTS.Set").nr);

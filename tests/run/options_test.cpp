@@ -192,12 +192,11 @@ TEST(Options, SwitchedOffOnesStandInTheTreeBesideThoseThatHold) {
             const RunResult run =
                 compile(imported ? std::vector{user, file} : std::vector{file, user});
             const TreeFacts tree(run, imported ? "m" : "n"), own(run, "n");
-            EXPECT_EQ(tree.options("X.a"), "$ANY=E:one $BEO=x $ANY=E:two");
-            EXPECT_EQ(tree.options("Y.a"), "?ANY=E:one $BEO=x ?ANY=E:two");
-            EXPECT_EQ(tree.options("Z.a"), "?ANY=E:one $BEO=x ?ANY=E:two");
-            EXPECT_EQ(own.options("S.a"), "$ANY=E:one");
-            EXPECT_EQ(own.options("R.a"), "?ANY=E:one");
-            EXPECT_EQ(own.valueText("t"), "\"$ANY=E:one\"");
+            expectFacts(tree, "options X.a: $ANY=E:one $BEO=x $ANY=E:two\n"
+                              "options Y.a: ?ANY=E:one $BEO=x ?ANY=E:two\n"
+                              "options Z.a: ?ANY=E:one $BEO=x ?ANY=E:two");
+            expectFacts(own, "options S.a: $ANY=E:one ; options R.a: ?ANY=E:one\n"
+                             "valueText t: \"$ANY=E:one\"");
         }
     }
 }

@@ -118,66 +118,53 @@ p{X} OP ::= { &id 3, &Arg X } A ::= SEQUENCE { a OP.&id ({S}) } S OP ::= { p{NUL
 // ---- what an instance is made of ----------------------------------------------------------------
 
 TEST(Parameters, EachReferenceHasACopyOfItsOwn) {
-    const TreeFacts tree(
-        compile({moduleM("P{INTEGER : n, X, INTEGER : S} ::= SEQUENCE {\n"
-                         "  a INTEGER (0..n) DEFAULT n, b X OPTIONAL, c INTEGER (S),\n"
-                         "  d ENUMERATED { e(0), f(n) } DEFAULT f, ..., [[ g SET OF X ]] }\n"
-                         "A ::= P{5, NULL, {1..4}}\n"
-                         "B ::= P{6, BOOLEAN, {2 | 9}}")}),
-        "m");
+    const TreeFacts tree(expectMarked(R"(
+P{INTEGER : n, X, INTEGER : S} ::= SEQUENCE { a INTEGER (0..n) DEFAULT n, b X OPTIONAL, c INTEGER (S),
+  d ENUMERATED { e(0), f(n) } DEFAULT f, ..., [[ g SET OF X ]] }
+A ::= P{5, NULL, {1..4}}
+B ::= P{6, BOOLEAN, {2 | 9}}
+)",
+                                      automatic),
+                         "m");
     EXPECT_EQ(tree.types(), "P A B");
-    for (const std::string type : {"A", "B"}) {
-        SCOPED_TRACE(type);
-        const bool isA = type == "A";
-        EXPECT_EQ(tree.kind(type), isA ? "P {5, NULL, {1..4}}" : "P {6, BOOLEAN, {2 | 9}}");
-        EXPECT_EQ(tree.components(type), "a b c d ... [[ g ]]");
-        EXPECT_EQ(tree.bounds(type + ".a"), isA ? "0..5" : "0..6");
-        EXPECT_EQ(tree.presence(type + ".a"), "DEFAULT n");
-        EXPECT_EQ(tree.actualKind(type + ".b"), isA ? "NULL" : "BOOLEAN");
-        EXPECT_EQ(tree.bounds(type + ".c"), isA ? "1..4" : "2..9");
-        EXPECT_EQ(tree.named(type + ".d"), "e(0) f(n)");
-        EXPECT_EQ(tree.presence(type + ".d"), "DEFAULT f");
-        EXPECT_EQ(tree.actualKind(type + ".g.*"), isA ? "NULL" : "BOOLEAN");
-        EXPECT_EQ(tree.node(type).actParRec, 0U);
-        // Records of an instance have its number, and the line of the reference.
-        for (const char* part : {".a", ".g", ".g.*"}) {
-            EXPECT_EQ(tree.node(type + part).actParRec, isA ? 1U : 2U) << part;
-            EXPECT_EQ(tree.node(type + part).line, isA ? 5U : 6U) << part;
-        }
-    }
+    expectFacts(tree, R"(
+kind A: P {5, NULL, {1..4}} ; bounds A.a: 0..5 ; actualKind A.b: NULL ; bounds A.c: 1..4 ; actualKind A.g.*: NULL
+kind B: P {6, BOOLEAN, {2 | 9}} ; bounds B.a: 0..6 ; actualKind B.b: BOOLEAN ; bounds B.c: 2..9 ; actualKind B.g.*: BOOLEAN
+components A: a b c d ... [[ g ]] ; presence A.a: DEFAULT n ; named A.d: e(0) f(n) ; presence A.d: DEFAULT f
+components B: a b c d ... [[ g ]] ; presence B.a: DEFAULT n ; named B.d: e(0) f(n) ; presence B.d: DEFAULT f
+)");
+    // Records of an instance have its number, and the line of the reference.
+    expectFacts(
+        "A: 0 4 ; A.a: 1 4 ; A.g: 1 4 ; A.g.*: 1 4 ; B: 0 5 ; B.a: 2 5 ; B.g: 2 5 ; B.g.*: 2 5",
+        [&](const std::string& path) {
+            const stx::TNode node = tree.node(path);
+            return std::to_string(node.actParRec) + " " + std::to_string(node.line);
+        });
     EXPECT_NE(tree.type("A.a").nr, tree.type("B.a").nr);
 }
 
 TEST(Parameters, ActualParametersAreRecordsInARow) {
-    const TreeFacts tree(compile({moduleM("P{INTEGER : n, X, INTEGER : S} ::= SEQUENCE {\n"
-                                          "  a INTEGER (S) DEFAULT n, b X }\n"
-                                          "A ::= P{5, NULL, {5}}")}),
+    const TreeFacts tree(expectMarked("P{INTEGER : n, X, INTEGER : S} ::= SEQUENCE {\n"
+                                      "  a INTEGER (S) DEFAULT n, b X }\nA ::= P{5, NULL, {5}}"),
                          "m");
     const auto first = static_cast<uint32_t>(tree.node("A").syntax);
-    const stx::VNode n = tree.tree().vNode(first);
-    const stx::VNode x = tree.tree().vNode(first + 1);
-    const stx::VNode s = tree.tree().vNode(first + 2);
-    EXPECT_EQ(n.next, first + 1);
-    EXPECT_EQ(x.next, first + 2);
-    EXPECT_EQ(s.next, 0U);
-    for (const stx::VNode& actual : {n, x, s}) {
-        EXPECT_EQ(actual.valStatus, 4);
-        EXPECT_EQ(actual.line, 4U);
+    const auto at = [&](uint32_t nr) { return tree.tree().vNode(first + nr); };
+    const char* const names[] = {"n", "X", "S"};
+    for (uint32_t nr = 0; nr < 3; ++nr) {
+        EXPECT_EQ(at(nr).next, nr < 2 ? first + nr + 1 : 0U);
+        EXPECT_EQ(tree.tree().text(at(nr).name), names[nr]);
+        EXPECT_EQ(at(nr).name < 0, nr == 0); // as names of values are
+        EXPECT_EQ(at(nr).valStatus, 4);
+        EXPECT_EQ(at(nr).line, 4U);
+        EXPECT_EQ(at(nr).vflags & 2, nr == 2 ? 2 : 0);
     }
-    EXPECT_EQ(tree.tree().text(n.name), "n"); // negated, as names of values are
-    EXPECT_LT(n.name, 0);
-    EXPECT_EQ(n.number, 5);
-    EXPECT_EQ(tree.tree().text(x.name), "X");
-    EXPECT_EQ(x.valCode, stx::TYP_OPEN);
-    EXPECT_EQ(x.refMod, -1);
-    EXPECT_EQ(tree.tree().tNode(x.ref).typeCode, stx::TYP_NULL);
-    EXPECT_EQ(tree.tree().text(s.name), "S");
-    EXPECT_EQ(s.valCode, stx::TYP_OPEN);
-    EXPECT_EQ(s.vflags & 2, 2);
-    const stx::TNode set = tree.tree().tNode(s.ref);
+    EXPECT_EQ(at(0).number, 5);
+    EXPECT_EQ(at(1).refMod, -1);
+    EXPECT_EQ(tree.tree().tNode(at(1).ref).typeCode, stx::TYP_NULL);
+    const stx::TNode set = tree.tree().tNode(at(2).ref);
     EXPECT_EQ(set.nodeFlags & 8U, 8U);
     EXPECT_GT(set.constraint, 0);
-    EXPECT_EQ(set.ref, s.govType); // the copy of the governor
+    EXPECT_EQ(set.ref, at(2).govType); // the copy of the governor
 }
 
 TEST(Parameters, InstancesOfValuesHaveTheirOwnGovernor) {
@@ -227,11 +214,10 @@ TEST(Parameters, InstancesLieWhereTheirDefinitionDoes) {
         compile({moduleM("IMPORTS P{}, k FROM N;\nA ::= P{INTEGER (0..k), 5, {1 | 2}}"), moduleN,
                  moduleN2("")});
     const TreeFacts tree(run, "m");
-    EXPECT_EQ(tree.kind("A"), "N.P {INTEGER, 5, {1 | 2}}");
-    EXPECT_EQ(tree.kind("A.b"), "N2.Q {SEQUENCE OF, M.n, {N.S | 99}}");
-    EXPECT_EQ(tree.actualKind("A.b.a.*"), "INTEGER");
-    EXPECT_EQ(tree.bounds("A.b.b"), "0..5");
-    EXPECT_EQ(tree.bounds("A.b.c"), "1..99");
+    expectFacts(tree, R"(
+kind A: N.P {INTEGER, 5, {1 | 2}} ; kind A.b: N2.Q {SEQUENCE OF, M.n, {N.S | 99}}
+actualKind A.b.a.*: INTEGER ; bounds A.b.b: 0..5 ; bounds A.b.c: 1..99
+)");
     EXPECT_EQ(tree.type("A.a").tree->moduleName(), "N");
     EXPECT_EQ(tree.type("A.b.b").tree->moduleName(), "N2");
     EXPECT_EQ(tree.node("A.b.b").line, 3U);

@@ -1,6 +1,7 @@
 #include "support/cases.h"
 
 #include <algorithm>
+#include <map>
 #include <sstream>
 
 namespace orvo::test {
@@ -122,6 +123,21 @@ void expectFacts(const std::string& facts,
             const std::string place = fact.substr(0, fact.find(": "));
             EXPECT_EQ(place + ": " + factOf(place), fact);
         }
+}
+
+void expectFacts(const TreeFacts& tree, const std::string& facts) {
+    static const std::map<std::string, std::string (TreeFacts::*)(std::string_view) const> known = {
+        {"kind", &TreeFacts::kind},         {"actualKind", &TreeFacts::actualKind},
+        {"tags", &TreeFacts::tags},         {"finalTags", &TreeFacts::finalTags},
+        {"bounds", &TreeFacts::bounds},     {"valueField", &TreeFacts::valueField},
+        {"flags", &TreeFacts::flags},       {"optFlags", &TreeFacts::optFlags},
+        {"presence", &TreeFacts::presence}, {"constraint", &TreeFacts::constraint},
+        {"named", &TreeFacts::named},       {"components", &TreeFacts::components},
+        {"options", &TreeFacts::options},   {"valueText", &TreeFacts::valueText}};
+    expectFacts(facts, [&](const std::string& place) {
+        const size_t space = place.find(' ');
+        return (tree.*known.at(place.substr(0, space)))(place.substr(space + 1));
+    });
 }
 
 SourceFile moduleM(const std::string& body) {

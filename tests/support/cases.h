@@ -57,6 +57,9 @@ void expectMarkedInAnyOrder(const std::string& body);
 void expectFacts(const std::string& facts,
                  const std::function<std::string(const std::string&)>& factOf);
 
+/// Facts that TreeFacts tells, by its names for them: "kind U: T ; bounds U.a: 0..5".
+void expectFacts(const TreeFacts& tree, const std::string& facts);
+
 /// Module M with automatic tags, whose body begins on line 2.
 SourceFile moduleM(const std::string& body);
 std::string diagnosticsOf(const std::string& body);
