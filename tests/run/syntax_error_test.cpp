@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "support/run.h"
+#include "support/cases.h"
 
 namespace orvo::test {
 namespace {
@@ -14,10 +14,8 @@ void expectDiagnostics(const std::string& rows) {
         SCOPED_TRACE(row);
         const size_t mark = row.find(" --! ");
         std::string source = row.substr(0, mark), listed;
-        for (size_t at = 0; (at = source.find("\\n", at)) != std::string::npos;)
-            source.replace(at, 2, "\n");
         for (const char ch : row.substr(mark + 5)) listed += ch == '|' ? '\n' : ch;
-        const auto run = compile({{"m.asn", source}});
+        const auto run = compile({{"m.asn", withLines(source)}});
         EXPECT_EQ(run.status, 1);
         EXPECT_EQ(run.diagnostics("m"), listed);
         EXPECT_FALSE(run.has("m.stx"));

@@ -16,23 +16,6 @@ std::vector<std::string> split(const std::string& text, const std::string& betwe
     return parts;
 }
 
-/// What stands behind a mark, without it in `line`; the empty text when there is none.
-std::string takeBehind(std::string& line, const char* mark) {
-    const size_t at = line.find(mark);
-    if (at == std::string::npos) return {};
-    const std::string text = line.substr(at + 5 > line.size() ? line.size() : at + 5);
-    line.erase(at);
-    return text;
-}
-
-void addFindings(std::vector<Finding>& findings, int line, const std::string& marks) {
-    if (marks.empty()) return;
-    for (const std::string& text : split(marks, " ; ")) {
-        const bool hasLine = text.size() > 3 && text[0] >= '0' && text[0] <= '9' && text[1] == ':';
-        findings.push_back(hasLine ? Finding{text[0] - '0', text.substr(3)} : Finding{line, text});
-    }
-}
-
 /// Compiles and compares what is found.
 RunResult expectFound(const std::string& source, const std::vector<Finding>& findings,
                       const Frame& frame) {
@@ -52,11 +35,14 @@ RunResult expectLines(const std::vector<std::string>& lines, const Frame& frame)
     std::string source;
     for (size_t at = 0; at < lines.size(); ++at) {
         std::string line = lines[at];
-        addFindings(findings, static_cast<int>(at) + 2, takeBehind(line, " --! "));
+        std::ranges::copy(findingsIn(takeBehind(line, " --! "), static_cast<int>(at) + 2),
+                          std::back_inserter(findings));
         source += line + '\n';
     }
     return expectFound(source, findings, frame);
 }
+
+} // namespace
 
 std::vector<std::string> linesOf(const std::string& body) {
     std::vector<std::string> lines = split(body, "\n");
@@ -65,7 +51,27 @@ std::vector<std::string> linesOf(const std::string& body) {
     return lines;
 }
 
-} // namespace
+std::string takeBehind(std::string& line, const char* mark) {
+    const size_t at = line.find(mark);
+    if (at == std::string::npos) return {};
+    const std::string text = line.substr(std::min(line.size(), at + 5));
+    line.erase(at);
+    return text;
+}
+std::vector<Finding> findingsIn(const std::string& marks, int line) {
+    std::vector<Finding> findings;
+    if (marks.empty()) return findings;
+    for (const std::string& text : split(marks, " ; ")) {
+        const bool hasLine = text.size() > 3 && text[0] >= '0' && text[0] <= '9' && text[1] == ':';
+        findings.push_back(hasLine ? Finding{text[0] - '0', text.substr(3)} : Finding{line, text});
+    }
+    return findings;
+}
+std::string withLines(std::string text) {
+    for (size_t at = 0; (at = text.find("\\n", at)) != std::string::npos;)
+        text.replace(at, 2, "\n");
+    return text;
+}
 
 std::string listed(const std::vector<Finding>& findings) {
     std::string lines;
@@ -87,14 +93,11 @@ std::string listed(int line, const std::string& text) {
 void expectRows(const std::string& rows, const Frame& frame, const FactOf& factOf) {
     for (std::string row : linesOf(rows)) {
         SCOPED_TRACE(row);
-        std::vector<Finding> findings;
-        addFindings(findings, 2, takeBehind(row, " --! "));
-        if (!findings.empty()) addFindings(findings, 2, frame.last);
+        std::vector<Finding> findings = findingsIn(takeBehind(row, " --! "), 2);
+        if (!findings.empty() && !frame.last.empty()) findings.push_back({2, frame.last});
         std::string fact = takeBehind(row, " --= ");
         fact.resize(std::min(fact.size(), fact.find(" -- ")));
-        for (size_t at = 0; (at = row.find("\\n", at)) != std::string::npos;)
-            row.replace(at, 2, "\n");
-        const RunResult run = expectFound(frame.before + row + '\n', findings, frame);
+        const RunResult run = expectFound(frame.before + withLines(row) + '\n', findings, frame);
         if (factOf && run.status == 0) {
             EXPECT_EQ(factOf(TreeFacts(run, "m")), fact);
         }
@@ -116,15 +119,17 @@ void expectMarkedInAnyOrder(const std::string& body) {
     }
 }
 
+std::vector<std::pair<std::string, std::string>> factsIn(const std::string& text) {
+    std::vector<std::pair<std::string, std::string>> facts;
+    for (const std::string& line : linesOf(text))
+        for (const std::string& fact : split(line, " ; "))
+            facts.push_back({fact.substr(0, fact.find(": ")), fact.substr(fact.find(": ") + 2)});
+    return facts;
+}
 void expectFacts(const std::string& facts,
                  const std::function<std::string(const std::string&)>& factOf) {
-    for (const std::string& line : linesOf(facts))
-        for (const std::string& fact : split(line, " ; ")) {
-            const std::string place = fact.substr(0, fact.find(": "));
-            EXPECT_EQ(place + ": " + factOf(place), fact);
-        }
+    for (const auto& [place, fact] : factsIn(facts)) EXPECT_EQ(factOf(place), fact) << place;
 }
-
 void expectFacts(const TreeFacts& tree, const std::string& facts) {
     static const std::map<std::string, std::string (TreeFacts::*)(std::string_view) const> known = {
         {"kind", &TreeFacts::kind},         {"actualKind", &TreeFacts::actualKind},
@@ -138,6 +143,17 @@ void expectFacts(const TreeFacts& tree, const std::string& facts) {
         const size_t space = place.find(' ');
         return (tree.*known.at(place.substr(0, space)))(place.substr(space + 1));
     });
+}
+
+void expectTypes(const std::string& types, const Frame& frame,
+                 const std::function<std::string(const TreeFacts&, const std::string&)>& factOf) {
+    const auto rows = factsIn(types);
+    std::string body;
+    for (size_t i = 0; i < rows.size(); ++i)
+        body += "T" + std::to_string(i) + " ::= " + rows[i].first + "\n";
+    const TreeFacts tree(expectMarked(body, frame), "m");
+    for (size_t i = 0; i < rows.size(); ++i)
+        EXPECT_EQ(factOf(tree, "T" + std::to_string(i)), rows[i].second) << rows[i].first;
 }
 
 SourceFile moduleM(const std::string& body) {
