@@ -168,6 +168,8 @@ a2 EXTERNAL ::= { identification syntax : {1 2 3} } --! Mandatory component valu
 b1 CHARACTER STRING ::= { identification fixed : NULL, data-value notation : IA5String : "a" }
 b2 CHARACTER STRING ::= { identification fixed : NULL, data-value notation : INTEGER : 5 } --! Invalid CHARACTER STRING value
 b3 CHARACTER STRING ::= { identification fixed : NULL, data-value encoded : '00'H }
+B ::= SEQUENCE { c CHARACTER STRING }
+b4 B ::= { c { identification fixed : NULL } } --! Mandatory component value missing: component 'data_value' ; Invalid SEQUENCE value ; Invalid SEQUENCE value
 c1 EMBEDDED PDV ::= { identification fixed : NULL, data-value encoded : '00'B }
 c2 EMBEDDED PDV ::= { data-value encoded : '00'B } --! Mandatory component value missing: component 'identification' ; Invalid SEQUENCE value
 )",

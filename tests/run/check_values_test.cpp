@@ -154,6 +154,8 @@ P {S : x} ::= SEQUENCE { s S DEFAULT x } R ::= P {v5}
 Q ::= P {{ a 7 }} --! Value out of range constraint(s) ; Invalid SEQUENCE value ; Invalid default value
 p {INTEGER : i} S ::= { a i }
 v5 S ::= p { 8 } --! Value out of range constraint(s) ; Invalid SEQUENCE value
+w1 W ::= { { a 6 } } W ::= SEQUENCE OF S --! Value out of range constraint(s) ; Invalid SEQUENCE value ; Invalid SEQUENCE OF value
+w2 W (WITH COMPONENT (WITH COMPONENTS { ..., d ABSENT })) ::= w1
 U ::= P {p { 9 }} --! Value out of range constraint(s) ; Invalid SEQUENCE value ; Invalid default value
 )");
     expectMarkedInAnyOrder(R"(

@@ -167,6 +167,7 @@ S ::= SEQUENCE { a INTEGER OPTIONAL } S1 ::= S (WITH COMPONENTS { a (1, ...) })
                                       automatic),
                          "m");
     const std::string is = ": EXTENSIBLE";
+    EXPECT_EQ(tree.tree().count(stx::TNODE), 19U + 4U); // an INTEGER for each SIZE, none for checks
     expectFacts("A" + is + " ; C" + is + " ; E" + is + " ; F" + is +
                     " ; B:  ; D:  ; G:  ; L.*:  ; Q.*:  ; S.a: ",
                 [&](const std::string& path) { return tree.flags(path); });
