@@ -106,7 +106,7 @@ TEST(Notation2021, MacrosAreReadOver) {
           "sysDescr OBJECT-TYPE SYNTAX NULL ACCESS read-only ::= { id 1 }\n"
           "a OPERATION ARGUMENT NULL ::= localValue 5\n"
           "b OPERATION ::= -7\n"
-          "c OPERATION ::= { id 2 }\n"
+          "c OPERATION ::= { id 2 } k OPERATION ::= localValue 8\n"
           "d OPERATION ::= e e OPERATION ARGUMENT NULL ::= far\n"
           "f OPERATION ::= N.sized g INTEGER ::= d localValue INTEGER ::= 9\n"
           "h OPERATION ::= TRUE\n"
@@ -131,10 +131,9 @@ TEST(Notation2021, MacrosAreReadOver) {
                       {12, "W Value of a macro left out: j"},
                       {13, use + "TEXTUAL_CONVENTION"}}));
     const TreeFacts tree(run, "m");
-    EXPECT_EQ(tree.values(), "id sysDescr a b c d e f g localValue i");
+    EXPECT_EQ(tree.values(), "id sysDescr a b c k d e f g localValue i");
     EXPECT_EQ(tree.constraint("DisplayString"), "(SIZE (0..255))");
-    EXPECT_EQ(tree.valueText("a"), "5");
-    EXPECT_EQ(tree.valueText("b"), "-7");
+    expectFacts(tree, "valueText a: 5 ; valueText b: -7 ; valueText k: 8");
 
     // Types that a macro makes without SYNTAX are none; values of them are those of the macro.
     expectRows(R"(

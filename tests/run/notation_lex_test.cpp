@@ -62,8 +62,9 @@ v REAL ::= 1.0E03 --! L Leading zeroes in: realnumber
 v INTEGER ::= 01 --! L Leading zeroes in: number
 )",
                {edition});
-    // No UTF-8; a control character.
-    for (const std::string byte : {"\xC3", "\xC2\x85"})
+    // No UTF-8, longer than it need be, a surrogate, beyond U+10FFFF; a control character.
+    for (const std::string byte : {"\xC3", "\xE0\x80\x80", "\xF0\x80\x80\x80", "\xED\xA0\x80",
+                                   "\xF4\x90\x80\x80", "\xC2\x85"})
         expectRows("v UTF8String ::= \"" + byte + "\" --! L Invalid character in: cstring",
                    {edition});
     // 12.6.4: no word about the header that is missing.

@@ -146,6 +146,8 @@ TEST(Symbols, FormalParametersAreFoundInLongLists) {
 
 TEST(Symbols, NamelenSetsTheSignificantCharacters) {
     expectRows("Abcdefghi ::= NULL Abcdefghj ::= NULL", {{"-NAMELEN=9"}});
+    const std::string common = "A" + std::string(98, 'b');
+    expectRows(common + "c ::= NULL " + common + "d ::= NULL", {{"-NAMELEN=100"}});
     expectRows("Abcdefghi ::= NULL Abcdefghj ::= NULL --! Symbol already defined: Abcdefghj",
                {{"-NAMELEN=8"}});
 }
