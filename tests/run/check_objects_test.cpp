@@ -16,6 +16,8 @@ a3 C ::= { &b TRUE } --! Mandatory field missing: field 'a' ; Invalid object
 a4 C ::= { &a 1, &a 2 } --! Duplicate field setting ; Invalid object
 a5 C ::= { &a 10 } --! Value out of range constraint(s) ; Invalid object
 V ::= CLASS { &T, &v &T } WITH SYNTAX { &T &v } b1 V ::= { INTEGER (0..3) 3 }
+b4 INTEGER ::= b1.&v
+b5 BOOLEAN ::= b1.&v --! Invalid BOOLEAN value
 b2 V ::= { INTEGER (0..3) 4 } --! Value out of range constraint(s) ; Invalid object
 b3 V ::= { SEQUENCE { a NULL } { a NULL } }
 c1 TYPE-IDENTIFIER ::= { INTEGER IDENTIFIED BY { 1 2 3 } }
