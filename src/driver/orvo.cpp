@@ -458,6 +458,7 @@ int orvo_main(int argc, char** argv) {
     }
     initZOV();
     forEachModule(diagnostics);
+    if (run.clean) removeEarlierTrees();
     const int status = compilationSummary();
     compilationSummaryForZOV();
     typeListForZOV();

@@ -207,6 +207,7 @@ struct ModuleRec {
     bool named = false;                        // the command line names its file
     bool missing = false;                      // KEEP-GOING=: imported, but its file is not there
     bool out = false;          // KEEP-GOING=: has an error, or refers to a module that is out
+    bool hasTree = false;      // its tree has been written
     bool stringsAdded = false; // pass 5 has added strings that records in the tree file name
     int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;
     int32_t nbRecorded = 0;                             // diagnostics recorded, kept or not
@@ -262,6 +263,7 @@ struct Run {
     int32_t verboseEx = 3;
     bool strict_standard = false;
     bool keepGoing = false; // KEEP-GOING=
+    bool clean = false;     // CLEAN=
     bool checking = false;  // pass 5 of such a run: records of modules that are out are not read
     // STANDARD-VERSION= and LENIENT= of the command line and the option files outside of scopes:
     // they hold from the first character of every module.

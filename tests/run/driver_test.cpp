@@ -189,6 +189,51 @@ TEST(Driver, WhatCannotBeWrittenIsFatal) {
     }
 }
 
+TEST(Driver, CleanRemovesNoTreeButTheEarlierOneOfAModuleWithoutOne) {
+    const SourceFile n = {"n.asn", "N DEFINITIONS ::= BEGIN U ::= NULL END\n"};
+    const SourceFile m = {"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS U FROM N; T ::= U END\n"};
+    const SourceFile wrong = {"m.asn", "M DEFINITIONS ::= BEGIN T ::= U END\n"};
+    const RunResult whole = runOrvo({m, n}, {"m", "n"});
+    const std::string tree = whole.tree("m"); // two module nodes, a type, names
+    ASSERT_NE(tree, "");
+    const struct {
+        const char* what;
+        std::string earlier; // m.stx
+        std::vector<std::string> options;
+        bool stays;
+    } cases[] = {
+        {"as it is", tree, {"-CLEAN=NO"}, true},
+        {"asked for", tree, {"-clean=yes"}, false},
+        {"of another module", whole.tree("n"), {"-CLEAN=YES"}, true},
+        {"no tree", "M", {"-CLEAN=YES"}, true},
+        {"cut off in the name", tree.substr(0, 2 * 112 + 116 + 2), {"-CLEAN=YES"}, true},
+        {"the run is given up", tree, {"-CLEAN=YES", "-L=nowhere"}, true},
+    };
+    for (const auto& [what, earlier, options, stays] : cases) {
+        SCOPED_TRACE(what);
+        RunResult run;
+        run.dir = std::make_shared<TempDir>();
+        for (const SourceFile& file : {wrong, n, SourceFile{"m.stx", earlier}})
+            run.dir->write(file);
+        std::vector<std::string> arguments = options;
+        arguments.emplace_back("m");
+        runAgain(run, arguments);
+        EXPECT_EQ(run.tree("m"), stays ? earlier : "");
+        EXPECT_EQ(run.has("m.stx"), stays);
+    }
+    whole.dir->write(wrong);
+    std::filesystem::rename(whole.dir->path() / "m.stx", whole.dir->path() / "at.stx");
+    std::filesystem::create_symlink("at.stx", whole.dir->path() / "m.stx");
+    runAgain(whole, {"-CLEAN=YES", "-KEEP-GOING=YES", "-PREFIX=N:n:n", "m", "n"});
+    EXPECT_TRUE(std::filesystem::is_symlink(whole.dir->path() / "m.stx"));
+    EXPECT_FALSE(whole.has("at.stx"));
+    EXPECT_TRUE(whole.has("n.stx")); // written in this run
+    std::filesystem::remove(whole.dir->path() / "n.asn");
+    whole.dir->write(m);
+    runAgain(whole, {"-CLEAN=YES", "-KEEP-GOING=YES", "m"});
+    EXPECT_FALSE(whole.has("n.stx")); // of a module whose file is missing
+}
+
 TEST(Driver, SourcesAreNeverWrittenOver) {
     const std::string user = "M DEFINITIONS ::= BEGIN IMPORTS T FROM N; U ::= T END\n";
     const std::vector<SourceFile> sources = {{"m.asn", user},

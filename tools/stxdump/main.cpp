@@ -7,5 +7,5 @@ int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     const int status = stxdump::run(arguments, out, err);
     err.flush();
-    return status;
+    return status == 0 && err.failed ? 1 : status;
 }
