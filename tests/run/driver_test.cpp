@@ -234,6 +234,32 @@ TEST(Driver, CleanRemovesNoTreeButTheEarlierOneOfAModuleWithoutOne) {
     EXPECT_FALSE(whole.has("n.stx")); // of a module whose file is missing
 }
 
+TEST(Driver, PipesAndDevicesAreReadOnceAndNotWithoutEnd) {
+    const std::string orvo = ORVO_PROGRAM " -VERBOSE=NONE -V=2 ";
+    const RunResult whole = compile({faulty});
+    const std::string unread = "Can not read from file\n              ";
+    const struct {
+        std::string command;
+        int status;
+        std::string message;
+    } cases[] = {
+        {"ln -s /dev/stdin in.asn && cat bad.asn | " + orvo + "in", 1, ""},
+        {"mkfifo p.asn && (cat bad.asn >p.asn & " + orvo + "-KEEP-GOING=YES p)", 1, ""},
+        {"echo bad.asn | " + orvo + "+/dev/stdin", 1, ""},
+        {"ln -s /dev/zero z.asn && " + orvo + "z", 2, unread + "z.asn\n\n"},
+        {"cat /dev/zero | " + orvo + "+/dev/stdin", 2, unread + "/dev/stdin\n\n"},
+        {"truncate -s 2G x.asn && " + orvo + "x", 2, unread + "x.asn\n\n"},
+    };
+    for (const auto& [command, status, message] : cases) {
+        SCOPED_TRACE(command);
+        const RunResult run = runProgram("/bin/sh", {faulty}, {"-c", command});
+        EXPECT_EQ(run.status, status);
+        EXPECT_EQ(run.err, message.empty() ? "" : "\nFATAL ERROR : " + message);
+        EXPECT_EQ(run.listing("in") + run.listing("p") + run.listing("bad"),
+                  status == 1 ? whole.listing("bad") : "");
+    }
+}
+
 TEST(Driver, SourcesAreNeverWrittenOver) {
     const std::string user = "M DEFINITIONS ::= BEGIN IMPORTS T FROM N; U ::= T END\n";
     const std::vector<SourceFile> sources = {{"m.asn", user},
