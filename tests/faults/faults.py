@@ -226,4 +226,5 @@ def main():
     sys.exit(1 if project.failures else 0)
 
 
-main()
+if __name__ == "__main__":
+    main()
