@@ -1,6 +1,13 @@
+#include <cstdlib>
+#include <new>
+
 #include "stxdump/stxdump.h"
 
 int main(int argc, char** argv) {
+    std::set_new_handler([] {
+        std::fputs("stxdump: out of memory\n", stderr);
+        std::_Exit(1);
+    });
     stxdump::Sink out, err;
     out.stream = stdout;
     err.stream = stderr;
