@@ -6,6 +6,7 @@
 //   ORVO_FAULT_COUNTS=F  how often each kind was asked for, in the order of the kinds, 8 bytes each
 //   ORVO_FAULT_SWAP=F    what "swap" does before a file is opened: F.next becomes F, or F goes
 //   ORVO_FAULT_ERRNO=E   why an open fails
+//   ORVO_FAULT_INSTANCES=N  so many instances of parameterized definitions are the most
 
 #include <fcntl.h>
 #include <pthread.h>
@@ -23,8 +24,11 @@
 #include <new>
 #include <string>
 
+#include "solve/solve_par.h"
+
 extern "C" {
 void* __real_malloc(size_t size);
+void* __real__Znwm(size_t size);
 void* __real_calloc(size_t count, size_t size);
 void* __real_realloc(void* block, size_t size);
 void* __real_mmap(void* at, size_t size, int protection, int flags, int fd, off_t offset);
@@ -123,19 +127,19 @@ void mayBreakReading(std::FILE* file) {
 }
 
 void* allocate(size_t size) {
-    for (;;) {
-        // Before the program has said what is to happen then, it has not begun.
-        const bool fails = std::get_new_handler() != nullptr && due(Alloc);
-        void* block = fails ? nullptr : __real_malloc(size == 0 ? 1 : size);
-        if (block != nullptr) return block;
-        if (std::get_new_handler() == nullptr) throw std::bad_alloc();
-        std::get_new_handler()();
-    }
+    // Before the program has said what is to happen then, it has not begun.
+    if (std::get_new_handler() != nullptr && due(Alloc)) std::get_new_handler()();
+#ifdef NDEBUG
+    return __real__Znwm(size); // the program's own allocator
+#else
+    return __real_malloc(size == 0 ? 1 : size);
+#endif
 }
 
 } // namespace
 
 // clang-format off
+#ifndef NDEBUG // in place of those of the library, which calls them too
 void* operator new(size_t size) { return allocate(size); }
 void* operator new[](size_t size) { return allocate(size); }
 void* operator new(size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
@@ -144,8 +148,11 @@ void operator delete(void* block) noexcept { std::free(block); }
 void operator delete[](void* block) noexcept { std::free(block); }
 void operator delete(void* block, size_t) noexcept { std::free(block); }
 void operator delete[](void* block, size_t) noexcept { std::free(block); }
+#endif
 
 extern "C" {
+void* __wrap__Znwm(size_t size) { return allocate(size); } // operator new
+void* __wrap__Znam(size_t size) { return allocate(size); } // operator new[]
 void* __wrap_malloc(size_t size) { return due(Alloc) ? nullptr : __real_malloc(size); }
 void* __wrap_calloc(size_t count, size_t size) {
     return due(Alloc) ? nullptr : __real_calloc(count, size);
@@ -213,6 +220,8 @@ int __wrap_fstat(int fd, struct stat* status) {
 }
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*fn)(void*),
                           void* argument) {
+    if (const char* most = std::getenv("ORVO_FAULT_INSTANCES"))
+        orvo::parState.mostInstances = static_cast<size_t>(std::atoll(most));
     return due(Thread) ? EAGAIN : __real_pthread_create(thread, attributes, fn, argument);
 }
 }

@@ -175,6 +175,14 @@ def changes(project):
         os.unlink(project.path("asn/" + name))
 
 
+def lowered(project):
+    """A limit that is out of reach in debug builds: the modules have two instances."""
+    for most, status in ((2, 0), (1, 2)):
+        run = project.run(instances=most)
+        if run.returncode != status or (b"Too many instances of par" in run.stderr) != (status == 2):
+            project.fail("instances", f"{most}: {run}")
+
+
 def large(project):
     """Storage of another sort, which only large modules need, and only outside debug builds."""
     project.sources = {"asn/a.asn": "A DEFINITIONS ::= BEGIN\n" +
@@ -218,6 +226,7 @@ def main():
         project.try_kind(kind, points, texts, contents, suffixes)
         if kind == "open":
             project.try_kind(kind, points, [SPACE], contents, errno=errno.ENOMEM)
+    lowered(project)
     large(project)
     shutil.rmtree(folder)
     os.unlink(project.counts)
