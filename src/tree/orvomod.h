@@ -57,7 +57,7 @@ struct ModRefList {
     std::vector<std::unique_ptr<ModRef>> refs;
     std::unordered_map<std::string, ModRef*> byName;        // the first of a name
     std::unordered_map<const ModuleRec*, ModRef*> byModule; // the first to a module
-    std::unordered_map<uint32_t, ModRef*> byNumber;
+    std::vector<ModRef*> byNumber;                          // numbers are counted up; null = none
     // Imported symbols of a name with their references, by reference number.
     std::unordered_map<int32_t, std::vector<std::pair<ModRef*, STabNr>>> imported;
 };
