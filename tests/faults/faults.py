@@ -21,9 +21,9 @@ SPACE, READ, WRITE, CLOSE = ("Can not allocate space", "Can not read from file",
                              "Can not write into file", "Can not close file")
 # Fatal errors that a fault may end in, and how many requests the spread tries.
 FAULTS = {
-    "alloc": ([SPACE], 70), "map": ([SPACE], 10), "open": (OPEN, 40), "read": ([READ], 20),
-    "write": ([WRITE, CLOSE], 40), "close": ([WRITE, CLOSE], 40), "rename": ([CLOSE], 20),
-    "stat": (OPEN, 20), "thread": ([], 20), "signal": ([], 30), "swap": (OPEN + [READ], 20),
+    "alloc": ([SPACE], 50), "map": ([SPACE], 10), "open": (OPEN, 16), "read": ([READ], 15),
+    "write": ([WRITE, CLOSE], 30), "close": ([WRITE, CLOSE], 40), "rename": ([CLOSE], 20),
+    "stat": (OPEN, 20), "thread": ([], 20), "signal": ([], 20), "swap": (OPEN + [READ], 12),
 }
 OPTIONS = ["+run.opt", "-A=asn", "-V=2", "-CLEAN=YES", "a"]
 SOURCES = {
