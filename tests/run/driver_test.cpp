@@ -175,6 +175,8 @@ TEST(Driver, WhatCannotBeWrittenIsFatal) {
         {"m.lst", "/dev/full", "Can not close file\n              Listing file\n\n"},
         {"m.stx", "/dev/full", "Can not close file\n              Syntax tree file\n\n"},
         {"m.lst", "/nowhere/x", "Can not open file for writing\n              m.lst\n\n"},
+        {"m.lst", ".", "Can not open file for writing\n              m.lst\n\n"}, // a directory
+        {"m.stx", ".", "Can not open file for writing\n              m.stx\n\n"},
     };
     for (const auto& [link, target, message] : cases) {
         SCOPED_TRACE(std::string(link) + " -> " + target);
@@ -245,6 +247,9 @@ TEST(Driver, PipesAndDevicesAreReadOnceAndNotWithoutEnd) {
     } cases[] = {
         {"ln -s /dev/stdin in.asn && cat bad.asn | " + orvo + "in", 1, ""},
         {"mkfifo p.asn && (cat bad.asn >p.asn & " + orvo + "-KEEP-GOING=YES p)", 1, ""},
+        {"mkfifo bad.lst && (cat bad.lst >in.lst & " + orvo +
+             "bad; status=$?; wait; rm bad.lst; exit $status)",
+         1, ""},
         {"echo bad.asn | " + orvo + "+/dev/stdin", 1, ""},
         {"ln -s /dev/zero z.asn && " + orvo + "z", 2, unread + "z.asn\n\n"},
         {"cat /dev/zero | " + orvo + "+/dev/stdin", 2, unread + "/dev/stdin\n\n"},
