@@ -7,8 +7,8 @@ ModuleRec* cMP = nullptr;
 
 ModuleRec* getModPtr(ModuleRec* module, uint32_t refNr) {
     if (module == nullptr || refNr == REF_OWN) return module;
-    const auto found = module->modRefs.byNumber.find(refNr);
-    return found == module->modRefs.byNumber.end() ? nullptr : found->second->module;
+    const auto& refs = module->modRefs.byNumber;
+    return refNr < refs.size() && refs[refNr] != nullptr ? refs[refNr]->module : nullptr;
 }
 
 } // namespace orvo

@@ -57,7 +57,7 @@ struct ModRefList {
     std::vector<std::unique_ptr<ModRef>> refs;
     std::unordered_map<std::string, ModRef*> byName;        // the first of a name
     std::unordered_map<const ModuleRec*, ModRef*> byModule; // the first to a module
-    std::unordered_map<uint32_t, ModRef*> byNumber;
+    std::vector<ModRef*> byNumber;                          // numbers are counted up; null = none
     // Imported symbols of a name with their references, by reference number.
     std::unordered_map<int32_t, std::vector<std::pair<ModRef*, STabNr>>> imported;
 };
@@ -203,9 +203,9 @@ struct ModuleRec {
     // Heads of value sets whose governor has a constraint of its own: its text, negated. Until pass
     // 3, which gives such a governor a record.
     std::unordered_map<uint32_t, int32_t> governorTexts;
-    bool newNotation = false;                  // its notation is that of 2021
-    bool named = false;                        // the command line names its file
-    bool missing = false;                      // KEEP-GOING=: imported, but its file is not there
+    bool newNotation = false;  // its notation is that of 2021
+    bool named = false;        // the command line names its file
+    bool missing = false;      // KEEP-GOING=: imported, but its file is not there
     bool out = false;          // KEEP-GOING=: has an error, or refers to a module that is out
     bool stringsAdded = false; // pass 5 has added strings that records in the tree file name
     int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;

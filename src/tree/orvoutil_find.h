@@ -157,7 +157,13 @@ inline bool isVariabTypeTNode() {
     return isVariabTypeFieldTNode();
 }
 /// A reference with actual parameters; one that stands outside any instance.
-[[nodiscard]] bool isInstantiatedTNode();
+[[nodiscard]] inline bool isInstantiated(const TNode& node) {
+    return node.syntax != 0 && node.typeCode != TYP_SELECTION && node.typeCode != TYP_ANY &&
+           node.typeCode != TYP_FIELDLIST;
+}
+[[nodiscard]] inline bool isInstantiatedTNode() {
+    return isInstantiated(tNode);
+}
 [[nodiscard]] bool isTopLevelInstantiatedTNode();
 /// An object class field type that is open. Preserving.
 [[nodiscard]] bool isOpenObjClassFieldTypeTNode();

@@ -1,10 +1,12 @@
 #pragma once
 
-// What was found out about records of a module, by their numbers: as long as the module has records,
-// and as quick as an array.
+// What was found out about records of a module, by their numbers: as long as the module has
+// records, and as quick as an array.
 
 #include <cstdint>
 #include <vector>
+
+#include "tree/orvomod.h"
 
 namespace orvo {
 
@@ -25,6 +27,30 @@ template <typename Note> class RecNotes {
         bool known = false;
     };
     std::vector<Place> notes_;
+};
+
+/// The records that a search has entered, of any modules: one mark a record, numbered by search, so
+/// that the next search finds none without clearing any.
+class RecVisits {
+  public:
+    void begin() { ++search_; }
+    /// True the first time in a search.
+    bool enter(const ModuleRec* module, uint32_t nr) {
+        if (module->handle >= marks_.size()) marks_.resize(module->handle + size_t{1});
+        std::vector<uint64_t>& marks = marks_[module->handle];
+        if (nr >= marks.size()) marks.resize(nr + nr / 2 + size_t{1});
+        if (marks[nr] == search_) return false;
+        marks[nr] = search_;
+        return true;
+    }
+    [[nodiscard]] bool entered(const ModuleRec* module, uint32_t nr) const {
+        return module->handle < marks_.size() && nr < marks_[module->handle].size() &&
+               marks_[module->handle][nr] == search_;
+    }
+
+  private:
+    std::vector<std::vector<uint64_t>> marks_; // by handle of the module, by number
+    uint64_t search_ = 0;
 };
 
 } // namespace orvo
