@@ -6,6 +6,7 @@
 #include "driver/orvo.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdio>
 #include <limits>
 #include <unordered_map>
@@ -268,7 +269,8 @@ void settleMissingModules() {
             return;
         }
         if (!referred.contains(cMP)) fatalError(Fatal::OpenRead, cMP->options.sourceFileName);
-        last->next = cMP->next; // the first module is always there
+        assert(last != nullptr); // the first module is always there
+        last->next = cMP->next;
     });
     run.eOfModRList = last;
 }

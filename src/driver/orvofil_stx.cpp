@@ -95,7 +95,7 @@ std::span<const uint8_t> unitsOf(RecKind kind, const Field& field, const char* r
 }
 
 /// Field by field, for hosts of the other byte order.
-void putFields(std::string& out, RecKind kind, const char* record) {
+[[maybe_unused]] void putFields(std::string& out, RecKind kind, const char* record) {
     for (const Field& field : fieldsOf(kind)) {
         const char* at = record + field.offset;
         const auto units = unitsOf(kind, field, record);

@@ -40,7 +40,7 @@ consteval CharTable makeCharTable() {
     add('\t', '\r', CHAR_SPACE); // tab, line feed, vertical tab, form feed, carriage return
     add(' ', ' ', CHAR_SPACE);
     add('\n', '\r', CHAR_LINE_END);
-    for (const int c : {'\0', '\n', '$', '-'}) add(c, c, CHAR_COMMENT);
+    for (const char c : {'\0', '\n', '$', '-'}) add(c, c, CHAR_COMMENT);
     return table;
 }
 

@@ -175,7 +175,7 @@ class InclusionSum {
         result.sources += part.sources;
     }
     void leave() {
-        const Level level = std::move(levels_.back());
+        const Level level = levels_.back();
         levels_.pop_back();
         result_ = level.result;
         if (!level.isGroup) {
