@@ -158,6 +158,55 @@ TEST(StxDump, WrongUsageAndDamagedFilesHaveTheirExitStatus) {
     }
 }
 
+/// M is sound, and N is not checked, or not what M says of it.
+TEST(StxDump, FilesThatAreNotCheckedOrOfAnotherRunAreRefused) {
+    const std::string unchecked = "not checked: the run had errors\n";
+    const std::string stale = "n.stx: is of another run than m.stx";
+    const struct {
+        const char* what;
+        void (*change)(TreeBytes&);
+        std::string text, error;
+    } cases[] = {{"head of a type", [](TreeBytes& n) { n.types[0].checkState = CHECK_SOLVED; }, "",
+                  "stxdump: n.stx: " + unchecked},
+                 {"parameterized",
+                  [](TreeBytes& n) {
+                      n.types[0].next = 5;
+                      TNode& p = n.type("P", TYP_SYNONYM, TCS_HEADER);
+                      p.checkState = CHECK_NEW, p.formals = 6;
+                      n.type("", TYP_NONE, TCS_FORMAL);
+                  },
+                  "M.T  SEQUENCE  [UNIVERSAL 16]\n    u  N.U = SEQUENCE  [0] [5]", ""},
+                 {"head of a value",
+                  [](TreeBytes& n) {
+                      n.value("v", TYP_NULL, VST_HEADER).checkState = CHECK_NEW;
+                      n.modules[0].firstValAss = 3;
+                  },
+                  "", "stxdump: n.stx: " + unchecked}};
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.what);
+        TreeBytes n = moduleN();
+        row.change(n);
+        const RunResult run = runWith(moduleM(), n);
+        const Dump result = dumpM(run, {"--type", "T"});
+        EXPECT_EQ(result.err, row.error);
+        EXPECT_EQ(result.out.empty(), !row.error.empty());
+        EXPECT_TRUE(result.out.starts_with(row.text));
+        EXPECT_EQ(dumpM(run, {"--unchecked", "--type", "T"}).status, 0);
+        EXPECT_EQ(dumpM(run, {}).err, "") << "no other file is read";
+    }
+    const RunResult run = runWith(moduleM(), moduleN());
+    TreeBytes n = moduleN();
+    n.type("", TYP_NONE);
+    std::vector<uint8_t> bytes = n.bytes();
+    run.dir->write({"n.stx", {bytes.begin(), bytes.end()}});
+    EXPECT_EQ(dumpM(run, {"--type", "T"}).err, "stxdump: " + stale + '\n');
+    n = moduleN();
+    n.modules[0].firstTypeAss = 0;
+    bytes = n.bytes();
+    run.dir->write({"n.stx", {bytes.begin(), bytes.end()}});
+    EXPECT_EQ(dumpM(run, {"--type", "T"}).err, "stxdump: " + stale + '\n');
+}
+
 TEST(StxDump, DamagedPairsOfFilesEndInADumpOrAnError) {
     const RunResult run = runWith(moduleM(), moduleN());
     const std::string files[] = {run.file("m.stx"), run.file("n.stx")};
@@ -185,7 +234,8 @@ TEST(StxDump, TypesNestedWithoutEndAndCirclesOfReferencesEnd) {
     TreeBytes m;
     m.modules[0].modName = m.text("M");
     m.modules[0].firstTypeAss = 1;
-    for (uint32_t nr = 1; nr <= 5000; ++nr) m.type(nr == 1 ? "T" : "", TYP_SEQOF).ref = nr + 1;
+    for (uint32_t nr = 1; nr <= 5000; ++nr)
+        m.type(nr == 1 ? "T" : "", TYP_SEQOF, nr == 1 ? TCS_HEADER : TCS_MULTIPLE).ref = nr + 1;
     TNode& last = m.type("", TYP_SYNONYM);
     last.refMod = 1, last.ref = 5001;
     const Dump result = dumpM(runWith(m, moduleN()), {"--type", "T"});

@@ -215,6 +215,12 @@ class Tree {
     /// The module's own name.
     std::string_view moduleName() const { return text(mNode(1).modName); }
 
+    /// The last checks have run over the module: every head of a type or value that is no
+    /// parameterized definition is at checkState 3 (a module without any counts as checked). They
+    /// run for no module when the run had an error anywhere; bounds, final tags and numbers of
+    /// enumeration items are not filled in then.
+    bool checked() const;
+
     /// The bytes of a record or of a string's characters with the terminator; empty when out of
     /// range.
     std::span<const uint8_t> bytes(Kind kind, uint32_t nr) const;
@@ -297,12 +303,19 @@ struct ValueRef {
     VNode node() const { return tree ? tree->vNode(nr) : VNode(); }
 };
 
+/// What to do with a tree that is not checked.
+enum class Unchecked : uint8_t { refuse, accept };
+
 /// The files of a compilation, opened as references lead to them: each lies beside the file that
 /// refers to it and must come from the same run. Trees stay where they are until the object ends.
 class Trees {
   public:
-    /// Open a file, once; null with `error` set when it cannot be used.
-    const Tree* open(const std::string& path, std::string& error);
+    /// Open a file, once; null with `error` set when it cannot be used. What is told of unchecked
+    /// trees holds for the files that references lead to as well: once accepted, they all are.
+    const Tree* open(const std::string& path, std::string& error,
+                     Unchecked unchecked = Unchecked::refuse);
+    /// The error of the first file that was refused as not checked, "" = none was.
+    const std::string& refused() const { return refused_; }
     /// The tree of a module reference of `from`; null with `error` set when there is none.
     const Tree* module(const Tree& from, int64_t refMod, std::string& error);
 
@@ -315,7 +328,14 @@ class Trees {
     struct Entry {
         std::unique_ptr<Tree> tree;
         std::string error;
+        bool usable = false; // checked, or of the built-in module
     };
+    /// What a module reference leads to.
+    struct Reached {
+        const Tree* tree = nullptr;
+        std::string error;
+    };
+    Reached reach(const Tree& from, uint32_t refMod);
     struct Key {
         const Tree* tree;
         uint32_t nr;
@@ -328,6 +348,9 @@ class Trees {
         bool running = false;
     };
     std::map<std::string, Entry> files_;
+    std::map<std::pair<const Tree*, uint32_t>, Reached> reached_;
+    bool acceptsUnchecked_ = false;
+    std::string refused_;
     std::map<Key, End> ends_; // where chains of references end
 };
 

@@ -21,6 +21,7 @@ constexpr const char *builtinName = "(ISO8824)", *laterName = "(ISO8824, 2021)";
 constexpr uint32_t builtinTypes = 120;
 /// Tagged types that refer to one another, for one list of tags.
 constexpr int maxTags = 1000;
+constexpr std::string_view uncheckedText = ": not checked: the run had errors";
 
 uint32_t lastOfChain(const Tree& tree, int64_t first) {
     const std::vector<uint32_t> chain = listFrom(tree, SNODE, first);
@@ -35,21 +36,41 @@ bool isLink(const Link& link, Kind kind) {
     return link.target == Target::Record && link.kind == kind;
 }
 
+/// Trees that lie side by side by accident may bear one stamp, which counts seconds: what a module
+/// node says of the other file must be so. Texts, also those of options, were still added when it
+/// counted.
+bool describes(const MNode& node, const MNode& self) {
+    for (const Kind kind : {MNODE, TNODE, VNODE, TAG, SUB, SNODE, STRI16, STRI32})
+        if (node.recCount[kind] != self.recCount[kind]) return false;
+    return node.recCount[TED] <= self.recCount[TED] &&
+           node.recCount[STRI8] <= self.recCount[STRI8] && node.modTimeStamp == self.modTimeStamp &&
+           node.firstTypeAss == self.firstTypeAss && node.firstValAss == self.firstValAss &&
+           node.firstDefVal == self.firstDefVal;
+}
+
 } // namespace
 
-const Tree* Trees::open(const std::string& path, std::string& error) {
+const Tree* Trees::open(const std::string& path, std::string& error, Unchecked unchecked) {
+    if (unchecked == Unchecked::accept) acceptsUnchecked_ = true;
     const std::string key = std::filesystem::path(path).lexically_normal().string();
     auto [at, isNew] = files_.try_emplace(key);
+    Entry& entry = at->second;
     if (isNew) {
         auto tree = std::make_unique<Tree>();
         const bool builtin = path == builtinName || path == laterName;
-        const bool sound = builtin
-                               ? tree->parse(path, builtinTree(path == laterName), at->second.error)
-                               : tree->open(path, at->second.error);
-        if (sound) at->second.tree = std::move(tree);
+        const bool sound = builtin ? tree->parse(path, builtinTree(path == laterName), entry.error)
+                                   : tree->open(path, entry.error);
+        if (sound) entry.tree = std::move(tree);
+        entry.usable = sound && (builtin || entry.tree->checked());
     }
-    if (!at->second.tree) error = at->second.error;
-    return at->second.tree.get();
+    if (!entry.tree)
+        error = entry.error;
+    else if (!entry.usable && !acceptsUnchecked_)
+        error = path + std::string(uncheckedText);
+    else
+        return entry.tree.get();
+    if (refused_.empty() && error.ends_with(uncheckedText)) refused_ = error;
+    return nullptr;
 }
 
 const Tree* Trees::module(const Tree& from, int64_t refMod, std::string& error) {
@@ -58,32 +79,37 @@ const Tree* Trees::module(const Tree& from, int64_t refMod, std::string& error) 
         error = from.path() + ": there is no module reference " + std::to_string(refMod);
         return nullptr;
     }
-    const MNode other = from.mNode(static_cast<uint32_t>(refMod));
+    const auto nr = static_cast<uint32_t>(refMod);
+    auto at = reached_.find({&from, nr});
+    if (at == reached_.end()) {
+        Reached reached = reach(from, nr);
+        // a tree that was refused as unchecked may be accepted later
+        if (reached.error.ends_with(uncheckedText)) return error = reached.error, nullptr;
+        at = reached_.emplace(std::pair(&from, nr), std::move(reached)).first;
+    }
+    if (at->second.tree == nullptr) error = at->second.error;
+    return at->second.tree;
+}
+
+Trees::Reached Trees::reach(const Tree& from, uint32_t refMod) {
+    const MNode other = from.mNode(refMod);
     const std::string name(from.text(other.modName));
     const std::string prefix(from.text(other.stxName));
-    if (prefix.empty()) {
-        error = "module " + name + " has no tree file";
-        return nullptr;
-    }
+    if (prefix.empty()) return {nullptr, "module " + name + " has no tree file"};
     const std::filesystem::path path =
         std::filesystem::path(from.path()).parent_path() / (prefix + ".stx");
     std::string cause;
     std::error_code failed;
     if (name == "ISO8824" && !std::filesystem::exists(path, failed))
-        return open(other.recCount[TNODE] > builtinTypes ? laterName : builtinName, cause);
+        return {open(other.recCount[TNODE] > builtinTypes ? laterName : builtinName, cause), ""};
     const Tree* tree = open(path.string(), cause);
-    if (tree == nullptr) {
-        error = "module " + name + ": " + cause;
-        return nullptr;
-    }
-    if (tree->moduleName() != name || tree->mNode(1).modTimeStamp != other.modTimeStamp) {
-        error = path.string() + ": " +
-                (tree->moduleName() != name
-                     ? "holds module " + std::string(tree->moduleName()) + ", not " + name
-                     : "is of another run than " + from.path());
-        return nullptr;
-    }
-    return tree;
+    if (tree == nullptr) return {nullptr, "module " + name + ": " + cause};
+    if (tree->moduleName() != name)
+        return {nullptr, path.string() + ": holds module " + std::string(tree->moduleName()) +
+                             ", not " + name};
+    if (!describes(other, tree->mNode(1)))
+        return {nullptr, path.string() + ": is of another run than " + from.path()};
+    return {tree, ""};
 }
 
 TypeRef typeOf(Trees& trees, const Tree& from, const Link& link, std::string& error) {
