@@ -97,11 +97,12 @@ TEST(StxDump, SummaryGivesCountsFinalTagsAndBounds) {
     m.modules[1].importsState = 0x22;
     m.types[0].next = 5;
     TNode& i = m.type("I", TYP_INTEGER, TCS_HEADER);
-    i.tags = 2, i.lowerBound = i64of(-5), i.checkFlags = CF_EXTENSIBLE;
-    i.upperBound = i64of(-1), i.boundForms = BOUND_BEYOND << upperBoundShift;
+    i.tags = 2, i.checkFlags = CF_EXTENSIBLE, i.constraint = 1;
+    m.subs = {{0, SUB_RANGE, SUBF_LOWER | SUBF_UPPER, {}, 1, 5, 1, 0, 0, 2, 1}};
     m.tags.push_back({TAG_APPLICATION, TAGMODE_IMPLICIT, 7, 0});
     VNode& v = m.value("v", TYP_INTEGER, VST_HEADER);
     v.govType = 5, v.govTypeMod = 1, v.val.integer = {i64max(), m.text("18446744073709551616")};
+    m.value("", TYP_INTEGER).val.number = i64of(-5);
     m.modules[0].firstValAss = 1;
     const Dump result = dumpM(runWith(m, moduleN()), {"--summary"});
     EXPECT_EQ(result.err, "");
@@ -110,12 +111,12 @@ TEST(StxDump, SummaryGivesCountsFinalTagsAndBounds) {
               "    written     version 2.13, 28.07.2026 10:11.12\n"
               "    exports     all\n"
               "    options     TYP ALLOW\n"
-              "    records     mNode 2, tNode 5, vNode 1, tagRec 2, subRec 0, tedRec 0, sNode 0, "
+              "    records     mNode 2, tNode 5, vNode 2, tagRec 2, subRec 1, tedRec 0, sNode 0, "
               "string 9, string16 0, string32 0\n"
               "    modules     2 N (n.stx), by IMPORTS\n"
               "    types       2\n"
-              "        T  SEQUENCE  [UNIVERSAL 16]                              0 entries\n"
-              "        I  INTEGER   [APPLICATION 7]  -5..>18446744073709551615  EXTENSIBLE\n"
+              "        T  SEQUENCE  [UNIVERSAL 16]                             0 entries\n"
+              "        I  INTEGER   [APPLICATION 7]  -5..18446744073709551616  EXTENSIBLE\n"
               "    values      1\n"
               "        v  INTEGER  18446744073709551616\n");
 }
@@ -130,7 +131,7 @@ TEST(StxDump, TypeIsShownWithTheDefinitionsOfOtherFilesOnce) {
               "            x  BOOLEAN  [0]\n"
               "            ...\n"
               "            y  INTEGER  [1]  (1..10)  1..10\n"
-              "    l  SEQUENCE OF  [UNIVERSAL 16]  MIN..MAX\n"
+              "    l  SEQUENCE OF  [UNIVERSAL 16]  0..MAX\n"
               "        *  N.U = SEQUENCE  [5]\n"
               "            N.U  SEQUENCE  [5]  MANDATORY EXTENSIBLE AUTOMATIC_TAGS  (see above)\n");
 }

@@ -306,6 +306,9 @@ struct ValueRef {
 /// What to do with a tree that is not checked.
 enum class Unchecked : uint8_t { refuse, accept };
 
+struct ConstraintMemo; // of stxconstraint.h
+struct StructureMemo;  // of stxcomponents.h
+
 /// The files of a compilation, opened as references lead to them: each lies beside the file that
 /// refers to it and must come from the same run. Trees stay where they are until the object ends.
 class Trees {
@@ -323,6 +326,13 @@ class Trees {
     /// tags.
     enum class Skip : uint8_t { Plain, Fields, Untagged };
     TypeRef skip(TypeRef type, Skip how, std::string& error);
+
+    /// What is worked out once and kept is counted, in steps of about a record read: false when it
+    /// was more than the files can need that are open. Trees of a compiler never come near.
+    [[nodiscard]] bool spend(uint64_t steps);
+    // kept by the units that work them out
+    std::shared_ptr<ConstraintMemo> constraints;
+    std::shared_ptr<StructureMemo> structures;
 
   private:
     struct Entry {
@@ -351,6 +361,7 @@ class Trees {
     std::map<std::pair<const Tree*, uint32_t>, Reached> reached_;
     bool acceptsUnchecked_ = false;
     std::string refused_;
+    uint64_t spent_ = 0, allowance_ = 4'000'000;
     std::map<Key, End> ends_; // where chains of references end
 };
 

@@ -21,6 +21,8 @@ constexpr const char *builtinName = "(ISO8824)", *laterName = "(ISO8824, 2021)";
 constexpr uint32_t builtinTypes = 120;
 /// Tagged types that refer to one another, for one list of tags.
 constexpr int maxTags = 1000;
+/// What a record may cost when everything is worked out.
+constexpr uint64_t stepsPerRecord = 64;
 constexpr std::string_view uncheckedText = ": not checked: the run had errors";
 
 uint32_t lastOfChain(const Tree& tree, int64_t first) {
@@ -61,6 +63,9 @@ const Tree* Trees::open(const std::string& path, std::string& error, Unchecked u
         const bool sound = builtin ? tree->parse(path, builtinTree(path == laterName), entry.error)
                                    : tree->open(path, entry.error);
         if (sound) entry.tree = std::move(tree);
+        if (sound)
+            for (int kind = 0; kind < kindCount; ++kind)
+                allowance_ += stepsPerRecord * entry.tree->count(static_cast<Kind>(kind));
         entry.usable = sound && (builtin || entry.tree->checked());
     }
     if (!entry.tree)
@@ -110,6 +115,11 @@ Trees::Reached Trees::reach(const Tree& from, uint32_t refMod) {
     if (!describes(other, tree->mNode(1)))
         return {nullptr, path.string() + ": is of another run than " + from.path()};
     return {tree, ""};
+}
+
+bool Trees::spend(uint64_t steps) {
+    spent_ += steps;
+    return spent_ <= allowance_;
 }
 
 TypeRef typeOf(Trees& trees, const Tree& from, const Link& link, std::string& error) {

@@ -86,7 +86,7 @@ std::string typeLine(Walk& walk, TypeRef type, int64_t automaticTag) {
         addPart(line, tagsText(stx::finalTags(walk.trees, type, automaticTag, error)));
         addPart(line, stx::constraintText(walk.trees, *type.tree,
                                           stx::constraintOf(*type.tree, type.nr)));
-        addPart(line, boundsOf(walk.trees, type));
+        addPart(line, stx::effectiveText(walk.trees, type));
     }
     note(walk, error);
     addPart(line, namedText(walk, type));
