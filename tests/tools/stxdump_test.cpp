@@ -98,11 +98,12 @@ TEST(StxDump, SummaryGivesCountsFinalTagsAndBounds) {
     m.types[0].next = 5;
     TNode& i = m.type("I", TYP_INTEGER, TCS_HEADER);
     i.tags = 2, i.checkFlags = CF_EXTENSIBLE, i.constraint = 1;
-    m.subs = {{0, SUB_RANGE, SUBF_LOWER | SUBF_UPPER, {}, 1, 5, 1, 0, 0, 2, 1}};
+    m.subs = {{0, SUB_RANGE, SUBF_LOWER | SUBF_UPPER, {}, 1, 5, 1, 0, 0, 2, 3}};
     m.tags.push_back({TAG_APPLICATION, TAGMODE_IMPLICIT, 7, 0});
     VNode& v = m.value("v", TYP_INTEGER, VST_HEADER);
     v.govType = 5, v.govTypeMod = 1, v.val.integer = {i64max(), m.text("18446744073709551616")};
     m.value("", TYP_INTEGER).val.number = i64of(-5);
+    m.value("", TYP_INTEGER).val.integer = m.values[0].val.integer;
     m.modules[0].firstValAss = 1;
     const Dump result = dumpM(runWith(m, moduleN()), {"--summary"});
     EXPECT_EQ(result.err, "");
@@ -111,7 +112,7 @@ TEST(StxDump, SummaryGivesCountsFinalTagsAndBounds) {
               "    written     version 2.13, 28.07.2026 10:11.12\n"
               "    exports     all\n"
               "    options     TYP ALLOW\n"
-              "    records     mNode 2, tNode 5, vNode 2, tagRec 2, subRec 1, tedRec 0, sNode 0, "
+              "    records     mNode 2, tNode 5, vNode 3, tagRec 2, subRec 1, tedRec 0, sNode 0, "
               "string 9, string16 0, string32 0\n"
               "    modules     2 N (n.stx), by IMPORTS\n"
               "    types       2\n"

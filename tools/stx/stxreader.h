@@ -236,6 +236,7 @@ class Tree {
     bool checkRecord(Kind kind, uint32_t nr, std::string& error) const;
     bool checkLink(Kind kind, uint32_t nr, const Field& field, std::string& error) const;
     bool checkLists(std::string& error) const;
+    bool checkOwners(std::string& error) const;
     bool owns(Kind kind, uint32_t nr) const;
 
     std::string path_;
