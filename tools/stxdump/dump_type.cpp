@@ -4,7 +4,7 @@
 
 #include "stxdump.h"
 
-#include <map>
+#include <algorithm>
 #include <set>
 
 namespace stxdump {
@@ -42,7 +42,6 @@ void note(Walk& walk, const std::string& error) {
 }
 
 std::string presence(Walk& walk, const Tree& tree, const stx::TNode& node) {
-    if (node.role() == stx::TCS_COMPOF) return "COMPONENTS OF";
     if (node.role() != stx::TCS_OPTIONAL) return "";
     if (node.defaultVal == 0) return "OPTIONAL";
     return "DEFAULT " + stx::valueText(walk.trees, {&tree, node.defaultVal});
@@ -97,13 +96,36 @@ std::string typeLine(Walk& walk, TypeRef type, int64_t automaticTag) {
     return line;
 }
 
+/// The components as they take part in the structure, in the order of the text.
+struct Cursor {
+    const std::vector<stx::Component>& list;
+    size_t at = 0;
+};
+
+/// An entry; COMPONENTS OF with what it brings in below, whose tags are those it has here.
+void showEntry(Walk& walk, TypeRef entry, Cursor& cursor) {
+    size_t members = 1;
+    const bool included = entry.node().role() == stx::TCS_COMPOF;
+    if (included) {
+        std::string error;
+        const TypeRef from = stx::skipTypes(walk.trees, entry, false, error);
+        const std::vector<stx::Component> inside = stx::allComponents(walk.trees, from, error);
+        note(walk, error);
+        members =
+            static_cast<size_t>(std::ranges::count(inside, false, &stx::Component::extension));
+        walk.out.add(indent(walk) + "COMPONENTS OF  " + kindText(walk.trees, entry) + '\n');
+        ++walk.depth;
+    }
+    for (; members > 0 && cursor.at < cursor.list.size(); --members, ++cursor.at)
+        showType(walk, cursor.list[cursor.at].type, cursor.list[cursor.at].automaticTag);
+    if (included) --walk.depth;
+}
+
 void showComponents(Walk& walk, TypeRef type) {
     std::string error;
-    std::map<uint32_t, int64_t> automatic;
-    if ((type.node().checkFlags & stx::CF_AUTOMATIC_TAGS) != 0)
-        for (const stx::Component& entry : stx::allComponents(walk.trees, type, error))
-            if (entry.type.tree == type.tree) automatic[entry.type.nr] = entry.automaticTag;
+    const std::vector<stx::Component> list = stx::allComponents(walk.trees, type, error);
     note(walk, error);
+    Cursor cursor{list};
     for (const uint32_t nr : stx::components(*type.tree, type.nr, true)) {
         const stx::TNode node = type.tree->tNode(nr);
         if (node.typeCode == stx::TYP_EXTENSION_MARKER) {
@@ -115,10 +137,7 @@ void showComponents(Walk& walk, TypeRef type) {
         if (group) walk.out.add(indent(walk) + stx::groupText(node) + '\n');
         const std::vector<uint32_t> entries =
             group ? stx::components(*type.tree, nr) : std::vector<uint32_t>{nr};
-        for (const uint32_t entry : entries) {
-            const auto tag = automatic.find(entry);
-            showType(walk, {type.tree, entry}, tag == automatic.end() ? -1 : tag->second);
-        }
+        for (const uint32_t entry : entries) showEntry(walk, {type.tree, entry}, cursor);
         if (group) walk.out.add(indent(walk) + "]]\n");
     }
 }
