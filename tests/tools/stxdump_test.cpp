@@ -137,6 +137,32 @@ TEST(StxDump, TypeIsShownWithTheDefinitionsOfOtherFilesOnce) {
               "            N.U  SEQUENCE  [5]  MANDATORY EXTENSIBLE AUTOMATIC_TAGS  (see above)\n");
 }
 
+TEST(StxDump, SetsShowTheirObjectsAndComponentsOfWhatItBringsIn) {
+    const RunResult run =
+        compile({{"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                           "C ::= CLASS { &id INTEGER, &Type OPTIONAL, &b BOOLEAN DEFAULT TRUE }\n"
+                           "one C ::= { &id 1, &Type NULL }\n"
+                           "Set C ::= { one | { &id 2, &b FALSE }, ... }\n"
+                           "A ::= SEQUENCE { a NULL, b T2, ..., c NULL }\n"
+                           "B ::= SEQUENCE { x NULL, COMPONENTS OF A, y NULL }\n"
+                           "T1 ::= INTEGER (0..100)\nT2 ::= T1 (5..10)\nEND\n"}},
+                {"-STANDARD-VERSION=2021"});
+    ASSERT_EQ(run.status, 0) << run.diagnostics("m");
+    EXPECT_EQ(dumpM(run, {"--type", "Set"}).out, "M.Set  C = CLASS\n"
+                                                 "    one  {&id 1, &Type NULL, &b TRUE}\n"
+                                                 "    *  {&id 2, &b FALSE}\n"
+                                                 "    ...\n");
+    EXPECT_EQ(dumpM(run, {"--type", "B"}).out,
+              "M.B  SEQUENCE  [UNIVERSAL 16]  MANDATORY AUTOMATIC_TAGS\n"
+              "    x  NULL  [0]\n"
+              "    COMPONENTS OF  A = SEQUENCE\n"
+              "        a  NULL  [1]\n"
+              "        b  T2 = INTEGER  [2]  5..10\n"
+              "            M.T2  T1 = INTEGER  [UNIVERSAL 2]  (5..10)  5..10\n"
+              "                M.T1  INTEGER  [UNIVERSAL 2]  (0..100)  0..100\n"
+              "    y  NULL  [3]\n");
+}
+
 TEST(StxDump, WrongUsageAndDamagedFilesHaveTheirExitStatus) {
     const RunResult run = runWith(moduleM(), moduleN());
     const std::string file = (run.dir->path() / "m.stx").string();

@@ -309,6 +309,10 @@ enum class Unchecked : uint8_t { refuse, accept };
 
 struct ConstraintMemo; // of stxconstraint.h
 struct StructureMemo;  // of stxcomponents.h
+struct ObjectMemo;     // of stxobjects.h
+
+/// Stands for the path of the built-in module, which has no file.
+inline constexpr const char* builtinModule = "(ISO8824)";
 
 /// The files of a compilation, opened as references lead to them: each lies beside the file that
 /// refers to it and must come from the same run. Trees stay where they are until the object ends.
@@ -334,6 +338,7 @@ class Trees {
     // kept by the units that work them out
     std::shared_ptr<ConstraintMemo> constraints;
     std::shared_ptr<StructureMemo> structures;
+    std::shared_ptr<ObjectMemo> objects;
 
   private:
     struct Entry {

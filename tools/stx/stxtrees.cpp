@@ -10,8 +10,8 @@
 namespace stx {
 namespace {
 
-/// Stand for the path of the built-in module: as it was, and with the later types.
-constexpr const char *builtinName = "(ISO8824)", *laterName = "(ISO8824, 2021)";
+/// The built-in module with the later types.
+constexpr const char* laterName = "(ISO8824, 2021)";
 /// Types of the built-in module in a run without modules of today's notation.
 constexpr uint32_t builtinTypes = 120;
 /// What a record may cost when everything is worked out.
@@ -54,7 +54,7 @@ const Tree* Trees::open(const std::string& path, std::string& error, Unchecked u
     Entry& entry = at->second;
     if (isNew) {
         auto tree = std::make_unique<Tree>();
-        const bool builtin = path == builtinName || path == laterName;
+        const bool builtin = path == builtinModule || path == laterName;
         const bool sound = builtin ? tree->parse(path, builtinTree(path == laterName), entry.error)
                                    : tree->open(path, entry.error);
         if (sound) entry.tree = std::move(tree);
@@ -101,7 +101,7 @@ Trees::Reached Trees::reach(const Tree& from, uint32_t refMod) {
     std::string cause;
     std::error_code failed;
     if (name == "ISO8824" && !std::filesystem::exists(path, failed))
-        return {open(other.recCount[TNODE] > builtinTypes ? laterName : builtinName, cause), ""};
+        return {open(other.recCount[TNODE] > builtinTypes ? laterName : builtinModule, cause), ""};
     const Tree* tree = open(path.string(), cause);
     if (tree == nullptr) return {nullptr, "module " + name + ": " + cause};
     if (tree->moduleName() != name)

@@ -4,6 +4,8 @@
 
 #include "stxdump.h"
 
+#include "stx/stxobjects.h"
+
 #include <algorithm>
 #include <set>
 
@@ -142,12 +144,66 @@ void showComponents(Walk& walk, TypeRef type) {
     }
 }
 
+/// "&id 1": a field of an object with what it is set to; "" for one that is not.
+std::string settingText(Walk& walk, const stx::Setting& setting) {
+    if (setting.origin == stx::Setting::Origin::Absent) return "";
+    const std::string name = '&' + std::string(setting.name) + ' ';
+    if (setting.value) return name + stx::valueText(walk.trees, setting.value);
+    const TypeRef type = setting.type;
+    if (setting.kind == stx::FieldKind::Type || !type)
+        return name + stx::typeText(walk.trees, type);
+    const uint32_t constraint = stx::constraintOf(*type.tree, type.nr);
+    if (constraint == 0) return name + stx::typeText(walk.trees, type);
+    const std::string set = stx::constraintText(walk.trees, *type.tree, constraint);
+    return name + '{' + set.substr(1, set.size() - 2) + '}';
+}
+
+void showObject(Walk& walk, TypeRef set, stx::ValueRef object) {
+    const stx::Result<stx::Settings> fields = stx::settings(walk.trees, object);
+    note(walk, fields.error);
+    const std::string_view name = object.tree->text(object.node().name);
+    std::string line;
+    if (!name.empty() && object.tree != set.tree)
+        line = std::string(object.tree->moduleName()) + '.';
+    line += name.empty() ? "*" : name;
+    line += "  {";
+    bool first = true;
+    for (const stx::Setting& setting : fields->fields) {
+        const std::string text = settingText(walk, setting);
+        if (text.empty()) continue;
+        line += (first ? "" : ", ") + text;
+        first = false;
+    }
+    walk.out.add(indent(walk) + line + "}\n");
+}
+
+/// The objects of a set with all their fields; false where the type is no set of objects.
+bool showObjects(Walk& walk, TypeRef type) {
+    if ((type.node().nodeFlags & stx::NF_SET) == 0 || type.node().name <= 0 ||
+        !isClass(walk.trees, type) || type.node().role() != stx::TCS_HEADER)
+        return false;
+    const stx::Result<stx::ObjectSet> set = stx::objectsOf(walk.trees, type);
+    if (!set) {
+        note(walk, set.error);
+        walk.out.add(indent(walk) + '(' + set.error + ")\n");
+        return true;
+    }
+    for (size_t nr = 0; nr < set->objects.size(); ++nr) {
+        if (nr == set->rootCount) walk.out.add(indent(walk) + "...\n");
+        showObject(walk, type, set->objects[nr]);
+    }
+    if (set->extensible && set->objects.size() == set->rootCount)
+        walk.out.add(indent(walk) + "...\n");
+    return true;
+}
+
 /// What stands below a node: its components, or the definition that it refers to.
 void showInside(Walk& walk, TypeRef type) {
     if (walk.depth > maxNesting) {
         walk.out.add(indent(walk) + "...\n");
         return;
     }
+    if (!type.node().isParameterized() && showObjects(walk, type)) return;
     std::string error;
     const uint8_t code = type.node().typeCode;
     if (code < stx::typeCount && stx::typeTable[code].structured && code != stx::TYP_SELECTION)
