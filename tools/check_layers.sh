@@ -56,9 +56,13 @@ awk '
 
 # Lines "rank layer object type symbol" of what the objects define and take.
 symbols=$(cd "$build" && while read -r rank layer; do
-    objects=liborvo_$layer.a
-    [ "$layer" != program ] || objects=CMakeFiles/orvo.dir/src/driver/main.cpp.o
-    nm -gPA "$objects" |
+    objects=(liborvo_$layer.a)
+    [ "$layer" != program ] || objects=(CMakeFiles/orvo.dir/src/driver/*.o)
+    for object in $([ "$layer" = program ] && echo "${objects[@]##*/}" || ar t "${objects[@]}"); do
+        echo "$rank $layer ${object%.o} . ." # it may be empty
+    done
+    # Operators new and delete are the language's, wherever they are defined.
+    nm -gPA "${objects[@]}" 2>/dev/null | grep -vE ': _Z(n|d)[wal]' |
         sed "s/^[^ ]*[[/]\([^][/ ]*\)\.o\]*: \([^ ]*\) \(.\).*/$rank $layer \1 \3 \2/" || exit 1
 done <<<"$layers") || fail "Not all layers are built."
 compare "The objects of a layer shall be those of its units." \

@@ -1,13 +1,12 @@
 #include "tree/orvoutil_mem.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
 #include <cstring>
 
 #include "diag/orvoerr_fatal.h"
+#include "util/arena.h"
 
 namespace orvo {
 namespace {
@@ -21,48 +20,27 @@ void* requireBlock(void* block) {
     return block;
 }
 
-constexpr size_t hugePage = size_t{2} << 20;
-
-/// Address space from the start of a large page on; null when there is none.
-std::byte* mapHugePages(size_t size) {
-    void* mapped =
-        mmap(nullptr, size + hugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (mapped == MAP_FAILED) return nullptr;
-    auto* const first = static_cast<std::byte*>(mapped);
-    const size_t before = -std::bit_cast<uintptr_t>(first) % hugePage;
-    if (before != 0) munmap(first, before);
-    munmap(first + before + size, hugePage - before);
-#ifdef MADV_HUGEPAGE
-    madvise(first + before, size, MADV_HUGEPAGE); // without them it is slower, no more
-#endif
-    return first + before;
-}
-
 } // namespace
 
-void Pool::Unmap::operator()(std::byte* chunk) const {
-    if (size != 0)
-        munmap(chunk, size);
-    else
-        efree(chunk);
+#ifdef NDEBUG
+void Pool::GiveBack::operator()(std::byte* chunk) const {
+    giveMemoryBack(chunk, size);
 }
 
 void Pool::addChunk(size_t size) {
-#ifdef NDEBUG
-    constexpr size_t smallChunk = 65536, mostSmall = 2 * hugePage, largestChunk = 16 * hugePage;
-    const bool huge = total_ >= mostSmall;
-    if (huge) {
-        size = std::max(size, std::min(total_ / 4, largestChunk));
-        size = (size + hugePage - 1) / hugePage * hugePage;
-    } else {
-        size = std::max(size, smallChunk);
-    }
-#else
-    constexpr bool huge = false; // each by itself, so that a sanitizer sees where it ends
+    constexpr size_t smallest = 65536, largest = size_t{2} << 20;
+    size = std::max(size, std::clamp(std::bit_floor(total_ / 4), smallest, largest));
+    std::byte* chunk = takeMemory(size);
+#else // each by itself, so that a sanitizer sees where it ends
+void Pool::GiveBack::operator()(std::byte* chunk) const {
+    efree(chunk);
+}
+
+void Pool::addChunk(size_t size) {
+    auto* chunk = static_cast<std::byte*>(ezalloc(size));
 #endif
-    std::byte* chunk = huge ? mapHugePages(size) : static_cast<std::byte*>(ezalloc(size));
     if (chunk == nullptr) fatalError(Fatal::NoSpace);
-    chunks_.emplace_back(chunk, Unmap{huge ? size : 0});
+    chunks_.emplace_back(chunk, GiveBack{size});
     end_ = chunk + size;
     left_ = size;
     total_ += size;

@@ -28,8 +28,7 @@ struct EFree {
 /// Owner of a block.
 template <typename T> using EBlock = std::unique_ptr<T, EFree>;
 
-/// Zero-filled blocks that are given back all at once. Once there are many, they come from pages of
-/// 2 MB, which the system makes and clears in less than half the time of small ones: 12 % of a run.
+/// Zero-filled blocks that are given back all at once.
 class Pool {
   public:
     static constexpr size_t alignment = alignof(uint64_t);
@@ -43,13 +42,13 @@ class Pool {
     }
 
   private:
-    struct Unmap {
-        size_t size = 0; // 0: not mapped, allocated
+    struct GiveBack {
+        size_t size = 0;
         void operator()(std::byte* chunk) const;
     };
     void addChunk(size_t size);
 
-    std::vector<std::unique_ptr<std::byte, Unmap>> chunks_;
+    std::vector<std::unique_ptr<std::byte, GiveBack>> chunks_;
     std::byte* end_ = nullptr; // of the last chunk
     size_t left_ = 0;          // bytes in front of it that are free
     size_t total_ = 0;
