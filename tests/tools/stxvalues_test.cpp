@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "stx/stxnotation.h"
 #include "support/tree.h"
 
 namespace orvo::test {
@@ -141,6 +142,61 @@ TEST(StxValues, AccessorsFollowReferencesAndSayWhatIsNotThere) {
     for (const auto& row : cases) {
         SCOPED_TRACE(row.notation);
         EXPECT_EQ(accessed(facts, row.name), row.value);
+    }
+}
+
+TEST(StxValues, TextsAreWholeAndInTheNotation) {
+    constexpr const char* same = nullptr; // names followed or not
+    const struct {
+        const char *notation, *named, *followed;
+    } cases[] = {
+        {"INTEGER { five-5(5) } ::= five-5", "five-5", "5"},
+        {"INTEGER ::= far-off", "N.far-off", "50"},
+        {"INTEGER ::= pv {50, 7}", "pv {50, 7}", "7"},
+        {"ENUMERATED { p, q-r(7) } ::= q-r", "q-r", same},
+        {"BIT STRING { x-1(0), y(9) } ::= { y, x-1 }", "{y, x-1}", same},
+        {"BIT STRING ::= '0101'B", "'0101'B", same},
+        {"OCTET STRING (CONTAINING INTEGER) ::= CONTAINING far-off", "CONTAINING N.far-off",
+         "CONTAINING 50"},
+        {"IA5String ::= \"a\"\"b\\\"", "\"a\"\"b\\\"", same},
+        {"IA5String ::= \"\"", "\"\"", same},
+        {"IA5String ::= { {0,10} }", "{{0,10}}", "{0,10}"},
+        {"IA5String ::= { \"a\", nl, nl, \"b\" }", "{\"a\", nl, nl, \"b\"}",
+         "{\"a\", {0,10}, {0,10}, \"b\"}"},
+        {"UTF8String ::= \"1\xe2\x82\xac\"", "{\"1\", {0,0,32,172}}", same},
+        {"TeletexString ::= \"\xc3\xa9\"", "\"\xc3\xa9\"", same},
+        {"REAL ::= 2.50", "{mantissa 25, base 10, exponent -1}", same},
+        {"OBJECT IDENTIFIER ::= { d-1 name-1(5) far-off }", "{d-1 name-1(5) N.far-off}",
+         "{1 2 5 50}"},
+        {"SEQUENCE { a-b INTEGER, c CHOICE { d-e NULL } } ::= { a-b far-off, c d-e : NULL }",
+         "{a-b N.far-off, c d-e : NULL}", "{a-b 50, c d-e : NULL}"},
+        {"SEQUENCE OF T-1 ::= { TRUE, o.&flag }", "{TRUE, o.&flag}", "{TRUE, FALSE}"},
+        {"CLS.&Type ::= T-1 : TRUE", "T-1 : TRUE", same},
+        {"CLS ::= { &Type T-1, &flag TRUE, &Set { 1 | far-off } }",
+         "{&Type T-1, &flag TRUE, &Set {1 | N.far-off}}", same},
+    };
+    std::string text = "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN IMPORTS far-off FROM N;\n"
+                       "CLS ::= CLASS { &Type OPTIONAL, &flag BOOLEAN, &Set INTEGER OPTIONAL }\n"
+                       "o CLS ::= { &flag FALSE }\nnl IA5String ::= { {0,10} }\nT-1 ::= BOOLEAN\n"
+                       "d-1 OBJECT IDENTIFIER ::= { 1 2 }\n"
+                       "pv {INTEGER:m, INTEGER:n} INTEGER (0..m) ::= n\n";
+    int nr = 0;
+    for (const auto& row : cases) text += 'v' + std::to_string(++nr) + ' ' + row.notation + '\n';
+    const RunResult run =
+        compile({{"m.asn", text + "END\n"},
+                 {"n.asn", "N DEFINITIONS ::= BEGIN far-off INTEGER ::= 50 END\n"}},
+                {"-STANDARD-VERSION=2021"});
+    ASSERT_EQ(run.status, 0) << run.diagnostics("m");
+    const TreeFacts facts(run, "m");
+    nr = 0;
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.notation);
+        const stx::ValueRef value = facts.value('v' + std::to_string(++nr));
+        const auto named = stx::valueText(facts.trees(), value, {});
+        const auto followed =
+            stx::valueText(facts.trees(), value, {stx::Naming::Followed, nullptr});
+        EXPECT_EQ(named.value + named.error, row.named);
+        EXPECT_EQ(followed.value + followed.error, row.followed == same ? row.named : row.followed);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "stxdump.h"
 
+#include "stx/stxnotation.h"
 #include "stx/stxobjects.h"
 
 #include <algorithm>
@@ -18,6 +19,8 @@ using stx::TypeRef;
 namespace {
 
 constexpr int maxNesting = 600;
+/// Settings of objects are shown with references followed while they are no longer.
+constexpr size_t maxValue = 200;
 
 struct Walk {
     Trees& trees;
@@ -148,7 +151,12 @@ void showComponents(Walk& walk, TypeRef type) {
 std::string settingText(Walk& walk, const stx::Setting& setting) {
     if (setting.origin == stx::Setting::Origin::Absent) return "";
     const std::string name = '&' + std::string(setting.name) + ' ';
-    if (setting.value) return name + stx::valueText(walk.trees, setting.value);
+    if (setting.value) {
+        const stx::ValueStyle style{stx::Naming::Followed, nullptr};
+        const stx::Result<std::string> text = stx::valueText(walk.trees, setting.value, style);
+        return name + (text && text->size() < maxValue ? *text
+                                                       : stx::valueText(walk.trees, setting.value));
+    }
     const TypeRef type = setting.type;
     if (setting.kind == stx::FieldKind::Type || !type)
         return name + stx::typeText(walk.trees, type);
