@@ -217,6 +217,7 @@ struct SnapState {
     std::vector<ModuleRec*> touched;  // those of the outermost trial first
     std::vector<size_t> starts;       // by trial: its first entry in `touched`
     std::vector<ModuleMarks> modules; // by handle
+    std::vector<ModuleRec*> grown;    // in the trial that ended last
 };
 SnapState snapState;
 
@@ -300,8 +301,7 @@ void restoreNoted(ModuleRec* module, const Mark& note, const ModuleMarks& marks)
 
 /// Takes the innermost trial's note of a module away. `inherit`: the enclosing trial takes it over
 /// unless it has one of its own. True when it did.
-bool endNote(ModuleRec* module, bool inherit) {
-    ModuleMarks& marks = marksOf(module);
+bool endNote(ModuleRec* module, ModuleMarks& marks, bool inherit) {
     Mark note = marks.notes.back();
     marks.notes.pop_back();
     while (!marks.pins.empty() && marks.pins.back().trial >= note.trial) marks.pins.pop_back();
@@ -315,28 +315,27 @@ bool endNote(ModuleRec* module, bool inherit) {
     return inherit;
 }
 
-/// Ends the innermost trial. The modules in which it has created records are handed out when it is
+/// Ends the innermost trial. The modules in which it has created records are `grown` when it is
 /// kept. A module that was only visited needs no note any more: it gets another one when it is
 /// visited again.
-std::vector<ModuleRec*> endTrial(bool kept) {
-    std::vector<ModuleRec*> grown;
+void endTrial(bool kept) {
+    snapState.grown.clear();
     const size_t start = snapState.starts.back();
     size_t inherited = start;
     flushRecs(-1);
     for (size_t i = start; i < snapState.touched.size(); ++i) {
         ModuleRec* const module = snapState.touched[i];
-        const ModuleMarks& marks = marksOf(module);
+        ModuleMarks& marks = marksOf(module);
         const bool hasNew = kept && hasGrown(module, marks.notes.back().counters);
-        if (hasNew) grown.push_back(module);
+        if (hasNew) snapState.grown.push_back(module);
         if (!kept) restoreNoted(module, marks.notes.back(), marks);
-        if (endNote(module, hasNew || (kept && module == cMP)))
+        if (endNote(module, marks, hasNew || (kept && module == cMP)))
             snapState.touched[inherited++] = module;
     }
     snapState.touched.resize(inherited);
     snapState.starts.pop_back();
     --trialState.current;
     assert(trialState.current != 0 || snapState.touched.empty()); // all marks are gone with it
-    return grown;
 }
 
 void restoreSnapShot() {
@@ -357,11 +356,11 @@ SnapShot::~SnapShot() {
 void SnapShot::keep() {
     if (done_) return;
     done_ = true;
-    const std::vector<ModuleRec*> grown = endTrial(true);
-    if (grown.empty() || trialState.current == 0) return;
+    endTrial(true);
+    if (snapState.grown.empty() || trialState.current == 0) return;
     const uint32_t trial = firstTrialWith(module_, kind_, nr_);
     if (trial > currentTrial()) return;
-    for (ModuleRec* const module : grown) pin(module, trial);
+    for (ModuleRec* const module : snapState.grown) pin(module, trial);
 }
 
 void SnapShot::restore() {

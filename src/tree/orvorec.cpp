@@ -129,7 +129,8 @@ void readRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
 void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
     const void* buffer = bufferOf(kind);
     if (buffer == nullptr) fatalError(Fatal::WriteRecord);
-    std::memcpy(findWPos(module, kind, nr), buffer, recSize[kind]);
+    void* stored = slotForWriting(module, kind, recSize[kind], nr);
+    std::memcpy(stored != nullptr ? stored : findWPos(module, kind, nr), buffer, recSize[kind]);
     bufferHolds(kind, module, nr);
     setWritten(kind);
 }
