@@ -80,8 +80,8 @@ void setUp() {
     const char* file = std::getenv("ORVO_FAULT_COUNTS");
     const int fd = file == nullptr ? -1 : __real_open(file, O_RDWR);
     if (fd < 0) return;
-    void* shared = __real_mmap(nullptr, sizeof state.ownCounts, PROT_READ | PROT_WRITE, MAP_SHARED,
-                               fd, 0);
+    void* shared =
+        __real_mmap(nullptr, sizeof state.ownCounts, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
     if (shared != MAP_FAILED) state.counts = static_cast<int64_t*>(shared);
     close(fd);
 }
