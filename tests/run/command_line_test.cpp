@@ -97,8 +97,8 @@ TEST(CommandLine, AnOptionFileThatCannotBeReadIsFatal) {
 
 TEST(CommandLine, ABadArgumentIsShownAndEndsInTheUsage) {
     for (const std::string argument :
-         {"-V=5", "-V=0", "-v=1x", "-VERBOSE=LOUD", "-verbose=3", "-KEEP-GOING=on", "-TIMING=x",
-          "-A=", "-L=a\tb", "a b", "a\x80z"}) {
+         {"-V=5", "-V=0", "-v=1x", "-VERBOSE=LOUD", "-verbose=3", "-KEEP-GOING=on", "-CLEAN=2",
+          "-TIMING=x", "-A=", "-L=a\tb", "a b", "a\x80z"}) {
         SCOPED_TRACE(argument);
         const RunResult run = runOrvo({{"x.asn", ""}}, {argument, "x"});
         EXPECT_EQ(run.status, 1);
