@@ -92,7 +92,7 @@ v OBJECT IDENTIFIER ::= { 1 18446744073709551616 } --! Invalid OBJECT IDENTIFIER
 v REAL (9007199254740993) ::= 9007199254740992 --! Value out of single value constraint(s)
 v REAL (0..9007199254740992) ::= 9007199254740993 --! Value out of range constraint(s)
 v REAL (0..9007199254740993) ::= { mantissa 9007199254740993, base 2, exponent 0 }
-v REAL ({ mantissa 125, base 2, exponent -3 }) ::= 15.625 w REAL ({ mantissa -125, base 2, exponent -3 }) ::= -15.625
+v REAL ({ mantissa 125, base 2, exponent -3 }) ::= 15.625 w REAL ({ mantissa -125, base 2, exponent -3 }..0) ::= -15.625
 v REAL (0 | 1 | 2 | 3 | 4 | 5 | 6 | 7 | 8 | 9 | 10 | 11 | 12 | 13 | 14 | 15 | 0.1 | 0.375) ::= { mantissa 3, base 2, exponent -3 }
 v REAL (1E400..2E400) ::= 2E400 w REAL (0<..MAX) ::= PLUS-INFINITY
 v REAL (1E400..2E400) ::= 200000000000000001E383 --! Value out of range constraint(s)

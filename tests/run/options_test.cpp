@@ -90,7 +90,7 @@ TEST(Options, StandInTheWordsOfTheModule) {
     for (size_t bit = 0; bit < std::size(switches); ++bit) {
         if (*switches[bit] == '\0') continue;
         const std::string option = std::string("-") + switches[bit] + "=";
-        EXPECT_EQ(word(option + "NO", 0) ^ word(option + "YES", 0), 1U << bit) << option;
+        EXPECT_EQ(word(option + "YES", 0) - word(option + "NO", 0), 1U << bit) << option;
     }
     EXPECT_EQ(word("-DEFINITION-CATEGORY=m:1", 1) & 255U, 1U);
     EXPECT_EQ(word("-DEFINITION-CATEGORY=n:1", 1), word("-V=1", 1));

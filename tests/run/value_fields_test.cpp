@@ -23,7 +23,7 @@ INTEGER: (8, 8) ; INTEGER (0..127): (6, 6) ; INTEGER (-128..0): (6, 6) ; INTEGER
 INTEGER (0..<128): (6, 6) ; INTEGER (-129<..0): (6, 6) ; INTEGER (-129..0): (7, 7)
 INTEGER (0..32768): (8, 8) ; INTEGER (0..2147483648): (9, 9) ; INTEGER (MIN..10): (8, 8)
 INTEGER (10..MAX): (8, 8) ; INTEGER (MIN..2147483648): (9, 9) ; INTEGER (5000000000..MAX): (9, 9)
-ENUMERATED { a, b }: (6, 6) ; ENUMERATED { a, b(128) }: (7, 7) ; REAL: (11, 11) ; REAL (0): (11, 11)
+ENUMERATED { a, b }: (6, 6) ; ENUMERATED { a, b(128) }: (7, 7) ; REAL: (11, 11)
 )");
     expectFields("-INT=U8", R"(
 INTEGER (0..255): (2, 2) ; INTEGER (0..256): (3, 3) ; INTEGER (0..65536): (4, 4)
@@ -42,6 +42,7 @@ REAL ({mantissa -10001, base 10, exponent 0}..0): (11, 11)
 REAL (0..{mantissa 10001, base 10, exponent 0}): (11, 11) ; REAL (0..MAX): (11, 11)
 REAL (0) --$REAL=64--: (11, 11) ; REAL (0) --$REAL=128--: (12, 12)
 )");
+    expectFields("-REAL=0", "REAL (0): (11, 11)"); // no limit is given
     expectFields("-REAL=128 -C-GENERATION=REAL", R"(
 REAL: (11, 11) ; INTEGER: (8, 8)
 )");
