@@ -188,7 +188,8 @@ A ::= INTEGER --$NEAR=YES--
 B ::= INTEGER --$EXTENSIONS=SAVE $INT=8-- --! W $Option(s) ignored
 C ::= SEQUENCE { a NULL --$ENTRY-- --! W $Option(s) ignored
   , b NULL --$TNAME=x-- } --! W $Option(s) ignored ; W $Option(s) ignored
-v INTEGER ::= 5 --$INT=8--
+E ::= IA5String --$SIZE-LIMIT=4x--
+v INTEGER ::= 5 --$INT=8-- --! W $Option(s) ignored
 --$SKIP--D ::= NULL --! W $Option(s) ignored
 )",
                  automatic);

@@ -66,6 +66,8 @@ TEST(CrossReference, PutsTenUsesOnALine) {
     body += "\nA13 ::= T\nA14 ::= T";
     EXPECT_TRUE(contains(crossReference(compile({moduleM(body)}), "m"),
                          ten + "           13    14\n\nNo user defined values\n"));
+    const std::string far = "T ::= NULL" + std::string(1000, '\n') + "U ::= T";
+    EXPECT_TRUE(contains(crossReference(compile({moduleM(far)}), "m"), "\n   line  1002\n"));
 }
 
 TEST(CrossReference, SortsTheUsesOfBothPasses) {
