@@ -84,9 +84,7 @@ NodeRef nodeOf(TNodeRef list) {
 }
 
 const IncludedList* notedInclusion(TNodeRef first) {
-    const auto& notes = findCacheOf(first.module).included;
-    const auto note = notes.find(first.nr.nr);
-    return note == notes.end() ? nullptr : &note->second;
+    return findCacheOf(first.module).included.find(first.nr.nr);
 }
 
 // ---- what lists bring in ------------------------------------------------------------------------
@@ -186,7 +184,7 @@ class InclusionSum {
             result_.isOpen = false;
             known_[nodeOf(level.list)] = result_;
             if (result_.isFinal)
-                findCacheOf(level.list.module).included[level.list.nr.nr] = result_.sum;
+                findCacheOf(level.list.module).included.set(level.list.nr.nr, result_.sum);
         }
         if (!levels_.empty()) add(result_);
     }
@@ -337,7 +335,6 @@ FindCache& findCacheOf(ModuleRec* module) {
 }
 
 IncludedList includedList(const OpenLists& open) {
-    const KeepRec<KIND_TNODE> keep;
     const TNodeRef first = readIncludedFirst();
     return first ? sumUp(first, open) : IncludedList{};
 }
@@ -351,7 +348,7 @@ void forgetTakenBack(ModuleRec* module) {
     forgetFrom(cache.typeJumps, NoteKey{module->nextRecNr[KIND_TNODE], false});
     forgetFrom(cache.lastNames, module->nextRecNr[KIND_SNODE]);
     forgetFrom(cache.typeChains, module->nextRecNr[KIND_TNODE]);
-    forgetFrom(cache.included, module->nextRecNr[KIND_TNODE]);
+    cache.included.cut(module->nextRecNr[KIND_TNODE]);
     forgetFrom(cache.flatLists, NoteKey{module->nextRecNr[KIND_TNODE], false});
     forgetFrom(cache.valueJumps, NoteKey{module->nextRecNr[KIND_VNODE], false});
     forgetFrom(cache.valueChains, module->nextRecNr[KIND_VNODE]);

@@ -13,6 +13,7 @@
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
 #include "tree/orvoutil_find.h"
+#include "tree/rec_notes.h"
 #include "util/flat.h"
 
 namespace orvo {
@@ -55,7 +56,7 @@ struct FindCache {
     std::map<uint32_t, uint32_t> lastNames; // first entry of a long chain of field names -> last
     std::map<uint32_t, ChainIndex> typeChains;
     std::map<uint32_t, ChainIndex> valueChains;
-    std::map<uint32_t, IncludedList> included;
+    RareNotes<IncludedList> included;
     std::map<NoteKey, FlatIndex> flatLists; // the list as COMPONENTS OF includes it
     FlatIndex unsettledList;                // the one made last of records that may still change
     std::map<uint32_t, GovIndex> govChains;

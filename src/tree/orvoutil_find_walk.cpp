@@ -13,7 +13,7 @@ namespace orvo {
 
 namespace {
 
-constexpr uint32_t jumpStride = 32;
+constexpr uint32_t jumpStride = 8;
 
 /// Reads the last entry of a field name chain; false when there is none.
 bool readLastEntry(ModuleRec* module, SNodeNr first) {

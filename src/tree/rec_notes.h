@@ -20,6 +20,10 @@ template <typename Note> class RecNotes {
         if (nr >= notes_.size()) notes_.resize(nr + nr / 2 + size_t{1});
         notes_[nr] = {note, true};
     }
+    /// Forgets the notes of the records from this number on.
+    void cut(uint32_t nr) {
+        if (nr < notes_.size()) notes_.resize(nr);
+    }
 
   private:
     struct Place {
@@ -27,6 +31,24 @@ template <typename Note> class RecNotes {
         bool known = false;
     };
     std::vector<Place> notes_;
+};
+
+/// Notes that few records have, and that take more than a word.
+template <typename Note> class RareNotes {
+  public:
+    [[nodiscard]] const Note* find(uint32_t nr) const {
+        const uint32_t* place = places_.find(nr);
+        return place != nullptr ? &notes_[*place] : nullptr;
+    }
+    void set(uint32_t nr, const Note& note) {
+        places_.set(nr, static_cast<uint32_t>(notes_.size()));
+        notes_.push_back(note);
+    }
+    void cut(uint32_t nr) { places_.cut(nr); }
+
+  private:
+    RecNotes<uint32_t> places_;
+    std::vector<Note> notes_; // those of records that were cut stay
 };
 
 /// The records that a search has entered, of any modules: one mark a record, numbered by search, so

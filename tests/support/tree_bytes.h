@@ -37,6 +37,7 @@ struct TreeBytes {
         if (!name.empty()) node.name = static_cast<int32_t>(text(name));
         node.typeCode = code;
         node.compStatus = role;
+        if (role == TCS_HEADER) node.checkState = CHECK_DONE;
         node.lenForm = node.skipOpt = 255;
         node.lowerBound = i64of(INT64_MIN);
         node.upperBound = i64of(INT64_MAX);
@@ -48,6 +49,7 @@ struct TreeBytes {
         if (!name.empty()) node.name = static_cast<int32_t>(text(name));
         node.valCode = code;
         node.valStatus = status;
+        if (status == VST_HEADER) node.checkState = CHECK_DONE;
         values.push_back(node);
         return values.back();
     }

@@ -97,11 +97,13 @@ TEST(StxDump, SummaryGivesCountsFinalTagsAndBounds) {
     m.modules[1].importsState = 0x22;
     m.types[0].next = 5;
     TNode& i = m.type("I", TYP_INTEGER, TCS_HEADER);
-    i.tags = 2, i.lowerBound = i64of(-5), i.checkFlags = CF_EXTENSIBLE;
-    i.upperBound = i64of(-1), i.boundForms = BOUND_BEYOND << upperBoundShift;
+    i.tags = 2, i.checkFlags = CF_EXTENSIBLE, i.constraint = 1;
+    m.subs = {{0, SUB_RANGE, SUBF_LOWER | SUBF_UPPER, {}, 1, 5, 1, 0, 0, 2, 3}};
     m.tags.push_back({TAG_APPLICATION, TAGMODE_IMPLICIT, 7, 0});
     VNode& v = m.value("v", TYP_INTEGER, VST_HEADER);
     v.govType = 5, v.govTypeMod = 1, v.val.integer = {i64max(), m.text("18446744073709551616")};
+    m.value("", TYP_INTEGER).val.number = i64of(-5);
+    m.value("", TYP_INTEGER).val.integer = m.values[0].val.integer;
     m.modules[0].firstValAss = 1;
     const Dump result = dumpM(runWith(m, moduleN()), {"--summary"});
     EXPECT_EQ(result.err, "");
@@ -110,12 +112,12 @@ TEST(StxDump, SummaryGivesCountsFinalTagsAndBounds) {
               "    written     version 2.13, 28.07.2026 10:11.12\n"
               "    exports     all\n"
               "    options     TYP ALLOW\n"
-              "    records     mNode 2, tNode 5, vNode 1, tagRec 2, subRec 0, tedRec 0, sNode 0, "
+              "    records     mNode 2, tNode 5, vNode 3, tagRec 2, subRec 1, tedRec 0, sNode 0, "
               "string 9, string16 0, string32 0\n"
               "    modules     2 N (n.stx), by IMPORTS\n"
               "    types       2\n"
-              "        T  SEQUENCE  [UNIVERSAL 16]                              0 entries\n"
-              "        I  INTEGER   [APPLICATION 7]  -5..>18446744073709551615  EXTENSIBLE\n"
+              "        T  SEQUENCE  [UNIVERSAL 16]                             0 entries\n"
+              "        I  INTEGER   [APPLICATION 7]  -5..18446744073709551616  EXTENSIBLE\n"
               "    values      1\n"
               "        v  INTEGER  18446744073709551616\n");
 }
@@ -130,9 +132,35 @@ TEST(StxDump, TypeIsShownWithTheDefinitionsOfOtherFilesOnce) {
               "            x  BOOLEAN  [0]\n"
               "            ...\n"
               "            y  INTEGER  [1]  (1..10)  1..10\n"
-              "    l  SEQUENCE OF  [UNIVERSAL 16]  MIN..MAX\n"
+              "    l  SEQUENCE OF  [UNIVERSAL 16]  0..MAX\n"
               "        *  N.U = SEQUENCE  [5]\n"
               "            N.U  SEQUENCE  [5]  MANDATORY EXTENSIBLE AUTOMATIC_TAGS  (see above)\n");
+}
+
+TEST(StxDump, SetsShowTheirObjectsAndComponentsOfWhatItBringsIn) {
+    const RunResult run =
+        compile({{"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+                           "C ::= CLASS { &id INTEGER, &Type OPTIONAL, &b BOOLEAN DEFAULT TRUE }\n"
+                           "one C ::= { &id 1, &Type NULL }\n"
+                           "Set C ::= { one | { &id 2, &b FALSE }, ... }\n"
+                           "A ::= SEQUENCE { a NULL, b T2, ..., c NULL }\n"
+                           "B ::= SEQUENCE { x NULL, COMPONENTS OF A, y NULL }\n"
+                           "T1 ::= INTEGER (0..100)\nT2 ::= T1 (5..10)\nEND\n"}},
+                {"-STANDARD-VERSION=2021"});
+    ASSERT_EQ(run.status, 0) << run.diagnostics("m");
+    EXPECT_EQ(dumpM(run, {"--type", "Set"}).out, "M.Set  C = CLASS\n"
+                                                 "    one  {&id 1, &Type NULL, &b TRUE}\n"
+                                                 "    *  {&id 2, &b FALSE}\n"
+                                                 "    ...\n");
+    EXPECT_EQ(dumpM(run, {"--type", "B"}).out,
+              "M.B  SEQUENCE  [UNIVERSAL 16]  MANDATORY AUTOMATIC_TAGS\n"
+              "    x  NULL  [0]\n"
+              "    COMPONENTS OF  A = SEQUENCE\n"
+              "        a  NULL  [1]\n"
+              "        b  T2 = INTEGER  [2]  5..10\n"
+              "            M.T2  T1 = INTEGER  [UNIVERSAL 2]  (5..10)  5..10\n"
+              "                M.T1  INTEGER  [UNIVERSAL 2]  (0..100)  0..100\n"
+              "    y  NULL  [3]\n");
 }
 
 TEST(StxDump, WrongUsageAndDamagedFilesHaveTheirExitStatus) {
@@ -156,6 +184,55 @@ TEST(StxDump, WrongUsageAndDamagedFilesHaveTheirExitStatus) {
         EXPECT_EQ(result.status, row.status) << row.err;
         EXPECT_EQ(result.err, "stxdump: " + row.err);
     }
+}
+
+/// M is sound, and N is not checked, or not what M says of it.
+TEST(StxDump, FilesThatAreNotCheckedOrOfAnotherRunAreRefused) {
+    const std::string unchecked = "not checked: the run had errors\n";
+    const std::string stale = "n.stx: is of another run than m.stx";
+    const struct {
+        const char* what;
+        void (*change)(TreeBytes&);
+        std::string text, error;
+    } cases[] = {{"head of a type", [](TreeBytes& n) { n.types[0].checkState = CHECK_SOLVED; }, "",
+                  "stxdump: n.stx: " + unchecked},
+                 {"parameterized",
+                  [](TreeBytes& n) {
+                      n.types[0].next = 5;
+                      TNode& p = n.type("P", TYP_SYNONYM, TCS_HEADER);
+                      p.checkState = CHECK_NEW, p.formals = 6;
+                      n.type("", TYP_NONE, TCS_FORMAL);
+                  },
+                  "M.T  SEQUENCE  [UNIVERSAL 16]\n    u  N.U = SEQUENCE  [0] [5]", ""},
+                 {"head of a value",
+                  [](TreeBytes& n) {
+                      n.value("v", TYP_NULL, VST_HEADER).checkState = CHECK_NEW;
+                      n.modules[0].firstValAss = 3;
+                  },
+                  "", "stxdump: n.stx: " + unchecked}};
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.what);
+        TreeBytes n = moduleN();
+        row.change(n);
+        const RunResult run = runWith(moduleM(), n);
+        const Dump result = dumpM(run, {"--type", "T"});
+        EXPECT_EQ(result.err, row.error);
+        EXPECT_EQ(result.out.empty(), !row.error.empty());
+        EXPECT_TRUE(result.out.starts_with(row.text));
+        EXPECT_EQ(dumpM(run, {"--unchecked", "--type", "T"}).status, 0);
+        EXPECT_EQ(dumpM(run, {}).err, "") << "no other file is read";
+    }
+    const RunResult run = runWith(moduleM(), moduleN());
+    TreeBytes n = moduleN();
+    n.type("", TYP_NONE);
+    std::vector<uint8_t> bytes = n.bytes();
+    run.dir->write({"n.stx", {bytes.begin(), bytes.end()}});
+    EXPECT_EQ(dumpM(run, {"--type", "T"}).err, "stxdump: " + stale + '\n');
+    n = moduleN();
+    n.modules[0].firstTypeAss = 0;
+    bytes = n.bytes();
+    run.dir->write({"n.stx", {bytes.begin(), bytes.end()}});
+    EXPECT_EQ(dumpM(run, {"--type", "T"}).err, "stxdump: " + stale + '\n');
 }
 
 TEST(StxDump, DamagedPairsOfFilesEndInADumpOrAnError) {
@@ -185,7 +262,8 @@ TEST(StxDump, TypesNestedWithoutEndAndCirclesOfReferencesEnd) {
     TreeBytes m;
     m.modules[0].modName = m.text("M");
     m.modules[0].firstTypeAss = 1;
-    for (uint32_t nr = 1; nr <= 5000; ++nr) m.type(nr == 1 ? "T" : "", TYP_SEQOF).ref = nr + 1;
+    for (uint32_t nr = 1; nr <= 5000; ++nr)
+        m.type(nr == 1 ? "T" : "", TYP_SEQOF, nr == 1 ? TCS_HEADER : TCS_MULTIPLE).ref = nr + 1;
     TNode& last = m.type("", TYP_SYNONYM);
     last.refMod = 1, last.ref = 5001;
     const Dump result = dumpM(runWith(m, moduleN()), {"--type", "T"});

@@ -58,17 +58,18 @@ TreeBytes sample() {
     one.val.number = orvo::i64of(1);
     orvo::VNode& ref = file.value("", orvo::TYP_SYNONYM);
     ref.refMod = 1, ref.ref = 1;
-    file.value("", orvo::TYP_EXTENSION_MARKER, orvo::VST_NAMED_NUMBER).ref = 4;
+    file.value("", orvo::TYP_EXTENSION_MARKER, orvo::VST_NAMED_NUMBER).ref = 13;
+    for (uint32_t nr = 6; nr <= 13; ++nr) file.value("", orvo::TYP_INTEGER); // parts of others
 
     file.tags = {{orvo::TAG_CONTEXT, orvo::TAGMODE_IMPLICIT, 1, 2},
-                 {orvo::TAG_APPLICATION, orvo::TAGMODE_EXPLICIT, -1, 0}};
+                 {orvo::TAG_APPLICATION, orvo::TAGMODE_EXPLICIT, -6, 0}};
     file.subs.resize(5);
-    file.subs[3] = {0, orvo::SUB_EXCEPTION, 0, {}, 1, 5, 4, 0, 4, 0, 0};
-    file.subs[4] = {0, orvo::SUB_CONTENTS, 0, {}, 1, 5, 4, 0, 0, 2, 4};
+    file.subs[3] = {0, orvo::SUB_EXCEPTION, 0, {}, 1, 5, 4, 0, 7, 0, 0};
+    file.subs[4] = {0, orvo::SUB_CONTENTS, 0, {}, 1, 5, 4, 0, 0, 8, 9};
     file.subs[0] = {0, orvo::SUB_SIZE, 0, {}, 1, 2, 4, 0, 0, 2, 0};
     file.subs[1] = {0, orvo::SUB_UNION, 0, {}, 1, 5, 4, 0, 0, 3, 0};
     file.subs[2] = {
-        0, orvo::SUB_RANGE, orvo::SUBF_LOWER | orvo::SUBF_EXCEPTION, {}, 1, 5, 4, 0, 1, 3, 4};
+        0, orvo::SUB_RANGE, orvo::SUBF_LOWER | orvo::SUBF_EXCEPTION, {}, 1, 5, 4, 0, 10, 11, 12};
     file.options = {{orvo::TED_OPTION, {}, file.text("$N=8")}};
     file.syntax = {{orvo::TOK_LBRACKET, {}, 0, 2, 9, 0},
                    {orvo::TOK_TYPEID, {}, 0, static_cast<int32_t>(file.text("ID")), 9, 3},
@@ -134,19 +135,23 @@ TEST(StxReader, DamagedRecordsAreDiagnosed) {
         {[](TreeBytes& f) { f.tags[1].next = 1; }, "tagRec 1, ", circle},
         {[](TreeBytes& f) { f.subs[1].left = 1; }, "subRec ", circle},
         {[](TreeBytes& f) { f.values[4].ref = 5; }, "vNode 5, ", circle},
-        {[](TreeBytes& f) { f.values[4].ref = 6; }, "vNode 5, field ref: ", "6 is out of range (vNode 1..5)"},
+        {[](TreeBytes& f) { f.values[4].ref = 14; }, "vNode 5, field ref: ", "14 is out of range (vNode 1..13)"},
         {[](TreeBytes& f) { f.values[0].val.integer.text = 15; }, "vNode 1, field val: ", "15 is out of range (string 1..14)"},
         {[](TreeBytes& f) { f.types[2].constraint = 6; }, "tNode 3, field constraint: ", "6 is out of range (subRec 1..5)"},
-        {[](TreeBytes& f) { f.subs[3].third = 6; }, "subRec 4, field third: ", "6 is out of range (vNode 1..5)"},
-        {[](TreeBytes& f) { f.subs[4].left = 6; }, "subRec 5, field left: ", "6 is out of range (vNode 1..5)"},
-        {[](TreeBytes& f) { f.subs[4].right = 6; }, "subRec 5, field right: ", "6 is out of range (vNode 1..5)"},
-        {[](TreeBytes& f) { f.subs[4].subKind = orvo::SUB_PATTERN; f.subs[4].left = 6; },
-         "subRec 5, field left: ", "6 is out of range (vNode 1..5)"},
+        {[](TreeBytes& f) { f.subs[3].third = 14; }, "subRec 4, field third: ", "14 is out of range (vNode 1..13)"},
+        {[](TreeBytes& f) { f.subs[4].left = 14; }, "subRec 5, field left: ", "14 is out of range (vNode 1..13)"},
+        {[](TreeBytes& f) { f.subs[4].right = 14; }, "subRec 5, field right: ", "14 is out of range (vNode 1..13)"},
+        {[](TreeBytes& f) { f.subs[4].subKind = orvo::SUB_PATTERN; f.subs[4].left = 14; },
+         "subRec 5, field left: ", "14 is out of range (vNode 1..13)"},
         {[](TreeBytes& f) { f.syntax[0].value = 1; }, "sNode 1, ", circle},
         {[](TreeBytes& f) { f.types[0].typeCode = 51; }, "tNode 1, field typeCode: ", "51 is not a known code"},
         {[](TreeBytes& f) { f.types[1].compStatus = 8; }, "tNode 2, field compStatus: ", "8 is not a known code"},
         {[](TreeBytes& f) { f.types[1].refMod = 2; }, "tNode 2, field refMod: ", "2 is out of range (mNode 1..1)"},
         {[](TreeBytes& f) { f.types[1].name = 500; }, "tNode 2, field name: ", "500 is out of range (string 1..14)"},
+        {[](TreeBytes& f) { f.types[4].constraint = 1; }, "tNode 5, field constraint: ",
+         "subRec 1 is part of another record already"},
+        {[](TreeBytes& f) { f.subs[2].left = 2; }, "subRec 3, field left: ",
+         "vNode 2 is part of another record already"},
         {[](TreeBytes& f) { f.syntax[2].next = -2; }, "sNode 3, field next: ", "-2 does not lead back to an optional group"},
     };
     for (const auto& row : cases) {
@@ -246,15 +251,27 @@ TreeBytes laterSample() {
     file.value("", orvo::TYP_INTEGER).val.number = orvo::i64of(2);
     orvo::VNode& list = file.value("", orvo::TYP_SEQOF);
     list.ref = 5;
+    // a value of each user's own, with its parts
+    const auto copy = [&file](const auto& self, uint32_t nr) -> uint32_t {
+        if (nr == 0) return 0;
+        orvo::VNode node = file.values[nr - 1];
+        node.next = self(self, node.next);
+        if (node.valCode == orvo::TYP_RELOID) node.ref = self(self, node.ref);
+        file.values.push_back(node);
+        return static_cast<uint32_t>(file.values.size());
+    };
+    file.values[6].ref = copy(copy, 5);
+    const auto again = [&](uint32_t nr) { return copy(copy, nr); };
 
     file.subs.resize(7);
     file.subs[0] = {0, orvo::SUB_EXCEPTION, 0, {}, 0, 0, 1, 0, 1, 0, 0};
     file.subs[1] = {0, orvo::SUB_PATTERN, 0, {}, 0, 0, 1, 0, 0, 2, 0};
     file.subs[2] = {0, orvo::SUB_SERIAL, 0, {}, 0, 0, 1, 0, 0, 4, 0};
     file.subs[3] = {0, orvo::SUB_CONTENTS, 0, {}, 0, 0, 1, 5, 0, 3, 4};
-    file.subs[4] = {0, orvo::SUB_CONTENTS, 0, {}, 0, 0, 1, 0, 0, 0, 4};
-    file.subs[5] = {0, orvo::SUB_TABLE, 0, {}, 0, 0, 1, 0, 0, 3, 1};
-    file.subs[6] = {0, orvo::SUB_SETTINGS, orvo::SUBF_EXCEPTION, {}, 0, 0, 1, 0, 1, 2, 0};
+    file.subs[4] = {0, orvo::SUB_CONTENTS, 0, {}, 0, 0, 1, 0, 0, 0, again(4)};
+    file.subs[5] = {0, orvo::SUB_TABLE, 0, {}, 0, 0, 1, 0, 0, again(3), 1};
+    file.subs[6] = {0, orvo::SUB_SETTINGS, orvo::SUBF_EXCEPTION, {}, 0, 0, 1, 0, again(1), again(2),
+                    0};
     const auto name = [&](const char* text) { return static_cast<int32_t>(file.text(text)); };
     file.syntax = {{orvo::TOK_AT, {}, 0, 0, 1, 2},
                    {orvo::TOK_DOT, {}, 0, 0, 1, 3},

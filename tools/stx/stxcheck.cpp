@@ -2,7 +2,8 @@
 
 // What a file must satisfy beyond its layout: codes that decide the meaning of other fields are
 // known, every link leads to a record that exists, no list and no tree of records leads back into
-// itself.
+// itself, and no two share a part: a file where every level shares the one below would be small and
+// take for ever to walk.
 
 namespace stx {
 namespace {
@@ -136,6 +137,63 @@ bool Tree::checkLists(std::string& error) const {
                 ": the list leads back to its own beginning";
         return false;
     }
+    return true;
+}
+
+namespace {
+
+/// The field leads to what the record is made of, or to what follows it in a list.
+bool isPart(Kind kind, const Field& field) {
+    switch (field.leads) {
+    case Leads::Type:
+    case Leads::Value:
+    case Leads::Tag:
+    case Leads::Constraint:
+    case Leads::Syntax:
+    case Leads::TypeRef:
+    case Leads::Actuals:
+    case Leads::ValueRef:
+    case Leads::ValueActuals:
+    case Leads::TagNumber:
+    case Leads::LeftOperand:
+    case Leads::RightOperand:
+    case Leads::SyntaxValue: break;
+    default: return kind == MNODE && field.leads != Leads::Module && field.sense == Sense::Link;
+    }
+    return true;
+}
+
+} // namespace
+
+bool Tree::checkOwners(std::string& error) const {
+    // A DEFAULT value is an entry of the list of all and part of its component. A class that is
+    // an instance has the WITH SYNTAX list of its definition.
+    std::array<std::vector<bool>, kindCount> owned, defaults;
+    for (int kind = 0; kind < kindCount; ++kind)
+        for (auto* marks : {&owned, &defaults})
+            (*marks)[static_cast<size_t>(kind)].resize(size_t{counts_[static_cast<size_t>(kind)]} +
+                                                       1);
+    for (const Kind kind : {MNODE, TNODE, VNODE, TAG, SUB, SNODE})
+        for (const Field& field : fieldsOf(kind)) {
+            const std::string_view name = field.name;
+            if (!isPart(kind, field) || name == "syntaxList") continue;
+            auto& marks = name == "defaultVal" ? defaults : owned;
+            for (uint32_t nr = 1; nr <= counts_[kind]; ++nr) {
+                const bool second = name == "ref" || name == "value";
+                if (second && !owns(kind, nr)) continue;
+                const Link link = linkOf(kind, nr, field);
+                if (link.target != Target::Record || link.module != 1) continue;
+                if (kind == VNODE && link.kind == TNODE && name == "ref") continue; // may be named
+                if (kind == SNODE && name == "next" && sNode(nr).next < 0) continue;
+                if (!marks[link.kind][link.nr]) {
+                    marks[link.kind][link.nr] = true;
+                    continue;
+                }
+                error = where(kind, nr, field.name) + kindNames[link.kind] + ' ' +
+                        std::to_string(link.nr) + " is part of another record already";
+                return false;
+            }
+        }
     return true;
 }
 

@@ -62,7 +62,8 @@ bool Tree::parse(const std::string& name, std::vector<uint8_t> bytes, std::strin
     *this = Tree();
     path_ = name;
     bytes_ = std::move(bytes);
-    if (layOut(error) && checkRecords(error) && checkLists(error)) return true;
+    if (layOut(error) && checkRecords(error) && checkLists(error) && checkOwners(error))
+        return true;
     error = name + ": " + error;
     *this = Tree();
     return false;

@@ -215,6 +215,12 @@ class Tree {
     /// The module's own name.
     std::string_view moduleName() const { return text(mNode(1).modName); }
 
+    /// The last checks have run over the module: every head of a type or value that is no
+    /// parameterized definition is at checkState 3 (a module without any counts as checked). They
+    /// run for no module when the run had an error anywhere; bounds, final tags and numbers of
+    /// enumeration items are not filled in then.
+    bool checked() const;
+
     /// The bytes of a record or of a string's characters with the terminator; empty when out of
     /// range.
     std::span<const uint8_t> bytes(Kind kind, uint32_t nr) const;
@@ -230,6 +236,7 @@ class Tree {
     bool checkRecord(Kind kind, uint32_t nr, std::string& error) const;
     bool checkLink(Kind kind, uint32_t nr, const Field& field, std::string& error) const;
     bool checkLists(std::string& error) const;
+    bool checkOwners(std::string& error) const;
     bool owns(Kind kind, uint32_t nr) const;
 
     std::string path_;
@@ -297,12 +304,26 @@ struct ValueRef {
     VNode node() const { return tree ? tree->vNode(nr) : VNode(); }
 };
 
+/// What to do with a tree that is not checked.
+enum class Unchecked : uint8_t { refuse, accept };
+
+struct ConstraintMemo; // of stxconstraint.h
+struct StructureMemo;  // of stxcomponents.h
+struct ObjectMemo;     // of stxobjects.h
+
+/// Stands for the path of the built-in module, which has no file.
+inline constexpr const char* builtinModule = "(ISO8824)";
+
 /// The files of a compilation, opened as references lead to them: each lies beside the file that
 /// refers to it and must come from the same run. Trees stay where they are until the object ends.
 class Trees {
   public:
-    /// Open a file, once; null with `error` set when it cannot be used.
-    const Tree* open(const std::string& path, std::string& error);
+    /// Open a file, once; null with `error` set when it cannot be used. What is told of unchecked
+    /// trees holds for the files that references lead to as well: once accepted, they all are.
+    const Tree* open(const std::string& path, std::string& error,
+                     Unchecked unchecked = Unchecked::refuse);
+    /// The error of the first file that was refused as not checked, "" = none was.
+    const std::string& refused() const { return refused_; }
     /// The tree of a module reference of `from`; null with `error` set when there is none.
     const Tree* module(const Tree& from, int64_t refMod, std::string& error);
 
@@ -311,11 +332,26 @@ class Trees {
     enum class Skip : uint8_t { Plain, Fields, Untagged };
     TypeRef skip(TypeRef type, Skip how, std::string& error);
 
+    /// What is worked out once and kept is counted, in steps of about a record read: false when it
+    /// was more than the files can need that are open. Trees of a compiler never come near.
+    [[nodiscard]] bool spend(uint64_t steps);
+    // kept by the units that work them out
+    std::shared_ptr<ConstraintMemo> constraints;
+    std::shared_ptr<StructureMemo> structures;
+    std::shared_ptr<ObjectMemo> objects;
+
   private:
     struct Entry {
         std::unique_ptr<Tree> tree;
         std::string error;
+        bool usable = false; // checked, or of the built-in module
     };
+    /// What a module reference leads to.
+    struct Reached {
+        const Tree* tree = nullptr;
+        std::string error;
+    };
+    Reached reach(const Tree& from, uint32_t refMod);
     struct Key {
         const Tree* tree;
         uint32_t nr;
@@ -328,6 +364,10 @@ class Trees {
         bool running = false;
     };
     std::map<std::string, Entry> files_;
+    std::map<std::pair<const Tree*, uint32_t>, Reached> reached_;
+    bool acceptsUnchecked_ = false;
+    std::string refused_;
+    uint64_t spent_ = 0, allowance_ = 4'000'000;
     std::map<Key, End> ends_; // where chains of references end
 };
 

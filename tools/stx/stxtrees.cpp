@@ -10,18 +10,16 @@
 namespace stx {
 namespace {
 
-/// Entries of component lists that are looked at for one structure: no real module needs as many.
-constexpr int maxSteps = 1'000'000;
-/// Components of one structure, the limit of `fieldSize`.
-constexpr size_t maxComponents = 32767;
-constexpr int maxNesting = 200;
-/// Stand for the path of the built-in module: as it was, and with the later types.
-constexpr const char *builtinName = "(ISO8824)", *laterName = "(ISO8824, 2021)";
+/// The built-in module with the later types.
+constexpr const char* laterName = "(ISO8824, 2021)";
 /// Types of the built-in module in a run without modules of today's notation.
 constexpr uint32_t builtinTypes = 120;
-/// Tagged types that refer to one another, for one list of tags.
-constexpr int maxTags = 1000;
+/// What a record may cost when everything is worked out.
+constexpr uint64_t stepsPerRecord = 64;
+constexpr std::string_view uncheckedText = ": not checked: the run had errors";
 
+/// The last entry of a chain of field names. Every record has a chain of its own, so that all of
+/// them together are walked in the length of the file.
 uint32_t lastOfChain(const Tree& tree, int64_t first) {
     const std::vector<uint32_t> chain = listFrom(tree, SNODE, first);
     return chain.empty() ? 0 : chain.back();
@@ -35,21 +33,44 @@ bool isLink(const Link& link, Kind kind) {
     return link.target == Target::Record && link.kind == kind;
 }
 
+/// Trees that lie side by side by accident may bear one stamp, which counts seconds: what a module
+/// node says of the other file must be so. Texts, also those of options, were still added when it
+/// counted.
+bool describes(const MNode& node, const MNode& self) {
+    for (const Kind kind : {MNODE, TNODE, VNODE, TAG, SUB, SNODE, STRI16, STRI32})
+        if (node.recCount[kind] != self.recCount[kind]) return false;
+    return node.recCount[TED] <= self.recCount[TED] &&
+           node.recCount[STRI8] <= self.recCount[STRI8] && node.modTimeStamp == self.modTimeStamp &&
+           node.firstTypeAss == self.firstTypeAss && node.firstValAss == self.firstValAss &&
+           node.firstDefVal == self.firstDefVal;
+}
+
 } // namespace
 
-const Tree* Trees::open(const std::string& path, std::string& error) {
+const Tree* Trees::open(const std::string& path, std::string& error, Unchecked unchecked) {
+    if (unchecked == Unchecked::accept) acceptsUnchecked_ = true;
     const std::string key = std::filesystem::path(path).lexically_normal().string();
     auto [at, isNew] = files_.try_emplace(key);
+    Entry& entry = at->second;
     if (isNew) {
         auto tree = std::make_unique<Tree>();
-        const bool builtin = path == builtinName || path == laterName;
-        const bool sound = builtin
-                               ? tree->parse(path, builtinTree(path == laterName), at->second.error)
-                               : tree->open(path, at->second.error);
-        if (sound) at->second.tree = std::move(tree);
+        const bool builtin = path == builtinModule || path == laterName;
+        const bool sound = builtin ? tree->parse(path, builtinTree(path == laterName), entry.error)
+                                   : tree->open(path, entry.error);
+        if (sound) entry.tree = std::move(tree);
+        if (sound)
+            for (int kind = 0; kind < kindCount; ++kind)
+                allowance_ += stepsPerRecord * entry.tree->count(static_cast<Kind>(kind));
+        entry.usable = sound && (builtin || entry.tree->checked());
     }
-    if (!at->second.tree) error = at->second.error;
-    return at->second.tree.get();
+    if (!entry.tree)
+        error = entry.error;
+    else if (!entry.usable && !acceptsUnchecked_)
+        error = path + std::string(uncheckedText);
+    else
+        return entry.tree.get();
+    if (refused_.empty() && error.ends_with(uncheckedText)) refused_ = error;
+    return nullptr;
 }
 
 const Tree* Trees::module(const Tree& from, int64_t refMod, std::string& error) {
@@ -58,32 +79,42 @@ const Tree* Trees::module(const Tree& from, int64_t refMod, std::string& error) 
         error = from.path() + ": there is no module reference " + std::to_string(refMod);
         return nullptr;
     }
-    const MNode other = from.mNode(static_cast<uint32_t>(refMod));
+    const auto nr = static_cast<uint32_t>(refMod);
+    auto at = reached_.find({&from, nr});
+    if (at == reached_.end()) {
+        Reached reached = reach(from, nr);
+        // a tree that was refused as unchecked may be accepted later
+        if (reached.error.ends_with(uncheckedText)) return error = reached.error, nullptr;
+        at = reached_.emplace(std::pair(&from, nr), std::move(reached)).first;
+    }
+    if (at->second.tree == nullptr) error = at->second.error;
+    return at->second.tree;
+}
+
+Trees::Reached Trees::reach(const Tree& from, uint32_t refMod) {
+    const MNode other = from.mNode(refMod);
     const std::string name(from.text(other.modName));
     const std::string prefix(from.text(other.stxName));
-    if (prefix.empty()) {
-        error = "module " + name + " has no tree file";
-        return nullptr;
-    }
+    if (prefix.empty()) return {nullptr, "module " + name + " has no tree file"};
     const std::filesystem::path path =
         std::filesystem::path(from.path()).parent_path() / (prefix + ".stx");
     std::string cause;
     std::error_code failed;
     if (name == "ISO8824" && !std::filesystem::exists(path, failed))
-        return open(other.recCount[TNODE] > builtinTypes ? laterName : builtinName, cause);
+        return {open(other.recCount[TNODE] > builtinTypes ? laterName : builtinModule, cause), ""};
     const Tree* tree = open(path.string(), cause);
-    if (tree == nullptr) {
-        error = "module " + name + ": " + cause;
-        return nullptr;
-    }
-    if (tree->moduleName() != name || tree->mNode(1).modTimeStamp != other.modTimeStamp) {
-        error = path.string() + ": " +
-                (tree->moduleName() != name
-                     ? "holds module " + std::string(tree->moduleName()) + ", not " + name
-                     : "is of another run than " + from.path());
-        return nullptr;
-    }
-    return tree;
+    if (tree == nullptr) return {nullptr, "module " + name + ": " + cause};
+    if (tree->moduleName() != name)
+        return {nullptr, path.string() + ": holds module " + std::string(tree->moduleName()) +
+                             ", not " + name};
+    if (!describes(other, tree->mNode(1)))
+        return {nullptr, path.string() + ": is of another run than " + from.path()};
+    return {tree, ""};
+}
+
+bool Trees::spend(uint64_t steps) {
+    spent_ += steps;
+    return spent_ <= allowance_;
 }
 
 TypeRef typeOf(Trees& trees, const Tree& from, const Link& link, std::string& error) {
@@ -171,120 +202,6 @@ ValueRef skipValues(Trees& trees, ValueRef value, std::string& error) {
         }
     }
     return value;
-}
-
-namespace {
-
-struct Expansion {
-    Trees& trees;
-    std::vector<Component>& list;
-    std::string& error;
-    int steps = 0;
-};
-
-/// What an entry shares with those that it brings in.
-struct Place {
-    bool extension = false;
-    TypeRef group{};
-};
-
-void expand(Expansion& expansion, TypeRef type, bool included, Place place, int depth);
-
-/// A component; COMPONENTS OF brings in those of its type.
-void addEntry(Expansion& expansion, TypeRef entry, Place place, int depth) {
-    if (++expansion.steps > maxSteps || expansion.list.size() == maxComponents) return;
-    if (entry.node().role() != TCS_COMPOF) {
-        expansion.list.push_back({entry, -1, place.extension, place.group});
-        return;
-    }
-    const TypeRef from = skipTypes(expansion.trees, entry, false, expansion.error);
-    if (from && depth < maxNesting) expand(expansion, from, true, place, depth + 1);
-}
-
-/// The entries of one list. `included`: brought in by COMPONENTS OF, so without the additions.
-void expand(Expansion& expansion, TypeRef type, bool included, Place place, int depth) {
-    int markers = 0;
-    for (const uint32_t nr : components(*type.tree, type.nr, true)) {
-        const TNode node = type.tree->tNode(nr);
-        const bool added = markers == 1; // behind a second one stand components of the root
-        if (node.typeCode == TYP_EXTENSION_MARKER)
-            ++markers;
-        else if (added && included)
-            continue;
-        else if (node.typeCode == TYP_EXTADDGRP)
-            for (const uint32_t member : components(*type.tree, nr))
-                addEntry(expansion, {type.tree, member}, {true, {type.tree, nr}}, depth);
-        else
-            addEntry(expansion, {type.tree, nr}, {place.extension || added, place.group}, depth);
-        if (++expansion.steps > maxSteps) return;
-    }
-}
-
-/// Automatic tags: the components of the root first, then the additions (X.680 (02/2021) 25.8).
-void numberTags(std::vector<Component>& list) {
-    int64_t number = 0;
-    for (const bool extension : {false, true})
-        for (Component& entry : list)
-            if (entry.extension == extension) entry.automaticTag = number++;
-}
-
-} // namespace
-
-std::vector<Component> allComponents(Trees& trees, TypeRef type, std::string& error) {
-    std::vector<Component> list;
-    if (!type) return list;
-    Expansion expansion{trees, list, error};
-    expand(expansion, type, false, {}, 0);
-    if ((type.node().checkFlags & CF_AUTOMATIC_TAGS) != 0) numberTags(list);
-    return list;
-}
-
-int64_t tagNumber(Trees& trees, const Tree& tree, const TagRec& tag) {
-    if (tag.tagNr >= 0) return tag.tagNr;
-    std::string error;
-    const ValueRef value =
-        skipValues(trees, {&tree, static_cast<uint32_t>(-int64_t{tag.tagNr})}, error);
-    const VNode node = value.node();
-    return value && error.empty() && node.valCode == TYP_INTEGER ? node.number : -1;
-}
-
-FinalTags finalTags(Trees& trees, TypeRef type, int64_t automaticTag, std::string& error) {
-    FinalTags result;
-    bool replaced = false; // an IMPLICIT tag stands in front: the next one is not encoded
-    if (automaticTag >= 0) {
-        result.tags.push_back({TAG_CONTEXT, automaticTag});
-        const FinalTags inner = finalTags(trees, type, -1, error);
-        // Explicit after all where nothing is there to be replaced, and in front of a dummy
-        // reference.
-        const TNode node = type.node();
-        const bool isDummy = (node.nodeFlags & NF_DUMMY) != 0 && node.tags == 0;
-        replaced = !inner.tags.empty() && !isDummy;
-    }
-    for (int steps = 0; type && steps < maxTags; ++steps) {
-        std::string broken;
-        const TypeRef at = trees.skip(type, Trees::Skip::Untagged, broken);
-        if (!broken.empty()) {
-            error = broken;
-            result.open = true;
-            return result;
-        }
-        const std::vector<uint32_t> list = tagList(*at.tree, at.nr);
-        for (const uint32_t nr : list) {
-            const TagRec tag = at.tree->tagRec(nr);
-            if (!replaced) result.tags.push_back({tag.tagClass, tagNumber(trees, *at.tree, tag)});
-            replaced =
-                tag.tagMode == TAGMODE_IMPLICIT || (tag.tagMode == TAGMODE_OPEN && tag.next != 0);
-        }
-        type = nextType(trees, at, true, error);
-        if (type) continue;
-        const uint8_t code = at.node().typeCode;
-        const int32_t tag = code < typeCount ? typeTable[code].tag : -1;
-        if (tag < 0)
-            result.open = true;
-        else if (!replaced)
-            result.tags.push_back({TAG_UNIVERSAL, tag});
-    }
-    return result;
 }
 
 } // namespace stx

@@ -6,6 +6,9 @@
 namespace stx {
 namespace {
 
+/// checkState of a record that the last checks have settled.
+constexpr int stateChecked = 3;
+
 uint32_t nextOf(const Tree& tree, Kind kind, uint32_t nr) {
     switch (kind) {
     case TNODE: return tree.tNode(nr).next;
@@ -154,6 +157,18 @@ std::vector<uint32_t> options(const Tree& tree, Kind kind, uint32_t nr) {
     const bool fromFirst = first == 0 && last != 0; // 0 stands for the first record here
     for (uint32_t ted = fromFirst ? 1 : first; ted != 0 && ted <= last; ++ted) list.push_back(ted);
     return list;
+}
+
+bool Tree::checked() const {
+    for (const uint32_t nr : typeAssignments(*this)) {
+        const TNode head = tNode(nr);
+        if (head.checkState != stateChecked && !head.isParameterized()) return false;
+    }
+    for (const uint32_t nr : valueAssignments(*this)) {
+        const VNode head = vNode(nr);
+        if (head.checkState != stateChecked && head.formals == 0) return false;
+    }
+    return true;
 }
 
 uint32_t findType(const Tree& tree, std::string_view name) {

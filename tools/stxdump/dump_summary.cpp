@@ -86,7 +86,7 @@ std::array<std::string, 5> typeRow(Trees& trees, TypeRef type) {
     if (node.isParameterized() || isClass(trees, type)) return row;
     std::string error;
     row[2] = tagsText(stx::finalTags(trees, type, -1, error));
-    row[3] = boundsOf(trees, type);
+    row[3] = stx::effectiveText(trees, type);
     return row;
 }
 
@@ -120,14 +120,6 @@ bool isClass(Trees& trees, TypeRef type) {
     std::string error;
     const uint8_t code = stx::skipTypes(trees, type, true, error).node().typeCode;
     return code >= stx::TYP_CLASS && code <= stx::TYP_ABSTR_STX;
-}
-
-std::string boundsOf(Trees& trees, TypeRef type) {
-    std::string error;
-    const stx::TNode node = stx::skipTypes(trees, type, true, error).node();
-    const uint8_t code = node.typeCode;
-    const bool bounded = code < stx::typeCount && stx::typeTable[code].bounded;
-    return bounded && error.empty() ? stx::boundsText(node) : "";
 }
 
 void dumpSummary(Trees& trees, const Tree& tree, Sink& out) {

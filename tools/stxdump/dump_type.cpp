@@ -4,7 +4,10 @@
 
 #include "stxdump.h"
 
-#include <map>
+#include "stx/stxnotation.h"
+#include "stx/stxobjects.h"
+
+#include <algorithm>
 #include <set>
 
 namespace stxdump {
@@ -16,6 +19,8 @@ using stx::TypeRef;
 namespace {
 
 constexpr int maxNesting = 600;
+/// Settings of objects are shown with references followed while they are no longer.
+constexpr size_t maxValue = 200;
 
 struct Walk {
     Trees& trees;
@@ -42,7 +47,6 @@ void note(Walk& walk, const std::string& error) {
 }
 
 std::string presence(Walk& walk, const Tree& tree, const stx::TNode& node) {
-    if (node.role() == stx::TCS_COMPOF) return "COMPONENTS OF";
     if (node.role() != stx::TCS_OPTIONAL) return "";
     if (node.defaultVal == 0) return "OPTIONAL";
     return "DEFAULT " + stx::valueText(walk.trees, {&tree, node.defaultVal});
@@ -86,7 +90,7 @@ std::string typeLine(Walk& walk, TypeRef type, int64_t automaticTag) {
         addPart(line, tagsText(stx::finalTags(walk.trees, type, automaticTag, error)));
         addPart(line, stx::constraintText(walk.trees, *type.tree,
                                           stx::constraintOf(*type.tree, type.nr)));
-        addPart(line, boundsOf(walk.trees, type));
+        addPart(line, stx::effectiveText(walk.trees, type));
     }
     note(walk, error);
     addPart(line, namedText(walk, type));
@@ -97,13 +101,36 @@ std::string typeLine(Walk& walk, TypeRef type, int64_t automaticTag) {
     return line;
 }
 
+/// The components as they take part in the structure, in the order of the text.
+struct Cursor {
+    const std::vector<stx::Component>& list;
+    size_t at = 0;
+};
+
+/// An entry; COMPONENTS OF with what it brings in below, whose tags are those it has here.
+void showEntry(Walk& walk, TypeRef entry, Cursor& cursor) {
+    size_t members = 1;
+    const bool included = entry.node().role() == stx::TCS_COMPOF;
+    if (included) {
+        std::string error;
+        const TypeRef from = stx::skipTypes(walk.trees, entry, false, error);
+        const std::vector<stx::Component> inside = stx::allComponents(walk.trees, from, error);
+        note(walk, error);
+        members =
+            static_cast<size_t>(std::ranges::count(inside, false, &stx::Component::extension));
+        walk.out.add(indent(walk) + "COMPONENTS OF  " + kindText(walk.trees, entry) + '\n');
+        ++walk.depth;
+    }
+    for (; members > 0 && cursor.at < cursor.list.size(); --members, ++cursor.at)
+        showType(walk, cursor.list[cursor.at].type, cursor.list[cursor.at].automaticTag);
+    if (included) --walk.depth;
+}
+
 void showComponents(Walk& walk, TypeRef type) {
     std::string error;
-    std::map<uint32_t, int64_t> automatic;
-    if ((type.node().checkFlags & stx::CF_AUTOMATIC_TAGS) != 0)
-        for (const stx::Component& entry : stx::allComponents(walk.trees, type, error))
-            if (entry.type.tree == type.tree) automatic[entry.type.nr] = entry.automaticTag;
+    const std::vector<stx::Component> list = stx::allComponents(walk.trees, type, error);
     note(walk, error);
+    Cursor cursor{list};
     for (const uint32_t nr : stx::components(*type.tree, type.nr, true)) {
         const stx::TNode node = type.tree->tNode(nr);
         if (node.typeCode == stx::TYP_EXTENSION_MARKER) {
@@ -115,12 +142,67 @@ void showComponents(Walk& walk, TypeRef type) {
         if (group) walk.out.add(indent(walk) + stx::groupText(node) + '\n');
         const std::vector<uint32_t> entries =
             group ? stx::components(*type.tree, nr) : std::vector<uint32_t>{nr};
-        for (const uint32_t entry : entries) {
-            const auto tag = automatic.find(entry);
-            showType(walk, {type.tree, entry}, tag == automatic.end() ? -1 : tag->second);
-        }
+        for (const uint32_t entry : entries) showEntry(walk, {type.tree, entry}, cursor);
         if (group) walk.out.add(indent(walk) + "]]\n");
     }
+}
+
+/// "&id 1": a field of an object with what it is set to; "" for one that is not.
+std::string settingText(Walk& walk, const stx::Setting& setting) {
+    if (setting.origin == stx::Setting::Origin::Absent) return "";
+    const std::string name = '&' + std::string(setting.name) + ' ';
+    if (setting.value) {
+        const stx::ValueStyle style{stx::Naming::Followed, nullptr};
+        const stx::Result<std::string> text = stx::valueText(walk.trees, setting.value, style);
+        return name + (text && text->size() < maxValue ? *text
+                                                       : stx::valueText(walk.trees, setting.value));
+    }
+    const TypeRef type = setting.type;
+    if (setting.kind == stx::FieldKind::Type || !type)
+        return name + stx::typeText(walk.trees, type);
+    const uint32_t constraint = stx::constraintOf(*type.tree, type.nr);
+    if (constraint == 0) return name + stx::typeText(walk.trees, type);
+    const std::string set = stx::constraintText(walk.trees, *type.tree, constraint);
+    return name + '{' + set.substr(1, set.size() - 2) + '}';
+}
+
+void showObject(Walk& walk, TypeRef set, stx::ValueRef object) {
+    const stx::Result<stx::Settings> fields = stx::settings(walk.trees, object);
+    note(walk, fields.error);
+    const std::string_view name = object.tree->text(object.node().name);
+    std::string line;
+    if (!name.empty() && object.tree != set.tree)
+        line = std::string(object.tree->moduleName()) + '.';
+    line += name.empty() ? "*" : name;
+    line += "  {";
+    bool first = true;
+    for (const stx::Setting& setting : fields->fields) {
+        const std::string text = settingText(walk, setting);
+        if (text.empty()) continue;
+        line += (first ? "" : ", ") + text;
+        first = false;
+    }
+    walk.out.add(indent(walk) + line + "}\n");
+}
+
+/// The objects of a set with all their fields; false where the type is no set of objects.
+bool showObjects(Walk& walk, TypeRef type) {
+    if ((type.node().nodeFlags & stx::NF_SET) == 0 || type.node().name <= 0 ||
+        !isClass(walk.trees, type) || type.node().role() != stx::TCS_HEADER)
+        return false;
+    const stx::Result<stx::ObjectSet> set = stx::objectsOf(walk.trees, type);
+    if (!set) {
+        note(walk, set.error);
+        walk.out.add(indent(walk) + '(' + set.error + ")\n");
+        return true;
+    }
+    for (size_t nr = 0; nr < set->objects.size(); ++nr) {
+        if (nr == set->rootCount) walk.out.add(indent(walk) + "...\n");
+        showObject(walk, type, set->objects[nr]);
+    }
+    if (set->extensible && set->objects.size() == set->rootCount)
+        walk.out.add(indent(walk) + "...\n");
+    return true;
 }
 
 /// What stands below a node: its components, or the definition that it refers to.
@@ -129,6 +211,7 @@ void showInside(Walk& walk, TypeRef type) {
         walk.out.add(indent(walk) + "...\n");
         return;
     }
+    if (!type.node().isParameterized() && showObjects(walk, type)) return;
     std::string error;
     const uint8_t code = type.node().typeCode;
     if (code < stx::typeCount && stx::typeTable[code].structured && code != stx::TYP_SELECTION)

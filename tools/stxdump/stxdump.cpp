@@ -12,15 +12,18 @@ constexpr std::string_view helpText =
     "\n"
     "FILE is a syntax tree file (.stx). The text leaves out fields that say \"none\"; --all shows\n"
     "them too. For --type and --summary the files of other modules are looked for beside FILE.\n"
+    "Trees of a run that had errors are not checked: bounds, tags and numbers of items are not\n"
+    "filled in. They are refused; --unchecked shows them all the same.\n"
     "\n"
-    "exit status: 0 done; 1 a file is damaged or cannot be read, a name is not defined, or the\n"
-    "output cannot be written; 2 wrong usage\n";
+    "exit status: 0 done; 1 a file is damaged, not checked or cannot be read, a name is not\n"
+    "defined, or the output cannot be written; 2 wrong usage\n";
 
 enum class Mode { Text, Json, Summary, Type };
 
 struct Request {
     Mode mode = Mode::Text;
     bool all = false;
+    stx::Unchecked unchecked = stx::Unchecked::refuse;
     bool help = false;
     std::string name;
     std::vector<std::string> files;
@@ -45,6 +48,8 @@ std::string readArguments(const std::vector<std::string>& arguments, Request& re
             request.help = true;
         else if (argument == "--all")
             request.all = true;
+        else if (argument == "--unchecked")
+            request.unchecked = stx::Unchecked::accept;
         else if (argument == "--json")
             ok = choose(Mode::Json);
         else if (argument == "--summary")
@@ -77,15 +82,32 @@ bool dumpNamed(stx::Trees& trees, const stx::Tree& tree, const Request& request,
     return false;
 }
 
+/// The forms that follow references into other files.
+bool dumpResolved(stx::Trees& trees, const stx::Tree& tree, const Request& request, Sink& out,
+                  std::string& error) {
+    Sink whole; // nothing is shown of what rests on a file that is not checked
+    bool ok = true;
+    if (request.mode == Mode::Summary)
+        dumpSummary(trees, tree, whole);
+    else
+        ok = dumpNamed(trees, tree, request, whole, error);
+    if (!trees.refused().empty()) {
+        error = trees.refused();
+        return false;
+    }
+    out.add(whole.text);
+    return ok;
+}
+
 bool dumpFile(const std::string& path, const Request& request, Sink& out, std::string& error) {
     stx::Trees trees;
-    const stx::Tree* tree = trees.open(path, error);
+    const stx::Tree* tree = trees.open(path, error, request.unchecked);
     if (tree == nullptr) return false;
     switch (request.mode) {
     case Mode::Text: dumpText(*tree, request.all, out); break;
     case Mode::Json: dumpJson(*tree, out); break;
-    case Mode::Summary: dumpSummary(trees, *tree, out); break;
-    case Mode::Type: return dumpNamed(trees, *tree, request, out, error);
+    case Mode::Summary:
+    case Mode::Type: return dumpResolved(trees, *tree, request, out, error);
     }
     return true;
 }

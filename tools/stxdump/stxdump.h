@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "stx/stxconstraint.h"
 #include "stx/stxreader.h"
 
 namespace stxdump {
@@ -49,8 +50,6 @@ std::string stampText(const stx::TimeStamp& stamp);
 std::string kindText(stx::Trees& trees, stx::TypeRef type);
 /// The type is an object class in the end, so that tags and bounds mean nothing.
 bool isClass(stx::Trees& trees, stx::TypeRef type);
-/// "1..10" where the type that `type` comes to has bounds, else "".
-std::string boundsOf(stx::Trees& trees, stx::TypeRef type);
 std::string tagsText(const stx::FinalTags& tags);
 
 } // namespace stxdump

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "stx/stxconstraint.h"
 #include "stx/stxreader.h"
 
 namespace {
@@ -16,7 +17,8 @@ std::string line(stx::Trees& trees, const stx::Component& component, std::string
     text += ": " + std::string(stx::asnName(actual.node().typeCode));
     const stx::FinalTags tags = stx::finalTags(trees, type, component.automaticTag, error);
     for (const stx::Tag& tag : tags.tags) text += ' ' + stx::tagText(tag);
-    text += ' ' + stx::boundsText(actual.node());
+    const std::string bounds = stx::effectiveText(trees, type);
+    if (!bounds.empty()) text += ' ' + bounds;
     if (node.role() == stx::TCS_OPTIONAL)
         text += node.defaultVal == 0
                     ? " OPTIONAL"
