@@ -5,7 +5,8 @@ Asks what the tests notice: makes single changes to src/, one after the other, c
 negated condition, && for ||, < for <=, another constant, another return value, a dropped check or
 statement), and runs the tests against each. The same seed over the same sources is the same change.
 The sources stay as they are: the changed file is compiled aside, and linked in front of the
-libraries of a build folder of its own (build/mutants; one more for each further job).
+libraries of a build folder of its own (build/mutants; one more for each further job), which has the
+headers of its build beside it.
 """
 
 import argparse
@@ -20,6 +21,7 @@ import random
 import re
 import resource
 import shlex
+import shutil
 import signal
 import subprocess
 import sys
@@ -213,6 +215,8 @@ class Folder:
         for name in PROGRAMS:  # an earlier run may have ended with a change linked in
             (path / name).unlink(missing_ok=True)
         mustRun(["ninja", "-C", str(path), "-j1", *PROGRAMS])
+        shutil.rmtree(path / "src", ignore_errors=True)
+        shutil.copytree(ROOT / "src", path / "src")
         compile_commands = json.loads((path / "compile_commands.json").read_text())
         self.compiles = {entry["file"]: entry["command"] for entry in compile_commands}
         commands = {name: mustRun(["ninja", "-C", str(path), "-t", "commands", "-s", name])
@@ -256,13 +260,14 @@ class Folder:
             del command[0]
         command[command.index("-o") + 1] = str(self.path / "mutant.o")
         command[command.index("-c") + 1] = str(mutant)
+        command = [word.replace(f"-I{ROOT}/src", f"-I{self.path}/src") for word in command]
         _, status = run(command, 600, self.path)
         if status != 0:
             return None
         for link in self.links:
             output, status = run(link.replace(" -o ", " mutant.o -o ", 1), 600, self.path)
             if status != 0:
-                sys.exit(f"{link}\n{output}")
+                raise RuntimeError(f"{link}\n{output}")
         return self.test()
 
 
@@ -350,8 +355,10 @@ def main():
     def attempt(seed):
         kind, source, change = choose(sources, seed)
         folder = folders.get()
-        failed = folder.judge(source, change)
-        folders.put(folder)
+        try:
+            failed = folder.judge(source, change)
+        finally:
+            folders.put(folder)
         text = row(seed, kind, source, change, failed, arguments.which)
         results.append(failed)
         print(text, flush=True)

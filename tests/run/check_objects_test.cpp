@@ -18,6 +18,8 @@ a5 C ::= { &a 10 } --! Value out of range constraint(s) ; Invalid object
 V ::= CLASS { &T, &v &T } WITH SYNTAX { &T &v } b1 V ::= { INTEGER (0..3) 3 }
 b4 INTEGER ::= b1.&v
 b5 BOOLEAN ::= b1.&v --! Invalid BOOLEAN value
+W ::= CLASS { &T DEFAULT BOOLEAN, &v &T } b6 W ::= { &v TRUE } b7 BOOLEAN ::= b6.&v
+b8 INTEGER ::= b6.&v --! Invalid INTEGER value
 b2 V ::= { INTEGER (0..3) 4 } --! Value out of range constraint(s) ; Invalid object
 b3 V ::= { SEQUENCE { a NULL } { a NULL } }
 c1 TYPE-IDENTIFIER ::= { INTEGER IDENTIFIED BY { 1 2 3 } }

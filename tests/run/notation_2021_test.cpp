@@ -149,7 +149,8 @@ u E ::= { a 1, b 2 } v X ::= x : 5 w X ::= {} y INTEGER ::= t --! W Value of a m
                  {edition});
     const RunResult types = compile(
         {{"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS OPERATION, Q FROM N;\nE ::= OPERATION\nT ::= "
-                   "OPERATION RESULT ERRORS { e }\ne E ::= 5\nq Q ::= e S ::= INTEGER (e) END\n"},
+                   "OPERATION RESULT ERRORS { e }\nh OPERATION ARGUMENT NULL ::= 6 e E ::= 5\nq Q "
+                   "::= e S ::= INTEGER (e) END\n"},
          {"n.asn", "N DEFINITIONS ::= BEGIN EXPORTS OPERATION, Q; Q ::= OPERATION OPERATION MACRO "
                    "::= BEGIN END END\n"}},
         edition);
@@ -158,7 +159,7 @@ u E ::= { a 1, b 2 } v X ::= x : 5 w X ::= {} y INTEGER ::= t --! W Value of a m
                                               {3, "W Type of a macro left out: T"},
                                               {5, use + "Q"}}));
     EXPECT_EQ(TreeFacts(types, "m").types(), "S");
-    EXPECT_EQ(TreeFacts(types, "m").values(), "e q");
+    EXPECT_EQ(TreeFacts(types, "m").values(), "h e q");
     // A macro is no type, and what was left out no value.
     for (const char* body :
          {"X MACRO ::= BEGIN END T ::= SET OF X",

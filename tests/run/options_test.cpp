@@ -73,6 +73,29 @@ TEST(Options, AreKeptOnceUnderNamesInUpperCase) {
                                     "  ** WARNING  line   2 : $Option(s) ignored: -int=b\n");
 }
 
+// The words of the module's node: a bit for each switch, the category in the lowest byte behind
+// them.
+TEST(Options, StandInTheWordsOfTheModule) {
+    const auto word = [](const std::string& option, size_t nr) {
+        const RunResult run = compile({module("M", "m.asn")}, {option, "-V=1"});
+        EXPECT_EQ(run.err, "") << option;
+        return TreeFacts(run, "m").tree().mNode(1).modWords[nr];
+    };
+    const char* const switches[] = {"TYP",      "DEF",       "TAB",      "",
+                                    "TDEFS",    "CDEFS",     "TABO",     "ANSI-C",
+                                    "PUSHPATH", "REENTRANT", "PLMBOOLE", "NEAR",
+                                    "ALTTAB",   "ASNHC",     "OPTVARS",  "OMIT-SKIPPED-FIELDS",
+                                    "",         "",          "",         "XREF",
+                                    "LIST",     "",          "LENIENT"};
+    for (size_t bit = 0; bit < std::size(switches); ++bit) {
+        if (*switches[bit] == '\0') continue;
+        const std::string option = std::string("-") + switches[bit] + "=";
+        EXPECT_EQ(word(option + "NO", 0) ^ word(option + "YES", 0), 1U << bit) << option;
+    }
+    EXPECT_EQ(word("-DEFINITION-CATEGORY=m:1", 1) & 255U, 1U);
+    EXPECT_EQ(word("-DEFINITION-CATEGORY=n:1", 1), word("-V=1", 1));
+}
+
 TEST(Options, ScopeOfAnOptionFileHoldsForItsModulesOnly) {
     const RunResult result = compile(
         {module("Xx", "x.asn", "", "IMPORTS T FROM Yy T FROM Zz;"),
