@@ -167,8 +167,21 @@ class RunningEndpoint {
     bool isNew_;
 };
 
+/// The endpoint of the current type where nothing has to be computed.
+bool givenEndpoint(KnownEndpoint& given, bool upper) {
+    const bool isPlain = tNode.constraint == 0 && tNode.typeCode != TYP_ENUM &&
+                         !is(tNode.typeCode, TypeClass::Reference);
+    if (!isPlain) return knownEndpoint(given, upper);
+    given.exists = baseEndpoint(given.end, upper);
+    return true;
+}
+
 /// Computes the endpoint of the current type; `keepAll` keeps it even though its checks still run.
 bool computeEndpoint(Endpoint& end, bool upper, bool keepAll) {
+    if (KnownEndpoint given; givenEndpoint(given, upper)) {
+        end = given.end;
+        return given.exists;
+    }
     const KeepRec<KIND_TNODE> keepType;
     const KeepRec<KIND_VNODE> keepValue;
     const KeepRec<KIND_SUB> keepSub;

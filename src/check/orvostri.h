@@ -15,8 +15,9 @@ struct RestrCharStri {
     uint8_t kind = TYP_NONE;
     std::u32string chars;
 };
-/// Longest string that is put together: segments by reference can double their length with every
-/// level. What is beyond counts in the length, but is not kept.
+/// Longest string that is put together, some six literals of the greatest length: segments by
+/// reference can double their length with every level. What is beyond counts in the length, but is
+/// not kept.
 inline constexpr uint32_t maxCharStri = 200000;
 
 /// The characters of a value with all its segments. Returns the length of the whole value, which

@@ -191,8 +191,8 @@ bool checkTNode() {
     checkAndMarkSetTNode(self);
     ok &= checkParts(module);
     if (ok) {
+        setTNodeEndpoints(); // what is computed there is asked for again
         setTypeVF();
-        setTNodeEndpoints();
     }
     markRecursion(module);
     if (isTypeTNode() && !isEnclosed()) checkIgnorable();

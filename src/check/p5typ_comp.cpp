@@ -7,7 +7,7 @@
 // what they include are passed over. A list longer than fieldSize can count is cut.
 
 #include <algorithm>
-#include <unordered_set>
+#include <bit>
 #include <vector>
 
 #include "check/check_cache.h"
@@ -47,6 +47,7 @@ void checkOptCompsAndExtMarks(StruCounts& counts) {
         return;
     }
     if (isCompOf()) {
+        const KeepRec<KIND_TNODE> keep;
         const IncludedList sum = includedList();
         counts.optional |= sum.optional;
         counts.mandatory |= sum.mandatory;
@@ -302,17 +303,30 @@ EntryList dynaListForComps(ModuleRec* errors) {
 /// Compares identifiers on the characters that count.
 class IdComparison {
   public:
-    /// The entry's record is the current type record.
+    IdComparison(const ModuleRec* module, const std::vector<CompEntry>& entries)
+        : nameLen_(module->options.nameLen) {
+        const auto isCut = [&](const CompEntry& entry) { return entry.name.size() > nameLen_; };
+        cut_ = std::ranges::any_of(entries, isCut);
+        if (!cut_) texts_.reserve(entries.size());
+    }
     bool distinctCompId(ModuleRec* module, const CompEntry& entry) {
         if (entry.name.empty()) return true;
-        const std::string_view significant = entry.name.substr(0, module->options.nameLen);
-        if (names_.insert(significant).second) return true;
+        // Equal names share their text, unless a part of one counts.
+        const bool isNew =
+            cut_ ? names_.insert(entry.name.substr(0, nameLen_)).second
+                 : texts_.insert(std::bit_cast<uintptr_t>(entry.name.data()) / 8).second;
+        if (isNew) return true;
+        const KeepRec<KIND_TNODE> keep;
+        readRec(entry.record);
         recordTNodeError(module, ERR_SEMANTIC, Msg::NonDistinctIdentifier, entry.name);
         return false;
     }
 
   private:
+    size_t nameLen_;
+    bool cut_ = false; // some name is longer than what counts
     FlatSet<std::string_view> names_;
+    FlatSet<uintptr_t> texts_;
 };
 
 /// Identifiers and tags, or the field specifications of a class; gives the number of entries.
@@ -322,14 +336,14 @@ bool checkStruComps(ModuleRec* module, size_t& count) {
     bool ok = list.ok;
     if (list.automatic) ok &= untaggedAdditions(module);
     uint16_t flags = list.automatic ? CF_AUTOMATIC_TAGS : 0;
-    IdComparison ids;
+    IdComparison ids(module, list.entries);
     TagComparison tags(list.kind, newNotation(self.module));
     for (const CompEntry& entry : list.entries) {
         const auto place = static_cast<size_t>(&entry - list.entries.data());
         if (list.kind != TYP_CLASS) ok &= tags.passMarkers(module, list.extension, place);
-        readRec(entry.record);
         ok &= ids.distinctCompId(module, entry);
         if (list.kind == TYP_CLASS) {
+            readRec(entry.record);
             ok &= checkFieldSpec(module);
             continue;
         }

@@ -4,9 +4,9 @@
 // type record and leave it current.
 
 #include <span>
-#include <unordered_map>
 
 #include "check/p5typ.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -80,11 +80,12 @@ class TagComparison {
     [[nodiscard]] bool distinctCompTag(ModuleRec* module, const CompEntry& entry, bool isLast);
 
   private:
-    using Places = std::unordered_map<uint64_t, uint32_t>; // tag -> nearest earlier entry with it
+    using Places = FlatMap<uint64_t, uint32_t>; // tag -> nearest earlier entry with it
     const SeenTag* tagIn(const Places& earlier, const CompEntry& entry) const;
     const SeenTag* tagInDynaList(const CompEntry& entry) const;
     void rememberTags(const CompEntry& entry, Places& tags) const;
     void remember(const CompEntry& entry);
+    static void forget(Places& tags);
 
     bool sequence_;
     bool today_;

@@ -150,6 +150,10 @@ int32_t tagNumberOf(ModuleRec* module, const TagRec& tag) {
 }
 
 SeenTag getNextTag() {
+    if (tNode.tags != 0)
+        if (const TagRec* tag = peekRec(typeModule(), TagNr{tNode.tags});
+            tag != nullptr && tag->tagNr >= 0)
+            return {tag->tagClass, tag->tagNr};
     const KeepRec<KIND_TNODE> keep;
     std::vector<TNodeRef> passed;
     const SeenTag seen = findTag(passed);
@@ -211,12 +215,20 @@ void TagComparison::rememberTags(const CompEntry& entry, Places& tags) const {
     for (const SeenTag& tag : entry.alternativeTags()) tags[keyOf(tag)] = count_;
 }
 
+void TagComparison::forget(Places& tags) {
+    constexpr size_t few = 64;
+    if (tags.bucket_count() > few)
+        tags = {}; // to clear it takes as long as it ever was
+    else if (!tags.empty())
+        tags.clear();
+}
+
 void TagComparison::remember(const CompEntry& entry) {
     ++count_;
     if (sequence_ && inExtension_ && hasSecondRoot_) rememberTags(entry, additions_);
     // Only the run of optional components just before an entry can be mistaken for it.
     if (sequence_ && magnitude(entry.compStatus) != TCS_OPTIONAL)
-        earlier_.clear();
+        forget(earlier_);
     else
         rememberTags(entry, earlier_);
 }
@@ -233,7 +245,7 @@ bool TagComparison::passMarkers(ModuleRec* module, const Extension& extension, s
     const bool isDistinct = !earlier_.contains(keyOf(unknownAddition));
     if (sequence_ && hasSecondRoot_) {
         earlier_ = std::move(additions_);
-        earlier_.merge(endOfRoot_);
+        earlier_.insert(endOfRoot_.begin(), endOfRoot_.end());
     }
     earlier_[keyOf(unknownAddition)] = ++count_;
     if (!isDistinct)

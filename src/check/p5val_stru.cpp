@@ -22,11 +22,17 @@ namespace {
 struct Components {
     ModuleRec* module = nullptr;
     std::vector<VNodeNr> records;                            // in list order
-    std::vector<std::pair<std::string_view, size_t>> byName; // sorted, with the place in `records`
-    static constexpr size_t none = ~size_t{0};
+    std::vector<std::string_view> names;                     // of them; "" = none
+    std::vector<std::pair<std::string_view, size_t>> byName; // of many: sorted, with the place
+    static constexpr size_t none = ~size_t{0}, many = 9;
 
-    /// The first component value of a name from a place on.
+    /// The first component value of a name, which is not empty, from a place on.
     [[nodiscard]] size_t find(std::string_view name, size_t from) const {
+        if (names.size() < many) {
+            const auto same =
+                std::find(names.begin() + static_cast<ptrdiff_t>(from), names.end(), name);
+            return same != names.end() ? static_cast<size_t>(same - names.begin()) : none;
+        }
         const auto at = std::ranges::lower_bound(byName, std::pair(name, from));
         return at != byName.end() && at->first == name ? at->second : none;
     }
@@ -37,11 +43,14 @@ Components componentsOf(const CheckedValue& value) {
     Components components;
     components.module = value.module;
     for (const VNodeNr nr : chain(value.module, VNodeNr{value.rec.ref})) {
-        if (vNode.name != 0)
-            components.byName.emplace_back(getStri(value.module, vNode.name),
-                                           components.records.size());
+        components.names.push_back(vNode.name != 0 ? getStri(value.module, vNode.name)
+                                                   : std::string_view());
         components.records.push_back(nr);
     }
+    if (components.names.size() < Components::many) return components;
+    for (size_t place = 0; place < components.names.size(); ++place)
+        if (!components.names[place].empty())
+            components.byName.emplace_back(components.names[place], place);
     std::ranges::sort(components.byName);
     return components;
 }
@@ -87,11 +96,6 @@ bool isVariableSetting(VNodeRef at) {
     return isVariabTypeFieldTNode();
 }
 
-std::string_view nameAt(VNodeRef at) {
-    readRec(at);
-    return vNode.name == 0 ? std::string_view() : getStri(at.module, vNode.name);
-}
-
 /// Settings do not relate to the object around them.
 bool checkComponent(const ValueErrors& errors, const CheckedValue& holder,
                     const Structure& structure, const Components& components, VNodeRef at) {
@@ -107,7 +111,8 @@ bool checkStruValComps(const ValueErrors& errors, const CheckedValue& value,
     bool ok = true;
     for (size_t place = 0; place < components.records.size(); ++place) {
         const VNodeRef at{components.module, components.records[place]};
-        const std::string_view name = nameAt(at);
+        readRec(at);
+        const std::string_view name = components.names[place];
         if (!name.empty() && components.find(name, 0) < place) {
             const Msg code =
                 structure.isObject() ? Msg::DuplicateFieldSetting : Msg::DuplicateComponentValue;
@@ -182,11 +187,12 @@ bool valuesAreInOrder(const ValueErrors& errors, const CheckedValue& value,
         if (!entry.name.empty() && !entry.repeated) places.try_emplace(entry.name, places.size());
     bool ok = true;
     size_t next = 0; // the first component that may follow
-    for (const VNodeNr nr : components.records) {
-        const auto place = places.find(nameAt({components.module, nr}));
+    for (size_t at = 0; at < components.records.size(); ++at) {
+        const auto place = places.find(components.names[at]);
         if (place == places.end()) continue;
         if (place->second + 1 < next)
-            ok = failValue(errors, partAt(value, nr), Msg::ComponentValuesOutOfOrder);
+            ok = failValue(errors, partAt(value, components.records[at]),
+                           Msg::ComponentValuesOutOfOrder);
         next = std::max(next, place->second + 1);
     }
     return ok;

@@ -129,7 +129,7 @@ void printListing(std::FILE* stream, bool numberLines, std::FILE* source, std::s
         }
         output.flush();
         for (; next < errors.size() && errors[next].line < lineNr; ++next)
-            showError(stream, errors[next], source != nullptr);
+            showError(stream, errors[next], cMP != run.iso8824MP);
     }
 }
 

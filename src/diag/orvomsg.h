@@ -80,7 +80,8 @@ struct ErrRec {
     int32_t tagClass = 0;              // Msg::TagNumberInUse, Msg::NonDistinctTag
     int32_t tagNr = 0;
 };
-/// Diagnostics beyond this number are counted, not kept.
+/// Diagnostics of a module beyond this number are counted, not kept. As many as syntax errors: a
+/// fault that is in everything fills no memory.
 inline constexpr int maxRecordedErrors = 500;
 
 } // namespace orvo

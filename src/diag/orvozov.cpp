@@ -4,12 +4,14 @@
 #include "diag/orvozov.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <utility>
 
 #include "diag/orvoerr_fatal.h"
 #include "tree/orvomod.h"
 #include "util/ascii.h"
+#include "util/outfile.h"
 #include "util/text.h"
 
 namespace orvo {
@@ -70,8 +72,9 @@ std::FILE* zovOpenTextFile(std::string_view suffix, const char* mode) {
     const Fatal failure = std::string_view(mode) == "r" ? Fatal::OpenRead : Fatal::OpenWrite;
     if (!zovIsActive()) fatalError(failure, "No ZOV-PREFIX");
     const std::string path = zovPath(suffix);
-    std::FILE* file = std::fopen(path.c_str(), mode);
-    if (file == nullptr) fatalError(failure, path);
+    if (*mode != 'r' && isSource(path)) fatalError(failure, path);
+    std::FILE* file = *mode == 'w' ? openOutput(path, mode) : std::fopen(path.c_str(), mode);
+    if (file == nullptr) fatalError(errno == ENOMEM ? Fatal::NoSpace : failure, path);
     return file;
 }
 
@@ -81,8 +84,7 @@ void zovSummaryOpenFile() {
 
 void zovSummaryCloseFile() {
     if (zovState.opened == 0 || --zovState.opened > 0) return;
-    if (std::fclose(std::exchange(zovState.summary, nullptr)) != 0)
-        fatalError(Fatal::Close, zovPath(summarySuffix));
+    if (std::fclose(std::exchange(zovState.summary, nullptr)) != 0) fatalError(Fatal::Write);
 }
 
 void zovSummaryBeginBlock(std::string_view name) {

@@ -6,6 +6,7 @@
 #include "driver/orvo.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdio>
 #include <limits>
 #include <unordered_map>
@@ -268,7 +269,8 @@ void settleMissingModules() {
             return;
         }
         if (!referred.contains(cMP)) fatalError(Fatal::OpenRead, cMP->options.sourceFileName);
-        last->next = cMP->next; // the first module is always there
+        assert(last != nullptr); // the first module is always there
+        last->next = cMP->next;
     });
     run.eOfModRList = last;
 }
@@ -338,8 +340,9 @@ bool allModulesSolved() {
 
 void openListing() {
     OptionBlock& options = cMP->options;
-    cMP->srcFile = fopenTextFileInSearchPathForRd(run.asnSearchPath, options.sourceFileName,
-                                                  options.sourceDir);
+    if (!cMP->isStream)
+        cMP->srcFile = fopenTextFileInSearchPathForRd(run.asnSearchPath, options.sourceFileName,
+                                                      options.sourceDir);
     cMP->lstFile = fopenTextFile(run.lstDir, options.listingFileName, "w");
     sayHello(cMP->lstFile, run.timeStamp.version, orvoPatch);
     printNotice(cMP->lstFile, run.timeStamp);
@@ -361,7 +364,7 @@ void diagnostics() {
     {
         Restore<uint8_t> verbose(run.verbose);
         if (run.verbose != VERBOSE_NONE) run.verbose = VERBOSE_TOOL;
-        printListing(cMP->lstFile, cMP->options.list, cMP->srcFile, {});
+        printListing(cMP->lstFile, cMP->options.list, cMP->srcFile, cMP->streamText);
     }
     if (cMP->nbStxErrors == 0) printSymTab(cMP->nbSymErrors);
     const bool failed = hasErrors(*cMP) || cMP->nbSymErrors != 0;
@@ -458,6 +461,7 @@ int orvo_main(int argc, char** argv) {
     }
     initZOV();
     forEachModule(diagnostics);
+    if (run.clean) removeEarlierTrees();
     const int status = compilationSummary();
     compilationSummaryForZOV();
     typeListForZOV();

@@ -7,12 +7,13 @@
 #include "driver/orvofil.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 
 #include "diag/orvoerr_fatal.h"
-#include "util/guard.h"
 #include "util/outfile.h"
 #include "util/text.h"
 
@@ -45,22 +46,12 @@ ModuleRec* waitingRecord(const std::string& sourceName) {
     return found->second.front();
 }
 
-/// What the file is, whatever path leads to it.
-std::pair<uint64_t, uint64_t> identity(const struct stat& status) {
-    return {status.st_dev, status.st_ino};
-}
-
 std::FILE* openSource(const std::string& path) {
     std::FILE* file = openFile(path, "r");
     struct stat status = {};
     if (file != nullptr && fstat(fileno(file), &status) == 0)
-        run.sourceFiles.insert(identity(status));
+        run.sourceFiles.emplace(status.st_dev, status.st_ino);
     return file;
-}
-
-bool isSource(const std::string& path) {
-    struct stat status = {};
-    return stat(path.c_str(), &status) == 0 && run.sourceFiles.contains(identity(status));
 }
 
 } // namespace
@@ -68,8 +59,11 @@ bool isSource(const std::string& path) {
 std::FILE* openFile(const std::string& path, const char* mode) {
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored)) return nullptr;
-    if (*mode != 'w') return std::fopen(path.c_str(), mode);
-    return isSource(path) ? nullptr : openOutput(path, mode);
+    if (*mode == 'w' && isSource(path)) return nullptr;
+    std::FILE* file = *mode == 'w' ? openOutput(path, mode) : std::fopen(path.c_str(), mode);
+    // Whether there is such a file is not known then: another one must not be taken for it.
+    if (file == nullptr && errno == ENOMEM) fatalError(Fatal::NoSpace);
+    return file;
 }
 
 ModuleRec* newModuleRec() {
@@ -142,8 +136,9 @@ std::FILE* fopenTextFile(std::string_view directory, std::string_view name, cons
 bool sourceExists(const std::vector<std::string>& path, std::string_view name) {
     const auto opens = [name](std::string_view directory) {
         if (directory.size() + name.size() > maxPathLength) return false;
-        const File file(openFile(concat(directory, name), "r"));
-        return file != nullptr;
+        const std::string file = concat(directory, name); // not opened: a pipe opens only once
+        std::error_code ignored;
+        return access(file.c_str(), R_OK) == 0 && !std::filesystem::is_directory(file, ignored);
     };
     return !name.empty() && (std::ranges::any_of(path, opens) || opens(""));
 }

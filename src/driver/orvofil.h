@@ -9,7 +9,8 @@
 
 namespace orvo {
 
-/// Longest path that is opened, directory and name together.
+/// Longest path that is opened, directory and name together: a quarter of what systems take, so
+/// that back ends can add to it.
 inline constexpr size_t maxPathLength = 1024;
 
 /// A new module record, owned by run.modules, with its handle set; it stands on no list.
@@ -29,7 +30,7 @@ void setSourceFileName(ModuleRec* module, std::string_view name);
 const std::string& newStriVal(std::string& dest, std::string_view prefix, size_t len,
                               std::string_view src, std::string_view suffix);
 
-/// Longest name that is cut for a new extension.
+/// Longest name that is cut for a new extension: what is longer is no path that is opened.
 inline constexpr size_t maxNameLength = 1024;
 /// A file name with the extension, which counts from the last "." behind the last "/". A name that
 /// has one keeps it, or loses it to the new one when `replaceExt`; then what exceeds maxNameLength

@@ -24,7 +24,8 @@ ModRef* createPicRec(ModRefList& list, std::string_view name, ModuleRec* target,
     list.modRefLast = ref;
     list.byName.try_emplace(ref->name, ref);
     if (target != nullptr) list.byModule.try_emplace(target, ref);
-    if (number != 0) list.byNumber.try_emplace(number, ref);
+    if (number >= list.byNumber.size()) list.byNumber.resize(number + size_t{1});
+    if (number != 0 && list.byNumber[number] == nullptr) list.byNumber[number] = ref;
     return ref;
 }
 
@@ -43,7 +44,7 @@ void dropPicRecs(ModRefList& list, size_t keep) {
         const ModRef* ref = list.refs.back().get();
         forget(list.byName, ref->name, ref);
         forget(list.byModule, ref->module, ref);
-        forget(list.byNumber, ref->number, ref);
+        if (list.byNumber[ref->number] == ref) list.byNumber[ref->number] = nullptr;
         list.refs.pop_back();
     }
     list.modRefLast = list.refs.empty() ? nullptr : list.refs.back().get();

@@ -24,7 +24,7 @@ void dropPicRecs(ModRefList& list, size_t keep);
 
 // ---- option records -----------------------------------------------------------------------------
 
-/// Longest text of an option; what is longer is cut and rejected.
+/// Longest text of an option, which may hold a path; what is longer is cut and rejected.
 inline constexpr size_t maxOptionLength = 1024;
 
 /// Converts the name of an option - from the second character to the first "=" - to upper case.

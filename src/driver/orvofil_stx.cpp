@@ -20,13 +20,16 @@
 
 #include <bit>
 #include <cstring>
+#include <filesystem>
 #include <limits>
 #include <string>
+#include <unordered_set>
 
 #include "diag/orvoerr_fatal.h"
 #include "diag/timing.h"
 #include "driver/orvofil.h"
 #include "tree/orvorec.h"
+#include "util/guard.h"
 #include "util/outfile.h"
 #include "util/text.h"
 
@@ -92,7 +95,7 @@ std::span<const uint8_t> unitsOf(RecKind kind, const Field& field, const char* r
 }
 
 /// Field by field, for hosts of the other byte order.
-void putFields(std::string& out, RecKind kind, const char* record) {
+[[maybe_unused]] void putFields(std::string& out, RecKind kind, const char* record) {
     for (const Field& field : fieldsOf(kind)) {
         const char* at = record + field.offset;
         const auto units = unitsOf(kind, field, record);
@@ -138,6 +141,55 @@ void countAgain(ModuleRec* module) {
     writeRec(module, MNodeNr{1});
 }
 
+// ---- CLEAN= -------------------------------------------------------------------------------------
+
+uint32_t numberAt(const char* bytes, size_t size) {
+    uint32_t number = 0;
+    while (size-- > 0) number = number << 8 | static_cast<uint8_t>(bytes[size]);
+    return number;
+}
+
+/// The name of the module that a file says it is the tree of; empty when it says nothing such.
+std::string moduleOfTree(std::FILE* file) {
+    char node[recSize[KIND_MNODE]];
+    if (std::fread(node, sizeof node, 1, file) != 1) return {};
+    const auto countOf = [&node](int kind) {
+        return numberAt(node + offsetof(MNode, recCount) + size_t{4} * static_cast<size_t>(kind),
+                        4);
+    };
+    uint64_t at = 0;
+    for (int kind = 0; kind < KIND_STRI8; ++kind) at += uint64_t{countOf(kind)} * recSize[kind];
+    const uint32_t name = numberAt(node + offsetof(MNode, modName), 4);
+    if (name == 0 || name > countOf(KIND_STRI8)) return {};
+    if (fseeko(file, static_cast<off_t>(at), SEEK_SET) != 0) return {};
+    std::string text;
+    for (uint32_t nr = 1; nr <= name; ++nr) {
+        char length[2];
+        if (std::fread(length, sizeof length, 1, file) != 1) return {};
+        text.resize(numberAt(length, sizeof length));
+        if (text.empty() || std::fread(text.data(), text.size(), 1, file) != 1) return {};
+    }
+    text.pop_back(); // the terminator
+    return text;
+}
+
+std::string treePath(const ModuleRec* module) {
+    return concat(run.stxDir, module->generationPrefix, ".stx");
+}
+
+void removeEarlierTree(const ModuleRec* module) {
+    std::error_code failed; // a link stays: the tree is where it leads
+    const std::filesystem::path path = std::filesystem::canonical(treePath(module), failed);
+    if (failed || !std::filesystem::is_regular_file(path, failed)) return;
+    {
+        const File file(openFile(path, "rb"));
+        if (file == nullptr || moduleOfTree(file.get()) != module->moduleName) return;
+    }
+    if (!std::filesystem::remove(path, failed)) fatalError(Fatal::Write, treePath(module));
+}
+
+// ---- the file -----------------------------------------------------------------------------------
+
 /// Records of one kind, in number order.
 void writeSubTree(TreeFile& tree, ModuleRec* module, RecKind kind) {
     readRec(module, MNodeNr{1});
@@ -157,7 +209,7 @@ void writeSubTree(TreeFile& tree, ModuleRec* module, RecKind kind) {
 
 void writeTree(ModuleRec* module) {
     const Timed timed(Phase::Tree);
-    const std::string path = concat(run.stxDir, module->generationPrefix, ".stx");
+    const std::string path = treePath(module);
     if (module->stringsAdded) countAgain(module);
     TreeFile tree{openFile(path, "wb"), {}};
     if (tree.file == nullptr) fatalError(Fatal::OpenWrite, path);
@@ -165,6 +217,18 @@ void writeTree(ModuleRec* module) {
         writeSubTree(tree, module, static_cast<RecKind>(kind));
     flushChunk(tree);
     if (!closeOutput(tree.file)) fatalError(Fatal::Close, "Syntax tree file");
+    module->hasTree = true;
+}
+
+void removeEarlierTrees() {
+    std::unordered_set<std::string> written;
+    for (const auto& module : run.modules)
+        if (module->hasTree) written.insert(module->generationPrefix);
+    for (const auto& module : run.modules) {
+        const bool known = !module->moduleName.empty() && !module->generationPrefix.empty();
+        if (known && module.get() != run.iso8824MP && !written.contains(module->generationPrefix))
+            removeEarlierTree(module.get());
+    }
 }
 
 } // namespace orvo

@@ -10,6 +10,7 @@
 #include <array>
 #include <cassert>
 #include <cstdio>
+#include <limits>
 
 #include "diag/orvoerr.h"
 #include "diag/orvoerr_fatal.h"
@@ -39,7 +40,7 @@ consteval CharTable makeCharTable() {
     add('\t', '\r', CHAR_SPACE); // tab, line feed, vertical tab, form feed, carriage return
     add(' ', ' ', CHAR_SPACE);
     add('\n', '\r', CHAR_LINE_END);
-    for (const int c : {'\0', '\n', '$', '-'}) add(c, c, CHAR_COMMENT);
+    for (const char c : {'\0', '\n', '$', '-'}) add(c, c, CHAR_COMMENT);
     return table;
 }
 
@@ -51,23 +52,34 @@ namespace {
 
 // ---- the text -----------------------------------------------------------------------------------
 
+/// The lines of a source have numbers, and each takes a byte at least.
+constexpr uint64_t maxSourceLength = std::numeric_limits<int32_t>::max();
+/// A pipe or a device may have no end. This is fifty times the largest modules that are published,
+/// and little enough to be read before it is refused.
+constexpr uint64_t maxStreamLength = uint64_t{256} << 20;
+
 void readSourceFile(std::string& text) {
     text.clear();
     std::FILE* file = cMP->srcFile;
     if (file == nullptr) return;
     const Timed reading(Phase::Read);
     struct stat status = {};
-    const bool known = fstat(fileno(file), &status) == 0 && status.st_size > 0;
+    cMP->isStream = fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode);
+    const uint64_t known = cMP->isStream ? 0 : static_cast<uint64_t>(status.st_size);
+    const uint64_t most = cMP->isStream ? maxStreamLength : maxSourceLength;
     constexpr size_t fewest = 65536;
     size_t length = 0;
-    do { // to the end, which may be elsewhere when the file is a pipe or grows
-        text.resize(length != 0 ? std::max(fewest, length * 2)
-                    : known     ? static_cast<size_t>(status.st_size) + 1
-                                : fewest);
+    bool fits = known <= most;
+    while (fits && length == text.size()) { // to the end, which is elsewhere when the file grows
+        text.resize(length != 0  ? std::max(fewest, length * 2)
+                    : known != 0 ? static_cast<size_t>(known) + 1
+                                 : fewest);
         length += std::fread(text.data() + length, 1, text.size() - length, file);
-    } while (length == text.size());
-    if (std::ferror(file) != 0) fatalError(Fatal::Read, cMP->options.sourceFileName);
+        fits = length <= most;
+    }
+    if (!fits || std::ferror(file) != 0) fatalError(Fatal::Read, cMP->options.sourceFileName);
     text.resize(length);
+    if (cMP->isStream) cMP->streamText = text;
 }
 
 void startInput() {

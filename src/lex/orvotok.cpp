@@ -14,6 +14,7 @@ TokenArena tokenArena;
 
 namespace {
 
+/// Tokens are numbered in 32 bits, and come by the chunk.
 constexpr uint32_t maxTokens = 0xFFFFFFFF - tokenChunk;
 
 void addChunk() {

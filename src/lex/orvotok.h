@@ -38,11 +38,14 @@ static_assert(std::is_sorted(gMGTabInp + firstLaterWord, gMGTabInp + lastLaterWo
 static_assert(tokenCount <= TOK_OUT_OF_TABLE); // 500 + code is a message below 700
 
 /// What a token may be. Names and literals keep that much, numbers beyond it are the highest there
-/// is; either is an error.
+/// is; either is an error. Back ends make names of names, to which they add; a text with its
+/// terminator has a length of 16 bits in the tree, which signed ones hold too; 19 digits are those
+/// of 64 bits.
 inline constexpr size_t maxIdentifierLength = 128;
 inline constexpr size_t maxStringLength = 32000;
 inline constexpr size_t maxNumberDigits = 19;
-/// Notation nested deeper than this stops the parse.
+/// Notation nested deeper than this stops the parse: ten times what protocols nest, and little
+/// enough for the smallest stack that the parser may have to do with (util/stack).
 inline constexpr uint32_t maxNesting = 500;
 
 /// A word that is reserved in the notation of today only.

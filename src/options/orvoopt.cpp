@@ -62,7 +62,7 @@ constexpr std::string_view usageLines[] = {
 constexpr std::string_view wordLists[] = {"-INFO=", "-BEO="};
 constexpr std::string_view blankTakers[] = {"+", "-INFO=", "-BEO=", "-S", "-L", "-C", "-H"};
 constexpr std::string_view phaseOneValues[] = {
-    "-VERBOSE=", "-A=", "-L=", "-V=", "-KEEP-GOING=", "-TIMING="};
+    "-VERBOSE=", "-A=", "-L=", "-V=", "-KEEP-GOING=", "-CLEAN=", "-TIMING="};
 constexpr std::string_view strictStandard = "-STRICTSTANDARD";
 
 /// `text` (its name in upper case) begins with one of the names.
@@ -174,6 +174,7 @@ bool parseSelectedCmdLineOpts(std::string_view text) {
     if (name == "-VERBOSE=") return verboseOptionOK(value);
     if (name == "-V=") return int32OptionOK(value, 1, 4, run.verboseEx);
     if (name == "-KEEP-GOING=") return booleOptionOK(value, run.keepGoing);
+    if (name == "-CLEAN=") return booleOptionOK(value, run.clean);
     if (name == "-TIMING=") {
         bool on = timingState.on;
         if (!booleOptionOK(value, on)) return false;

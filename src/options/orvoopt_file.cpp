@@ -5,6 +5,7 @@
 #include "options/orvoopt_file.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "diag/orvoerr_fatal.h"
 #include "diag/orvoerr_hello.h"
@@ -24,6 +25,10 @@ constexpr size_t maxLineLength = 1023;
 /// What a comment line begins with.
 constexpr std::string_view magicStrings[] = {"/*", "*/", "//", "(*", "*)", "--", "#", "$"};
 
+/// A pipe or a device may have no end. A PREFIX= line of the greatest length fits for each of as
+/// many modules as a run counts.
+constexpr size_t maxFileLength = maxLineLength * std::numeric_limits<int16_t>::max();
+
 bool isComment(std::string_view line) {
     return std::ranges::any_of(magicStrings,
                                [line](std::string_view mark) { return line.starts_with(mark); });
@@ -40,14 +45,15 @@ std::vector<OptionLine> readOptionFile(std::string_view name) {
     std::FILE* file = openOptionFile(name);
     std::vector<OptionLine> lines;
     std::string line;
-    while (readOptionFileLine(file, line)) {
+    size_t left = maxFileLength;
+    while (left != 0 && readOptionFileLine(file, line, left)) {
         if (line.empty() || isComment(line)) continue;
         if (isEndMarker(line)) break;
         StoredOption option;
         if (!isFileName(line)) option = optionToStore(line, 0, 0, nullptr);
         lines.push_back({line, std::move(option)});
     }
-    if (std::ferror(file) != 0) fatalError(Fatal::Read, name);
+    if (std::ferror(file) != 0 || left == 0) fatalError(Fatal::Read, name);
     std::fclose(file);
     return lines;
 }
@@ -81,11 +87,11 @@ std::FILE* openOptionFile(std::string_view name) {
     return fopenTextFile("", name, "r");
 }
 
-bool readOptionFileLine(std::FILE* file, std::string& line) {
+bool readOptionFileLine(std::FILE* file, std::string& line, size_t& left) {
     line.clear();
     int c = std::getc(file);
     if (c == EOF) return false;
-    for (; c != EOF && c != '\n'; c = std::getc(file))
+    for (; --left != 0 && c != EOF && c != '\n'; c = std::getc(file))
         if (line.size() < maxLineLength) line += static_cast<char>(c);
     line = std::string(remSpaces(line));
     return true;

@@ -17,7 +17,7 @@ void handleOptionFile(std::string_view file, uint32_t& kinds, OptRange& range);
 /// Opens an option file; fatal 1 when that fails.
 std::FILE* openOptionFile(std::string_view name);
 /// Reads a line without white space around it; false at the end of the file. What a line has beyond
-/// 1023 characters is discarded.
-[[nodiscard]] bool readOptionFileLine(std::FILE* file, std::string& line);
+/// 1023 characters is discarded. `left`: bytes that may still be read.
+[[nodiscard]] bool readOptionFileLine(std::FILE* file, std::string& line, size_t& left);
 
 } // namespace orvo

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ranges>
 #include <utility>
 
 #include "diag/orvoerr.h"
@@ -146,7 +145,7 @@ void evaluateSharedPrefixes(Evaluation& ev, std::span<OptionEntry> entries) {
 /// The comments of the module stand in front of the command line.
 void evaluatePass2(Evaluation& ev) {
     const std::span<OptionEntry> all(ev.entries);
-    const auto lastComment = std::ranges::find_if(std::views::reverse(all), isComment);
+    const auto lastComment = std::find_if(all.rbegin(), all.rend(), isComment);
     const auto comments = static_cast<size_t>(lastComment.base() - all.begin());
     evaluatePrefixes(ev, all.first(comments));
     evaluateSharedPrefixes(ev, all.subspan(comments));

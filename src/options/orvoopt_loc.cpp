@@ -179,13 +179,12 @@ void takeComponentDirectives(uint32_t seen) {
 }
 
 void takeTypeDirectives(uint32_t seen) {
-    constexpr uint8_t tedKind9 = 9; // no command of the notation gives this kind yet
     if (isString())
         takeFirst(seen, {TED_FRAME, TED_SEG, TED_DYN});
     else if (isList())
         takeFirst(seen, {TED_FRAME, TED_SEG, TED_DYN, TED_DYNARR});
     else if (typeIs<TYP_SEQ, TYP_SET, TYP_CHOICE>() && tNode.ref != 0)
-        takeFirst(seen, {TED_ASNHC, tedKind9});
+        takeFirst(seen, {TED_ASNHC});
     else if (tNode.typeCode == TYP_ANY)
         takeFirst(seen, {TED_FRAME});
 }

@@ -13,7 +13,8 @@
 
 namespace orvo {
 
-/// The syntax error of this number stops the parse.
+/// The syntax error of this number stops the parse: nobody mends so many at once, and noise makes
+/// one of each token.
 inline constexpr int16_t maxSyntaxErrors = 500;
 /// Tokens that are kept lexed, the current one included.
 inline constexpr uint32_t lookAheadTokens = 7;

@@ -21,7 +21,7 @@
 #include "symtab/orvosym.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil_find.h"
-#include "util/flat.h"
+#include "tree/rec_notes.h"
 #include "util/text.h"
 
 namespace orvo {
@@ -38,9 +38,9 @@ struct ActPar {
     uint32_t record = 0;
 };
 
-/// What a walk has reached, keyed by module and number, and what it has still to look at.
+/// What a walk has reached, and what it has still to look at.
 struct Search {
-    FlatSet<uint64_t> types, values, sets;
+    RecVisits types, values, sets;
     std::vector<TNodeRef> typNodeStack;
     std::vector<VNodeRef> valNodeStack;
     std::vector<SubRef> setNodeStack;
@@ -49,12 +49,12 @@ struct Search {
 // ---- what is to be looked at --------------------------------------------------------------------
 
 void enterType(Search& search, ModuleRec* module, uint32_t nr) {
-    if (module == nullptr || nr == 0 || !search.types.insert(keyOf(module, nr)).second) return;
+    if (module == nullptr || nr == 0 || !search.types.enter(module, nr)) return;
     search.typNodeStack.push_back({module, TNodeNr{nr}});
 }
 
 void enterValue(Search& search, ModuleRec* module, uint32_t nr) {
-    if (module == nullptr || nr == 0 || !search.values.insert(keyOf(module, nr)).second) return;
+    if (module == nullptr || nr == 0 || !search.values.enter(module, nr)) return;
     search.valNodeStack.push_back({module, VNodeNr{nr}});
 }
 
@@ -123,7 +123,7 @@ void actParInTypConstr(Search& search, ModuleRec* module, const TNode& node) {
 void actParInTypNode(Search& search, TNodeRef type) {
     readRec(type);
     const TNode node = tNode;
-    if (node.constraint > 0) search.sets.insert(keyOf(type.module, magnitude(node.constraint)));
+    if (node.constraint > 0) search.sets.enter(type.module, magnitude(node.constraint));
     if (node.actParRec == 0) return;
     if (node.typeCode == TYP_FIELDLIST && node.syntax != 0)
         actParInFieldListTNode(search, type, node);
@@ -229,6 +229,13 @@ void actParInSub(Search& search, SubRef nr) {
 
 // ---- the search ---------------------------------------------------------------------------------
 
+/// One for all instances: its marks and stacks keep their memory.
+Search& beginSearch() {
+    static Search search;
+    for (RecVisits* visits : {&search.types, &search.values, &search.sets}) visits->begin();
+    return search;
+}
+
 template <typename Ref> Ref pop(std::vector<Ref>& stack) {
     const Ref top = stack.back();
     stack.pop_back();
@@ -251,10 +258,10 @@ void searchInstance(Search& search) {
 
 bool actParIsThisTNode(const Search& search, const ModuleRec* module, const ActPar& par) {
     const auto& reached = par.list == ActParList::Set ? search.sets : search.types;
-    return reached.contains(keyOf(module, par.record));
+    return reached.entered(module, par.record);
 }
 bool actParIsThisVNode(const Search& search, const ModuleRec* module, const ActPar& par) {
-    return search.values.contains(keyOf(module, par.record));
+    return search.values.entered(module, par.record);
 }
 
 /// A set whose notation was wrong has no record, and is not reported again.
@@ -325,7 +332,7 @@ bool checkTNodeActuals() {
     const KeepRec<KIND_SUB> keepSub;
     ModuleRec* const own = typeModule();
     const Instantiation by{own, tNode.actParRec, static_cast<uint32_t>(tNode.syntax), tNode.line};
-    Search search;
+    Search& search = beginSearch();
     enterType(search, refModule(own, tNode.refMod), tNode.ref);
     searchInstance(search);
     return reportUnused(search, by);
@@ -339,7 +346,7 @@ bool checkVNodeActuals() {
     const KeepRec<KIND_SUB> keepSub;
     ModuleRec* const own = valueModule();
     const Instantiation by{own, vNode.actParRec, static_cast<uint32_t>(vNode.deferred), vNode.line};
-    Search search;
+    Search& search = beginSearch();
     const VNodeRef instance{refModule(own, vNode.refMod), VNodeNr{vNode.ref}};
     enterValue(search, instance.module, instance.nr.nr);
     readRec(instance);

@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <cassert>
-#include <unordered_map>
 #include <vector>
 
 #include "solve/solve_ref.h"
@@ -215,11 +214,18 @@ struct ModuleMarks {
 };
 struct SnapState {
     uint64_t time = 0;
-    std::vector<ModuleRec*> touched; // those of the outermost trial first
-    std::vector<size_t> starts;      // by trial: its first entry in `touched`
-    std::unordered_map<ModuleRec*, ModuleMarks> modules;
+    std::vector<ModuleRec*> touched;  // those of the outermost trial first
+    std::vector<size_t> starts;       // by trial: its first entry in `touched`
+    std::vector<ModuleMarks> modules; // by handle
+    std::vector<ModuleRec*> grown;    // in the trial that ended last
 };
 SnapState snapState;
+
+ModuleMarks& marksOf(const ModuleRec* module) {
+    if (module->handle >= snapState.modules.size())
+        snapState.modules.resize(module->handle + size_t{1});
+    return snapState.modules[module->handle];
+}
 
 uint32_t currentTrial() {
     return static_cast<uint32_t>(trialState.current);
@@ -240,22 +246,19 @@ bool hasGrown(const ModuleRec* module, const Counters& since) {
 void noteModule(ModuleRec* module) {
     module->touchedIn = trialState.current;
     snapState.touched.push_back(module);
-    snapState.modules[module].notes.push_back(
-        {currentTrial(), ++snapState.time, countersOf(module)});
+    marksOf(module).notes.push_back({currentTrial(), ++snapState.time, countersOf(module)});
 }
 
 /// The first trial that began when the record was there already.
 uint32_t firstTrialWith(ModuleRec* module, RecKind kind, uint32_t nr) {
-    const auto found = snapState.modules.find(module);
-    if (found == snapState.modules.end()) return 1;
-    const auto& notes = found->second.notes;
+    const auto& notes = marksOf(module).notes;
     const auto older = std::ranges::partition_point(
         notes, [&](const Mark& note) { return nr >= note.counters.nextRecNr[kind]; });
     return older == notes.begin() ? 1 : std::prev(older)->trial + 1;
 }
 
 void pin(ModuleRec* module, uint32_t trial) {
-    auto& pins = snapState.modules[module].pins;
+    auto& pins = marksOf(module).pins;
     while (!pins.empty() && pins.back().trial >= trial) pins.pop_back();
     pins.push_back({trial, ++snapState.time, countersOf(module)});
 }
@@ -298,8 +301,7 @@ void restoreNoted(ModuleRec* module, const Mark& note, const ModuleMarks& marks)
 
 /// Takes the innermost trial's note of a module away. `inherit`: the enclosing trial takes it over
 /// unless it has one of its own. True when it did.
-bool endNote(ModuleRec* module, bool inherit) {
-    ModuleMarks& marks = snapState.modules[module];
+bool endNote(ModuleRec* module, ModuleMarks& marks, bool inherit) {
     Mark note = marks.notes.back();
     marks.notes.pop_back();
     while (!marks.pins.empty() && marks.pins.back().trial >= note.trial) marks.pins.pop_back();
@@ -313,28 +315,27 @@ bool endNote(ModuleRec* module, bool inherit) {
     return inherit;
 }
 
-/// Ends the innermost trial. The modules in which it has created records are handed out when it is
+/// Ends the innermost trial. The modules in which it has created records are `grown` when it is
 /// kept. A module that was only visited needs no note any more: it gets another one when it is
 /// visited again.
-std::vector<ModuleRec*> endTrial(bool kept) {
-    std::vector<ModuleRec*> grown;
+void endTrial(bool kept) {
+    snapState.grown.clear();
     const size_t start = snapState.starts.back();
     size_t inherited = start;
     flushRecs(-1);
     for (size_t i = start; i < snapState.touched.size(); ++i) {
         ModuleRec* const module = snapState.touched[i];
-        const ModuleMarks& marks = snapState.modules[module];
+        ModuleMarks& marks = marksOf(module);
         const bool hasNew = kept && hasGrown(module, marks.notes.back().counters);
-        if (hasNew) grown.push_back(module);
+        if (hasNew) snapState.grown.push_back(module);
         if (!kept) restoreNoted(module, marks.notes.back(), marks);
-        if (endNote(module, hasNew || (kept && module == cMP)))
+        if (endNote(module, marks, hasNew || (kept && module == cMP)))
             snapState.touched[inherited++] = module;
     }
     snapState.touched.resize(inherited);
     snapState.starts.pop_back();
     --trialState.current;
     assert(trialState.current != 0 || snapState.touched.empty()); // all marks are gone with it
-    return grown;
 }
 
 void restoreSnapShot() {
@@ -355,11 +356,11 @@ SnapShot::~SnapShot() {
 void SnapShot::keep() {
     if (done_) return;
     done_ = true;
-    const std::vector<ModuleRec*> grown = endTrial(true);
-    if (grown.empty() || trialState.current == 0) return;
+    endTrial(true);
+    if (snapState.grown.empty() || trialState.current == 0) return;
     const uint32_t trial = firstTrialWith(module_, kind_, nr_);
     if (trial > currentTrial()) return;
-    for (ModuleRec* const module : grown) pin(module, trial);
+    for (ModuleRec* const module : snapState.grown) pin(module, trial);
 }
 
 void SnapShot::restore() {

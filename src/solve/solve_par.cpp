@@ -7,6 +7,8 @@
 
 #include "solve/solve_par.h"
 
+#include <bit>
+
 #include "diag/orvoerr_fatal.h"
 #include "solve/p5actpar.h"
 #include "solve/solve_cur.h"
@@ -26,9 +28,11 @@ ParState parState;
 
 namespace {
 
-/// Instances of a run, and how deep they nest: more is an explosion, not a protocol.
-constexpr size_t maxInstances = 1000000;
+/// How deep instances nest: more is an explosion, not a protocol.
 constexpr uint32_t maxInstanceDepth = 200;
+/// A reference with this many instances below it, at more levels than a doubling within
+/// maxInstances can have, doubles with each level, and would only take its time to get there.
+constexpr uint32_t manyInstances = 100000, levelsOfMaxInstances = std::bit_width(maxInstances);
 
 } // namespace
 
@@ -110,10 +114,13 @@ bool parseActParList(ModuleRec* defModule, STabNr formals, VNodeNr& first, Cause
     return false;
 }
 
-/// The assignment is being instantiated already, inside its own instantiation.
-bool isOnStack(const ModuleRec* defModule, int32_t definition, uint32_t& depth) {
+/// The assignment is being instantiated already, inside its own instantiation. `depth`: the entries
+/// of the stack, `outermost`: the last of them.
+bool isOnStack(const ModuleRec* defModule, int32_t definition, uint32_t& depth,
+               uint32_t& outermost) {
     for (uint32_t handle = parState.aplStack; handle != 0; handle = aplAt(handle).below) {
         ++depth;
+        outermost = handle;
         if (aplAt(handle).defModule == defModule->handle && aplAt(handle).definition == definition)
             return true;
     }
@@ -131,11 +138,13 @@ struct Reference {
 /// Parses the actual parameters of a reference of the current module and pushes the instantiation.
 Msg pushApl(const Reference& reference, Cause& cause) {
     ModuleRec* const defModule = getModPtr(cMP, static_cast<uint32_t>(reference.refMod));
-    uint32_t depth = 0;
-    if (isOnStack(defModule, reference.definition, depth))
+    uint32_t depth = 0, outermost = 0;
+    if (isOnStack(defModule, reference.definition, depth, outermost))
         return reference.definition < 0 ? Msg::RecursiveValueReference
                                         : Msg::RecursiveTypeReference;
-    if (depth >= maxInstanceDepth || parState.entries.size() >= maxInstances)
+    const bool doubles =
+        depth > levelsOfMaxInstances && ++parState.entries[outermost - 1].below > manyInstances;
+    if (depth >= maxInstanceDepth || parState.entries.size() >= parState.mostInstances || doubles)
         fatalError(Fatal::NoSpace, "Too many instances of parameterized definitions.");
     const STabNr symbol = findSymbTabRecByNr(defModule, REF_OWN, reference.definition);
     VNodeNr firstActual;

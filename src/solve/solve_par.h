@@ -25,14 +25,20 @@ struct AplEntry {
     ANodeNr nr;
     ModuleRec* outermost = nullptr; // module of the outermost reference
     uint32_t head = 0;              // first record of the copy in the defining module
+    uint32_t below = 0;             // instances many levels below it, when it is an outermost one
 };
+/// Instances of a run: more is an explosion, not a protocol. Published sets of modules have
+/// thousands; a million take a gigabyte.
+inline constexpr size_t maxInstances = 1000000;
+
 /// The stack of active instantiations. Handles (from 1; 0 = none) address all entries of the run.
 struct ParState {
     std::vector<AplEntry> entries;
     // module handle and instance number -> handle
     std::unordered_map<uint64_t, uint32_t> byInstance;
-    uint32_t aplStack = 0; // handle of the top entry
-    InstContext context;   // what the top entry gives to new records
+    size_t mostInstances = maxInstances; // tests lower it
+    uint32_t aplStack = 0;               // handle of the top entry
+    InstContext context;                 // what the top entry gives to new records
 };
 extern ParState parState;
 /// The record of a handle.

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ranges>
 #include <unordered_set>
 #include <vector>
 
@@ -157,16 +156,17 @@ bool checkToken(const StxToken& token, const TokenSets& known) {
 bool checkLL1(const ClassCheck& check, const std::vector<TokenList>& lists) {
     std::vector<const StxToken*> conflicts;
     TokenSets behind;
-    for (const TokenList& list : std::views::reverse(lists)) {
-        for (const StxToken& token : std::views::reverse(list)) {
-            if (!checkToken(token, behind)) conflicts.push_back(&token);
-            addToken(behind, token);
+    for (auto list = lists.rbegin(); list != lists.rend(); ++list) {
+        for (auto token = list->rbegin(); token != list->rend(); ++token) {
+            if (!checkToken(*token, behind)) conflicts.push_back(&*token);
+            addToken(behind, *token);
         }
     }
-    for (const StxToken* token : std::views::reverse(conflicts)) {
-        const bool named = isField(token->token) || token->token == TOK_TYPEID;
-        report(check, Msg::SyntaxIsNotLL1, token->line,
-               named ? nameOf(check, token->value) : std::string_view());
+    for (auto conflict = conflicts.rbegin(); conflict != conflicts.rend(); ++conflict) {
+        const StxToken& token = **conflict;
+        const bool named = isField(token.token) || token.token == TOK_TYPEID;
+        report(check, Msg::SyntaxIsNotLL1, token.line,
+               named ? nameOf(check, token.value) : std::string_view());
     }
     return conflicts.empty();
 }

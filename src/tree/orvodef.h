@@ -28,7 +28,9 @@ inline constexpr uint32_t recSize[] = {
 };
 static_assert(std::size(recSize) == kindCount);
 
-/// Highest record number of a kind. Above it lies the number of the scratch character.
+/// Highest record number of a kind: numbers are negated, in fields of 32 bits, and the last few
+/// designate no record, such as that of the scratch character. Memory ends before: as many of the
+/// smallest records take 16 GB.
 inline constexpr uint32_t maxRecNr = 2147483640;
 /// String number of the one-character scratch buffer (getStri, getStri16, getStri32).
 inline constexpr uint32_t scratchStri = 0x7FFFFFFA;
@@ -194,7 +196,7 @@ enum TagClass : int32_t {
     TAG_PRIVATE = 3
 };
 enum TagMode : int32_t { TAGMODE_IMPLICIT = 0, TAGMODE_EXPLICIT = 1, TAGMODE_OPEN = 2 };
-inline constexpr int32_t maxTagNr = 2097151;
+inline constexpr int32_t maxTagNr = 2097151; // 21 bits: three octets of an identifier
 /// What the parser stores for a tag number out of range; the tag checks reject it.
 inline constexpr int32_t badTagNr = 0x200000;
 
@@ -515,7 +517,8 @@ struct DNode {      // a deferred token range; the replay cursor `inp` has the s
 inline constexpr Field dNodeFields[] = {FIELD(0, DNode, count), FIELD(2, DNode, unused2),
                                         FIELD(4, DNode, formals), FIELD(8, DNode, first),
                                         FIELD(12, DNode, last)};
-inline constexpr uint16_t maxDeferredTokens = 65534; // count of that many tokens or more
+/// Count of that many tokens or more: it is for information, the range ends with its last token.
+inline constexpr uint16_t maxDeferredTokens = 65534;
 inline constexpr DNode noRange = {65535, 0, 0, 0, 0};
 
 struct ANode {              // an instantiation of a parameterized definition

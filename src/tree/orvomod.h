@@ -57,7 +57,7 @@ struct ModRefList {
     std::vector<std::unique_ptr<ModRef>> refs;
     std::unordered_map<std::string, ModRef*> byName;        // the first of a name
     std::unordered_map<const ModuleRec*, ModRef*> byModule; // the first to a module
-    std::unordered_map<uint32_t, ModRef*> byNumber;
+    std::vector<ModRef*> byNumber;                          // numbers are counted up; null = none
     // Imported symbols of a name with their references, by reference number.
     std::unordered_map<int32_t, std::vector<std::pair<ModRef*, STabNr>>> imported;
 };
@@ -203,17 +203,20 @@ struct ModuleRec {
     // Heads of value sets whose governor has a constraint of its own: its text, negated. Until pass
     // 3, which gives such a governor a record.
     std::unordered_map<uint32_t, int32_t> governorTexts;
-    bool newNotation = false;                  // its notation is that of 2021
-    bool named = false;                        // the command line names its file
-    bool missing = false;                      // KEEP-GOING=: imported, but its file is not there
+    bool newNotation = false;  // its notation is that of 2021
+    bool named = false;        // the command line names its file
+    bool missing = false;      // KEEP-GOING=: imported, but its file is not there
     bool out = false;          // KEEP-GOING=: has an error, or refers to a module that is out
+    bool hasTree = false;      // its tree has been written
     bool stringsAdded = false; // pass 5 has added strings that records in the tree file name
     int32_t nbStxErrors = 0, nbSemErrors = 0, nbSymErrors = 0, nbWarnings = 0;
     int32_t nbRecorded = 0;                             // diagnostics recorded, kept or not
     std::vector<ErrRec> errors;                         // sorted by line, then order of recording
     std::set<std::pair<int32_t, std::string>> warnedOf; // message and detail (recordOnce)
     std::FILE* srcFile = nullptr;                       // open during pass 1 and during the listing
-    std::FILE* lstFile = nullptr;                       // open during the listing
+    bool isStream = false;        // the source is no regular file: it cannot be read a second time
+    std::string streamText;       // what was read of it
+    std::FILE* lstFile = nullptr; // open during the listing
     std::set<uint32_t> preparedLists;        // component lists that solve/solve_ref has prepared
     uint64_t touchedIn = 0;                  // the trial parse that has noted the counters
     std::vector<RecPage*> recDir[kindCount]; // by index; null = no record of it written yet
@@ -262,6 +265,7 @@ struct Run {
     int32_t verboseEx = 3;
     bool strict_standard = false;
     bool keepGoing = false; // KEEP-GOING=
+    bool clean = false;     // CLEAN=
     bool checking = false;  // pass 5 of such a run: records of modules that are out are not read
     // STANDARD-VERSION= and LENIENT= of the command line and the option files outside of scopes:
     // they hold from the first character of every module.
@@ -286,6 +290,9 @@ extern ModuleRec*
 /// The module that a reference number of `module` designates: itself for 1, null when there is
 /// none.
 ModuleRec* getModPtr(ModuleRec* module, uint32_t refNr);
+
+/// The file, whatever path leads to it, is a source that the run has opened.
+[[nodiscard]] bool isSource(const std::string& path);
 
 /// The notation of today is in force in the current module; what is read of an instance or another
 /// module's record is judged by the module that is given.

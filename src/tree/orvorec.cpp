@@ -4,6 +4,7 @@
 
 #include "tree/orvorec.h"
 
+#include <bit>
 #include <cassert>
 #include <cstring>
 
@@ -71,7 +72,7 @@ RecPage& pageAt(ModuleRec* module, RecKind kind, uint32_t page) {
 #ifndef NDEBUG
 void checkLeft(RecKind kind) {
     const RecPlace& left = recState.recJustRead[kind];
-    if (recState.writePend[kind].nr != 0) return; // it is written now
+    if (isPending(kind)) return; // it is written now
     const void* stored = pageForReading(left.module, kind, left.nr);
     assert(stored == nullptr || std::memcmp(stored, bufferOf(kind), recSize[kind]) == 0);
 }
@@ -128,9 +129,10 @@ void readRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
 void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr) {
     const void* buffer = bufferOf(kind);
     if (buffer == nullptr) fatalError(Fatal::WriteRecord);
-    std::memcpy(findWPos(module, kind, nr), buffer, recSize[kind]);
+    void* stored = slotForWriting(module, kind, recSize[kind], nr);
+    std::memcpy(stored != nullptr ? stored : findWPos(module, kind, nr), buffer, recSize[kind]);
     bufferHolds(kind, module, nr);
-    recState.writePend[kind].nr = 0;
+    setWritten(kind);
 }
 
 uint32_t takeRecNr(RecKind kind) {
@@ -148,10 +150,12 @@ void forgetBuffersBehind(const ModuleRec* module) {
 }
 
 void flushRecs(int kind) {
-    const int first = kind < 0 ? 0 : kind, last = kind < 0 ? kindCount - 1 : kind;
-    for (int k = first; k <= last; ++k) {
-        const RecPlace pending = recState.writePend[k];
-        if (pending.nr != 0) writeRecKind(pending.module, static_cast<RecKind>(k), pending.nr);
+    uint32_t kinds = recState.pendingKinds;
+    if (kind >= 0) kinds &= 1U << kind;
+    for (; kinds != 0; kinds &= kinds - 1) {
+        const auto next = static_cast<RecKind>(std::countr_zero(kinds));
+        const RecPlace pending = recState.writePend[next];
+        writeRecKind(pending.module, next, pending.nr);
     }
 }
 
@@ -165,6 +169,7 @@ void changeCMP(ModuleRec* module) {
 void initAnyPassVars() {
     for (int kind = 0; kind < kindCount; ++kind) {
         recState.writePend[kind] = {cMP, 0};
+        recState.pendingKinds = 0;
         recState.recJustRead[kind] = {cMP, 0};
         recState.currTPtr[kind] = cMP;
     }

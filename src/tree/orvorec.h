@@ -37,6 +37,7 @@ struct RecPlace {
 };
 struct RecState {
     RecPlace writePend[kindCount];       // of what the buffer holds and the store lacks; 0 = none
+    uint32_t pendingKinds = 0;           // a bit for each kind that has one
     RecPlace recJustRead[kindCount];     // what the buffer holds
     ModuleRec* currTPtr[kindCount] = {}; // module of the record in the buffer
     Pool pages;                          // of all modules
@@ -63,6 +64,18 @@ inline void checkLeft(RecKind) {}
 #else
 void checkLeft(RecKind kind);
 #endif
+/// What the buffer of the kind holds shall be written there.
+inline void setPending(RecKind kind, ModuleRec* module, uint32_t nr) {
+    recState.writePend[kind] = {module, nr};
+    recState.pendingKinds |= 1U << kind;
+}
+inline void setWritten(RecKind kind) {
+    recState.writePend[kind].nr = 0;
+    recState.pendingKinds &= ~(1U << kind);
+}
+inline bool isPending(RecKind kind) {
+    return (recState.pendingKinds >> kind & 1) != 0;
+}
 /// The buffer of a kind.
 template <RecKind K> auto& bufferRec() {
     if constexpr (K == KIND_MNODE)
@@ -96,32 +109,46 @@ void writeRecKind(ModuleRec* module, RecKind kind, uint32_t nr);
 /// The next number of the current module.
 uint32_t takeRecNr(RecKind kind);
 
-/// Makes the record the buffer's contents. Reading the one that is there already copies nothing.
-template <RecKind K> void readRec(ModuleRec* module, RecNr<K> nr) {
-    const RecPlace& just = recState.recJustRead[K];
-    if (just.module == module && just.nr == nr.nr && nr.nr != 0) return;
-    const void* stored = storedSlot(module, K, recSize[K], nr.nr);
-    if (stored == nullptr || recState.writePend[K].nr != 0) {
-        readRecKind(module, K, nr.nr);
-        return;
-    }
-    checkLeft(K);
-    bufferHolds(K, module, nr.nr);
-    std::memcpy(&bufferRec<K>(), stored, recSize[K]);
-}
-template <RecKind K> void readRec(RecRef<K> ref) {
-    readRec(ref.module, ref.nr);
-}
 /// Copies the buffer into the store; nothing of the kind is pending afterwards.
 template <RecKind K> void writeRec(ModuleRec* module, RecNr<K> nr) {
-    void* stored = storedSlot(module, K, recSize[K], nr.nr);
+    void* stored = slotForWriting(module, K, recSize[K], nr.nr);
     if (stored == nullptr) {
         writeRecKind(module, K, nr.nr);
         return;
     }
     std::memcpy(stored, &bufferRec<K>(), recSize[K]);
     bufferHolds(K, module, nr.nr);
-    recState.writePend[K].nr = 0;
+    setWritten(K);
+}
+/// readRec of a record that is not in the buffer.
+template <RecKind K> void fillBuffer(ModuleRec* module, RecNr<K> nr) {
+    const void* stored = storedSlot(module, K, recSize[K], nr.nr);
+    if (stored == nullptr) {
+        readRecKind(module, K, nr.nr);
+        return;
+    }
+    checkLeft(K);
+    if (isPending(K)) writeRec(recState.writePend[K].module, RecNr<K>{recState.writePend[K].nr});
+    bufferHolds(K, module, nr.nr);
+    std::memcpy(&bufferRec<K>(), stored, recSize[K]);
+}
+/// Makes the record the buffer's contents. Reading the one that is there already, which half of the
+/// calls ask for, copies nothing.
+template <RecKind K> inline void readRec(ModuleRec* module, RecNr<K> nr) {
+    const RecPlace& just = recState.recJustRead[K];
+    if (just.nr != nr.nr || just.module != module || nr.nr == 0) fillBuffer(module, nr);
+}
+template <RecKind K> inline void readRec(RecRef<K> ref) {
+    readRec(ref.module, ref.nr);
+}
+/// The record as it is now, where it is, without making it current; null when there is none. Valid
+/// until the next record of the kind is read or made.
+template <RecKind K> const auto* peekRec(ModuleRec* module, RecNr<K> nr) {
+    using Rec = std::remove_reference_t<decltype(bufferRec<K>())>;
+    const RecPlace& just = recState.recJustRead[K];
+    if (just.module == module && just.nr == nr.nr && nr.nr != 0)
+        return const_cast<const Rec*>(&bufferRec<K>());
+    return reinterpret_cast<const Rec*>(storedSlot(module, K, recSize[K], nr.nr));
 }
 template <RecKind K> void writeRec(RecRef<K> ref) {
     writeRec(ref.module, ref.nr);
@@ -130,9 +157,8 @@ template <RecKind K> void writeRec(RecRef<K> ref) {
 /// A new record at a number of the current module that was reserved for it.
 template <RecKind K> void newRecAt(RecNr<K> nr) {
     checkLeft(K);
-    if (const RecPlace pending = recState.writePend[K]; pending.nr != 0)
-        writeRec(pending.module, RecNr<K>{pending.nr});
-    recState.writePend[K] = {cMP, nr.nr};
+    if (isPending(K)) writeRec(recState.writePend[K].module, RecNr<K>{recState.writePend[K].nr});
+    setPending(K, cMP, nr.nr);
     bufferHolds(K, cMP, nr.nr);
     std::memset(static_cast<void*>(&bufferRec<K>()), 0, recSize[K]);
 }
@@ -152,12 +178,12 @@ template <RecKind K> RecNr<K> nextRec(const ModuleRec* module) {
 /// Makes the record the pending one of its kind: reads it unless it is pending already.
 template <RecKind K> void makePending(ModuleRec* module, RecNr<K> nr) {
     readRec(module, nr);
-    recState.writePend[K] = {module, nr.nr};
+    setPending(K, module, nr.nr);
 }
 
 /// A record of the kind is pending.
 template <RecKind K> bool hasPending() {
-    return recState.writePend[K].nr != 0;
+    return isPending(K);
 }
 
 /// The record in the buffer, with its module; number 0 when the buffer holds none.

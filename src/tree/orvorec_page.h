@@ -43,6 +43,17 @@ inline std::byte* storedSlot(const ModuleRec* module, RecKind kind, size_t size,
     return pages[page]->records() + slot * size;
 }
 
+/// The same for writing, also of one that was never written; null when its page is still to be
+/// made.
+inline std::byte* slotForWriting(const ModuleRec* module, RecKind kind, size_t size, uint32_t nr) {
+    if (module == nullptr || nr == 0) return nullptr;
+    const auto& pages = module->recDir[kind];
+    const uint32_t page = (nr - 1) / pageRecs, slot = (nr - 1) % pageRecs;
+    if (page >= pages.size() || pages[page] == nullptr) return nullptr;
+    pages[page]->written.set(slot);
+    return pages[page]->records() + slot * size;
+}
+
 /// Storage of a record or string slot for writing, zero-filled when it is new. Fatal 10 without a
 /// module and for a number outside 1..maxRecNr.
 void* pageForWriting(ModuleRec* module, RecKind kind, uint32_t nr);

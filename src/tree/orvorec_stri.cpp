@@ -152,8 +152,9 @@ template <typename Char> std::basic_string_view<Char> getText(ModuleRec* module,
                                                               const Char* scratch, RecKind kind) {
     if (nr < 0) nr = -nr;
     if (nr == scratchStri) return {scratch, 1};
-    const void* slot =
-        nr <= maxRecNr ? pageForReading(module, kind, static_cast<uint32_t>(nr)) : nullptr;
+    const void* slot = nr <= maxRecNr
+                           ? storedSlot(module, kind, sizeof(StriSlot), static_cast<uint32_t>(nr))
+                           : nullptr;
     if (slot == nullptr) fatalError(Fatal::ReadRecord);
     const StriCopy& copy = *static_cast<const StriSlot*>(slot)->copy;
     return {static_cast<const Char*>(copy.text()), copy.size / sizeof(Char)};

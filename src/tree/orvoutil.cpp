@@ -177,7 +177,7 @@ template <typename Index, typename Key> ModRef* lookUp(const Index& index, const
 } // namespace
 
 ModRef* matchingNr(const ModRefList& list, uint32_t number) {
-    return lookUp(list.byNumber, number);
+    return number < list.byNumber.size() ? list.byNumber[number] : nullptr;
 }
 
 ModRef* matchingName(const ModRefList& list, std::string_view name) {

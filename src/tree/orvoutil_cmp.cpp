@@ -25,6 +25,8 @@ namespace orvo {
 
 namespace {
 
+/// As deep as values are written. References nest deeper, but each level searches for a match of
+/// its elements.
 constexpr uint32_t maxSetOfNesting = 500;
 
 /// Two lists of component values or elements.
@@ -348,6 +350,8 @@ namespace {
 
 // ---- hashes -------------------------------------------------------------------------------------
 
+/// What is below these levels does not tell values apart that are alike down to there: they are
+/// compared then.
 constexpr uint32_t maxHashDepth = 8;
 
 uint64_t mixed(uint64_t hash, uint64_t word) {

@@ -16,7 +16,9 @@ namespace orvo {
                                  const VNode& b);
 [[nodiscard]] int compareListVal(uint8_t kind, ModuleRec* modA, const VNode& a, ModuleRec* modB,
                                  const VNode& b);
-/// Arcs of an object identifier in a module, at most. An invalid one has the length invalidObjId.
+/// Arcs of an object identifier in a module, at most: those that back ends have room for, and, in
+/// the notation of today, the 128 that MIBs are limited to (RFC 2578 3.5). An invalid one has the
+/// length invalidObjId.
 inline size_t maxArcs(const ModuleRec* module) {
     return newNotation(module) ? 128 : 32;
 }

@@ -38,14 +38,20 @@ template <RecKind K> void extendIndex(ModuleRec* module, ChainIndex& index) {
 }
 
 template <RecKind K> bool findInChain(ModuleRec* module, RecNr<K> first, std::string_view name) {
-    RecNr<K> nr = first;
-    for (int walked = 0; walked < shortChain; ++walked) {
-        if (!nr) return false;
-        readRec(module, nr);
-        if (nameIs(module, buffer<K>().name, name)) return true;
-        nr = {buffer<K>().next};
+    RecNr<K> nr = first, last;
+    for (int walked = 0; nr && walked < shortChain; ++walked) {
+        const auto* rec = peekRec(module, nr);
+        if (rec == nullptr || nameIs(module, rec->name, name)) {
+            readRec(module, nr);
+            return true;
+        }
+        last = nr;
+        nr = {rec->next};
     }
-    if (!nr) return false;
+    if (!nr) {
+        if (last) readRec(module, last);
+        return false;
+    }
     ChainIndex& index = chainsOf<K>(module)[first.nr];
     if (index.last == 0) index.last = first.nr;
     extendIndex<K>(module, index);
@@ -59,11 +65,11 @@ template <RecKind K> bool findInChain(ModuleRec* module, RecNr<K> first, std::st
 bool isMarker() {
     return tNode.typeCode == TYP_EXTENSION_MARKER;
 }
-bool isGroup() {
-    return tNode.typeCode == TYP_EXTADDGRP;
+bool isGroup(const TNode& node = tNode) {
+    return node.typeCode == TYP_EXTADDGRP;
 }
-bool isCompOf() {
-    return magnitude(tNode.compStatus) == TCS_COMPOF;
+bool isCompOf(const TNode& node = tNode) {
+    return magnitude(node.compStatus) == TCS_COMPOF;
 }
 
 uint32_t addPlaces(uint32_t a, uint32_t b) {
@@ -84,9 +90,7 @@ NodeRef nodeOf(TNodeRef list) {
 }
 
 const IncludedList* notedInclusion(TNodeRef first) {
-    const auto& notes = findCacheOf(first.module).included;
-    const auto note = notes.find(first.nr.nr);
-    return note == notes.end() ? nullptr : &note->second;
+    return findCacheOf(first.module).included.find(first.nr.nr);
 }
 
 // ---- what lists bring in ------------------------------------------------------------------------
@@ -177,7 +181,7 @@ class InclusionSum {
         result.sources += part.sources;
     }
     void leave() {
-        const Level level = std::move(levels_.back());
+        const Level level = levels_.back();
         levels_.pop_back();
         result_ = level.result;
         if (!level.isGroup) {
@@ -186,7 +190,7 @@ class InclusionSum {
             result_.isOpen = false;
             known_[nodeOf(level.list)] = result_;
             if (result_.isFinal)
-                findCacheOf(level.list.module).included[level.list.nr.nr] = result_.sum;
+                findCacheOf(level.list.module).included.set(level.list.nr.nr, result_.sum);
         }
         if (!levels_.empty()) add(result_);
     }
@@ -337,7 +341,6 @@ FindCache& findCacheOf(ModuleRec* module) {
 }
 
 IncludedList includedList(const OpenLists& open) {
-    const KeepRec<KIND_TNODE> keep;
     const TNodeRef first = readIncludedFirst();
     return first ? sumUp(first, open) : IncludedList{};
 }
@@ -348,10 +351,12 @@ void forgetTakenBack(ModuleRec* module) {
     const auto forgetFrom = [](auto& notes, const auto& nr) {
         notes.erase(notes.lower_bound(nr), notes.end());
     };
+    cache.recentTypes = {};
+    cache.recentValues = {};
     forgetFrom(cache.typeJumps, NoteKey{module->nextRecNr[KIND_TNODE], false});
     forgetFrom(cache.lastNames, module->nextRecNr[KIND_SNODE]);
     forgetFrom(cache.typeChains, module->nextRecNr[KIND_TNODE]);
-    forgetFrom(cache.included, module->nextRecNr[KIND_TNODE]);
+    cache.included.cut(module->nextRecNr[KIND_TNODE]);
     forgetFrom(cache.flatLists, NoteKey{module->nextRecNr[KIND_TNODE], false});
     forgetFrom(cache.valueJumps, NoteKey{module->nextRecNr[KIND_VNODE], false});
     forgetFrom(cache.valueChains, module->nextRecNr[KIND_VNODE]);
@@ -379,19 +384,19 @@ bool findTypeById(ModuleRec* module, std::string_view name) {
 }
 
 bool findTypeCompById(ModuleRec* module, TNodeNr first, std::string_view name, uint32_t* position) {
-    TNodeNr nr = first;
-    uint32_t place = 0;
-    for (bool plain = true; plain && place < shortChain;) {
-        if (!nr) break;
-        readRec(module, nr);
-        plain = !isCompOf() && !isGroup();
-        place += plain ? 1 : 0;
-        if (plain && nameIs(module, tNode.name, name)) {
+    TNodeNr nr = first, last = first;
+    for (uint32_t place = 1; nr && place <= shortChain; ++place) {
+        const TNode* node = peekRec(module, nr);
+        if (node != nullptr && (isCompOf(*node) || isGroup(*node))) break;
+        if (node == nullptr || nameIs(module, node->name, name)) {
+            readRec(module, nr);
             if (position != nullptr) *position = place;
             return true;
         }
-        if (plain) nr = {tNode.next};
+        last = nr;
+        nr = {node->next};
     }
+    if (last) readRec(module, nr ? nr : last);
     if (position != nullptr) *position = 0;
     if (!nr) return false;
     Flattening made;

@@ -6,13 +6,13 @@
 
 #include <cstdint>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "tree/orvodef.h"
 #include "tree/orvomod.h"
 #include "tree/orvorec.h"
 #include "tree/orvoutil.h"
+#include "util/flat.h"
 
 namespace orvo {
 
@@ -83,9 +83,9 @@ struct IncludedList {
     TNodeRef base;          // the list itself; the base of the list that all comes from when there
                             // is only one that brings something in, and no component beside it
 };
-using OpenLists = std::unordered_set<NodeRef, NodeRefHash>; // first components
+using OpenLists = FlatSet<NodeRef, NodeRefHash>; // first components
 /// Sums up what the current COMPONENTS OF entry brings in. An inclusion that leads back into one of
-/// the lists that are being built, `open`, ends there and adds nothing. Preserving.
+/// the lists that are being built, `open`, ends there and adds nothing. The entry is read away.
 IncludedList includedList(const OpenLists& open = {});
 
 /// For the current value, a setting of an object whose settings begin at `firstSetting`: reads the
@@ -157,7 +157,13 @@ inline bool isVariabTypeTNode() {
     return isVariabTypeFieldTNode();
 }
 /// A reference with actual parameters; one that stands outside any instance.
-[[nodiscard]] bool isInstantiatedTNode();
+[[nodiscard]] inline bool isInstantiated(const TNode& node) {
+    return node.syntax != 0 && node.typeCode != TYP_SELECTION && node.typeCode != TYP_ANY &&
+           node.typeCode != TYP_FIELDLIST;
+}
+[[nodiscard]] inline bool isInstantiatedTNode() {
+    return isInstantiated(tNode);
+}
 [[nodiscard]] bool isTopLevelInstantiatedTNode();
 /// An object class field type that is open. Preserving.
 [[nodiscard]] bool isOpenObjClassFieldTypeTNode();

@@ -32,11 +32,6 @@ bool isClassTNode() {
     return !isSetTNode() && isClassCode(tNode.typeCode);
 }
 
-bool isInstantiatedTNode() {
-    return tNode.syntax != 0 && tNode.typeCode != TYP_SELECTION && tNode.typeCode != TYP_ANY &&
-           tNode.typeCode != TYP_FIELDLIST;
-}
-
 bool isTopLevelInstantiatedTNode() {
     return isInstantiatedTNode() && tNode.actParRec == 0;
 }

@@ -13,7 +13,7 @@ namespace orvo {
 
 namespace {
 
-constexpr uint32_t jumpStride = 32;
+constexpr uint32_t jumpStride = 8;
 
 /// Reads the last entry of a field name chain; false when there is none.
 bool readLastEntry(ModuleRec* module, SNodeNr first) {
@@ -48,27 +48,26 @@ bool readSolvedType(ModuleRec* module) {
     return readTypeSetting();
 }
 
-template <RecKind K> bool isReference();
-template <> bool isReference<KIND_TNODE>() {
-    return is(tNode.typeCode, TypeClass::Reference);
+bool isReference(const TNode& node) {
+    return is(node.typeCode, TypeClass::Reference);
 }
-template <> bool isReference<KIND_VNODE>() {
-    return vNode.valCode == TYP_SYNONYM || vNode.valCode == TYP_FIELDLIST;
+bool isReference(const VNode& node) {
+    return node.valCode == TYP_SYNONYM || node.valCode == TYP_FIELDLIST;
 }
-
-template <RecKind K> bool isSolved();
-template <> bool isSolved<KIND_TNODE>() {
-    return tNode.checkState != CHECK_NEW;
+bool isSynonym(const TNode& node) {
+    return node.typeCode == TYP_SYNONYM;
 }
-template <> bool isSolved<KIND_VNODE>() {
-    return vNode.checkState != CHECK_NEW;
+bool isSynonym(const VNode& node) {
+    return node.valCode == TYP_SYNONYM;
 }
-
-template <RecKind K> bool isCaught();
-template <> bool isCaught<KIND_TNODE>() {
-    return isTopLevelInstantiatedTNode();
+bool isSolved(const auto& node) {
+    return node.checkState != CHECK_NEW;
 }
-template <> bool isCaught<KIND_VNODE>() {
+/// It instantiates a parameterized type outside any instance.
+bool isCaught(const TNode& node) {
+    return isInstantiated(node) && node.actParRec == 0;
+}
+bool isCaught(const VNode&) {
     return false;
 }
 
@@ -122,11 +121,38 @@ template <RecKind K> struct Trail {
     }
 };
 
+/// The same as walk() where a few synonyms lead to what is no reference, as they mostly do: in
+/// place, without making each current. False when the chain is another one.
+template <RecKind K> bool walkSynonyms(RecRef<K>& first) {
+    const auto* node = &bufferRec<K>();
+    RecRef<K> at = currentRec<K>();
+    for (int left = 4;; --left) {
+        if (!first && isCaught(*node)) first = at;
+        if (!isReference(*node)) break;
+        if (!isSynonym(*node) || left == 0) return false;
+        at = {refModule(at.module, node->refMod), RecNr<K>{node->ref}};
+        node = at ? peekRec(at.module, at.nr) : nullptr;
+        if (node == nullptr) return false;
+    }
+    readRec(at);
+    return true;
+}
+
 /// Walks to the end of the chain of references and returns the first instantiating one.
 template <RecKind K> RecRef<K> walk(bool fields) {
     RecRef<K> first; // instantiating reference
+    if (walkSynonyms<K>(first)) return first;
+    first = {};
     Trail<K> trail;
     RecRef<K> mark = currentRec<K>(); // passed again: a cycle
+    bool recurs = isSynonym(bufferRec<K>());
+    auto& recent = recentWalksOf<K>(mark.module);
+    const typename RecentWalks<K>::Start start{mark.nr, bufferRec<K>().refMod, bufferRec<K>().ref,
+                                               fields};
+    if (const Jump<K>* led = recurs ? recent.find(start) : nullptr) {
+        readRec(led->end);
+        return led->instance;
+    }
     uint64_t lap = 1;
     const auto meet = [&](RecRef<K> caught) {
         if (!first) first = caught;
@@ -143,8 +169,11 @@ template <RecKind K> RecRef<K> walk(bool fields) {
             }
             if (steps % jumpStride == 0) trail.at.push_back(here);
         }
-        if (isCaught<K>()) meet(here);
-        if (isReference<K>() && !isSolved<K>()) trail = {};
+        if (isCaught(bufferRec<K>())) meet(here);
+        if (isReference(bufferRec<K>()) && !isSolved(bufferRec<K>())) {
+            trail = {};
+            recurs = false;
+        }
         if (!step<K>(fields)) break;
         if (currentRec<K>() == mark) return first;
         if (++steps == lap) {
@@ -152,7 +181,9 @@ template <RecKind K> RecRef<K> walk(bool fields) {
             lap *= 2;
         }
     }
-    trail.note(currentRec<K>(), fields);
+    const RecRef<K> end = currentRec<K>();
+    trail.note(end, fields);
+    if (recurs) recent.note(start, {end, first});
     return first;
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
-// What was found out about records of a module, by their numbers: as long as the module has records,
-// and as quick as an array.
+// What was found out about records of a module, by their numbers: as long as the module has
+// records, and as quick as an array.
 
 #include <cstdint>
 #include <vector>
+
+#include "tree/orvomod.h"
 
 namespace orvo {
 
@@ -18,6 +20,10 @@ template <typename Note> class RecNotes {
         if (nr >= notes_.size()) notes_.resize(nr + nr / 2 + size_t{1});
         notes_[nr] = {note, true};
     }
+    /// Forgets the notes of the records from this number on.
+    void cut(uint32_t nr) {
+        if (nr < notes_.size()) notes_.resize(nr);
+    }
 
   private:
     struct Place {
@@ -25,6 +31,48 @@ template <typename Note> class RecNotes {
         bool known = false;
     };
     std::vector<Place> notes_;
+};
+
+/// Notes that few records have, and that take more than a word.
+template <typename Note> class RareNotes {
+  public:
+    [[nodiscard]] const Note* find(uint32_t nr) const {
+        const uint32_t* place = places_.find(nr);
+        return place != nullptr ? &notes_[*place] : nullptr;
+    }
+    void set(uint32_t nr, const Note& note) {
+        places_.set(nr, static_cast<uint32_t>(notes_.size()));
+        notes_.push_back(note);
+    }
+    void cut(uint32_t nr) { places_.cut(nr); }
+
+  private:
+    RecNotes<uint32_t> places_;
+    std::vector<Note> notes_; // those of records that were cut stay
+};
+
+/// The records that a search has entered, of any modules: one mark a record, numbered by search, so
+/// that the next search finds none without clearing any.
+class RecVisits {
+  public:
+    void begin() { ++search_; }
+    /// True the first time in a search.
+    bool enter(const ModuleRec* module, uint32_t nr) {
+        if (module->handle >= marks_.size()) marks_.resize(module->handle + size_t{1});
+        std::vector<uint64_t>& marks = marks_[module->handle];
+        if (nr >= marks.size()) marks.resize(nr + nr / 2 + size_t{1});
+        if (marks[nr] == search_) return false;
+        marks[nr] = search_;
+        return true;
+    }
+    [[nodiscard]] bool entered(const ModuleRec* module, uint32_t nr) const {
+        return module->handle < marks_.size() && nr < marks_[module->handle].size() &&
+               marks_[module->handle][nr] == search_;
+    }
+
+  private:
+    std::vector<std::vector<uint64_t>> marks_; // by handle of the module, by number
+    uint64_t search_ = 0;
 };
 
 } // namespace orvo

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 
 namespace orvo {
@@ -36,17 +35,38 @@ Output* outputOf(const std::FILE* file) {
     return nullptr;
 }
 
-/// A new file in the folder of `path`; -1 when there can be none.
+void forget(Output& output) {
+    output.isOpen = 0;
+    output.file = nullptr;
+}
+
+/// A new file in the folder of `path`; -1, with errno, when there can be none. It counts as open
+/// before it is there, so that no signal finds it unknown.
 int openTemporary(Output& output, const std::string& path) {
     static unsigned count = 0;
     const size_t slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
-    const std::string name =
-        folder + ".orvo-" + std::to_string(getpid()) + "-" + std::to_string(++count) + ".tmp";
-    if (name.size() >= sizeof output.temporary || path.size() >= sizeof output.path) return -1;
-    std::memcpy(output.temporary, name.c_str(), name.size() + 1);
-    std::memcpy(output.path, path.c_str(), path.size() + 1);
-    return open(output.temporary, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    // A process of the same number that was killed may have left files behind.
+    for (const unsigned last = count + 1000; count < last;) {
+        const std::string name =
+            folder + ".orvo-" + std::to_string(getpid()) + "-" + std::to_string(++count) + ".tmp";
+        if (name.size() >= sizeof output.temporary || path.size() >= sizeof output.path) break;
+        std::memcpy(output.temporary, name.c_str(), name.size() + 1);
+        std::memcpy(output.path, path.c_str(), path.size() + 1);
+        output.isOpen = 1;
+        const int fd = open(output.temporary, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (fd >= 0) return fd;
+        forget(output);
+        if (errno != EEXIST) return -1;
+    }
+    errno = ENAMETOOLONG;
+    return -1;
+}
+
+/// The folder admits no new file, but may hold one that can be written. Any other fault of the
+/// temporary file would hit the final one too.
+bool isForbidden(int fault) {
+    return fault == EACCES || fault == EPERM || fault == EROFS || fault == ENAMETOOLONG;
 }
 
 /// The new file is to be like the one whose place it takes.
@@ -68,11 +88,8 @@ void endSignal(int signal) {
 std::string targetOf(const std::string& path) {
     struct stat status = {};
     if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
-    char* const target = realpath(path.c_str(), nullptr);
-    if (target == nullptr) return path;
-    std::string text = target;
-    std::free(target);
-    return text;
+    char target[PATH_MAX];
+    return realpath(path.c_str(), target) != nullptr ? target : path;
 }
 
 } // namespace
@@ -84,19 +101,18 @@ std::FILE* openOutput(const std::string& path, const char* mode) {
     if (isThere && !S_ISREG(earlier.st_mode)) return std::fopen(path.c_str(), mode);
     if (isThere && access(target.c_str(), W_OK) != 0) return nullptr;
     Output* const output = freeOutput();
-    const int fd = output == nullptr ? -1 : openTemporary(*output, target);
-    if (fd < 0) return std::fopen(path.c_str(), mode);
-    if (isThere && !takesAfter(fd, earlier)) {
-        close(fd);
-        unlink(output->temporary);
-        return std::fopen(path.c_str(), mode);
-    }
-    output->isOpen = 1;
-    output->file = fdopen(fd, mode);
+    if (output == nullptr) return std::fopen(path.c_str(), mode);
+    const int fd = openTemporary(*output, target);
+    if (fd < 0) return isForbidden(errno) ? std::fopen(path.c_str(), mode) : nullptr;
+    const bool isLike = !isThere || takesAfter(fd, earlier);
+    if (isLike) output->file = fdopen(fd, mode);
     if (output->file != nullptr) return output->file;
+    const int fault = errno;
     close(fd);
     unlink(output->temporary);
-    output->isOpen = 0;
+    forget(*output);
+    if (!isLike) return std::fopen(path.c_str(), mode);
+    errno = fault;
     return nullptr;
 }
 
@@ -106,8 +122,10 @@ bool closeOutput(std::FILE* file) {
     const bool closed = std::fclose(file) == 0;
     if (output == nullptr) return isWhole && closed;
     const bool ok = isWhole && closed && std::rename(output->temporary, output->path) == 0;
+    const int fault = errno;
     if (!ok) unlink(output->temporary);
-    output->isOpen = 0;
+    forget(*output);
+    errno = fault;
     return ok;
 }
 
@@ -115,12 +133,13 @@ void dropOutputs() {
     for (Output& output : outputs) {
         if (output.isOpen == 0) continue;
         unlink(output.temporary);
-        output.isOpen = 0;
+        forget(output);
     }
 }
 
 void dropOutputsOnSignals() {
-    for (const int signal : {SIGINT, SIGTERM, SIGPIPE}) {
+    std::signal(SIGXFSZ, SIG_IGN); // too large a file is a write that fails
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE, SIGXCPU}) {
         // What ignores a signal, as nohup does, goes on ignoring it.
         if (std::signal(signal, endSignal) == SIG_IGN) std::signal(signal, SIG_IGN);
     }

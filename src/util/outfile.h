@@ -12,13 +12,14 @@ namespace orvo {
 /// leads, and mode and owner of a file that is there are kept. What is no regular file is written
 /// directly, and so is a file in a folder that admits no new ones.
 [[nodiscard]] std::FILE* openOutput(const std::string& path, const char* mode);
-/// Closes a file, any, and puts an output in its place. False when that failed; nothing is left
-/// then.
+/// Closes a file, any, and puts an output in its place. False, with errno, when that failed;
+/// nothing is left then.
 [[nodiscard]] bool closeOutput(std::FILE* file);
 /// Removes what was written to outputs that are not closed. Allocates nothing, and may be called
 /// from a signal handler.
 void dropOutputs();
-/// SIGINT, SIGTERM and SIGPIPE leave nothing half written behind and then end the process as ever.
+/// The signals that end a process leave nothing half written behind and then end it as ever, but a
+/// file that grows beyond what is allowed is one that cannot be written.
 void dropOutputsOnSignals();
 
 } // namespace orvo

@@ -175,6 +175,8 @@ TEST(Driver, WhatCannotBeWrittenIsFatal) {
         {"m.lst", "/dev/full", "Can not close file\n              Listing file\n\n"},
         {"m.stx", "/dev/full", "Can not close file\n              Syntax tree file\n\n"},
         {"m.lst", "/nowhere/x", "Can not open file for writing\n              m.lst\n\n"},
+        {"m.lst", ".", "Can not open file for writing\n              m.lst\n\n"}, // a directory
+        {"m.stx", ".", "Can not open file for writing\n              m.stx\n\n"},
     };
     for (const auto& [link, target, message] : cases) {
         SCOPED_TRACE(std::string(link) + " -> " + target);
@@ -186,6 +188,80 @@ TEST(Driver, WhatCannotBeWrittenIsFatal) {
         const RunResult run = runAgain(before, {"-VERBOSE=NONE", "m"});
         EXPECT_EQ(run.status, 2);
         EXPECT_EQ(run.err, std::string("\nFATAL ERROR : ") + message);
+    }
+}
+
+TEST(Driver, CleanRemovesNoTreeButTheEarlierOneOfAModuleWithoutOne) {
+    const SourceFile n = {"n.asn", "N DEFINITIONS ::= BEGIN U ::= NULL END\n"};
+    const SourceFile m = {"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS U FROM N; T ::= U END\n"};
+    const SourceFile wrong = {"m.asn", "M DEFINITIONS ::= BEGIN T ::= U END\n"};
+    const RunResult whole = runOrvo({m, n}, {"m", "n"});
+    const std::string tree = whole.tree("m"); // two module nodes, a type, names
+    ASSERT_NE(tree, "");
+    const struct {
+        const char* what;
+        std::string earlier; // m.stx
+        std::vector<std::string> options;
+        bool stays;
+    } cases[] = {
+        {"as it is", tree, {"-CLEAN=NO"}, true},
+        {"asked for", tree, {"-clean=yes"}, false},
+        {"of another module", whole.tree("n"), {"-CLEAN=YES"}, true},
+        {"no tree", "M", {"-CLEAN=YES"}, true},
+        {"cut off in the name", tree.substr(0, 2 * 112 + 116 + 2), {"-CLEAN=YES"}, true},
+        {"the run is given up", tree, {"-CLEAN=YES", "-L=nowhere"}, true},
+    };
+    for (const auto& [what, earlier, options, stays] : cases) {
+        SCOPED_TRACE(what);
+        RunResult run;
+        run.dir = std::make_shared<TempDir>();
+        for (const SourceFile& file : {wrong, n, SourceFile{"m.stx", earlier}})
+            run.dir->write(file);
+        std::vector<std::string> arguments = options;
+        arguments.emplace_back("m");
+        runAgain(run, arguments);
+        EXPECT_EQ(run.tree("m"), stays ? earlier : "");
+        EXPECT_EQ(run.has("m.stx"), stays);
+    }
+    whole.dir->write(wrong);
+    std::filesystem::rename(whole.dir->path() / "m.stx", whole.dir->path() / "at.stx");
+    std::filesystem::create_symlink("at.stx", whole.dir->path() / "m.stx");
+    runAgain(whole, {"-CLEAN=YES", "-KEEP-GOING=YES", "-PREFIX=N:n:n", "m", "n"});
+    EXPECT_TRUE(std::filesystem::is_symlink(whole.dir->path() / "m.stx"));
+    EXPECT_FALSE(whole.has("at.stx"));
+    EXPECT_TRUE(whole.has("n.stx")); // written in this run
+    std::filesystem::remove(whole.dir->path() / "n.asn");
+    whole.dir->write(m);
+    runAgain(whole, {"-CLEAN=YES", "-KEEP-GOING=YES", "m"});
+    EXPECT_FALSE(whole.has("n.stx")); // of a module whose file is missing
+}
+
+TEST(Driver, PipesAndDevicesAreReadOnceAndNotWithoutEnd) {
+    const std::string orvo = ORVO_PROGRAM " -VERBOSE=NONE -V=2 ";
+    const RunResult whole = compile({faulty});
+    const std::string unread = "Can not read from file\n              ";
+    const struct {
+        std::string command;
+        int status;
+        std::string message;
+    } cases[] = {
+        {"ln -s /dev/stdin in.asn && cat bad.asn | " + orvo + "in", 1, ""},
+        {"mkfifo p.asn && (cat bad.asn >p.asn & " + orvo + "-KEEP-GOING=YES p)", 1, ""},
+        {"mkfifo bad.lst && (cat bad.lst >in.lst & " + orvo +
+             "bad; status=$?; wait; rm bad.lst; exit $status)",
+         1, ""},
+        {"echo bad.asn | " + orvo + "+/dev/stdin", 1, ""},
+        {"ln -s /dev/zero z.asn && " + orvo + "z", 2, unread + "z.asn\n\n"},
+        {"cat /dev/zero | " + orvo + "+/dev/stdin", 2, unread + "/dev/stdin\n\n"},
+        {"truncate -s 2G x.asn && " + orvo + "x", 2, unread + "x.asn\n\n"},
+    };
+    for (const auto& [command, status, message] : cases) {
+        SCOPED_TRACE(command);
+        const RunResult run = runProgram("/bin/sh", {faulty}, {"-c", command});
+        EXPECT_EQ(run.status, status);
+        EXPECT_EQ(run.err, message.empty() ? "" : "\nFATAL ERROR : " + message);
+        EXPECT_EQ(run.listing("in") + run.listing("p") + run.listing("bad"),
+                  status == 1 ? whole.listing("bad") : "");
     }
 }
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "support/cases.h"
-#include "support/tree.h"
 
 namespace orvo::test {
 namespace {

@@ -6,7 +6,6 @@
 #include <cctype>
 
 #include "support/cases.h"
-#include "support/tree.h"
 
 namespace orvo::test {
 namespace {
@@ -24,6 +23,24 @@ struct Module {
     std::vector<Finding> findings = {};
     std::string undefined = {}; // its messages about undefined symbols
 };
+/// "x body --> not checked --! findings --? 2: Name": one a line. Where nothing else is said it is
+/// fine, with findings or undefined names it has failed.
+std::vector<Module> modulesIn(const std::string& text) {
+    std::vector<Module> modules;
+    for (std::string line : linesOf(text)) {
+        Module module = {line[0], {}, fine};
+        for (const Finding& name : findingsIn(takeBehind(line, " --? "), 2))
+            module.undefined += std::string(1, module.name) + ".asn(" + std::to_string(name.line) +
+                                "): *** ERROR: " + name.text + " undefined\n";
+        module.findings = findingsIn(takeBehind(line, " --! "), 2);
+        if (!module.findings.empty() || !module.undefined.empty()) module.result = failed;
+        if (!takeBehind(line, " --> ").empty()) module.result = notChecked;
+        module.body = withLines(line.substr(2));
+        modules.push_back(module);
+    }
+    return modules;
+}
+
 std::string titleOf(const Module& module) {
     return {static_cast<char>(std::toupper(module.name))};
 }
@@ -81,100 +98,84 @@ void expectResults(std::vector<Module> modules, const std::vector<std::string>& 
     } while (std::ranges::next_permutation(modules, {}, &Module::name).found);
 }
 
-const std::string twice = "T ::= NULL T ::= NULL";
-const Finding twiceDefined = {2, "Symbol already defined: T"};
-/// What pass 5 alone finds.
-const std::string tooHigh = "T ::= INTEGER (0..5) v T ::= 6";
-const Finding outOfRange = {2, "Value out of range constraint(s)"};
-
 TEST(KeepGoing, WhoRefersToAModuleThatIsOutIsOut) {
     // IMPORTS, an external reference, an instance; what is referred to stays.
-    expectResults({{'a', "IMPORTS U FROM B; V ::= U", notChecked},
-                   {'b', "IMPORTS T FROM C W FROM D; U ::= SEQUENCE { t T, w W }", notChecked},
-                   {'c', twice, failed, {twiceDefined}},
-                   {'d', "W ::= BOOLEAN", fine}});
-    expectResults({{'a', "V ::= C.T", notChecked},
-                   {'b', "IMPORTS W FROM D; X ::= W", fine},
-                   {'c', twice, failed, {twiceDefined}},
-                   {'d', "W ::= BOOLEAN", fine}});
-    expectResults({{'a', "IMPORTS P{} FROM C; V ::= P {NULL}", notChecked},
-                   {'b', "IMPORTS V FROM A; X ::= SEQUENCE { v V }", notChecked},
-                   {'c',
-                    "P {X} ::= SEQUENCE { x X } U ::= Nothing",
-                    failed,
-                    {},
-                    "c.asn(2): *** ERROR: Nothing undefined\n"}});
+    expectResults(modulesIn(R"(
+a IMPORTS U FROM B; V ::= U --> not checked
+b IMPORTS T FROM C W FROM D; U ::= SEQUENCE { t T, w W } --> not checked
+c T ::= NULL T ::= NULL --! Symbol already defined: T
+d W ::= BOOLEAN
+)"));
+    expectResults(modulesIn(R"(
+a V ::= C.T --> not checked
+b IMPORTS W FROM D; X ::= W
+c T ::= NULL T ::= NULL --! Symbol already defined: T
+d W ::= BOOLEAN
+)"));
+    expectResults(modulesIn(R"(
+a IMPORTS P{} FROM C; V ::= P {NULL} --> not checked
+b IMPORTS V FROM A; X ::= SEQUENCE { v V } --> not checked
+c P {X} ::= SEQUENCE { x X } U ::= Nothing --? Nothing
+)"));
     // A definition does not refer to who makes instances of it.
-    expectResults({{'a', "IMPORTS P{} FROM C; V ::= P {T} " + twice, failed, {twiceDefined}},
-                   {'b', "IMPORTS P{} FROM C; V ::= P {BOOLEAN}", fine},
-                   {'c', "P {X} ::= SEQUENCE { x X }", fine}});
+    expectResults(modulesIn(R"(
+a IMPORTS P{} FROM C; V ::= P {T} T ::= NULL T ::= NULL --! Symbol already defined: T
+b IMPORTS P{} FROM C; V ::= P {BOOLEAN}
+c P {X} ::= SEQUENCE { x X }
+)"));
 }
 
 TEST(KeepGoing, CirclesAreOutAsAWhole) {
-    expectResults(
-        {{'a', "IMPORTS B FROM B W FROM D; A ::= CHOICE { b B, w W, n NULL }", notChecked},
-         {'b', "IMPORTS C FROM C; B ::= CHOICE { c C, n NULL }", notChecked},
-         {'c',
-          "IMPORTS A FROM A; C ::= CHOICE { a A, n NULL, x Nothing }",
-          failed,
-          {},
-          "c.asn(2): *** ERROR: Nothing undefined\n"},
-         {'d', "W ::= BOOLEAN", fine}});
-    expectResults(
-        {{'a', "IMPORTS B FROM B; A ::= CHOICE { b B, n NULL }", notChecked},
-         {'b', "IMPORTS A FROM A; B ::= CHOICE { a A, n NULL } " + tooHigh, failed, {outOfRange}},
-         {'c', "IMPORTS A FROM A; C ::= A", notChecked}});
+    expectResults(modulesIn(R"(
+a IMPORTS B FROM B W FROM D; A ::= CHOICE { b B, w W, n NULL } --> not checked
+b IMPORTS C FROM C; B ::= CHOICE { c C, n NULL } --> not checked
+c IMPORTS A FROM A; C ::= CHOICE { a A, n NULL, x Nothing } --? Nothing
+d W ::= BOOLEAN
+)"));
+    expectResults(modulesIn(R"(
+a IMPORTS B FROM B; A ::= CHOICE { b B, n NULL } --> not checked
+b IMPORTS A FROM A; B ::= CHOICE { a A, n NULL } T ::= INTEGER (0..5) v T ::= 6 --! Value out of range constraint(s)
+c IMPORTS A FROM A; C ::= A --> not checked
+)"));
 }
 
 TEST(KeepGoing, WhatPassFiveFindsTakesTheUsersOut) {
-    expectResults({{'a', "IMPORTS U FROM B; V ::= U w INTEGER (1..2) ::= 3", failed, {outOfRange}},
-                   {'b', "IMPORTS T FROM C W FROM D; U ::= SEQUENCE { t T, w W }", notChecked},
-                   {'c', "IMPORTS W FROM D; " + tooHigh, failed, {outOfRange}},
-                   {'d', "W ::= BOOLEAN", fine}});
+    expectResults(modulesIn(R"(
+a IMPORTS U FROM B; V ::= U w INTEGER (1..2) ::= 3 --! Value out of range constraint(s)
+b IMPORTS T FROM C W FROM D; U ::= SEQUENCE { t T, w W } --> not checked
+c IMPORTS W FROM D; T ::= INTEGER (0..5) v T ::= 6 --! Value out of range constraint(s)
+d W ::= BOOLEAN
+)"));
     // It does not look into what is out already.
-    expectResults({{'a', "IMPORTS U FROM B; V ::= U w INTEGER (1..2) ::= 3", notChecked},
-                   {'b', "U ::= Nothing", failed, {}, "b.asn(2): *** ERROR: Nothing undefined\n"},
-                   {'c', "V ::= NULL w INTEGER (1..2) ::= 3", failed, {outOfRange}}});
+    expectResults(modulesIn(R"(
+a IMPORTS U FROM B; V ::= U w INTEGER (1..2) ::= 3 --> not checked
+b U ::= Nothing --? Nothing
+c V ::= NULL w INTEGER (1..2) ::= 3 --! Value out of range constraint(s)
+)"));
 }
 
 TEST(KeepGoing, ASymbolThatAModuleDoesNotHaveIsUndefinedAsEver) {
-    expectResults(
-        {{'a',
-          "IMPORTS T, U FROM B; V ::= SEQUENCE { t T, u U }",
-          failed,
-          {},
-          "a.asn(2): *** ERROR: U undefined\n"},
-         {'b', "T ::= NULL", fine},
-         {'c', "EXPORTS ; T ::= NULL", fine},
-         {'d', "IMPORTS T FROM C; V ::= T", failed, {}, "d.asn(2): *** ERROR: T undefined\n"}});
+    expectResults(modulesIn(R"(
+a IMPORTS T, U FROM B; V ::= SEQUENCE { t T, u U } --? U
+b T ::= NULL
+c EXPORTS ; T ::= NULL
+d IMPORTS T FROM C; V ::= T --? T
+)"));
 }
 
 TEST(KeepGoing, AMissingModuleIsReportedByWhoImportsIt) {
-    const std::string notFound = "Module file not found: ";
-    expectResults({{'a',
-                    "IMPORTS B FROM B\nX, y FROM Gone;\nA ::= SEQUENCE { x X DEFAULT y, b B }",
-                    failed,
-                    {{3, notFound + "Gone (gone.asn)"}}},
-                   {'b', "B ::= NULL", fine},
-                   {'c',
-                    "T ::= SEQUENCE {\n x Gone.X, y Gone.Y }",
-                    failed,
-                    {{3, notFound + "Gone (gone.asn)"}}},
-                   {'d', "IMPORTS A FROM A;\nX ::= A\nx X ::= {x foo, b NULL}", notChecked}});
+    expectResults(modulesIn(R"(
+a IMPORTS B FROM B\nX, y FROM Gone;\nA ::= SEQUENCE { x X DEFAULT y, b B } --! 3: Module file not found: Gone (gone.asn)
+b B ::= NULL
+c T ::= SEQUENCE {\n x Gone.X, y Gone.Y } --! 3: Module file not found: Gone (gone.asn)
+d IMPORTS A FROM A;\nX ::= A\nx X ::= {x foo, b NULL} --> not checked
+)"));
     // Two of one prefix; faults of the module itself are found beside it.
-    expectResults({{'a',
-                    "IMPORTS X FROM Gone-One\nY FROM Gone-Two;\nA ::= SEQUENCE { x X, y Y, z Z }\n"
-                    "v INTEGER ::= TRUE\nw X ::= TRUE",
-                    failed,
-                    {{2, notFound + "Gone_One (gone-.asn)"},
-                     {3, notFound + "Gone_Two (gone-.asn)"},
-                     {5, "INTEGER value syntax"}},
-                    "a.asn(4): *** ERROR: Z undefined\n"},
-                   {'b',
-                    "IMPORTS X FROM Cat\nY FROM C;\nB ::= SEQUENCE { x X, y Y }",
-                    failed,
-                    {{2, notFound + "Cat (cat.asn)"}}},
-                   {'c', "Y ::= NULL", fine}});
+    expectResults(modulesIn(R"(
+a IMPORTS X FROM Gone-One\nY FROM Gone-Two;\nA ::= SEQUENCE { x X, y Y, z Z }\nv INTEGER ::= TRUE\nw X ::= TRUE --! Module file not found: Gone_One (gone-.asn) ; 3: Module file not found: Gone_Two (gone-.asn) ; 5: INTEGER value syntax --? 4: Z
+b IMPORTS X FROM Cat\nY FROM C;\nB ::= SEQUENCE { x X, y Y } --! Module file not found: Cat (cat.asn)
+c Y ::= NULL
+)"));
 }
 
 /// Definitions that use T, P, v, o, CLS and Set of another module, each in a way of its own.
@@ -208,18 +209,15 @@ const char* const laterUsers[] = {
 
 /// Neither the user nor who uses him in turn is blamed, be the module missing or faulty.
 void expectNotJudged(const std::string& user, const std::vector<std::string>& options) {
-    const Module modules[] = {
-        {'a',
-         "IMPORTS T, P{}, v, o, CLS, Set FROM G;\nZ ::= SEQUENCE { t T, a NULL }\n" + user,
-         failed,
-         {{2, "Module file not found: G (g.asn)"}}},
-        {'b', "IMPORTS Z FROM A; z Z ::= {t foo, a NULL} Y ::= Z (WITH COMPONENTS {..., t (foo)})",
-         notChecked}};
-    expectResults({modules[0], modules[1]}, options);
-    Module blameless = modules[0];
-    blameless.result = notChecked;
-    blameless.findings = {};
-    expectResults({blameless, modules[1], {faultyNotation, "::= NULL", failed}}, options);
+    const std::string head =
+        "a IMPORTS T, P{}, v, o, CLS, Set FROM G;\\nZ ::= SEQUENCE { t T, a NULL } " + user;
+    const std::string second =
+        "\nb IMPORTS Z FROM A; z Z ::= {t foo, a NULL} Y ::= Z (WITH COMPONENTS "
+        "{..., t (foo)}) --> not checked";
+    expectResults(modulesIn(head + " --! Module file not found: G (g.asn)" + second), options);
+    std::vector<Module> modules = modulesIn(head + " --> not checked" + second);
+    modules.push_back({faultyNotation, "::= NULL", failed});
+    expectResults(modules, options);
 }
 
 TEST(KeepGoing, WhatDependsOnAModuleThatCannotBeReadIsNotJudged) {
@@ -233,11 +231,12 @@ TEST(KeepGoing, WhatDependsOnAModuleThatCannotBeReadIsNotJudged) {
         expectNotJudged(user, {"-STANDARD-VERSION=2021", "-LENIENT=YES"});
     }
     // What a module hands on from one that cannot be read is as unknown.
-    expectResults(
-        {{'a', "IMPORTS X FROM B; T ::= SEQUENCE { x X DEFAULT foo, y Y } Y ::= NULL", notChecked},
-         {'b', "IMPORTS X FROM C; Y ::= X", notChecked},
-         {'c', "IMPORTS X FROM G;", failed, {{2, "Module file not found: G (g.asn)"}}}},
-        later);
+    expectResults(modulesIn(R"(
+a IMPORTS X FROM B; T ::= SEQUENCE { x X DEFAULT foo, y Y } Y ::= NULL --> not checked
+b IMPORTS X FROM C; Y ::= X --> not checked
+c IMPORTS X FROM G; --! Module file not found: G (g.asn)
+)"),
+                  later);
 }
 
 TEST(KeepGoing, FilesOfTheCommandLineNeedNoPrefix) {

@@ -4,7 +4,7 @@
 #include <map>
 #include <random>
 
-#include "support/run.h"
+#include "support/cases.h"
 
 namespace orvo::test {
 namespace {
@@ -13,41 +13,28 @@ using namespace std::string_literals;
 using namespace std::string_view_literals;
 
 TEST(LexicalErrors, AreListedAtTheirTokenAndDoNotStopTheParse) {
-    const auto run = compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n"
-                                        "T ::= INTEGER _\n"
-                                        "U ::= BOOLEAN\n"
-                                        "v INTEGER ::= 007\n"
-                                        "w INTEGER ::= 9223372036854775807\n"
-                                        "s IA5String ::= \"a\x01~b\nc\"\n"
-                                        "h OCTET STRING ::= '1f'H\n"
-                                        "b BIT STRING ::= '01'\n"
-                                        "X ::= NULL =\n"
-                                        "END\n"}});
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.diagnostics("m"), " *** ERROR on line   3 : Lexical error before: typeid\n"
-                                    " *** ERROR on line   4 : Leading zeroes in: number\n"
-                                    " *** ERROR on line   5 : More than 19 digits in: number\n"
-                                    " *** ERROR on line   6 : Invalid character in: cstring\n"
-                                    " *** ERROR on line   8 : Invalid character in: hstring\n"
-                                    " *** ERROR on line   9 : Invalid end character in: hstring\n"
-                                    " *** ERROR on line  11 : Lexical error before: END\n");
-}
-
-TEST(LexicalErrors, ErrorBehindAMarkerIsRecordedOnce) {
-    const auto run = compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n"
-                                        "T {\n_ INTEGER : x} ::= OCTET STRING (SIZE (x))\n"
-                                        "U ::= OCTET STRING (SIZE\n(#1)) END"}});
-    EXPECT_EQ(run.diagnostics("m"), " *** ERROR on line   3 : Lexical error before: INTEGER\n"
-                                    " *** ERROR on line   5 : Lexical error before: number\n");
+    expectMarked(R"(
+T ::= INTEGER _
+U ::= BOOLEAN --! L Lexical error before: typeid
+v INTEGER ::= 007 --! L Leading zeroes in: number
+w INTEGER ::= 9223372036854775807 --! L More than 19 digits in: number
+s IA5String ::= "a~b --! L Invalid character in: cstring
+c"
+h OCTET STRING ::= '1f'H --! L Invalid character in: hstring
+b BIT STRING ::= '01' --! L Invalid end character in: hstring
+P {
+_ INTEGER : x} ::= OCTET STRING (SIZE (x)) --! L Lexical error before: INTEGER
+Q ::= OCTET STRING (SIZE
+(#1)) --! L Lexical error before: number
+X ::= NULL =
+Y ::= NULL --! L Lexical error before: typeid
+)");
 }
 
 TEST(LexicalErrors, NamesAreCutWithAWarning) {
     const std::string name(128, 'a');
-    const auto run = compile({{"m.asn", "M DEFINITIONS ::= BEGIN\n" + name + " INTEGER ::= 1\n" +
-                                            "B" + name + " ::= BOOLEAN\nEND\n"}});
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.diagnostics("m"),
-              "  ** WARNING  line   3 : More than 128 characters in: typeid\n");
+    expectMarked(name + " INTEGER ::= 1\nB" + name +
+                 " ::= BOOLEAN --! W More than 128 characters in: typeid");
 }
 
 TEST(LexicalErrors, ForeignBytesOutsideCommentsAreErrors) {

@@ -4,19 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "support/cases.h"
-#include "support/tree.h"
 
 namespace orvo::test {
 namespace {
-
-const std::vector<std::string> edition = {"-STANDARD-VERSION=2021"};
-const std::vector<std::string> lenient = {"-STANDARD-VERSION=2021", "-LENIENT=yes"};
-
-/// Errors of the notation read "*** ERROR on line   N : ..." in a listing.
-std::string lexical(int line, const std::string& text) {
-    return " *** ERROR on line " + std::string(line < 10 ? "  " : " ") + std::to_string(line) +
-           " : " + text + "\n";
-}
 
 TEST(Notation2021, WordsCommentsAndNumbers) {
     // 12.1, 12.6: byte order mark, NO-BREAK SPACE, nested comments in which `--` means nothing.
@@ -36,86 +26,74 @@ TEST(Notation2021, WordsCommentsAndNumbers) {
     EXPECT_EQ(tree.valueText("s"), "\"\\u00e9x\"");
     // A comment that is not closed hides the rest (12.6.4).
     EXPECT_EQ(compileBody("T ::= NULL\n/* /* */\nU ::= 5", edition).diagnostics("m"),
-              lexical(3, "Invalid end character in: /*"));
-    EXPECT_EQ(
-        compileBody("v IA5String ::= \"\xC3\xA9\"", edition).diagnostics("m"),
-        listed({{2, "Character that the type does not have"}, {2, "IA5String value syntax"}}));
-    EXPECT_EQ(compileBody("v REAL ::= 1.0E40000", edition).diagnostics("m"),
-              listed({{2, "Mantissa beyond 64 bits or exponent beyond 16 bits: 1.0E40000"}}));
+              listed(3, "L Invalid end character in: /*"));
+    expectRows(R"(
+v IA5String ::= "é" --! Character that the type does not have ; IA5String value syntax
+v REAL ::= 1.0E40000 --! Mantissa beyond 64 bits or exponent beyond 16 bits: 1.0E40000
+)",
+               {edition});
 }
 
 TEST(Notation2021, ModuleHeadersAndSymbolLists) {
-    const RunResult run =
-        compile({{"m.asn",
-                  "M { iso 1 2 } \"/ISO/a\" DEFINITIONS XER INSTRUCTIONS AUTOMATIC TAGS ::= BEGIN\n"
-                  "EXPORTS ALL;\n"
-                  "IMPORTS P{}, Q FROM N { iso 1 3 } WITH DESCENDANTS X FROM O;\n"
-                  "T ::= [NAME AS \"x\"] SEQUENCE { a [TAG: 7] INTEGER, b [PER: x [[ y ]] ] Q, c P "
-                  "{NULL}, d X }\n"
-                  "ENCODING-CONTROL XER GLOBAL-DEFAULTS MODIFIED-ENCODINGS { # }\nEND\n"},
-                 {"n.asn", "N { iso 1 3 } DEFINITIONS ::= BEGIN Q ::= NULL P {A} ::= A END\n"},
-                 {"o.asn", "O DEFINITIONS ::= BEGIN EXPORTS X; IMPORTS X FROM R; END\n"},
-                 {"r.asn", "R DEFINITIONS ::= BEGIN X ::= BOOLEAN END\n"}},
-                edition);
-    EXPECT_EQ(run.diagnostics("m"), listed({{4, "W Encoding instructions passed over"}}));
+    const std::vector<SourceFile> others = {
+        {"n.asn", "N { iso 1 3 } DEFINITIONS ::= BEGIN Q ::= NULL P {A} ::= A END\n"},
+        {"o.asn", "O DEFINITIONS ::= BEGIN EXPORTS X; IMPORTS X FROM R; END\n"},
+        {"r.asn", "R DEFINITIONS ::= BEGIN X ::= BOOLEAN END\n"}};
+    std::vector<SourceFile> files = others;
+    files.insert(
+        files.begin(),
+        {"m.asn", R"(M { iso 1 2 } "/ISO/a" DEFINITIONS XER INSTRUCTIONS AUTOMATIC TAGS ::= BEGIN
+EXPORTS ALL;
+IMPORTS P{}, Q FROM N { iso 1 3 } WITH DESCENDANTS X FROM O;
+T ::= [NAME AS "x"] SEQUENCE { a [TAG: 7] INTEGER, b [PER: x [[ y ]] ] Q, c P {NULL}, d X }
+ENCODING-CONTROL XER GLOBAL-DEFAULTS MODIFIED-ENCODINGS { # }
+END)"});
+    const RunResult run = compile(files, edition);
+    EXPECT_EQ(run.diagnostics("m"), listed(4, "W Encoding instructions passed over"));
     const TreeFacts tree(run, "m");
     EXPECT_EQ(tree.kind("T.d"), "R.X"); // the definition, not the module that hands it on
     EXPECT_EQ(tree.finalTags("T.a"), "[7]");
-    EXPECT_EQ(
-        compile({{"m.asn",
-                  "M DEFINITIONS ::= BEGIN\nIMPORTS Q FROM N WITH SUCCESSORS;\nT ::= Q\nEND\n"},
-                 {"n.asn", "N DEFINITIONS ::= BEGIN Q ::= NULL END\n"}},
-                edition)
-            .diagnostics("m"),
-        listed(
-            {{2, "WITH SUCCESSORS and WITH DESCENDANTS need an object identifier: SUCCESSORS"}}));
+    expectRows(R"(
+IMPORTS Q FROM N WITH SUCCESSORS; T ::= Q --! WITH SUCCESSORS and WITH DESCENDANTS need an object identifier: SUCCESSORS
+T ::= [ABC: x] NULL --! Unknown encoding reference: ABC ; W Encoding instructions passed over
+)",
+               {.options = edition, .others = others});
     EXPECT_EQ(
         compile({{"m.asn", "M { 1 2 3 } \"ISO\" DEFINITIONS\nFOO INSTRUCTIONS ::= BEGIN END"}},
                 edition)
             .diagnostics("m"),
         listed({{1, "Invalid OID-IRI value"}, {2, "Unknown encoding reference: FOO"}}));
-    EXPECT_EQ(compileBody("T ::= [ABC: x] NULL", edition).diagnostics("m"),
-              listed({{2, "Unknown encoding reference: ABC"},
-                      {2, "W Encoding instructions passed over"}}));
 }
 
 TEST(Notation2021, MarkersRootsAndGroups) {
-    const RunResult run =
-        compileBody("A ::= SEQUENCE { a INTEGER, ... ! 5, [[ 2: b NULL ]], [[ 3: c NULL, d BOOLEAN "
-                    "]], ..., e NULL }\n"
-                    "B ::= CHOICE { a NULL, ..., [[ 2: b INTEGER, c BOOLEAN ]], ... }\n"
-                    "C ::= SEQUENCE { x INTEGER, COMPONENTS OF A, y NULL }\n"
-                    "D ::= ENUMERATED { a, b, ... ! INTEGER : 7, c }\n"
-                    "E ::= SEQUENCE { ..., ... }\n"
-                    "F ::= SEQUENCE OF item INTEGER\nv F ::= { item 5, item 7 }",
-                    edition, "AUTOMATIC TAGS ");
-    EXPECT_EQ(run.diagnostics("m"), "");
-    const TreeFacts tree(run, "m");
+    Frame frame = {.options = edition, .defaults = "AUTOMATIC TAGS "};
+    const TreeFacts tree(expectMarked(R"(
+A ::= SEQUENCE { a INTEGER, ... ! 5, [[ 2: b NULL ]], [[ 3: c NULL, d BOOLEAN ]], ..., e NULL }
+B ::= CHOICE { a NULL, ..., [[ 2: b INTEGER, c BOOLEAN ]], ... } E ::= SEQUENCE { ..., ... }
+C ::= SEQUENCE { x INTEGER, COMPONENTS OF A, y NULL } D ::= ENUMERATED { a, b, ... ! INTEGER : 7, c }
+F ::= SEQUENCE OF item INTEGER v F ::= { item 5, item 7 }
+)",
+                                      frame),
+                         "m");
     // 25.3: the roots a, e are 0 and 1, the additions b, c, d follow.
-    EXPECT_EQ(tree.finalTags("A.a"), "[0]");
-    EXPECT_EQ(tree.finalTags("A.e"), "[1]");
-    EXPECT_EQ(tree.finalTags("A.b"), "[2]");
-    EXPECT_EQ(tree.finalTags("A.d"), "[4]");
-    EXPECT_EQ(tree.finalTags("B.c"), "[2]");
+    expectFacts("A.a: [0] ; A.e: [1] ; A.b: [2] ; A.d: [4] ; B.c: [2]",
+                [&](const std::string& path) { return tree.finalTags(path); });
     EXPECT_EQ(tree.node("A").fieldSize, 6); // five components and 1 for the markers
     EXPECT_EQ(tree.node("C").fieldSize, 4); // x, a and e of both roots, y (25.5)
     EXPECT_EQ(tree.named("D"), "a(0) b(1) ... c(2)");
     EXPECT_EQ(tree.node("F").typeCode, 8);
-    const std::string twice = "Duplicate extension marker in a component list.";
-    const auto diagnostics = [](const std::string& body) {
-        return compileBody(body, edition, "AUTOMATIC TAGS ").diagnostics("m");
-    };
-    EXPECT_EQ(diagnostics("T ::= SEQUENCE { ..., ..., a NULL, ... }"), listed({{2, twice}}));
-    EXPECT_EQ(diagnostics("T ::= CHOICE { a NULL, ..., ..., b NULL }"), listed({{2, twice}}));
-    EXPECT_EQ(diagnostics("T ::= SEQUENCE { a NULL, ..., [[ 3: b NULL ]], [[ 2: c NULL ]] }"),
-              listed({{2, "Version number of a group below 2 or not ascending"}}));
-    EXPECT_EQ(diagnostics("T ::= SEQUENCE { a NULL, ..., [[ 2: b NULL ]], [[ c NULL ]] }"),
-              listed({{2, "W Groups with and without version number"}}));
-    EXPECT_EQ(diagnostics("T ::= SEQUENCE { a NULL, ..., b [5] NULL }"),
-              listed({{2, "Tag in an addition of an automatically tagged list: b"}}));
-    EXPECT_EQ(compileBody("T ::= SEQUENCE { a NULL, ..., b [5] NULL }", lenient, "AUTOMATIC TAGS ")
-                  .diagnostics("m"),
-              listed({{2, "W Tag in an addition of an automatically tagged list: b"}}));
+    expectRows(R"(
+T ::= SEQUENCE { ..., ..., a NULL, ... } --! Duplicate extension marker in a component list.
+T ::= CHOICE { a NULL, ..., ..., b NULL } --! Duplicate extension marker in a component list.
+T ::= SEQUENCE { a NULL, ..., [[ 3: b NULL ]], [[ 2: c NULL ]] } --! Version number of a group below 2 or not ascending
+T ::= SEQUENCE { a NULL, ..., [[ 2: b NULL ]], [[ c NULL ]] } --! W Groups with and without version number
+T ::= SEQUENCE { a NULL, ..., b [5] NULL } --! Tag in an addition of an automatically tagged list: b
+)",
+               frame);
+    frame.options = lenient;
+    expectRows("T ::= SEQUENCE { a NULL, ..., b [5] NULL } --! "
+               "W Tag in an addition of an automatically tagged list: b",
+               frame);
 }
 
 TEST(Notation2021, MacrosAreReadOver) {
@@ -128,7 +106,7 @@ TEST(Notation2021, MacrosAreReadOver) {
           "sysDescr OBJECT-TYPE SYNTAX NULL ACCESS read-only ::= { id 1 }\n"
           "a OPERATION ARGUMENT NULL ::= localValue 5\n"
           "b OPERATION ::= -7\n"
-          "c OPERATION ::= { id 2 }\n"
+          "c OPERATION ::= { id 2 } k OPERATION ::= localValue 8\n"
           "d OPERATION ::= e e OPERATION ARGUMENT NULL ::= far\n"
           "f OPERATION ::= N.sized g INTEGER ::= d localValue INTEGER ::= 9\n"
           "h OPERATION ::= TRUE\n"
@@ -153,30 +131,22 @@ TEST(Notation2021, MacrosAreReadOver) {
                       {12, "W Value of a macro left out: j"},
                       {13, use + "TEXTUAL_CONVENTION"}}));
     const TreeFacts tree(run, "m");
-    EXPECT_EQ(tree.values(), "id sysDescr a b c d e f g localValue i");
+    EXPECT_EQ(tree.values(), "id sysDescr a b c k d e f g localValue i");
     EXPECT_EQ(tree.constraint("DisplayString"), "(SIZE (0..255))");
-    EXPECT_EQ(tree.valueText("a"), "5");
-    EXPECT_EQ(tree.valueText("b"), "-7");
+    expectFacts(tree, "valueText a: 5 ; valueText b: -7 ; valueText k: 8");
 
-    const auto faults = [](const std::string& body) {
-        return compileBody(body, edition).diagnostics("m");
-    };
-    EXPECT_EQ(faults("T ::= NULL v T \"a\" ::= 5"), listed({{2, "Macro expected: T"}}));
-    EXPECT_EQ(faults("X MACRO ::= BEGIN END a X ::= b b X ::= a"),
-              listed({{2, "W Macro definition passed over: X"},
-                      {2, "Invalid recursion in definition of value: b"},
-                      {2, "Invalid recursion in definition of value: a"}}));
     // Types that a macro makes without SYNTAX are none; values of them are those of the macro.
-    EXPECT_EQ(
-        faults("X MACRO ::= BEGIN END S ::= X SYNTAX NULL E ::= X\nT ::= X ARGUMENT a S RESULT "
-               "b INTEGER\no OBJECT IDENTIFIER ::= { 1 2 } t T ::= localValue 5\n"
-               "u E ::= { a 1, b 2 } v X ::= x : 5 w X ::= {} y INTEGER ::= t"),
-        listed({{2, "W Macro definition passed over: X"},
-                {2, "W Type of a macro left out: E"},
-                {3, "W Type of a macro left out: T"},
-                {5, "W Value of a macro left out: v"},
-                {5, "W Value of a macro left out: u"},
-                {5, "W Value of a macro left out: w"}}));
+    expectRows(R"(
+T ::= NULL v T "a" ::= 5 --! Macro expected: T
+X MACRO ::= BEGIN END a X ::= b b X ::= a --! W Macro definition passed over: X ; Invalid recursion in definition of value: b ; Invalid recursion in definition of value: a
+)",
+               {edition});
+    expectMarked(R"(
+X MACRO ::= BEGIN END S ::= X SYNTAX NULL E ::= X --! W Macro definition passed over: X ; W Type of a macro left out: E
+T ::= X ARGUMENT a S RESULT b INTEGER o OBJECT IDENTIFIER ::= { 1 2 } t T ::= localValue 5 --! W Type of a macro left out: T
+u E ::= { a 1, b 2 } v X ::= x : 5 w X ::= {} y INTEGER ::= t --! W Value of a macro left out: v ; W Value of a macro left out: u ; W Value of a macro left out: w
+)",
+                 {edition});
     const RunResult types = compile(
         {{"m.asn", "M DEFINITIONS ::= BEGIN IMPORTS OPERATION, Q FROM N;\nE ::= OPERATION\nT ::= "
                    "OPERATION RESULT ERRORS { e }\ne E ::= 5\nq Q ::= e S ::= INTEGER (e) END\n"},
@@ -197,24 +167,23 @@ TEST(Notation2021, MacrosAreReadOver) {
 }
 
 TEST(Notation2021, SetsContentsAndRelations) {
-    const RunResult run =
-        compileBody("A ::= INTEGER (1 | 2 ^ 3 | 4 EXCEPT 5, ..., 7)\n"
-                    "B ::= OCTET STRING (SIZE (1..9)) (CONTAINING A ENCODED BY { 2 1 1 })\n"
-                    "C ::= VisibleString (PATTERN \"[a-z]*\")\n"
-                    "K ::= CLASS { &id INTEGER UNIQUE, &Type } WITH SYNTAX { &Type ID &id }\n"
-                    "S K ::= { { BOOLEAN ID 1 }, ... }\n"
-                    "E ::= SEQUENCE { id K.&id ({S}), in SEQUENCE { v OCTET STRING (CONTAINING "
-                    "K.&Type ({S}{@id})),\n"
-                    " w K.&Type ({S}{@..id}) } }\n"
-                    "F ::= REAL (WITH COMPONENTS { ..., base (10) })",
-                    edition, "AUTOMATIC TAGS ");
-    EXPECT_EQ(run.diagnostics("m"), "");
-    const TreeFacts tree(run, "m");
-    EXPECT_EQ(tree.constraint("B"), "(SIZE (1..9))(CONTAINING A ENCODED BY {2 1 1})");
-    EXPECT_EQ(tree.constraint("C"), "(PATTERN \"[a-z]*\")");
-    EXPECT_EQ(tree.constraint("E.in.w"), "({S} {@..id})");
-    EXPECT_EQ(compileBody("A ::= INTEGER (1 | 2 EXCEPT 3 EXCEPT 4)", edition).diagnostics("m"),
-              listed({{2, "A second EXCEPT needs parentheses"}, {2, "Invalid constraint"}}));
+    const Frame frame = {.options = edition, .defaults = "AUTOMATIC TAGS "};
+    const TreeFacts tree(expectMarked(R"(
+A ::= INTEGER (1 | 2 ^ 3 | 4 EXCEPT 5, ..., 7) C ::= VisibleString (PATTERN "[a-z]*")
+B ::= OCTET STRING (SIZE (1..9)) (CONTAINING A ENCODED BY { 2 1 1 })
+K ::= CLASS { &id INTEGER UNIQUE, &Type } WITH SYNTAX { &Type ID &id } S K ::= { { BOOLEAN ID 1 }, ... }
+E ::= SEQUENCE { id K.&id ({S}), in SEQUENCE { v OCTET STRING (CONTAINING K.&Type ({S}{@id})),
+  w K.&Type ({S}{@..id}) } } F ::= REAL (WITH COMPONENTS { ..., base (10) })
+)",
+                                      frame),
+                         "m");
+    expectFacts(R"(
+B: (SIZE (1..9))(CONTAINING A ENCODED BY {2 1 1}) ; C: (PATTERN "[a-z]*") ; E.in.w: ({S} {@..id})
+)",
+                [&](const std::string& path) { return tree.constraint(path); });
+    expectRows("A ::= INTEGER (1 | 2 EXCEPT 3 EXCEPT 4) --! A second EXCEPT needs parentheses ; "
+               "Invalid constraint",
+               frame);
 }
 
 TEST(Notation2021, FaultsOfPublishedModulesAreWarnings) {

@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/run.h"
-#include "support/tree.h"
+#include "support/cases.h"
 
 namespace orvo::test {
 namespace {
@@ -146,35 +145,30 @@ TEST(Options, PrefixLengthsThatDifferFromTheFirstAreReportedOnceForAModule) {
 }
 
 TEST(Options, CommentsAreTakenAtEveryKindOfNode) {
-    const RunResult result = compile(
-        {{"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
-                   "A ::= INTEGER { one (1) --$VNAME=x-- } (1..9) --$INT=U8 $TPREF=a_ $ENTRY--\n"
-                   "B ::= SEQUENCE { a BOOLEAN --$CCONV=HL $PLMBOOLE=1--,\n"
-                   "  ..., b B --$PTR $NEAR=YES-- OPTIONAL } --$COMPMASK=8 $ASNHC--\n"
-                   "C ::= SEQUENCE SIZE (1..5) --$N=16 $DYN-- OF OCTET STRING --$FRAME--\n"
-                   "D ::= CHOICE { a NULL --$SKIP--, b NULL } --$CHOICE=8 $EXTENSIONS=SKIP--\n"
-                   "E ::= ENUMERATED { a --$VSUFF=_e--, b } --$INT=16--\n"
-                   "F ::= CLASS { &Type, &id INTEGER --$FNAME=id-- } --$CLCONV=L--\n"
-                   "v INTEGER ::= 5 --$VNAME=x $BEO=any--\n"
-                   "V INTEGER ::= { 1 | 2 } --$VSPREF=s--\n"
-                   "END\n"}});
-    EXPECT_EQ(result.diagnostics("m"), "");
+    expectMarked(R"(
+A ::= INTEGER { one (1) --$VNAME=x-- } (1..9) --$INT=U8 $TPREF=a_ $ENTRY--
+B ::= SEQUENCE { a BOOLEAN --$CCONV=HL $PLMBOOLE=1--,
+  ..., b B --$PTR $NEAR=YES-- OPTIONAL } --$COMPMASK=8 $ASNHC--
+C ::= SEQUENCE SIZE (1..5) --$N=16 $DYN-- OF OCTET STRING --$FRAME--
+D ::= CHOICE { a NULL --$SKIP--, b NULL } --$CHOICE=8 $EXTENSIONS=SKIP--
+E ::= ENUMERATED { a --$VSUFF=_e--, b } --$INT=16--
+F ::= CLASS { &Type, &id INTEGER --$FNAME=id-- } --$CLCONV=L--
+v INTEGER ::= 5 --$VNAME=x $BEO=any--
+V INTEGER ::= { 1 | 2 } --$VSPREF=s--
+)",
+                 automatic);
 }
 
 TEST(Options, CommentsThatTheirPlaceDoesNotAllowAreReported) {
-    const RunResult result = compile({{"m.asn", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
-                                                "A ::= INTEGER --$NEAR=YES--\n"
-                                                "B ::= INTEGER --$EXTENSIONS=SAVE $INT=8--\n"
-                                                "C ::= SEQUENCE { a NULL --$ENTRY--\n"
-                                                "  , b NULL --$TNAME=x-- }\n"
-                                                "v INTEGER ::= 5 --$INT=8--\n"
-                                                "--$SKIP--D ::= NULL\n"
-                                                "END\n"}});
-    EXPECT_EQ(result.diagnostics("m"), "  ** WARNING  line   3 : $Option(s) ignored\n"
-                                       "  ** WARNING  line   4 : $Option(s) ignored\n"
-                                       "  ** WARNING  line   5 : $Option(s) ignored\n"
-                                       "  ** WARNING  line   5 : $Option(s) ignored\n"
-                                       "  ** WARNING  line   7 : $Option(s) ignored\n");
+    expectMarked(R"(
+A ::= INTEGER --$NEAR=YES--
+B ::= INTEGER --$EXTENSIONS=SAVE $INT=8-- --! W $Option(s) ignored
+C ::= SEQUENCE { a NULL --$ENTRY-- --! W $Option(s) ignored
+  , b NULL --$TNAME=x-- } --! W $Option(s) ignored ; W $Option(s) ignored
+v INTEGER ::= 5 --$INT=8--
+--$SKIP--D ::= NULL --! W $Option(s) ignored
+)",
+                 automatic);
 }
 
 /// An option of a type that turns out wrong is switched off in its own record, also where others
@@ -198,12 +192,11 @@ TEST(Options, SwitchedOffOnesStandInTheTreeBesideThoseThatHold) {
             const RunResult run =
                 compile(imported ? std::vector{user, file} : std::vector{file, user});
             const TreeFacts tree(run, imported ? "m" : "n"), own(run, "n");
-            EXPECT_EQ(tree.options("X.a"), "$ANY=E:one $BEO=x $ANY=E:two");
-            EXPECT_EQ(tree.options("Y.a"), "?ANY=E:one $BEO=x ?ANY=E:two");
-            EXPECT_EQ(tree.options("Z.a"), "?ANY=E:one $BEO=x ?ANY=E:two");
-            EXPECT_EQ(own.options("S.a"), "$ANY=E:one");
-            EXPECT_EQ(own.options("R.a"), "?ANY=E:one");
-            EXPECT_EQ(own.valueText("t"), "\"$ANY=E:one\"");
+            expectFacts(tree, "options X.a: $ANY=E:one $BEO=x $ANY=E:two\n"
+                              "options Y.a: ?ANY=E:one $BEO=x ?ANY=E:two\n"
+                              "options Z.a: ?ANY=E:one $BEO=x ?ANY=E:two");
+            expectFacts(own, "options S.a: $ANY=E:one ; options R.a: ?ANY=E:one\n"
+                             "valueText t: \"$ANY=E:one\"");
         }
     }
 }
@@ -227,6 +220,39 @@ TEST(Options, SwitchedOffOnesHaveTheStringsCountedAgain) {
         EXPECT_EQ(tree.text(source + 1), fits ? "" : "?ANY=E:o");
         EXPECT_EQ(tree.hasText(facts.value("o").node().stri), !fits);
     }
+}
+
+// Those in front of OF and the closing brace belong to the types in front of them.
+TEST(Options, CommandsThatNoRuleTakesAreReported) {
+    expectMarked(R"(
+T ::= --$PTR-- --! 1: W $Option(s) ignored
+  SEQUENCE { --! W $Option(s) ignored
+    a INTEGER, --$PTR--
+    b SET --$DYN-- OF BOOLEAN --$PTR-- } --! W $Option(s) ignored
+U ::= OCTET STRING --$no option--
+V ::= NULL --! W $Option(s) ignored
+)",
+                 {.defaults = "--$PTR-- "});
+}
+
+TEST(Options, InFrontOfTheHeaderAreTheModules) {
+    const std::string body = "M DEFINITIONS ::= BEGIN T ::= NULL END";
+    const auto listsSymbols = [&](const std::string& comments) {
+        const auto run = compile({{"m.asn", comments + body}});
+        EXPECT_EQ(run.diagnostics("m"), "") << comments;
+        return run.listing("m").find("USER DEFINED TYPES") != std::string::npos;
+    };
+    EXPECT_TRUE(listsSymbols(""));
+    EXPECT_FALSE(listsSymbols("--$XREF=0--"));
+    EXPECT_FALSE(listsSymbols("-- $xref=0 $Info=some words --\n-- no more --"));
+    EXPECT_FALSE(listsSymbols("--$ALLOW--\n--$XREF=0\n"));
+}
+
+TEST(Options, AfterASyntaxErrorCommandsAreComments) {
+    const auto run = compile({{"m.asn", "M DEFINITIONS ::= BEGIN T ::= SET { , }\n"
+                                        "U ::= A --$PTR-- B C D E F G\n"
+                                        "U ::= --$PTR-- INTEGER END\n"}});
+    EXPECT_EQ(run.diagnostics("m").find("ignored"), std::string::npos);
 }
 
 } // namespace

@@ -4,101 +4,60 @@
 #include <gtest/gtest.h>
 
 #include "support/cases.h"
-#include "support/tree.h"
 
 namespace orvo::test {
 namespace {
 
-struct Case {
-    const char* body;
-    const char* diagnostics;
-};
-void expectDiagnostics(const Case& row, const std::string& before = "") {
-    SCOPED_TRACE(row.body);
-    EXPECT_EQ(diagnosticsOf(before + row.body), row.diagnostics);
-}
-
-// ---- actual parameter lists ---------------------------------------------------------------------
-
-constexpr const char* badList = "  ** ERROR on line   5 : Invalid actual parameter list\n";
-constexpr const char* badListEnd =
-    "  ** ERROR on line   5 : '}' expected: Missing end of actual parameter list\n"
-    "  ** ERROR on line   5 : Invalid actual parameter list\n";
-constexpr const char* badSet = "  ** ERROR on line   5 : '{' expected\n"
-                               "  ** ERROR on line   5 : Invalid actual parameter list\n";
-
-const std::string parameterized = "T{X} ::= SEQUENCE { a X }\n"
-                                  "P{INTEGER : n, X} ::= SEQUENCE { a INTEGER (0..n), b X }\n"
-                                  "S{INTEGER : Set} ::= INTEGER (Set) v INTEGER ::= 3\n";
-constexpr Case listCases[] = {
-    // from line 5 on
-    {"A ::= P{5, NULL}", ""},
-    {"A ::= P{v, SEQUENCE OF NULL}", ""},
-    {"Z ::= NULL A ::= P{M.v, SET OF M.Z} B ::= T{T{M.A}}", ""},
-    {"A ::= P{5}", badList},
-    {"A ::= P{5, }", badList},
-    {"A ::= P{5 NULL}", badList},
-    {"A ::= P{, NULL}", badList},
-    {"A ::= P{NULL, 5}", badList},
-    {"A ::= P{5, 5}", badList},
-    {"A ::= P{5, v}", badList},
-    {"A ::= P{v, NULL, 7}", badListEnd},
-    {"A ::= T{NULL NULL}", badListEnd},
-    {"A ::= T{NULL,}", badListEnd},
-    {"A ::= P{-, NULL}", "  ** ERROR on line   5 : 'number' expected\n"
-                         "  ** ERROR on line   5 : Invalid actual parameter list\n"},
-    {"A ::= S{{1 | 2}}", ""},
-    {"A ::= S{{S{{1 | v}}}}", ""},
-    {"A ::= S{5}", badSet},
-    {"A ::= S{v}", badSet},
-    {"A ::= S{INTEGER}", badSet},
-    // A nested list is examined on its own; the reference around it is valid.
-    {"A ::= T{SEQUENCE OF T{5}}", badList},
-    {"A ::= T{T{5}}", badList},
-    {"A ::= T{P{5}}", badList},
-    // What an actual parameter says is examined where it stands.
-    {"A ::= P{TRUE, NULL}", "  ** ERROR on line   5 : INTEGER value syntax\n"},
-    {"A ::= S{{TRUE}}", "  ** ERROR on line   5 : INTEGER value syntax\n"},
-    {"A ::= S{{1, 2}}", "  ** ERROR on line   5 : '...' expected: In sets a comma is allowed only "
-                        "before an extension marker\n"
-                        "  ** ERROR on line   5 : Element set spec is invalid\n"},
-    {"A ::= T", "  ** ERROR on line   5 : Braces expected: T\n"},
-    {"A ::= T{T}", "  ** ERROR on line   5 : Braces expected: T\n"},
-    {"A ::= NULL B ::= A{5}", "  ** ERROR on line   5 : Braces not allowed: A\n"},
-};
-
 TEST(Parameters, ActualListsAgreeWithTheFormalOnes) {
-    for (const Case& row : listCases) expectDiagnostics(row, parameterized);
+    expectRows(R"(
+A ::= P{5, NULL}
+A ::= P{v, SEQUENCE OF NULL}
+Z ::= NULL A ::= P{M.v, SET OF M.Z} B ::= T{T{M.A}}
+A ::= P{5} --! Invalid actual parameter list
+A ::= P{5, } --! Invalid actual parameter list
+A ::= P{5 NULL} --! Invalid actual parameter list
+A ::= P{, NULL} --! Invalid actual parameter list
+A ::= P{NULL, 5} --! Invalid actual parameter list
+A ::= P{5, 5} --! Invalid actual parameter list
+A ::= P{5, v} --! Invalid actual parameter list
+A ::= P{v, NULL, 7} --! '}' expected: Missing end of actual parameter list ; Invalid actual parameter list
+A ::= T{NULL NULL} --! '}' expected: Missing end of actual parameter list ; Invalid actual parameter list
+A ::= T{NULL,} --! '}' expected: Missing end of actual parameter list ; Invalid actual parameter list
+A ::= P{-, NULL} --! 'number' expected ; Invalid actual parameter list
+A ::= S{{1 | 2}}
+A ::= S{{S{{1 | v}}}}
+A ::= S{5} --! '{' expected ; Invalid actual parameter list
+A ::= S{v} --! '{' expected ; Invalid actual parameter list
+A ::= S{INTEGER} --! '{' expected ; Invalid actual parameter list
+A ::= T{SEQUENCE OF T{5}} --! Invalid actual parameter list
+A ::= T{T{5}} --! Invalid actual parameter list
+A ::= T{P{5}} --! Invalid actual parameter list
+A ::= P{TRUE, NULL} --! INTEGER value syntax
+A ::= S{{TRUE}} --! INTEGER value syntax
+A ::= S{{1, 2}} --! '...' expected: In sets a comma is allowed only before an extension marker ; Element set spec is invalid
+A ::= T --! Braces expected: T
+A ::= T{T} --! Braces expected: T
+A ::= NULL B ::= A{5} --! Braces not allowed: A
+)",
+               {.defaults = "AUTOMATIC TAGS ",
+                .head = "T{X} ::= SEQUENCE { a X } P{INTEGER : n, X} ::= SEQUENCE { a INTEGER "
+                        "(0..n), b X } S{INTEGER : Set} ::= INTEGER (Set) v INTEGER ::= 3"});
 }
-
-// ---- recursion ----------------------------------------------------------------------------------
-
-constexpr Case recursionCases[] = {
-    {"R{X} ::= SEQUENCE { a X, b R{X} OPTIONAL }\nA ::= R{NULL}",
-     "  ** ERROR on line   3 : Invalid recursion in definition of type\n"},
-    {"R{X} ::= SEQUENCE { a Q{X} }\nQ{X} ::= SEQUENCE { b R{X} OPTIONAL }\nA ::= R{NULL}\n"
-     "B ::= Q{NULL}",
-     "  ** ERROR on line   4 : Invalid recursion in definition of type\n"
-     "  ** ERROR on line   5 : Invalid recursion in definition of type\n"},
-    {"r{INTEGER : n} INTEGER ::= r{n}\na INTEGER ::= r{3}",
-     "  ** ERROR on line   3 : Invalid recursion in definition of value\n"},
-    // An actual parameter is no part of the instance.
-    {"R{X} ::= SEQUENCE { a X }\nA ::= R{R{R{NULL}}}", ""},
-    {"R{X} ::= SEQUENCE { a X OPTIONAL }\nA ::= R{A}", ""},
-    {"R{X} ::= X\nA ::= R{SEQUENCE { a A OPTIONAL }}", ""},
-    {"R{X} ::= SEQUENCE { a A OPTIONAL, x X }\nA ::= R{NULL}", ""},
-    {"r{INTEGER : n} INTEGER ::= n\na INTEGER ::= r{r{3}}", ""},
-    // A chain of references that leads through an instance.
-    {"R{X} ::= X\nA ::=\nR{A}", // the reference, the instance, the actual parameter
-     "  ** ERROR on line   3 : Invalid recursion in definition of type\n"
-     "  ** ERROR on line   3 : Invalid recursion in definition of type\n"
-     "  ** ERROR on line   4 : Invalid recursion in definition of type\n"},
-    {"N{INTEGER : n} ::= INTEGER (0..n)\nc N{c} ::=\nc",
-     "  ** ERROR on line   3 : Invalid recursion in definition of value: c\n"},
-};
 
 TEST(Parameters, AnInstanceDoesNotContainItself) {
-    for (const Case& row : recursionCases) expectDiagnostics(row);
+    expectRows(R"(
+R{X} ::= SEQUENCE { a X, b R{X} OPTIONAL } A ::= R{NULL} --! Invalid recursion in definition of type
+R{X} ::= SEQUENCE { a Q{X} }\nQ{X} ::= SEQUENCE { b R{X} OPTIONAL }\nA ::= R{NULL}\nB ::= Q{NULL} --! 4: Invalid recursion in definition of type ; 5: Invalid recursion in definition of type
+r{INTEGER : n} INTEGER ::= r{n} a INTEGER ::= r{3} --! Invalid recursion in definition of value
+R{X} ::= SEQUENCE { a X } A ::= R{R{R{NULL}}}
+R{X} ::= SEQUENCE { a X OPTIONAL } A ::= R{A}
+R{X} ::= X A ::= R{SEQUENCE { a A OPTIONAL }}
+R{X} ::= SEQUENCE { a A OPTIONAL, x X } A ::= R{NULL}
+r{INTEGER : n} INTEGER ::= n a INTEGER ::= r{r{3}}
+R{X} ::= X\nA ::=\nR{A} --! 3: Invalid recursion in definition of type ; 3: Invalid recursion in definition of type ; 4: Invalid recursion in definition of type
+N{INTEGER : n} ::= INTEGER (0..n) c N{c} ::= c --! Invalid recursion in definition of value: c
+)",
+               automatic);
 }
 
 /// "P0{X} ::= SEQUENCE { a P1{X} }" and so on, then an instance of the first.
@@ -122,113 +81,90 @@ TEST(Parameters, InstancesNestToALimit) {
     EXPECT_EQ(diagnosticsOf(chain + "T3000 ::= NULL"), "");
 }
 
-// ---- unused actual parameters -------------------------------------------------------------------
-
-#define UNUSED(text) "  ** ERROR on line   3 : Unused actual parameters: " text "\n"
-const std::string forUnused =
-    "OP ::= CLASS { &id INTEGER, &Arg OPTIONAL, &Set OP OPTIONAL } o OP ::= { &id 1, &Set { o } } ";
-constexpr Case unusedCases[] = {
-    {"P{X, Y} ::= SEQUENCE { a X }\nA ::= P{NULL, BOOLEAN}", UNUSED("(2) Y")},
-    {"P{INTEGER : n, Y, INTEGER : S, X} ::= NULL\nA ::= P{5, NULL, {1}, NULL}",
-     UNUSED("(2) Y") UNUSED("(4) X") UNUSED("(1) n") UNUSED("(3) S")},
-    {"p{INTEGER : n, INTEGER : m} INTEGER ::= m\na INTEGER ::= p{1, 2}", UNUSED("(1) n")},
-    {"P{X} ::= SEQUENCE { a Q{X} } Q{Y} ::= NULL\nA ::= P{NULL}", UNUSED("(1) Y") UNUSED("(1) X")},
-    {"P{X} ::= SEQUENCE OF CHOICE { a SET OF X }\nA ::= P{NULL}", ""},
-    {"P{X} ::= SEQUENCE { a NULL, ..., [[ b X OPTIONAL ]] }\nA ::= P{NULL}", ""},
-    {"P{X} ::= SEQUENCE { a a < X }\nA ::= P{CHOICE { a NULL }}", ""},
-    {"P{X} ::= SEQUENCE { COMPONENTS OF X }\nA ::= P{SEQUENCE { a NULL }}", ""},
-    {"P{INTEGER : n} ::= [n] NULL\nA ::= P{5}", ""},
-    {"P{INTEGER : n} ::= INTEGER { a(n) }\nA ::= P{5}", ""},
-    {"P{INTEGER : n} ::= SEQUENCE { a INTEGER DEFAULT n }\nA ::= P{5}", ""},
-    {"P{INTEGER : n} ::= INTEGER (1 | 2..5 | ((n | 3) EXCEPT 3))\nA ::= P{5}", ""},
-    {"P{INTEGER : n} ::= OCTET STRING (SIZE (0..n))\nA ::= P{5}", ""},
-    {"P{IA5String : s} ::= IA5String (FROM (s))\nA ::= P{\"ab\"}", ""},
-    {"P{INTEGER : n} ::= SEQUENCE (WITH COMPONENT (n)) OF INTEGER\nA ::= P{5}", ""},
-    {"P{INTEGER : n} ::= S (WITH COMPONENTS { a (n) }) S ::= SEQUENCE { a INTEGER }\nA ::= P{5}",
-     ""},
-    {"P{INTEGER : S} ::= INTEGER (0 | S)\nA ::= P{{1}}", ""},
-    {"P{INTEGER : S} ::= SEQUENCE { a Q{{S | 3}} } Q{INTEGER : S2} ::= INTEGER (S2)\nA ::= P{{1}}",
-     ""},
-    {"P{X} ::= OCTET STRING (CONSTRAINED BY {X})\nA ::= P{NULL}", ""},
-    {"P{OP : Set} ::= OP.&id ({Set})\nA ::= P{{o}}", ""},
-    {"P{OP : op} ::= OP.&id ({op.&Set})\nA ::= P{o}", ""},
-    {"P{OP : op} ::= INTEGER (op.&id)\nA ::= P{o}", ""},
-    {"P{OP : op} ::= op.&Arg\nq OP ::= { &id 5, &Arg NULL } A ::= P{q}", ""},
-    {"P{CL} ::= CL.&id\nA ::= P{OP}", ""},
-    {"p{INTEGER : n} INTEGER (0..n) ::= 3\na INTEGER ::= p{5}", ""},
-    {"p{X} OP ::= { &id 3, &Arg X }\nA ::= SEQUENCE { a OP.&id ({S}) } S OP ::= { p{NULL} }", ""},
-};
-
 TEST(Parameters, AreUsedInTheInstance) {
-    for (const Case& row : unusedCases) {
-        const std::string body = row.body;
-        expectDiagnostics({body.c_str(), row.diagnostics}, forUnused);
-    }
+    expectRows(R"(
+P{X, Y} ::= SEQUENCE { a X } A ::= P{NULL, BOOLEAN} --! Unused actual parameters: (2) Y
+P{INTEGER : n, Y, INTEGER : S, X} ::= NULL A ::= P{5, NULL, {1}, NULL} --! Unused actual parameters: (2) Y ; Unused actual parameters: (4) X ; Unused actual parameters: (1) n ; Unused actual parameters: (3) S
+p{INTEGER : n, INTEGER : m} INTEGER ::= m a INTEGER ::= p{1, 2} --! Unused actual parameters: (1) n
+P{X} ::= SEQUENCE { a Q{X} } Q{Y} ::= NULL A ::= P{NULL} --! Unused actual parameters: (1) Y ; Unused actual parameters: (1) X
+P{X} ::= SEQUENCE OF CHOICE { a SET OF X } A ::= P{NULL}
+P{X} ::= SEQUENCE { a NULL, ..., [[ b X OPTIONAL ]] } A ::= P{NULL}
+P{X} ::= SEQUENCE { a a < X } A ::= P{CHOICE { a NULL }}
+P{X} ::= SEQUENCE { COMPONENTS OF X } A ::= P{SEQUENCE { a NULL }}
+P{INTEGER : n} ::= [n] NULL A ::= P{5}
+P{INTEGER : n} ::= INTEGER { a(n) } A ::= P{5}
+P{INTEGER : n} ::= SEQUENCE { a INTEGER DEFAULT n } A ::= P{5}
+P{INTEGER : n} ::= INTEGER (1 | 2..5 | ((n | 3) EXCEPT 3)) A ::= P{5}
+P{INTEGER : n} ::= OCTET STRING (SIZE (0..n)) A ::= P{5}
+P{IA5String : s} ::= IA5String (FROM (s)) A ::= P{"ab"}
+P{INTEGER : n} ::= SEQUENCE (WITH COMPONENT (n)) OF INTEGER A ::= P{5}
+P{INTEGER : n} ::= S (WITH COMPONENTS { a (n) }) S ::= SEQUENCE { a INTEGER } A ::= P{5}
+P{INTEGER : S} ::= INTEGER (0 | S) A ::= P{{1}}
+P{INTEGER : S} ::= SEQUENCE { a Q{{S | 3}} } Q{INTEGER : S2} ::= INTEGER (S2) A ::= P{{1}}
+P{X} ::= OCTET STRING (CONSTRAINED BY {X}) A ::= P{NULL}
+P{OP : Set} ::= OP.&id ({Set}) A ::= P{{o}}
+P{OP : op} ::= OP.&id ({op.&Set}) A ::= P{o}
+P{OP : op} ::= INTEGER (op.&id) A ::= P{o}
+P{OP : op} ::= op.&Arg q OP ::= { &id 5, &Arg NULL } A ::= P{q}
+P{CL} ::= CL.&id A ::= P{OP}
+p{INTEGER : n} INTEGER (0..n) ::= 3 a INTEGER ::= p{5}
+p{X} OP ::= { &id 3, &Arg X } A ::= SEQUENCE { a OP.&id ({S}) } S OP ::= { p{NULL} }
+)",
+               {.defaults = "AUTOMATIC TAGS ",
+                .head = "OP ::= CLASS { &id INTEGER, &Arg OPTIONAL, &Set OP OPTIONAL } "
+                        "o OP ::= { &id 1, &Set { o } }"});
 }
 
 // ---- what an instance is made of ----------------------------------------------------------------
 
 TEST(Parameters, EachReferenceHasACopyOfItsOwn) {
-    const TreeFacts tree(
-        compile({moduleM("P{INTEGER : n, X, INTEGER : S} ::= SEQUENCE {\n"
-                         "  a INTEGER (0..n) DEFAULT n, b X OPTIONAL, c INTEGER (S),\n"
-                         "  d ENUMERATED { e(0), f(n) } DEFAULT f, ..., [[ g SET OF X ]] }\n"
-                         "A ::= P{5, NULL, {1..4}}\n"
-                         "B ::= P{6, BOOLEAN, {2 | 9}}")}),
-        "m");
+    const TreeFacts tree(expectMarked(R"(
+P{INTEGER : n, X, INTEGER : S} ::= SEQUENCE { a INTEGER (0..n) DEFAULT n, b X OPTIONAL, c INTEGER (S),
+  d ENUMERATED { e(0), f(n) } DEFAULT f, ..., [[ g SET OF X ]] }
+A ::= P{5, NULL, {1..4}}
+B ::= P{6, BOOLEAN, {2 | 9}}
+)",
+                                      automatic),
+                         "m");
     EXPECT_EQ(tree.types(), "P A B");
-    for (const std::string type : {"A", "B"}) {
-        SCOPED_TRACE(type);
-        const bool isA = type == "A";
-        EXPECT_EQ(tree.kind(type), isA ? "P {5, NULL, {1..4}}" : "P {6, BOOLEAN, {2 | 9}}");
-        EXPECT_EQ(tree.components(type), "a b c d ... [[ g ]]");
-        EXPECT_EQ(tree.bounds(type + ".a"), isA ? "0..5" : "0..6");
-        EXPECT_EQ(tree.presence(type + ".a"), "DEFAULT n");
-        EXPECT_EQ(tree.actualKind(type + ".b"), isA ? "NULL" : "BOOLEAN");
-        EXPECT_EQ(tree.bounds(type + ".c"), isA ? "1..4" : "2..9");
-        EXPECT_EQ(tree.named(type + ".d"), "e(0) f(n)");
-        EXPECT_EQ(tree.presence(type + ".d"), "DEFAULT f");
-        EXPECT_EQ(tree.actualKind(type + ".g.*"), isA ? "NULL" : "BOOLEAN");
-        EXPECT_EQ(tree.node(type).actParRec, 0U);
-        // Records of an instance have its number, and the line of the reference.
-        for (const char* part : {".a", ".g", ".g.*"}) {
-            EXPECT_EQ(tree.node(type + part).actParRec, isA ? 1U : 2U) << part;
-            EXPECT_EQ(tree.node(type + part).line, isA ? 5U : 6U) << part;
-        }
-    }
+    expectFacts(tree, R"(
+kind A: P {5, NULL, {1..4}} ; bounds A.a: 0..5 ; actualKind A.b: NULL ; bounds A.c: 1..4 ; actualKind A.g.*: NULL
+kind B: P {6, BOOLEAN, {2 | 9}} ; bounds B.a: 0..6 ; actualKind B.b: BOOLEAN ; bounds B.c: 2..9 ; actualKind B.g.*: BOOLEAN
+components A: a b c d ... [[ g ]] ; presence A.a: DEFAULT n ; named A.d: e(0) f(n) ; presence A.d: DEFAULT f
+components B: a b c d ... [[ g ]] ; presence B.a: DEFAULT n ; named B.d: e(0) f(n) ; presence B.d: DEFAULT f
+)");
+    // Records of an instance have its number, and the line of the reference.
+    expectFacts(
+        "A: 0 4 ; A.a: 1 4 ; A.g: 1 4 ; A.g.*: 1 4 ; B: 0 5 ; B.a: 2 5 ; B.g: 2 5 ; B.g.*: 2 5",
+        [&](const std::string& path) {
+            const stx::TNode node = tree.node(path);
+            return std::to_string(node.actParRec) + " " + std::to_string(node.line);
+        });
     EXPECT_NE(tree.type("A.a").nr, tree.type("B.a").nr);
 }
 
 TEST(Parameters, ActualParametersAreRecordsInARow) {
-    const TreeFacts tree(compile({moduleM("P{INTEGER : n, X, INTEGER : S} ::= SEQUENCE {\n"
-                                          "  a INTEGER (S) DEFAULT n, b X }\n"
-                                          "A ::= P{5, NULL, {5}}")}),
+    const TreeFacts tree(expectMarked("P{INTEGER : n, X, INTEGER : S} ::= SEQUENCE {\n"
+                                      "  a INTEGER (S) DEFAULT n, b X }\nA ::= P{5, NULL, {5}}"),
                          "m");
     const auto first = static_cast<uint32_t>(tree.node("A").syntax);
-    const stx::VNode n = tree.tree().vNode(first);
-    const stx::VNode x = tree.tree().vNode(first + 1);
-    const stx::VNode s = tree.tree().vNode(first + 2);
-    EXPECT_EQ(n.next, first + 1);
-    EXPECT_EQ(x.next, first + 2);
-    EXPECT_EQ(s.next, 0U);
-    for (const stx::VNode& actual : {n, x, s}) {
-        EXPECT_EQ(actual.valStatus, 4);
-        EXPECT_EQ(actual.line, 4U);
+    const auto at = [&](uint32_t nr) { return tree.tree().vNode(first + nr); };
+    const char* const names[] = {"n", "X", "S"};
+    for (uint32_t nr = 0; nr < 3; ++nr) {
+        EXPECT_EQ(at(nr).next, nr < 2 ? first + nr + 1 : 0U);
+        EXPECT_EQ(tree.tree().text(at(nr).name), names[nr]);
+        EXPECT_EQ(at(nr).name < 0, nr == 0); // as names of values are
+        EXPECT_EQ(at(nr).valStatus, 4);
+        EXPECT_EQ(at(nr).line, 4U);
+        EXPECT_EQ(at(nr).vflags & 2, nr == 2 ? 2 : 0);
     }
-    EXPECT_EQ(tree.tree().text(n.name), "n"); // negated, as names of values are
-    EXPECT_LT(n.name, 0);
-    EXPECT_EQ(n.number, 5);
-    EXPECT_EQ(tree.tree().text(x.name), "X");
-    EXPECT_EQ(x.valCode, stx::TYP_OPEN);
-    EXPECT_EQ(x.refMod, -1);
-    EXPECT_EQ(tree.tree().tNode(x.ref).typeCode, stx::TYP_NULL);
-    EXPECT_EQ(tree.tree().text(s.name), "S");
-    EXPECT_EQ(s.valCode, stx::TYP_OPEN);
-    EXPECT_EQ(s.vflags & 2, 2);
-    const stx::TNode set = tree.tree().tNode(s.ref);
+    EXPECT_EQ(at(0).number, 5);
+    EXPECT_EQ(at(1).refMod, -1);
+    EXPECT_EQ(tree.tree().tNode(at(1).ref).typeCode, stx::TYP_NULL);
+    const stx::TNode set = tree.tree().tNode(at(2).ref);
     EXPECT_EQ(set.nodeFlags & 8U, 8U);
     EXPECT_GT(set.constraint, 0);
-    EXPECT_EQ(set.ref, s.govType); // the copy of the governor
+    EXPECT_EQ(set.ref, at(2).govType); // the copy of the governor
 }
 
 TEST(Parameters, InstancesOfValuesHaveTheirOwnGovernor) {
@@ -278,11 +214,10 @@ TEST(Parameters, InstancesLieWhereTheirDefinitionDoes) {
         compile({moduleM("IMPORTS P{}, k FROM N;\nA ::= P{INTEGER (0..k), 5, {1 | 2}}"), moduleN,
                  moduleN2("")});
     const TreeFacts tree(run, "m");
-    EXPECT_EQ(tree.kind("A"), "N.P {INTEGER, 5, {1 | 2}}");
-    EXPECT_EQ(tree.kind("A.b"), "N2.Q {SEQUENCE OF, M.n, {N.S | 99}}");
-    EXPECT_EQ(tree.actualKind("A.b.a.*"), "INTEGER");
-    EXPECT_EQ(tree.bounds("A.b.b"), "0..5");
-    EXPECT_EQ(tree.bounds("A.b.c"), "1..99");
+    expectFacts(tree, R"(
+kind A: N.P {INTEGER, 5, {1 | 2}} ; kind A.b: N2.Q {SEQUENCE OF, M.n, {N.S | 99}}
+actualKind A.b.a.*: INTEGER ; bounds A.b.b: 0..5 ; bounds A.b.c: 1..99
+)");
     EXPECT_EQ(tree.type("A.a").tree->moduleName(), "N");
     EXPECT_EQ(tree.type("A.b.b").tree->moduleName(), "N2");
     EXPECT_EQ(tree.node("A.b.b").line, 3U);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/run.h"
+#include "support/cases.h"
 
 namespace orvo::test {
 namespace {
@@ -16,9 +16,6 @@ std::string crossReference(const RunResult& run, const std::string& prefix) {
     return types < end ? listing.substr(types, end - types) : listing;
 }
 
-SourceFile moduleM(const std::string& body) {
-    return {"m.asn", "M DEFINITIONS ::= BEGIN\n" + body + "\nEND\n"};
-}
 const SourceFile moduleN = {"n.asn", "N DEFINITIONS ::= BEGIN\n"
                                      "A ::= NULL\nB ::= NULL\nC ::= NULL\nP{X} ::= SET OF X\n"
                                      "w A ::= NULL\nEND\n"};
@@ -109,64 +106,50 @@ TEST(CrossReference, TellsTheSummaryWhereAnUndefinedSymbolIsFirstUsed) {
     EXPECT_TRUE(contains(summary, "Undef")) << summary;
 }
 
-constexpr struct {
-    const char* body;
-    const char* diagnostics;
-} symbolErrors[] = {
-    {"EXPORTS T, T; T ::= NULL", "  ** ERROR on line   2 : Symbol twice in symbol list: T\n"},
-    {"IMPORTS A,\nA FROM N;", "  ** ERROR on line   3 : Symbol twice in symbol list: A\n"},
-    {"P{X, Y,\nX} ::= SEQUENCE { a X, b Y }",
-     "  ** ERROR on line   3 : Symbol twice in symbol list: X\n"},
-    {"E ::= ENUMERATED { a, b,\na }", "  ** ERROR on line   3 : Symbol twice in symbol list: a\n"},
-    {"v NULL ::= NULL\nv NULL ::= NULL", "  ** ERROR on line   3 : Symbol already defined: v\n"},
-    {"v NULL ::= NULL\nV ::= NULL", ""},
-    {"A2345678901234567890123456789012x ::= NULL\nA2345678901234567890123456789012y ::= NULL",
-     "  ** ERROR on line   3 : Symbol already defined: A2345678901234567890123456789012y\n"},
-    {"A234567890123456789012345678901x ::= NULL\nA234567890123456789012345678901y ::= NULL", ""},
-    {"EXPORTS T{};\nT ::= INTEGER", "  ** ERROR on line   2 : Braces not allowed: T\n"},
-    {"EXPORTS T;\nT {X} ::= SET OF X", "  ** ERROR on line   2 : Braces expected: T\n"},
-    {"T ::= NULL\nU ::= T{NULL}", "  ** ERROR on line   3 : Braces not allowed: T\n"},
-    {"T{X} ::= SET OF X\nU ::= T", "  ** ERROR on line   3 : Braces expected: T\n"},
-    {"IMPORTS P FROM N;", "  ** ERROR on line   2 : Braces expected: P\n"},
-    {"IMPORTS A{} FROM N;", "  ** ERROR on line   2 : Braces not allowed: A\n"},
-    {"IMPORTS A FROM N\nB FROM N;", "  ** ERROR on line   3 : Change module name: N\n"},
-    {"IMPORTS A FROM M;", "  ** ERROR on line   2 : Change module name: M\n"},
-    {"IMPORTS A FROM N;\nU ::= N.B", "  ** ERROR on line   3 : Symbol not in imports: B\n"},
-    {"U ::= N.B", ""},
-    {"U ::= M.T\nT ::= NULL", ""},
-    {"U ::= M.T{NULL}\nT{X} ::= SET OF X", ""},
-    {"U ::= N.P{NULL}", ""},
-    {"IMPORTS P{} FROM N;\nU ::= N.P{NULL}", ""},
-};
-
 TEST(Symbols, AreCheckedWhereTheyAreEntered) {
-    for (const auto& row : symbolErrors) {
-        SCOPED_TRACE(row.body);
-        const RunResult run = compile({moduleM(row.body), moduleN});
-        EXPECT_EQ(run.diagnostics("m"), row.diagnostics);
-        EXPECT_EQ(run.diagnostics("n"), "");
-    }
+    expectRows(R"(
+EXPORTS T, T; T ::= NULL --! Symbol twice in symbol list: T
+IMPORTS A,\nA FROM N; --! 3: Symbol twice in symbol list: A
+P{X, Y,\nX} ::= SEQUENCE { a X, b Y } --! 3: Symbol twice in symbol list: X
+E ::= ENUMERATED { a, b,\na } --! 3: Symbol twice in symbol list: a
+v NULL ::= NULL\nv NULL ::= NULL --! 3: Symbol already defined: v
+v NULL ::= NULL V ::= NULL
+A2345678901234567890123456789012x ::= NULL A2345678901234567890123456789012y ::= NULL --! Symbol already defined: A2345678901234567890123456789012y
+A234567890123456789012345678901x ::= NULL A234567890123456789012345678901y ::= NULL
+EXPORTS T{}; T ::= INTEGER --! Braces not allowed: T
+EXPORTS T; T {X} ::= SET OF X --! Braces expected: T
+T ::= NULL U ::= T{NULL} --! Braces not allowed: T
+T{X} ::= SET OF X U ::= T --! Braces expected: T
+IMPORTS P FROM N; --! Braces expected: P
+IMPORTS A{} FROM N; --! Braces not allowed: A
+IMPORTS A FROM N\nB FROM N; --! 3: Change module name: N
+IMPORTS A FROM M; --! Change module name: M
+IMPORTS A FROM N; U ::= N.B --! Symbol not in imports: B
+U ::= N.B V ::= M.T T ::= NULL W ::= N.P{NULL}
+U ::= M.T{NULL} T{X} ::= SET OF X
+IMPORTS P{} FROM N; U ::= N.P{NULL}
+)",
+               {.others = {moduleN}});
 }
 
 TEST(Symbols, FormalParametersAreFoundInLongLists) {
-    std::string formals, actuals, fields, values;
-    for (int i = 1; i <= 40; ++i) {
-        const std::string number = std::to_string(i), end = i < 40 ? ", " : "";
-        formals += "F" + number + end;
-        actuals += (i == 20 ? "BOOLEAN" : "NULL") + end;
-        fields += "f" + number + " F" + number + end;
-        values += "f" + number + (i == 20 ? " TRUE" : " NULL") + end;
+    std::string formals = "F0", actuals = "BOOLEAN", fields = "f0 F0", values = "f0 TRUE";
+    for (int i = 1; i < 40; ++i) {
+        formals += numbered(", F#", i);
+        actuals += i % 2 == 0 ? ", BOOLEAN" : ", NULL";
+        fields += numbered(", f# F#", i);
+        values += numbered(i % 2 == 0 ? ", f# TRUE" : ", f# NULL", i);
     }
-    const std::string body = "P {" + formals + "} ::= SEQUENCE { " + fields + " }\nT ::= P {" +
-                             actuals + "}\nv T ::= { " + values + " }";
-    EXPECT_EQ(compile({moduleM(body)}).diagnostics("m"), "");
+    expectMarked("P {" + formals + "} ::= SEQUENCE { " + fields + " }\nT ::= P {" + actuals +
+                 "} v T ::= { " + values + " }");
 }
 
 TEST(Symbols, NamelenSetsTheSignificantCharacters) {
-    const SourceFile module = moduleM("Abcdefghi ::= NULL\nAbcdefghj ::= NULL");
-    EXPECT_EQ(compile({module}, {"-NAMELEN=9"}).diagnostics("m"), "");
-    EXPECT_EQ(compile({module}, {"-NAMELEN=8"}).diagnostics("m"),
-              "  ** ERROR on line   3 : Symbol already defined: Abcdefghj\n");
+    expectRows("Abcdefghi ::= NULL Abcdefghj ::= NULL", {{"-NAMELEN=9"}});
+    const std::string common = "A" + std::string(98, 'b');
+    expectRows(common + "c ::= NULL " + common + "d ::= NULL", {{"-NAMELEN=100"}});
+    expectRows("Abcdefghi ::= NULL Abcdefghj ::= NULL --! Symbol already defined: Abcdefghj",
+               {{"-NAMELEN=8"}});
 }
 
 TEST(Symbols, TwoModulesCannotBeOneFile) {

@@ -2,50 +2,40 @@
 
 #include <sstream>
 
-#include "support/run.h"
+#include "support/cases.h"
 
 namespace orvo::test {
 namespace {
 
-struct SyntaxCase {
-    const char* name;
-    const char* source;
-    const char* diagnostics;
-};
-
-void expectDiagnostics(const SyntaxCase& row) {
-    SCOPED_TRACE(row.name);
-    const auto run = compile({{"m.asn", row.source}});
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.diagnostics("m"), row.diagnostics);
-    EXPECT_FALSE(run.has("m.stx"));
+/// A source with line ends as "\n", and what is listed; "|" ends the lines of that.
+void expectDiagnostics(const std::string& rows) {
+    std::istringstream lines(rows);
+    for (std::string row; std::getline(lines, row);) {
+        SCOPED_TRACE(row);
+        const size_t mark = row.find(" --! ");
+        std::string source = row.substr(0, mark), listed;
+        for (const char ch : row.substr(mark + 5)) listed += ch == '|' ? '\n' : ch;
+        const auto run = compile({{"m.asn", withLines(source)}});
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.diagnostics("m"), listed);
+        EXPECT_FALSE(run.has("m.stx"));
+    }
 }
 
 TEST(SyntaxErrors, ModuleFrame) {
-    constexpr SyntaxCase cases[] = {
-        {"no assignment sign in the header", "M DEFINITIONS BEGIN\nT ::= NULL\nEND\n",
-         " *** ERROR on line   1 : BEGIN is not allowed after:\n"
-         "typeid DEFINITIONS \n"},
-        {"no END", "M DEFINITIONS ::= BEGIN\nT ::= NULL\n",
-         " *** ERROR on line   3 : END is expected after:\n"
-         "::= BEGIN typeid ::= NULL \n"},
-        {"second module", "M DEFINITIONS ::= BEGIN END\nN DEFINITIONS ::= BEGIN END\n",
-         " *** ERROR on line   2 : typeid is not allowed after:\n"
-         "typeid DEFINITIONS ::= BEGIN END \n"},
-        {"words behind the name", "M junk { 1 } DEFINITIONS ::= BEGIN END",
-         " *** ERROR on line   1 : valueid is not allowed after:\n"
-         "typeid \n"},
-        {"the skip stops at SEQUENCE", "M junk SEQUENCE DEFINITIONS ::= BEGIN END",
-         " *** ERROR on line   1 : valueid is not allowed after:\n"
-         "typeid \n"
-         " *** ERROR on line   1 : DEFINITIONS is expected after:\n"
-         "typeid valueid \n"},
-        {"no DEFINITIONS at all", "M junk",
-         " *** ERROR on line   1 : valueid is not allowed after:\n"
-         "typeid \n"
-         " *** ERROR on line   1 : DEFINITIONS is expected after:\n"
-         "typeid valueid \n"}};
-    for (const SyntaxCase& row : cases) expectDiagnostics(row);
+    expectDiagnostics(
+        R"(M DEFINITIONS BEGIN\nT ::= NULL\nEND --!  *** ERROR on line   1 : BEGIN is not allowed after:|typeid DEFINITIONS |
+M DEFINITIONS ::= BEGIN\nT ::= NULL\n --!  *** ERROR on line   3 : END is expected after:|::= BEGIN typeid ::= NULL |
+M DEFINITIONS ::= BEGIN END\nN DEFINITIONS ::= BEGIN END --!  *** ERROR on line   2 : typeid is not allowed after:|typeid DEFINITIONS ::= BEGIN END |
+M junk { 1 } DEFINITIONS ::= BEGIN END --!  *** ERROR on line   1 : valueid is not allowed after:|typeid |
+M junk SEQUENCE DEFINITIONS ::= BEGIN END --!  *** ERROR on line   1 : valueid is not allowed after:|typeid | *** ERROR on line   1 : DEFINITIONS is expected after:|typeid valueid |
+M junk --!  *** ERROR on line   1 : valueid is not allowed after:|typeid | *** ERROR on line   1 : DEFINITIONS is expected after:|typeid valueid |
+ --!  *** ERROR on line   1 : typeid is expected after:|
+5 --!  *** ERROR on line   1 : typeid is expected after:|
+\n\nmodule DEFINITIONS ::= BEGIN END # --!  *** ERROR on line   3 : typeid is expected after:|)");
+    EXPECT_NE(compile({{"m.asn", ""}})
+                  .out.find("ORVO>>> stopping parsing - can not find module reference\n"),
+              std::string::npos);
 }
 
 // The first lines of the errors of a body, which stands on line 2: "2: message".
@@ -135,18 +125,6 @@ TEST(SyntaxErrors, ListingShowsBothLinesOfAnError) {
               "Semantic errors   : 0\n"
               "Undefined symbols : 0\n"
               "Warnings          : 0\n");
-}
-
-TEST(SyntaxErrors, FileWithoutModuleReferenceIsNotRead) {
-    constexpr SyntaxCase cases[] = {
-        {"empty", "", " *** ERROR on line   1 : typeid is expected after:\n"},
-        {"one token", "5", " *** ERROR on line   1 : typeid is expected after:\n"},
-        {"lower case", "\n\nmodule DEFINITIONS ::= BEGIN END #",
-         " *** ERROR on line   3 : typeid is expected after:\n"}};
-    for (const SyntaxCase& row : cases) expectDiagnostics(row);
-    const auto run = compile({{"m.asn", ""}});
-    EXPECT_NE(run.out.find("ORVO>>> stopping parsing - can not find module reference\n"),
-              std::string::npos);
 }
 
 TEST(SyntaxErrors, ParsingStopsAtTheFiveHundredth) {

@@ -51,6 +51,28 @@ TEST(Zov, FatalErrorsReachTheSummary) {
                                    "              nowhere/bad.lst\n\n");
 }
 
+TEST(Zov, ASummaryThatCannotBeWrittenAndOneThatIsASourceAreFatal) {
+    const struct {
+        const char *link, *target, *message;
+    } cases[] = {
+        {"env.acs", "/dev/full", "Can not write into file\n\n"},
+        {"env.atl", "/dev/full", "Can not close file\n              Type list file\n\n"},
+        {"env.acs", "my.asn", "Can not open file for writing\n              env.acs\n\n"},
+        {"env.atl", "my.asn", "Can not open file for writing\n              env.atl\n\n"},
+    };
+    for (const auto& [link, target, message] : cases) {
+        SCOPED_TRACE(std::string(link) + " -> " + target);
+        RunResult before;
+        before.dir = std::make_shared<TempDir>();
+        before.dir->write(good);
+        std::filesystem::create_symlink(target, before.dir->path() / link);
+        const RunResult run = runAgain(before, {"-ZOV-PREFIX=env", "my"});
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err, std::string("\nFATAL ERROR : ") + message);
+        EXPECT_EQ(run.file("my.asn"), good.text);
+    }
+}
+
 TEST(Zov, ASummaryThatCannotBeOpenedIsReportedOnce) {
     const RunResult run = compile({faulty}, {"-ZOV-PREFIX=env", "-ZOV-DIRECTORY=nowhere"});
     EXPECT_EQ(run.status, 2);

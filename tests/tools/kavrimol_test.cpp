@@ -130,6 +130,31 @@ TEST(Kavrimol, OptionFileLeadsTheCompilerToFilesOfAnyName) {
     for (const char* stem : {"main", "Some-Name", "q_1", "b"}) EXPECT_NE(run.tree(stem), "");
 }
 
+TEST(Tools, FailWhenTheirOutputCannotBeWrittenAndTheCompilerDoesNot) {
+    const struct {
+        std::string command;
+        int full; // exit status when the output cannot be written; without that it is 0
+    } cases[] = {
+        {KAVRIMOL_PROGRAM " -VERSION >", 1},
+        {KAVRIMOL_PROGRAM " -option-file=p.opt u.asn 2>", 1}, // a warning
+        {STXDUMP_PROGRAM " m.stx >", 1},
+        {STXDUMP_PROGRAM " none 2>", 1}, // which fails anyway
+        {ORVO_PROGRAM " m >", 0},
+        {"VEXO_PRINT_ASN_OPTIONS= " ORVO_PROGRAM " m 2>", 0},
+    };
+    for (const auto& [command, full] : cases) {
+        for (const bool closed : {false, true}) {
+            SCOPED_TRACE(command);
+            const std::string target = closed ? "&-" : "/dev/full";
+            const RunResult run = runProgram(
+                "/bin/sh", {{"m.asn", module("M")}, {"u.asn", module("U", "T ::= UTF8String")}},
+                {"-c", ORVO_PROGRAM " -V=1 m.asn >/dev/null && " + command + target});
+            // The compiler opens what is closed, to nowhere, before it opens anything else.
+            EXPECT_EQ(run.status, full) << run.err;
+        }
+    }
+}
+
 TEST(Kavrimol, WritesTheVersionAndAdvisesIt) {
     const SourceFile file = {"m.asn", module("M", "T ::= NULL\nU ::= UTF8String")};
     const RunResult silent = prefixesOf({file}, {"m"});

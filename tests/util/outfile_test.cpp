@@ -88,7 +88,7 @@ TEST_F(Outfile, LeavesNothingOfAFailure) {
 }
 
 TEST_F(Outfile, LeavesNothingOfAnInterruptedRun) {
-    for (const int signal : {SIGINT, SIGTERM, SIGPIPE}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGPIPE, SIGHUP}) {
         const pid_t child = fork();
         if (child == 0) {
             dropOutputsOnSignals();

@@ -15,7 +15,7 @@
 #include "kavrimol/prefixes.h"
 #include "kavrimol/split.h"
 #include "util/ascii.h"
-#include "util/guard.h"
+#include "util/outfile.h"
 #include "util/text.h"
 
 namespace kavrimol {
@@ -111,14 +111,13 @@ void fail(Result& result, std::string_view path, std::string_view why) {
 
 /// False when that fails, which is told.
 bool writeFile(const std::string& path, const std::string& text, Result& result) {
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    bool written = file != nullptr;
-    if (written) {
-        written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-        written = std::fclose(file) == 0 && written;
+    std::FILE* file = orvo::openOutput(path, "wb");
+    if (file != nullptr) {
+        orvo::put(file, text);
+        if (orvo::closeOutput(file)) return true;
     }
-    if (!written) fail(result, path, std::strerror(errno));
-    return written;
+    fail(result, path, std::strerror(errno));
+    return false;
 }
 
 /// Tells all messages; false when nothing must be written.
