@@ -47,7 +47,7 @@ std::vector<std::string> definitions(const std::string& path) {
     return names;
 }
 
-void show(std::vector<std::string> arguments) {
+void show(const std::vector<std::string>& arguments) {
     stxdump::Sink out, err;
     const int status = stxdump::run(arguments, out, err);
     if (status != 0 && err.text.empty()) fuzz::finding("a failure without a word");

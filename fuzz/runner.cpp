@@ -25,8 +25,10 @@ extern "C" {
 int LLVMFuzzerInitialize(int* argc, char*** argv);
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t maxSize, unsigned seed);
+// NOLINTBEGIN(bugprone-reserved-identifier): the sanitizers' own
 void __sanitizer_set_death_callback(void (*callback)());
 void __sanitizer_set_report_fd(void* fd);
+// NOLINTEND(bugprone-reserved-identifier)
 }
 
 namespace {
@@ -89,6 +91,7 @@ std::vector<Input> inputsOf(const std::set<std::filesystem::path>& paths) {
                 files.insert(entry.path());
     }
     std::vector<Input> inputs;
+    inputs.reserve(files.size());
     for (const auto& path : files) inputs.push_back(contents(path));
     return inputs;
 }
@@ -146,6 +149,7 @@ int main(int argc, char** argv) {
     LLVMFuzzerInitialize(&argc, &argv);
     // What the program says on standard error is of interest when it is the last.
     state.errors = dup(STDERR_FILENO);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how it takes the number
     __sanitizer_set_report_fd(reinterpret_cast<void*>(static_cast<intptr_t>(state.errors)));
     state.said = memfd_create("said", MFD_CLOEXEC);
     dup2(state.said, STDERR_FILENO);
