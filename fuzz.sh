@@ -42,7 +42,7 @@ coverage() {
     done
     llvm-profdata merge -o "$work/all.profdata" "$work"/*.profraw
     llvm-cov report "${objects[@]:1}" -instr-profile="$work/all.profdata" -show-branch-summary \
-        -ignore-filename-regex='(/usr/|/fuzz/|main\.cpp)' >"$work/coverage.txt"
+        -ignore-filename-regex="^/usr/|^$root/fuzz/|/main\.cpp" >"$work/coverage.txt"
     # name, lines, lines missed, %, branches, branches missed, %
     echo "file, lines, of them reached, branches, of them reached"
     awk 'NF == 13 && $8 > 0 { print $10, $1, $8, $10, $11, $13 }' "$work/coverage.txt" | sort -n |

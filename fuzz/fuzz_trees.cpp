@@ -33,7 +33,7 @@ std::vector<std::string> definitions(const std::string& path) {
     std::vector<std::string> names;
     std::string error;
     stx::Trees trees;
-    const stx::Tree* tree = trees.open(path, error);
+    const stx::Tree* tree = trees.open(path, error, stx::Unchecked::accept);
     if (tree == nullptr && error.empty()) fuzz::finding("refused without a word");
     if (tree == nullptr) return names;
     for (uint32_t nr = 1; nr <= tree->count(stx::TNODE) && names.size() < 20; ++nr) {
@@ -47,7 +47,7 @@ std::vector<std::string> definitions(const std::string& path) {
     return names;
 }
 
-void show(std::vector<std::string> arguments) {
+void show(const std::vector<std::string>& arguments) {
     stxdump::Sink out, err;
     const int status = stxdump::run(arguments, out, err);
     if (status != 0 && err.text.empty()) fuzz::finding("a failure without a word");
@@ -75,7 +75,7 @@ void changeWord(std::string& bytes, fuzz::Dice& dice) {
 
 void change(std::string& input, fuzz::Dice& dice) {
     if (input.empty()) input = "0";
-    if (dice.oneIn(10)) input[0] = static_cast<char>('0' + dice.below(5));
+    if (dice.oneIn(10)) input[0] = static_cast<char>('0' + dice.below(16));
     std::vector<std::string> texts = fuzz::split(std::string_view(input).substr(1));
     Named file = named(dice.of(texts));
     const size_t index = dice.below(texts.size());
@@ -113,14 +113,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         fuzz::writeFile(file.name, file.bytes);
         if (first.empty()) first = file.name;
     }
-    switch (data[0]) {
-    case '1': show({"--all", first}); break;
-    case '2': show({"--json", first}); break;
-    case '3': show({"--summary", first}); break;
-    case '4':
-        for (const std::string& name : definitions(first)) show({"--type", name, first});
+    const unsigned flags = static_cast<unsigned>(data[0] - '0');
+    std::vector<std::string> options;
+    if ((flags & 8) != 0) options.emplace_back("--unchecked");
+    const auto showAs = [&options, &first](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), options.begin(), options.end());
+        arguments.push_back(first);
+        show(arguments);
+    };
+    switch (flags & 7) {
+    case 1: showAs({"--all"}); break;
+    case 2: showAs({"--json"}); break;
+    case 3: showAs({"--summary"}); break;
+    case 4:
+        for (const std::string& name : definitions(first)) showAs({"--type", name});
         break;
-    default: show({first}); break;
+    default: showAs({}); break;
     }
     fuzz::removeFiles();
     return 0;

@@ -4,6 +4,10 @@
 //
 // An input that ends the program is left in ./finding-... first.
 
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -13,7 +17,6 @@
 #include <iterator>
 #include <set>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "mutate.h"
@@ -22,8 +25,10 @@ extern "C" {
 int LLVMFuzzerInitialize(int* argc, char*** argv);
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t maxSize, unsigned seed);
+// NOLINTBEGIN(bugprone-reserved-identifier): the sanitizers' own
 void __sanitizer_set_death_callback(void (*callback)());
 void __sanitizer_set_report_fd(void* fd);
+// NOLINTEND(bugprone-reserved-identifier)
 }
 
 namespace {
@@ -35,6 +40,8 @@ constexpr unsigned secondsPerInput = 60;
 
 struct State {
     std::string folder;
+    int errors = STDERR_FILENO; // what it was
+    int said = -1;              // what the program says on it in a run
     const Input* input = nullptr;
     fuzz::Dice dice{1};
 };
@@ -42,6 +49,12 @@ State state;
 
 void leaveInput() {
     if (state.input == nullptr) return;
+    char last[2000];
+    const off_t size = lseek(state.said, 0, SEEK_END);
+    const ssize_t length =
+        pread(state.said, last, sizeof last, std::max<off_t>(0, size - off_t{sizeof last}));
+    dup2(state.errors, STDERR_FILENO);
+    if (length > 0) std::fwrite(last, 1, static_cast<size_t>(length), stderr);
     const std::string name = state.folder + "/finding-" + std::to_string(getpid());
     std::ofstream(name, std::ios::binary)
         .write(reinterpret_cast<const char*>(state.input->data()),
@@ -57,6 +70,7 @@ void endWithInput(int signal) {
 
 void run(const Input& input) {
     state.input = &input;
+    if (ftruncate(state.said, 0) == 0) lseek(state.said, 0, SEEK_SET);
     alarm(secondsPerInput);
     LLVMFuzzerTestOneInput(input.data(), input.size());
     state.input = nullptr;
@@ -77,6 +91,7 @@ std::vector<Input> inputsOf(const std::set<std::filesystem::path>& paths) {
                 files.insert(entry.path());
     }
     std::vector<Input> inputs;
+    inputs.reserve(files.size());
     for (const auto& path : files) inputs.push_back(contents(path));
     return inputs;
 }
@@ -132,13 +147,15 @@ int main(int argc, char** argv) {
     __sanitizer_set_death_callback(leaveInput);
     std::vector<Input> inputs = inputsOf(paths);
     LLVMFuzzerInitialize(&argc, &argv);
-    // What the program says on standard error is not for here.
-    const int errors = dup(STDERR_FILENO);
-    __sanitizer_set_report_fd(reinterpret_cast<void*>(static_cast<intptr_t>(errors)));
-    dup2(STDOUT_FILENO, STDERR_FILENO);
+    // What the program says on standard error is of interest when it is the last.
+    state.errors = dup(STDERR_FILENO);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how it takes the number
+    __sanitizer_set_report_fd(reinterpret_cast<void*>(static_cast<intptr_t>(state.errors)));
+    state.said = memfd_create("said", MFD_CLOEXEC);
+    dup2(state.said, STDERR_FILENO);
     for (const Input& input : inputs) run(input);
     if (!inputs.empty()) mutate(inputs, runs, seed);
-    dup2(errors, STDERR_FILENO);
+    dup2(state.errors, STDERR_FILENO);
     std::fprintf(stderr, "%zu inputs, %lu mutations\n", inputs.size(), runs);
     return 0;
 }

@@ -73,7 +73,7 @@ SubNr nextOperand();
 /// Calls fn(operand) with each operand from the first on that counts, itself the current constraint
 /// record, until it returns false.
 template <typename Fn> void forEachOperand(SubRef first, Fn&& fn) {
-    uint32_t left = nextRec<KIND_SUB>(first.module).nr;
+    uint32_t left = first ? nextRec<KIND_SUB>(first.module).nr : 0;
     for (SubNr nr = first.nr; nr && left != 0; --left) {
         readRec(first.module, nr);
         const SubNr next = nextOperand();

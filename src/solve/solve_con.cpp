@@ -242,14 +242,14 @@ SubNr addNext(Operator& op) {
 /// Elements EXCEPT Elements; the first one is parsed.
 bool parseExcept(SubNr nr, Cause& cause) {
     Operator op = makeOperator(nr, SUB_EXCEPT);
-    return advance() && advance() && parseElements(addNext(op), cause);
+    return advanceTwice() && parseElements(addNext(op), cause);
 }
 
 /// Elements {(`^` | INTERSECTION) Elements}; the first one is parsed.
 bool parseIntersection(SubNr nr, Cause& cause) {
     Operator op = makeOperator(nr, SUB_INTERSECTION);
     while (isIntersectionMark(nextCode()))
-        if (!advance() || !advance() || !parseElements(addNext(op), cause)) return false;
+        if (!advanceTwice() || !parseElements(addNext(op), cause)) return false;
     return true;
 }
 
@@ -314,8 +314,7 @@ bool parseIntersections(SubNr nr, Cause& cause) {
     if (!isIntersectionMark(nextCode())) return true;
     Operator op = makeOperator(nr, SUB_INTERSECTION);
     while (isIntersectionMark(nextCode())) {
-        if (!advance() || !advance() || !parseIntersectionElements(addNext(op), cause))
-            return false;
+        if (!advanceTwice() || !parseIntersectionElements(addNext(op), cause)) return false;
     }
     return true;
 }
@@ -328,7 +327,7 @@ bool parseUnions(SubNr nr, std::optional<Operator>& op, Cause& cause) {
         if (!parseIntersections(operand, cause)) return false;
         if (nextCode() != TOK_BAR && nextCode() != TOK_UNION) return true;
         if (!op) op = makeOperator(nr, SUB_UNION);
-        if (!advance() || !advance()) return false;
+        if (!advanceTwice()) return false;
         if (curCode() == TOK_ELLIPSIS)
             return fail(cause, tokenExpected(TOK_COMMA),
                         "In sets a comma is expected before an extension marker");
@@ -363,7 +362,7 @@ bool parseAdditions(std::optional<Operator>& op, SubNr nr, Cause& cause) {
                     "In sets a comma is expected after an extension marker");
     if (nextCode() != TOK_COMMA) return true;
     if (!op) op = makeOperator(nr, SUB_UNION);
-    if (!advance() || !advance() || !parseElementSetSpec(addNext(*op), op, cause)) return false;
+    if (!advanceTwice() || !parseElementSetSpec(addNext(*op), op, cause)) return false;
     return !markerFollows() || fail(cause, Msg::MisplacedMarker);
 }
 

@@ -273,7 +273,7 @@ bool parseMultipleTypeConstr(SubNr nr, uint8_t kind, TNodeRef structure, Cause& 
     for (;;) {
         if (!parseNamedConstraint(nr, last, kind, structure, cause)) return false;
         if (nextCode() != TOK_COMMA) return expectNext(TOK_RBRACE, cause);
-        if (!advance() || !advance()) return false;
+        if (!advanceTwice()) return false;
     }
 }
 
@@ -356,7 +356,7 @@ bool parseExtendedElements(SubNr nr, Cause& cause) {
     makePending(cMP, nr);
     subRec.subKind = SUB_EXTENSION_MARKER;
     if (nextCode() != TOK_COMMA) return true;
-    return advance() && advance() && parseElements(nr, cause);
+    return advanceTwice() && parseElements(nr, cause);
 }
 
 /// `(` ElementSetSpec `)`

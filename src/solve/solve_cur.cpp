@@ -109,6 +109,11 @@ bool advance() {
     return inp.first != 0;
 }
 
+bool advanceTwice() {
+    if (!advance()) return false;
+    return advance();
+}
+
 std::string curTokenText() {
     const Token& token = curToken();
     switch (token.code) {

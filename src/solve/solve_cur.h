@@ -41,6 +41,8 @@ int32_t codeAhead(int count);
 [[nodiscard]] bool atLastToken();
 /// Moves to the next token; false, and past the end, when the current one was the last.
 bool advance();
+/// Twice: from what stands in front of a separator to what follows it.
+bool advanceTwice();
 /// The text of a name token, else how messages call the token.
 std::string curTokenText();
 

@@ -278,8 +278,7 @@ namespace {
 SNodeNr parseFieldChain(Cause& cause) {
     SNodeNr first;
     while (nextCode() == TOK_DOT) {
-        if (!advance() || !advance() ||
-            (curCode() != TOK_TYPEFIELDID && curCode() != TOK_VALUEFIELDID)) {
+        if (!advanceTwice() || (curCode() != TOK_TYPEFIELDID && curCode() != TOK_VALUEFIELDID)) {
             cause.set(Msg::FieldNameExpected);
             return {};
         }
@@ -306,7 +305,7 @@ struct WrittenRef {
 bool parseWrittenRef(bool parsAndFields, WrittenRef& ref, Cause& cause) {
     if (curCode() == TOK_MODULEID) {
         ref.refMod = curToken().stri();
-        if (!advance() || !advance()) return false;
+        if (!advanceTwice()) return false;
     }
     if (curCode() != TOK_VALUEID) return false;
     ref.name = curToken().stri();

@@ -268,7 +268,7 @@ void parseNumberObjIdComp(const Token& token) {
 /// `identifier (number or reference)`; the cursor stands on the identifier.
 bool parseIdentifierObjIdComp(const Token& token, Cause& cause) {
     vNode.name = token.stri();
-    if (!advance() || !advance()) return false;
+    if (!advanceTwice()) return false;
     if (curCode() == TOK_NUMBER) {
         setValNode(TYP_INTEGER);
         setInteger(vNode.val, curToken(), false);

@@ -38,14 +38,20 @@ template <RecKind K> void extendIndex(ModuleRec* module, ChainIndex& index) {
 }
 
 template <RecKind K> bool findInChain(ModuleRec* module, RecNr<K> first, std::string_view name) {
-    RecNr<K> nr = first;
-    for (int walked = 0; walked < shortChain; ++walked) {
-        if (!nr) return false;
-        readRec(module, nr);
-        if (nameIs(module, buffer<K>().name, name)) return true;
-        nr = {buffer<K>().next};
+    RecNr<K> nr = first, last;
+    for (int walked = 0; nr && walked < shortChain; ++walked) {
+        const auto* rec = peekRec(module, nr);
+        if (rec == nullptr || nameIs(module, rec->name, name)) {
+            readRec(module, nr);
+            return true;
+        }
+        last = nr;
+        nr = {rec->next};
     }
-    if (!nr) return false;
+    if (!nr) {
+        if (last) readRec(module, last);
+        return false;
+    }
     ChainIndex& index = chainsOf<K>(module)[first.nr];
     if (index.last == 0) index.last = first.nr;
     extendIndex<K>(module, index);
@@ -59,11 +65,11 @@ template <RecKind K> bool findInChain(ModuleRec* module, RecNr<K> first, std::st
 bool isMarker() {
     return tNode.typeCode == TYP_EXTENSION_MARKER;
 }
-bool isGroup() {
-    return tNode.typeCode == TYP_EXTADDGRP;
+bool isGroup(const TNode& node = tNode) {
+    return node.typeCode == TYP_EXTADDGRP;
 }
-bool isCompOf() {
-    return magnitude(tNode.compStatus) == TCS_COMPOF;
+bool isCompOf(const TNode& node = tNode) {
+    return magnitude(node.compStatus) == TCS_COMPOF;
 }
 
 uint32_t addPlaces(uint32_t a, uint32_t b) {
@@ -345,6 +351,8 @@ void forgetTakenBack(ModuleRec* module) {
     const auto forgetFrom = [](auto& notes, const auto& nr) {
         notes.erase(notes.lower_bound(nr), notes.end());
     };
+    cache.recentTypes = {};
+    cache.recentValues = {};
     forgetFrom(cache.typeJumps, NoteKey{module->nextRecNr[KIND_TNODE], false});
     forgetFrom(cache.lastNames, module->nextRecNr[KIND_SNODE]);
     forgetFrom(cache.typeChains, module->nextRecNr[KIND_TNODE]);
@@ -376,19 +384,19 @@ bool findTypeById(ModuleRec* module, std::string_view name) {
 }
 
 bool findTypeCompById(ModuleRec* module, TNodeNr first, std::string_view name, uint32_t* position) {
-    TNodeNr nr = first;
-    uint32_t place = 0;
-    for (bool plain = true; plain && place < shortChain;) {
-        if (!nr) break;
-        readRec(module, nr);
-        plain = !isCompOf() && !isGroup();
-        place += plain ? 1 : 0;
-        if (plain && nameIs(module, tNode.name, name)) {
+    TNodeNr nr = first, last = first;
+    for (uint32_t place = 1; nr && place <= shortChain; ++place) {
+        const TNode* node = peekRec(module, nr);
+        if (node != nullptr && (isCompOf(*node) || isGroup(*node))) break;
+        if (node == nullptr || nameIs(module, node->name, name)) {
+            readRec(module, nr);
             if (position != nullptr) *position = place;
             return true;
         }
-        if (plain) nr = {tNode.next};
+        last = nr;
+        nr = {node->next};
     }
+    if (last) readRec(module, nr ? nr : last);
     if (position != nullptr) *position = 0;
     if (!nr) return false;
     Flattening made;

@@ -25,6 +25,33 @@ template <RecKind K> struct Jump {
     RecRef<K> instance;
 };
 
+/// Where walks over solved records ended that began lately with a synonym: a check asks for the
+/// same several times.
+template <RecKind K> struct RecentWalks {
+    struct Start {
+        RecNr<K> record;
+        int32_t refMod = 0; // checks hang another reference on a temporary record
+        uint32_t ref = 0;
+        bool fields = false;
+        friend bool operator==(const Start&, const Start&) = default;
+    };
+    struct Walk {
+        Start start;
+        Jump<K> led;
+    };
+    Walk walks[4];
+    unsigned next = 0;
+
+    [[nodiscard]] const Jump<K>* find(const Start& start) const {
+        for (const Walk& walk : walks)
+            if (walk.start == start && start.record) return &walk.led;
+        return nullptr;
+    }
+    void note(const Start& start, const Jump<K>& led) {
+        walks[next++ % std::size(walks)] = {start, led};
+    }
+};
+
 /// Names of a chain of records. Entries are only appended to chains, so the index grows with them:
 /// it holds every entry before `last`.
 struct ChainIndex {
@@ -53,6 +80,8 @@ using NoteKey = std::pair<uint32_t, bool>;
 struct FindCache {
     std::map<NoteKey, Jump<KIND_TNODE>> typeJumps;  // fields of classes followed too
     std::map<NoteKey, Jump<KIND_VNODE>> valueJumps; // fields of objects followed too
+    RecentWalks<KIND_TNODE> recentTypes;
+    RecentWalks<KIND_VNODE> recentValues;
     std::map<uint32_t, uint32_t> lastNames; // first entry of a long chain of field names -> last
     std::map<uint32_t, ChainIndex> typeChains;
     std::map<uint32_t, ChainIndex> valueChains;
@@ -70,6 +99,12 @@ template <RecKind K> auto& jumpsOf(ModuleRec* module) {
         return findCacheOf(module).typeJumps;
     else
         return findCacheOf(module).valueJumps;
+}
+template <RecKind K> auto& recentWalksOf(ModuleRec* module) {
+    if constexpr (K == KIND_TNODE)
+        return findCacheOf(module).recentTypes;
+    else
+        return findCacheOf(module).recentValues;
 }
 template <RecKind K> auto& chainsOf(ModuleRec* module) {
     if constexpr (K == KIND_TNODE)

@@ -145,6 +145,14 @@ template <RecKind K> RecRef<K> walk(bool fields) {
     first = {};
     Trail<K> trail;
     RecRef<K> mark = currentRec<K>(); // passed again: a cycle
+    bool recurs = isSynonym(bufferRec<K>());
+    auto& recent = recentWalksOf<K>(mark.module);
+    const typename RecentWalks<K>::Start start{mark.nr, bufferRec<K>().refMod, bufferRec<K>().ref,
+                                               fields};
+    if (const Jump<K>* led = recurs ? recent.find(start) : nullptr) {
+        readRec(led->end);
+        return led->instance;
+    }
     uint64_t lap = 1;
     const auto meet = [&](RecRef<K> caught) {
         if (!first) first = caught;
@@ -162,7 +170,10 @@ template <RecKind K> RecRef<K> walk(bool fields) {
             if (steps % jumpStride == 0) trail.at.push_back(here);
         }
         if (isCaught(bufferRec<K>())) meet(here);
-        if (isReference(bufferRec<K>()) && !isSolved(bufferRec<K>())) trail = {};
+        if (isReference(bufferRec<K>()) && !isSolved(bufferRec<K>())) {
+            trail = {};
+            recurs = false;
+        }
         if (!step<K>(fields)) break;
         if (currentRec<K>() == mark) return first;
         if (++steps == lap) {
@@ -170,7 +181,9 @@ template <RecKind K> RecRef<K> walk(bool fields) {
             lap *= 2;
         }
     }
-    trail.note(currentRec<K>(), fields);
+    const RecRef<K> end = currentRec<K>();
+    trail.note(end, fields);
+    if (recurs) recent.note(start, {end, first});
     return first;
 }
 

@@ -28,7 +28,7 @@ void Pool::GiveBack::operator()(std::byte* chunk) const {
 }
 
 void Pool::addChunk(size_t size) {
-    constexpr size_t smallest = 65536, largest = size_t{2} << 20;
+    constexpr size_t smallest = 65536, largest = size_t{1} << 19;
     size = std::max(size, std::clamp(std::bit_floor(total_ / 4), smallest, largest));
     std::byte* chunk = takeMemory(size);
 #else // each by itself, so that a sanitizer sees where it ends

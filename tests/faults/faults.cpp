@@ -26,6 +26,7 @@
 
 #include "solve/solve_par.h"
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker makes these names.
 extern "C" {
 void* __real_malloc(size_t size);
 void* __real__Znwm(size_t size);
@@ -99,7 +100,9 @@ void maySignal() {
 
 void maySwap() {
     if (!due(Swap)) return;
-    const std::string file = std::getenv("ORVO_FAULT_SWAP");
+    const char* path = std::getenv("ORVO_FAULT_SWAP");
+    if (path == nullptr) return;
+    const std::string file = path;
     if (__real_rename((file + ".next").c_str(), file.c_str()) != 0) unlink(file.c_str());
 }
 
@@ -226,3 +229,4 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, v
 }
 }
 // clang-format on
+// NOLINTEND(bugprone-reserved-identifier)

@@ -5,7 +5,11 @@
 #include <random>
 
 #include "lex/orvotok.h"
+#include "stx/stxcomponents.h"
+#include "stx/stxconstraint.h"
+#include "stx/stxnotation.h"
 #include "stx/stxreader.h"
+#include "stx/stxvalues.h"
 #include "support/tree_bytes.h"
 
 namespace {
@@ -314,6 +318,78 @@ TEST(StxReader, NotationOfTodayIsWalkedAndWritten) {
     for (uint32_t nr = 2; nr <= tree.count(stx::SUB); ++nr)
         EXPECT_EQ(stx::constraintText(trees, tree, nr), texts[nr - 1]);
     EXPECT_EQ(stx::valueText(trees, {&tree, 7}), "{n 0, 2}");
+    walkAll(tree);
+}
+
+/// Every level uses the one below twice, by references, which are no parts.
+TEST(StxReader, DoublingEndsSoon) {
+    constexpr uint32_t levels = 60;
+    TreeBytes file;
+    file.modules[0].modName = file.text("M");
+    file.modules[0].firstTypeAss = file.modules[0].firstValAss = 1;
+    const auto reference = [&](orvo::TNode& node, uint32_t to) {
+        node.typeCode = orvo::TYP_SYNONYM, node.refMod = 1, node.ref = to;
+    };
+    // S1 ::= SEQUENCE { a NULL }; Sn ::= SEQUENCE { COMPONENTS OF Sn-1, COMPONENTS OF Sn-1 }
+    for (uint32_t nr = 1; nr <= levels; ++nr) {
+        const uint32_t head = 3 * nr - 2;
+        orvo::TNode& type = file.type("S", orvo::TYP_SEQ, orvo::TCS_HEADER);
+        type.ref = head + 1, type.next = head + 3;
+        for (uint32_t entry = 1; entry <= 2; ++entry) {
+            orvo::TNode& part =
+                file.type("a", orvo::TYP_NULL, nr == 1 ? orvo::TCS_MANDATORY : orvo::TCS_COMPOF);
+            if (nr > 1) reference(part, head - 3);
+            part.next = entry == 1 ? head + 2 : 0;
+        }
+    }
+    // I1 ::= INTEGER (1); In ::= INTEGER (In-1 | In-1); objects v1 ::= {}, vn ::= {vn-1, vn-1}
+    const uint32_t ints = 3 * levels, uses = 4 * levels;
+    for (uint32_t nr = 1; nr <= levels; ++nr) {
+        orvo::TNode& type = file.type("I", orvo::TYP_INTEGER, orvo::TCS_HEADER);
+        type.next = nr == levels ? 0 : ints + nr + 1,
+        type.constraint = static_cast<int>(3 * nr - 2);
+        file.subs.push_back({0, orvo::SUB_UNION, 0, {}, 1, ints + nr, 1, 0, 0, 3 * nr - 1, 0});
+        for (uint32_t use = 0; use < 2; ++use)
+            file.subs.push_back({0,
+                                 orvo::SUB_CONTAINED_SUBTYPE,
+                                 0,
+                                 {},
+                                 1,
+                                 ints + nr,
+                                 1,
+                                 use == 0 ? 3 * nr : 0,
+                                 0,
+                                 3 * levels + 2 * nr - 1 + use,
+                                 0});
+    }
+    for (uint32_t nr = 1; nr <= 2 * levels; ++nr)
+        reference(file.type("", orvo::TYP_SYNONYM), ints + (nr <= 2 ? 1 : (nr - 1) / 2));
+    for (uint32_t nr = 1; nr <= levels; ++nr) { // the names of the values differ from no name
+        orvo::VNode& value = file.value("v", orvo::TYP_IA5STR, orvo::VST_HEADER);
+        value.ref = nr == 1 ? 0 : levels + 2 * nr - 1, value.next = nr == levels ? 0 : nr + 1;
+    }
+    for (uint32_t nr = 1; nr <= 2 * levels; ++nr) {
+        orvo::VNode& value = file.value("", orvo::TYP_SYNONYM);
+        value.refMod = 1, value.ref = nr <= 2 ? 1 : (nr - 1) / 2;
+        value.next = nr % 2 == 1 ? levels + nr + 1 : 0;
+    }
+    for (uint32_t nr = 1; nr <= 2 * levels; ++nr) {
+        orvo::VNode& holder = file.value("", orvo::TYP_OPEN);
+        holder.refMod = 1, holder.ref = uses + nr;
+    }
+    file.types[ints].constraint = 0; // I1 ::= INTEGER
+    stx::Tree tree;
+    std::string error;
+    ASSERT_TRUE(tree.parse("x", file.bytes(), error)) << error;
+    stx::Trees trees;
+    const stx::TypeRef top{&tree, 3 * levels - 2}, last{&tree, ints + levels};
+    EXPECT_EQ(stx::structureOf(trees, top).error, "x: tNode 178 has too many components");
+    EXPECT_EQ(stx::effectiveBounds(trees, last).error, "");
+    EXPECT_EQ(stx::effectiveBounds(trees, last)->root, stx::allIntegers());
+    const stx::ValueRef value{&tree, levels};
+    EXPECT_NE(stx::stringOf(trees, value).error.find("has too many parts"), std::string::npos);
+    const auto text = stx::valueText(trees, value, {stx::Naming::Followed, nullptr});
+    EXPECT_NE(text.error, "");
     walkAll(tree);
 }
 

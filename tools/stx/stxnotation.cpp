@@ -8,6 +8,7 @@ namespace stx {
 namespace {
 
 constexpr size_t maxText = 16'000'000;
+constexpr size_t charsPerStep = 64;
 constexpr int maxNesting = 500;
 
 struct Writer {
@@ -16,6 +17,7 @@ struct Writer {
     std::string out{};
     std::string error{};
     int depth = 0;
+    uint64_t steps = 0;
 };
 
 void write(Writer& writer, ValueRef value);
@@ -314,7 +316,10 @@ void write(Writer& writer, ValueRef value) {
     }
     if (value.node().refMod == REF_DEFERRED) return fail(writer, value, " is not parsed");
     if (++writer.depth > maxNesting) fail(writer, value, " is nested too deep");
-    if (writer.out.size() > maxText) fail(writer, value, ": the text is too long");
+    // the length counts too: a name may be long, and be written for every record
+    const uint64_t steps = std::max<uint64_t>(++writer.steps, writer.out.size() / charsPerStep);
+    if (writer.out.size() > maxText || !writer.trees.spendBeyond(steps))
+        fail(writer, value, ": the text is too long");
     if (writer.error.empty()) writeKind(writer, value);
     --writer.depth;
 }

@@ -331,10 +331,15 @@ class Trees {
     /// tags.
     enum class Skip : uint8_t { Plain, Fields, Untagged };
     TypeRef skip(TypeRef type, Skip how, std::string& error);
+    /// The value at the end of a chain of references.
+    ValueRef skip(ValueRef value, std::string& error);
 
     /// What is worked out once and kept is counted, in steps of about a record read: false when it
     /// was more than the files can need that are open. Trees of a compiler never come near.
     [[nodiscard]] bool spend(uint64_t steps);
+    /// The same for what is not kept: step number `nr` of one call counts when there are fewer
+    /// records, so that only what goes over the same ones again can come to an end.
+    [[nodiscard]] bool spendBeyond(uint64_t nr) { return nr <= records_ || spend(1); }
     // kept by the units that work them out
     std::shared_ptr<ConstraintMemo> constraints;
     std::shared_ptr<StructureMemo> structures;
@@ -367,8 +372,16 @@ class Trees {
     std::map<std::pair<const Tree*, uint32_t>, Reached> reached_;
     bool acceptsUnchecked_ = false;
     std::string refused_;
-    uint64_t spent_ = 0, allowance_ = 4'000'000;
+    /// What may be spent on working everything out: this, and so much for each record.
+    static constexpr uint64_t leastSteps = 4'000'000, stepsPerRecord = 64;
+    uint64_t spent_ = 0, records_ = 0;
+    struct ValueEnd {
+        ValueRef value;
+        std::string error;
+        bool running = false;
+    };
     std::map<Key, End> ends_; // where chains of references end
+    std::map<std::pair<const Tree*, uint32_t>, ValueEnd> valueEnds_;
 };
 
 /// The type records of the built-in module ISO8824 as the bytes of a tree file. No such file is

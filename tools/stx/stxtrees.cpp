@@ -14,8 +14,6 @@ namespace {
 constexpr const char* laterName = "(ISO8824, 2021)";
 /// Types of the built-in module in a run without modules of today's notation.
 constexpr uint32_t builtinTypes = 120;
-/// What a record may cost when everything is worked out.
-constexpr uint64_t stepsPerRecord = 64;
 constexpr std::string_view uncheckedText = ": not checked: the run had errors";
 
 /// The last entry of a chain of field names. Every record has a chain of its own, so that all of
@@ -60,7 +58,7 @@ const Tree* Trees::open(const std::string& path, std::string& error, Unchecked u
         if (sound) entry.tree = std::move(tree);
         if (sound)
             for (int kind = 0; kind < kindCount; ++kind)
-                allowance_ += stepsPerRecord * entry.tree->count(static_cast<Kind>(kind));
+                records_ += entry.tree->count(static_cast<Kind>(kind));
         entry.usable = sound && (builtin || entry.tree->checked());
     }
     if (!entry.tree)
@@ -114,7 +112,7 @@ Trees::Reached Trees::reach(const Tree& from, uint32_t refMod) {
 
 bool Trees::spend(uint64_t steps) {
     spent_ += steps;
-    return spent_ <= allowance_;
+    return spent_ <= leastSteps + stepsPerRecord * records_;
 }
 
 TypeRef typeOf(Trees& trees, const Tree& from, const Link& link, std::string& error) {
@@ -180,28 +178,38 @@ TypeRef skipTypes(Trees& trees, TypeRef type, bool fields, std::string& error) {
     return trees.skip(type, fields ? Trees::Skip::Fields : Trees::Skip::Plain, error);
 }
 
-ValueRef skipValues(Trees& trees, ValueRef value, std::string& error) {
-    ValueRef mark = value; // moved on at every power of two: a circle comes back to it
-    for (uint64_t steps = 1, power = 1; value; ++steps) {
-        const VNode node = value.node();
-        Link link;
-        if (node.valCode == TYP_SYNONYM) link = linkOf(*value.tree, VNODE, value.nr, "ref");
-        if (node.valCode == TYP_FIELDLIST)
-            link = linkOf(*value.tree, SNODE, lastOfChain(*value.tree, node.deferred), "value");
-        const ValueRef next = valueOf(trees, *value.tree, link, error);
-        if (!next) break;
-        value = next;
-        if (value == mark) {
-            error = value.tree->path() + ": vNode " + std::to_string(value.nr) +
-                    ": the reference leads back to itself";
+ValueRef Trees::skip(ValueRef value, std::string& error) {
+    std::vector<ValueRef> path;
+    ValueEnd end{value, "", false};
+    while (end.value) {
+        const ValueRef at = end.value;
+        auto [known, isNew] = valueEnds_.try_emplace({at.tree, at.nr}, ValueEnd{{}, "", true});
+        if (!isNew) {
+            if (known->second.running)
+                end.error = at.tree->path() + ": vNode " + std::to_string(at.nr) +
+                            ": the reference leads back to itself";
+            else
+                end = known->second;
             break;
         }
-        if (steps == power) {
-            mark = value;
-            power *= 2;
-        }
+        path.push_back(at);
+        const VNode node = at.node();
+        Link link;
+        if (node.valCode == TYP_SYNONYM) link = linkOf(*at.tree, VNODE, at.nr, "ref");
+        if (node.valCode == TYP_FIELDLIST)
+            link = linkOf(*at.tree, SNODE, lastOfChain(*at.tree, node.deferred), "value");
+        const ValueRef next = valueOf(*this, *at.tree, link, end.error);
+        if (!next) break;
+        end.value = next;
     }
-    return value;
+    end.running = false;
+    for (const ValueRef& at : path) valueEnds_[{at.tree, at.nr}] = end;
+    if (!end.error.empty()) error = end.error;
+    return end.value;
+}
+
+ValueRef skipValues(Trees& trees, ValueRef value, std::string& error) {
+    return trees.skip(value, error);
 }
 
 } // namespace stx

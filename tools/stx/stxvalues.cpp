@@ -9,11 +9,10 @@ namespace stx {
 namespace {
 
 constexpr int maxNesting = 200;
-/// Parts of one string or object identifier, and characters of one string.
-constexpr size_t maxParts = 1'000'000;
-constexpr size_t maxCharacters = 64'000'000;
+/// Characters of one string, and those of which nothing is counted as work.
+constexpr size_t maxCharacters = 16'000'000, freeCharacters = 1'000'000;
 /// A named bit beyond this is no position in a string that anyone holds.
-constexpr uint64_t maxBits = 512'000'000;
+constexpr uint64_t maxBits = 4'000'000;
 
 std::string at(ValueRef value) {
     if (!value) return "no value";
@@ -76,10 +75,10 @@ Result<Bits> namedBits(Trees& trees, ValueRef value) {
 struct Collection {
     Trees& trees;
     std::string error;
-    size_t parts = 0;
+    uint64_t parts = 0;
     /// One part more; false: there are too many, or they nest too deep.
     bool enter(ValueRef value, int depth) {
-        if (++parts <= maxParts && depth <= maxNesting) return true;
+        if (trees.spendBeyond(++parts) && depth <= maxNesting) return true;
         error = at(value) + " has too many parts";
         return false;
     }
@@ -118,8 +117,11 @@ void collectText(Collection& run, ValueRef value, std::u32string& text, int dept
         run.error = wrongKind<bool>(*end, "character string").error;
         return;
     }
+    const size_t start = text.size();
     if (node.ref == 0) addCharacters(text, *end->tree, node);
-    if (text.size() > maxCharacters) run.error = at(value) + " has too many parts";
+    const size_t added = text.size() - start;
+    const bool tooMuch = text.size() > freeCharacters && !run.trees.spend(added / 64);
+    if (text.size() > maxCharacters || tooMuch) run.error = at(value) + " has too many parts";
     for (const uint32_t nr : componentValues(*end->tree, end->nr)) {
         if (!run.error.empty()) return;
         collectText(run, {end->tree, nr}, text, depth + 1);

@@ -96,8 +96,9 @@ std::string linkJson(const Tree& tree, int64_t value, const Link& link) {
     case Target::Formal: out += ",\"formalParameter\":" + std::to_string(link.nr); break;
     case Target::Deferred: out += ",\"notParsed\":true"; break;
     case Target::String:
-        out += ",\"kind\":\"" + std::string(stx::kindNames[link.kind]) +
-               "\",\"text\":" + stringJson(tree, link.kind, link.nr);
+        out += ",\"kind\":\"" + std::string(stx::kindNames[link.kind]) + '"';
+        if (tree.bytes(link.kind, link.nr).size() <= longestMention)
+            out += ",\"text\":" + stringJson(tree, link.kind, link.nr);
         break;
     case Target::Record: {
         out += ",\"kind\":\"" + std::string(stx::kindNames[link.kind]) +

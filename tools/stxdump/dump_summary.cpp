@@ -43,8 +43,8 @@ template <size_t N> std::string table(const std::vector<std::array<std::string, 
 
 std::string moduleLine(const Tree& tree, uint32_t nr) {
     const stx::MNode node = tree.mNode(nr);
-    std::string text = std::to_string(nr) + ' ' + std::string(tree.text(node.modName));
-    if (node.stxName != 0) text += " (" + std::string(tree.text(node.stxName)) + ".stx)";
+    std::string text = std::to_string(nr) + ' ' + std::string(cut(tree.text(node.modName)));
+    if (node.stxName != 0) text += " (" + std::string(cut(tree.text(node.stxName))) + ".stx)";
     if (node.importsState >> 4 == 1) text += ", by external reference";
     if (node.importsState >> 4 == 2) text += ", by IMPORTS";
     if (node.selection != stx::SELECT_ONE)
@@ -81,7 +81,7 @@ std::string notes(const stx::TNode& node) {
 
 std::array<std::string, 5> typeRow(Trees& trees, TypeRef type) {
     const stx::TNode node = type.node();
-    std::array<std::string, 5> row = {std::string(type.tree->text(node.name)),
+    std::array<std::string, 5> row = {std::string(cut(type.tree->text(node.name))),
                                       kindText(trees, type), "", "", notes(node)};
     if (node.isParameterized() || isClass(trees, type)) return row;
     std::string error;
@@ -150,7 +150,7 @@ void dumpSummary(Trees& trees, const Tree& tree, Sink& out) {
         std::string error;
         const stx::Link gov = tree.linkOf(stx::VNODE, nr, stx::fieldNamed(stx::VNODE, "govType"));
         const TypeRef type = stx::typeOf(trees, tree, gov, error);
-        values.push_back({std::string(tree.text(node.name)),
+        values.push_back({std::string(cut(tree.text(node.name))),
                           type ? stx::typeText(trees, type) : std::string(),
                           stx::valueText(trees, {&tree, nr})});
     }

@@ -45,6 +45,11 @@ std::string stringText(const Tree& tree, Kind kind, uint32_t nr) {
     return kind == stx::STRI8 ? stx::quoted(tree.text(nr)) : wideText(tree, kind, nr);
 }
 
+std::string mention(std::string text) {
+    if (text.size() > longestMention) text.replace(longestMention, std::string::npos, "...");
+    return text;
+}
+
 std::string linkText(const Tree& tree, const Link& link) {
     switch (link.target) {
     case Target::None: return "";
@@ -52,7 +57,7 @@ std::string linkText(const Tree& tree, const Link& link) {
     case Target::Deferred: return "not parsed";
     case Target::String:
         return std::string(stx::kindNames[link.kind]) + ' ' + std::to_string(link.nr) + ' ' +
-               stringText(tree, link.kind, link.nr);
+               mention(stringText(tree, link.kind, link.nr));
     case Target::Record: break;
     }
     std::string text = std::string(stx::kindNames[link.kind]) + ' ' + std::to_string(link.nr);
@@ -150,10 +155,10 @@ void dumpRecord(const Tree& tree, Kind kind, uint32_t nr, bool all, Sink& out) {
 
 std::string_view recordName(const Tree& tree, Kind kind, uint32_t nr) {
     switch (kind) {
-    case stx::MNODE: return tree.text(tree.mNode(nr).modName);
-    case stx::TNODE: return tree.text(tree.tNode(nr).name);
-    case stx::VNODE: return tree.text(tree.vNode(nr).name);
-    case stx::SUB: return tree.text(tree.subRec(nr).name);
+    case stx::MNODE: return cut(tree.text(tree.mNode(nr).modName));
+    case stx::TNODE: return cut(tree.text(tree.tNode(nr).name));
+    case stx::VNODE: return cut(tree.text(tree.vNode(nr).name));
+    case stx::SUB: return cut(tree.text(tree.subRec(nr).name));
     case stx::TAG:
     case stx::TED:
     case stx::SNODE:
@@ -176,7 +181,7 @@ std::string stampText(const stx::TimeStamp& stamp) {
 }
 
 void dumpText(const Tree& tree, bool all, Sink& out) {
-    out.add(tree.path() + ": module " + std::string(tree.moduleName()) + '\n');
+    out.add(tree.path() + ": module " + std::string(cut(tree.moduleName())) + '\n');
     for (const Kind kind :
          {stx::MNODE, stx::TNODE, stx::VNODE, stx::TAG, stx::SUB, stx::TED, stx::SNODE})
         for (uint32_t nr = 1; nr <= tree.count(kind); ++nr) {

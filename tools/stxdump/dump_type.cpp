@@ -61,7 +61,7 @@ std::string namedText(Walk& walk, TypeRef type) {
             text += stx::markerText(walk.trees, *type.tree, stx::VNODE, nr);
             continue;
         }
-        text += std::string(type.tree->text(node.name)) + '(' +
+        text += std::string(cut(type.tree->text(node.name))) + '(' +
                 stx::valueText(walk.trees, {type.tree, nr}) + ')';
     }
     return text.empty() ? text : '{' + text + '}';
@@ -69,19 +69,21 @@ std::string namedText(Walk& walk, TypeRef type) {
 
 std::string optionsText(TypeRef type) {
     std::string text;
-    for (const uint32_t nr : stx::options(*type.tree, stx::TNODE, type.nr))
-        text +=
-            (text.empty() ? "" : " ") + std::string(type.tree->text(type.tree->tedRec(nr).text));
+    for (const uint32_t nr : stx::options(*type.tree, stx::TNODE, type.nr)) {
+        if (text.size() > longestMention) break;
+        text += (text.empty() ? "" : " ");
+        text += cut(type.tree->text(type.tree->tedRec(nr).text));
+    }
     return text.empty() ? text : "--" + text + "--";
 }
 
 /// Name, kind, tags, constraint, bounds, presence and what else distinguishes a node.
 std::string typeLine(Walk& walk, TypeRef type, int64_t automaticTag) {
     const stx::TNode node = type.node();
-    const std::string_view name = type.tree->text(node.name);
+    const std::string_view name = cut(type.tree->text(node.name));
     std::string line(name.empty() ? "*" : name);
     if (node.role() == stx::TCS_HEADER)
-        line = std::string(type.tree->moduleName()) + '.' + std::string(name);
+        line = std::string(cut(type.tree->moduleName())) + '.' + std::string(name);
     addPart(line, kindText(walk.trees, type));
     std::string error;
     if (node.isParameterized()) {
@@ -150,7 +152,7 @@ void showComponents(Walk& walk, TypeRef type) {
 /// "&id 1": a field of an object with what it is set to; "" for one that is not.
 std::string settingText(Walk& walk, const stx::Setting& setting) {
     if (setting.origin == stx::Setting::Origin::Absent) return "";
-    const std::string name = '&' + std::string(setting.name) + ' ';
+    const std::string name = '&' + std::string(cut(setting.name)) + ' ';
     if (setting.value) {
         const stx::ValueStyle style{stx::Naming::Followed, nullptr};
         const stx::Result<std::string> text = stx::valueText(walk.trees, setting.value, style);
@@ -169,10 +171,10 @@ std::string settingText(Walk& walk, const stx::Setting& setting) {
 void showObject(Walk& walk, TypeRef set, stx::ValueRef object) {
     const stx::Result<stx::Settings> fields = stx::settings(walk.trees, object);
     note(walk, fields.error);
-    const std::string_view name = object.tree->text(object.node().name);
+    const std::string_view name = cut(object.tree->text(object.node().name));
     std::string line;
     if (!name.empty() && object.tree != set.tree)
-        line = std::string(object.tree->moduleName()) + '.';
+        line = std::string(cut(object.tree->moduleName())) + '.';
     line += name.empty() ? "*" : name;
     line += "  {";
     bool first = true;

@@ -42,6 +42,12 @@ void dumpValue(stx::Trees& trees, stx::ValueRef value, Sink& out);
 
 // ---- shared by the forms ------------------------------------------------------------------------
 
+/// Names and texts are shown as far as this wherever a record mentions them: one that a damaged
+/// file mentions everywhere would make gigabytes. Strings themselves are shown whole.
+inline constexpr size_t longestMention = 4000;
+inline std::string_view cut(std::string_view text) {
+    return text.substr(0, longestMention);
+}
 /// Name of a record: of a type, value or module; "" without one.
 std::string_view recordName(const stx::Tree& tree, stx::Kind kind, uint32_t nr);
 /// "version 2.13, 28.07.2026 10:11.12"
