@@ -10,7 +10,11 @@
 
 #include "mutate.h"
 #include "process.h"
-#include "stx/stxreader.h"
+#include "stx/stxcomponents.h"
+#include "stx/stxconstraint.h"
+#include "stx/stxnotation.h"
+#include "stx/stxobjects.h"
+#include "stx/stxvalues.h"
 #include "stxdump/stxdump.h"
 
 namespace {
@@ -47,10 +51,49 @@ std::vector<std::string> definitions(const std::string& path) {
     return names;
 }
 
-void show(const std::vector<std::string>& arguments) {
+void show(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "--unchecked");
     stxdump::Sink out, err;
     const int status = stxdump::run(arguments, out, err);
     if (status != 0 && err.text.empty()) fuzz::finding("a failure without a word");
+}
+
+/// Everything that the library can be asked about each record.
+void askAll(const std::string& path) {
+    std::string error;
+    stx::Trees trees;
+    const stx::Tree* tree = trees.open(path, error, stx::Unchecked::accept);
+    if (tree == nullptr) return;
+    for (uint32_t nr = 1; nr <= tree->count(stx::TNODE); ++nr) {
+        const stx::TypeRef type{tree, nr};
+        for (const stx::View view : {stx::View::Per, stx::View::Full}) {
+            (void)stx::effectiveBounds(trees, type, view);
+            (void)stx::effectiveSize(trees, type, view);
+            (void)stx::effectiveAlphabet(trees, type, view);
+            (void)stx::effectiveItems(trees, type, view);
+        }
+        (void)stx::cNames(*stx::structureOf(trees, type));
+        (void)stx::firstTagOf(trees, type);
+        (void)stx::tableOf(trees, type);
+        (void)stx::objectsOf(trees, type);
+        (void)stx::fieldsOfClass(trees, type);
+        (void)stx::syntaxOfClass(trees, type);
+    }
+    for (uint32_t nr = 1; nr <= tree->count(stx::VNODE); ++nr) {
+        const stx::ValueRef value{tree, nr};
+        (void)stx::bytesOf(trees, value);
+        (void)stx::stringOf(trees, value);
+        (void)stx::oidOf(trees, value);
+        (void)stx::realOf(trees, value);
+        (void)stx::openValueOf(trees, value);
+        (void)stx::settings(trees, value);
+        (void)stx::valueText(trees, value, {});
+        (void)stx::valueText(trees, value, {stx::Naming::Followed, nullptr});
+    }
+    const std::vector<stx::TypeRef> types = stx::definedTypes(trees, *tree);
+    (void)stx::declarationOrder(trees, types);
+    (void)stx::pduTypes(trees, types);
+    (void)stx::cNames(types);
 }
 
 /// A number of 4 bytes becomes another of the file, one next to it, or one at an end.
@@ -75,7 +118,7 @@ void changeWord(std::string& bytes, fuzz::Dice& dice) {
 
 void change(std::string& input, fuzz::Dice& dice) {
     if (input.empty()) input = "0";
-    if (dice.oneIn(10)) input[0] = static_cast<char>('0' + dice.below(16));
+    if (dice.oneIn(10)) input[0] = static_cast<char>('0' + dice.below(6));
     std::vector<std::string> texts = fuzz::split(std::string_view(input).substr(1));
     Named file = named(dice.of(texts));
     const size_t index = dice.below(texts.size());
@@ -113,22 +156,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         fuzz::writeFile(file.name, file.bytes);
         if (first.empty()) first = file.name;
     }
-    const unsigned flags = static_cast<unsigned>(data[0] - '0');
-    std::vector<std::string> options;
-    if ((flags & 8) != 0) options.emplace_back("--unchecked");
-    const auto showAs = [&options, &first](std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), options.begin(), options.end());
-        arguments.push_back(first);
-        show(arguments);
-    };
-    switch (flags & 7) {
-    case 1: showAs({"--all"}); break;
-    case 2: showAs({"--json"}); break;
-    case 3: showAs({"--summary"}); break;
-    case 4:
-        for (const std::string& name : definitions(first)) showAs({"--type", name});
+    switch (data[0]) {
+    case '1': show({"--all", first}); break;
+    case '2': show({"--json", first}); break;
+    case '3': show({"--summary", first}); break;
+    case '4':
+        for (const std::string& name : definitions(first)) show({"--type", name, first});
         break;
-    default: showAs({}); break;
+    case '5': askAll(first); break;
+    default: show({first}); break;
     }
     fuzz::removeFiles();
     return 0;

@@ -103,7 +103,8 @@ TEST(StxDump, SummaryGivesCountsFinalTagsAndBounds) {
     VNode& v = m.value("v", TYP_INTEGER, VST_HEADER);
     v.govType = 5, v.govTypeMod = 1, v.val.integer = {i64max(), m.text("18446744073709551616")};
     m.value("", TYP_INTEGER).val.number = i64of(-5);
-    m.value("", TYP_INTEGER).val.integer = m.values[0].val.integer;
+    const auto number = m.values[0].val.integer;
+    m.value("", TYP_INTEGER).val.integer = number;
     m.modules[0].firstValAss = 1;
     const Dump result = dumpM(runWith(m, moduleN()), {"--summary"});
     EXPECT_EQ(result.err, "");

@@ -28,7 +28,7 @@ namespace {
 constexpr uint32_t maxSteps = 1'000'000;
 /// Components of one structure, the limit of `fieldSize`.
 constexpr size_t maxComponents = 32767;
-constexpr int maxNesting = 200;
+constexpr int maxNesting = 2000; // each level is a frame on the stack
 /// Tagged types that refer to one another, and their tags, for one list of tags.
 constexpr int maxTags = 1000;
 
