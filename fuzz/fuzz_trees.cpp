@@ -10,10 +10,18 @@
 
 #include "mutate.h"
 #include "process.h"
+#include "stx/stxcomponents.h"
+#include "stx/stxconstraint.h"
+#include "stx/stxnotation.h"
+#include "stx/stxobjects.h"
 #include "stx/stxreader.h"
+#include "stx/stxvalues.h"
 #include "stxdump/stxdump.h"
 
 namespace {
+
+/// Types and values of a file of which all is asked.
+constexpr uint32_t mostAsked = 200;
 
 struct Named {
     std::string name, bytes;
@@ -45,6 +53,49 @@ std::vector<std::string> definitions(const std::string& path) {
         if (!name.empty()) names.emplace_back(name);
     }
     return names;
+}
+
+/// Everything that the library says of types and values.
+void askAll(const std::string& path) {
+    std::string error;
+    stx::Trees trees;
+    const stx::Tree* tree = trees.open(path, error, stx::Unchecked::accept);
+    if (tree == nullptr) return;
+    const std::vector<stx::TypeRef> defined = stx::definedTypes(trees, *tree);
+    stx::declarationOrder(trees, defined);
+    stx::pduTypes(trees, defined);
+    stx::cNames(defined);
+    for (uint32_t nr = 1; nr <= std::min(tree->count(stx::TNODE), mostAsked); ++nr) {
+        const stx::TypeRef type{tree, nr};
+        for (const stx::View view : {stx::View::Per, stx::View::Full}) {
+            stx::effectiveBounds(trees, type, view);
+            stx::effectiveSize(trees, type, view);
+            stx::effectiveAlphabet(trees, type, view);
+            stx::effectiveItems(trees, type, view);
+        }
+        stx::effectiveText(trees, type);
+        stx::structureOf(trees, type);
+        stx::firstTagOf(trees, type);
+        stx::tableOf(trees, type);
+        stx::objectsOf(trees, type);
+        stx::fieldsOfClass(trees, type);
+        stx::syntaxOfClass(trees, type);
+    }
+    for (uint32_t nr = 1; nr <= std::min(tree->count(stx::VNODE), mostAsked); ++nr) {
+        const stx::ValueRef value{tree, nr};
+        stx::valueText(trees, value, {});
+        stx::settings(trees, value);
+        stx::valueBehind(trees, value);
+        stx::integerOf(trees, value);
+        stx::boolOf(trees, value);
+        stx::bitsOf(trees, value);
+        stx::stringOf(trees, value);
+        stx::oidOf(trees, value);
+        stx::realOf(trees, value);
+        stx::elementsOf(trees, value);
+        stx::membersOf(trees, value);
+        stx::openValueOf(trees, value);
+    }
 }
 
 void show(std::vector<std::string> arguments) {
@@ -128,6 +179,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     case 4:
         for (const std::string& name : definitions(first)) showAs({"--type", name});
         break;
+    case 5: askAll(first); break;
     default: showAs({}); break;
     }
     fuzz::removeFiles();
