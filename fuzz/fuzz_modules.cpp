@@ -61,7 +61,9 @@ void checkTrees() {
         std::string error;
         stx::Trees trees;
         const stx::Tree* tree = trees.open(name, error, stx::Unchecked::accept);
-        if (tree == nullptr) fuzz::finding("the reader does not accept " + name + ": " + error);
+        if (tree == nullptr)
+            fuzz::finding(
+                std::string("the reader does not accept ").append(name).append(": ").append(error));
         stxdump::Sink out;
         stxdump::dumpSummary(trees, *tree, out);
     }
