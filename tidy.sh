@@ -1,6 +1,6 @@
 #!/bin/bash
-# ./tidy.sh [--all]: runs clang-tidy over the units that differ from where the branch left main (on
-# main: from the commit before), or over all of them.
+# ./tidy.sh [--all]: runs clang-tidy over the units that differ from the commit before, or over all of
+# them.
 set -e
 cd "$(dirname "$0")"
 . tools/need.sh
@@ -17,9 +17,7 @@ users() {
 }
 
 changed() {
-    local base
-    base=$(git merge-base HEAD main 2>/dev/null) || base=
-    if [ -z "$base" ] || [ "$base" = "$(git rev-parse HEAD)" ]; then base=HEAD~1; fi
+    local base=HEAD~1
     if ! git rev-parse --quiet --verify "$base" >/dev/null; then
         echo "There is no earlier commit to compare with." >&2
         return
