@@ -12,14 +12,6 @@
 
 namespace {
 
-void change(std::string& input, fuzz::Dice& dice) {
-    if (input.empty()) input = "0M DEFINITIONS ::= BEGIN END";
-    if (dice.oneIn(10)) input[0] = static_cast<char>('0' + dice.below(16));
-    std::vector<std::string> modules = fuzz::split(std::string_view(input).substr(1));
-    fuzz::mutateModules(modules, dice);
-    input = input.substr(0, 1) + fuzz::join(modules);
-}
-
 void run(const std::vector<std::string>& arguments) {
     const kavrimol::Result result = kavrimol::run(arguments);
     if (result.status < 0 || result.status > 2 || (result.status != 0 && result.err.empty()))
@@ -28,9 +20,12 @@ void run(const std::vector<std::string>& arguments) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    fuzz::prepare();
-    return 0;
+void fuzz::change(std::string& input, Dice& dice) {
+    if (input.empty()) input = "0M DEFINITIONS ::= BEGIN END";
+    if (dice.oneIn(10)) input[0] = static_cast<char>('0' + dice.below(16));
+    std::vector<std::string> modules = fuzz::split(std::string_view(input).substr(1));
+    fuzz::mutateModules(modules, dice);
+    input = input.substr(0, 1) + fuzz::join(modules);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -57,9 +52,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     fuzz::removeFiles();
     return 0;
-}
-
-extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t maxSize,
-                                          unsigned seed) {
-    return fuzz::mutateInput(data, size, maxSize, seed, change);
 }

@@ -69,19 +69,14 @@ void checkTrees() {
     }
 }
 
-void change(std::string& input, fuzz::Dice& dice) {
+} // namespace
+
+void fuzz::change(std::string& input, Dice& dice) {
     if (input.empty()) input = "0M DEFINITIONS ::= BEGIN END";
     if (dice.oneIn(10)) input[0] = static_cast<char>('0' + dice.below(64));
     std::vector<std::string> modules = fuzz::split(std::string_view(input).substr(1));
     fuzz::mutateModules(modules, dice);
     input = input.substr(0, 1) + fuzz::join(modules);
-}
-
-} // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    fuzz::prepare();
-    return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -102,11 +97,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     checkTrees();
     fuzz::removeFiles();
     return 0;
-}
-
-extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t maxSize,
-                                          unsigned seed) {
-    return fuzz::mutateInput(data, size, maxSize, seed, change);
 }
 
 extern "C" size_t LLVMFuzzerCustomCrossOver(const uint8_t* data1, size_t size1,

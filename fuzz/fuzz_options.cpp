@@ -48,7 +48,9 @@ std::vector<std::string> optionLines() {
     return lines;
 }
 
-void change(std::string& input, fuzz::Dice& dice) {
+} // namespace
+
+void fuzz::change(std::string& input, Dice& dice) {
     static const std::vector<std::string> words = optionLines();
     std::vector<std::string> texts = fuzz::split(input);
     if (texts.size() < 4 && dice.oneIn(8)) texts.emplace_back(texts.size() == 3 ? givenModule : "");
@@ -61,13 +63,6 @@ void change(std::string& input, fuzz::Dice& dice) {
         fuzz::mutateLines(text, words, dice);
     }
     input = fuzz::join(texts);
-}
-
-} // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    fuzz::prepare();
-    return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -87,9 +82,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (status < 0 || status > 2) fuzz::finding("status " + std::to_string(status));
     fuzz::removeFiles();
     return 0;
-}
-
-extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t maxSize,
-                                          unsigned seed) {
-    return fuzz::mutateInput(data, size, maxSize, seed, change);
 }

@@ -116,7 +116,9 @@ void changeWord(std::string& bytes, fuzz::Dice& dice) {
     std::memcpy(at, &word, sizeof word);
 }
 
-void change(std::string& input, fuzz::Dice& dice) {
+} // namespace
+
+void fuzz::change(std::string& input, Dice& dice) {
     if (input.empty()) input = "0";
     if (dice.oneIn(10)) input[0] = static_cast<char>('0' + dice.below(6));
     std::vector<std::string> texts = fuzz::split(std::string_view(input).substr(1));
@@ -140,13 +142,6 @@ void change(std::string& input, fuzz::Dice& dice) {
     input = input.substr(0, 1) + fuzz::join(texts);
 }
 
-} // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    fuzz::prepare();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0) return 0;
     const std::string_view text(reinterpret_cast<const char*>(data) + 1, size - 1);
@@ -168,9 +163,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     fuzz::removeFiles();
     return 0;
-}
-
-extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t maxSize,
-                                          unsigned seed) {
-    return fuzz::mutateInput(data, size, maxSize, seed, change);
 }

@@ -482,8 +482,7 @@ void mutateLines(std::string& text, const std::vector<std::string>& words, Dice&
     for (const std::string& each : lines) text += (text.empty() ? "" : "\n") + each;
 }
 
-size_t mutateInput(uint8_t* data, size_t size, size_t maxSize, unsigned seed,
-                   void (*change)(std::string& input, Dice& dice)) {
+size_t mutateInput(uint8_t* data, size_t size, size_t maxSize, unsigned seed) {
     Dice dice(seed);
     if (dice.oneIn(6)) return LLVMFuzzerMutate(data, size, maxSize);
     std::string input(reinterpret_cast<const char*>(data), size);

@@ -37,9 +37,10 @@ void mutateModules(std::vector<std::string>& modules, Dice& dice);
 /// Swaps, repeats, drops and inserts lines; `words` are what lines begin with.
 void mutateLines(std::string& text, const std::vector<std::string>& words, Dice& dice);
 
-/// Hands an input to `change`, or now and then to the mutation of bytes, and takes the result.
-size_t mutateInput(uint8_t* data, size_t size, size_t maxSize, unsigned seed,
-                   void (*change)(std::string& input, Dice& dice));
+/// Changes an input; each target has one.
+void change(std::string& input, Dice& dice);
+/// Hands an input to it, or now and then to the mutation of bytes, and takes the result.
+size_t mutateInput(uint8_t* data, size_t size, size_t maxSize, unsigned seed);
 /// Puts texts of two inputs together; their first `lead` bytes are no text.
 size_t crossInputs(std::string_view one, std::string_view other, uint8_t* out, size_t maxSize,
                    unsigned seed, size_t lead);

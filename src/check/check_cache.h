@@ -33,30 +33,6 @@ struct EndpointNote {
     Endpoint ends[2];
 };
 
-/// The endpoints of the types of a module. Most types have some, and what was noted is asked often.
-class EndpointNotes {
-  public:
-    /// The pointers hold until the next at().
-    [[nodiscard]] EndpointNote* find(uint32_t type) {
-        const uint32_t* place = places_.find(type);
-        return place != nullptr && *place != 0 ? &notes_[*place - 1] : nullptr;
-    }
-    /// The note of a type, made when there is none.
-    [[nodiscard]] EndpointNote& at(uint32_t type) {
-        if (EndpointNote* note = find(type)) return *note;
-        notes_.emplace_back();
-        places_.set(type, static_cast<uint32_t>(notes_.size()));
-        return notes_.back();
-    }
-    void erase(uint32_t type) {
-        if (places_.find(type) != nullptr) places_.set(type, 0);
-    }
-
-  private:
-    RecNotes<uint32_t> places_; // from 1; 0 = erased
-    std::vector<EndpointNote> notes_;
-};
-
 /// The operands of a union: single values by the hash of their value, and the others.
 struct UnionIndex {
     std::unordered_map<uint64_t, std::vector<SubNr>> values;
@@ -81,7 +57,7 @@ struct CheckCache {
     // first segment -> characters of the list
     std::unordered_map<uint32_t, uint64_t> segmentLengths;
     std::unordered_map<uint32_t, int64_t> highestNamedBits; // first named bit -> largest number
-    EndpointNotes endpoints;
+    LargeNotes<EndpointNote> endpoints;
     FlatMap<uint32_t, TNodeRef> rangeParents; // TNode -> first on its chain with a range
     // TNode -> first on its chain with a constraint, or the end of the chain
     FlatMap<uint32_t, TNodeRef> nextConstrained;
@@ -91,7 +67,7 @@ struct CheckCache {
     std::unordered_map<uint32_t, std::u32string> alphabets;
     std::unordered_map<uint32_t, UnionIndex> unions;             // large unions of simple values
     std::map<std::pair<uint32_t, FieldPath>, TableIndex> tables; // table constraint and fields
-    std::map<std::pair<uint64_t, uint64_t>, bool> sameTypes; // of pairs of types (types_struct)
+    std::map<std::pair<uint64_t, uint64_t>, bool> sameTypes;     // of pairs of types (types_struct)
     TypeNotes types;
 };
 

@@ -190,7 +190,7 @@ class InclusionSum {
             result_.isOpen = false;
             known_[nodeOf(level.list)] = result_;
             if (result_.isFinal)
-                findCacheOf(level.list.module).included.set(level.list.nr.nr, result_.sum);
+                findCacheOf(level.list.module).included.at(level.list.nr.nr) = result_.sum;
         }
         if (!levels_.empty()) add(result_);
     }

@@ -85,7 +85,7 @@ struct FindCache {
     std::map<uint32_t, uint32_t> lastNames; // first entry of a long chain of field names -> last
     std::map<uint32_t, ChainIndex> typeChains;
     std::map<uint32_t, ChainIndex> valueChains;
-    RareNotes<IncludedList> included;
+    LargeNotes<IncludedList> included;
     std::map<NoteKey, FlatIndex> flatLists; // the list as COMPONENTS OF includes it
     FlatIndex unsettledList;                // the one made last of records that may still change
     std::map<uint32_t, GovIndex> govChains;

@@ -20,6 +20,9 @@ template <typename Note> class RecNotes {
         if (nr >= notes_.size()) notes_.resize(nr + nr / 2 + size_t{1});
         notes_[nr] = {note, true};
     }
+    void erase(uint32_t nr) {
+        if (nr < notes_.size()) notes_[nr].known = false;
+    }
     /// Forgets the notes of the records from this number on.
     void cut(uint32_t nr) {
         if (nr < notes_.size()) notes_.resize(nr);
@@ -33,22 +36,26 @@ template <typename Note> class RecNotes {
     std::vector<Place> notes_;
 };
 
-/// Notes that few records have, and that take more than a word.
-template <typename Note> class RareNotes {
+/// Notes that not all records have, and that take more than a word. Pointers to them hold until the
+/// next at().
+template <typename Note> class LargeNotes {
   public:
-    [[nodiscard]] const Note* find(uint32_t nr) const {
+    [[nodiscard]] Note* find(uint32_t nr) {
         const uint32_t* place = places_.find(nr);
         return place != nullptr ? &notes_[*place] : nullptr;
     }
-    void set(uint32_t nr, const Note& note) {
+    /// The note of a record, made when there is none.
+    [[nodiscard]] Note& at(uint32_t nr) {
+        if (Note* note = find(nr)) return *note;
         places_.set(nr, static_cast<uint32_t>(notes_.size()));
-        notes_.push_back(note);
+        return notes_.emplace_back();
     }
+    void erase(uint32_t nr) { places_.erase(nr); }
     void cut(uint32_t nr) { places_.cut(nr); }
 
   private:
     RecNotes<uint32_t> places_;
-    std::vector<Note> notes_; // those of records that were cut stay
+    std::vector<Note> notes_; // those that were taken away stay
 };
 
 /// The records that a search has entered, of any modules: one mark a record, numbered by search, so

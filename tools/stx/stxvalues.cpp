@@ -228,14 +228,16 @@ Result<std::string> stringOf(Trees& trees, ValueRef value) {
 }
 
 Result<std::vector<Integer>> oidOf(Trees& trees, ValueRef value) {
-    Collection run{trees, {}};
-    Result<std::vector<Integer>> arcs;
-    collectArcs(run, value, arcs.value, 0);
-    if (!run.error.empty()) return failure<std::vector<Integer>>(run.error);
+    using List = std::vector<Integer>;
     const Result<ValueRef> end = valueBehind(trees, value);
+    if (!end) return failure<List>(end.error);
     const uint8_t code = end->node().valCode;
-    if (code == TYP_OBJID || code == TYP_RELOID) return arcs;
-    return wrongKind<std::vector<Integer>>(*end, "OBJECT IDENTIFIER");
+    if (code != TYP_OBJID && code != TYP_RELOID) return wrongKind<List>(*end, "OBJECT IDENTIFIER");
+    Collection run{trees, {}};
+    List arcs;
+    collectArcs(run, *end, arcs, 0);
+    if (!run.error.empty()) return failure<List>(run.error);
+    return {arcs, ""};
 }
 
 Result<Real> realOf(Trees& trees, ValueRef value) {
@@ -258,31 +260,40 @@ Result<Real> realOf(Trees& trees, ValueRef value) {
     return {real, ""};
 }
 
-Result<std::vector<ValueRef>> elementsOf(Trees& trees, ValueRef value) {
-    using List = std::vector<ValueRef>;
+namespace {
+
+/// What `make` makes of each component value of what a value stands for, if it is of such a kind.
+template <typename Part, typename Make> Result<std::vector<Part>>
+partsOf(Trees& trees, ValueRef value, bool (*isKind)(uint8_t code), const char* kind, Make&& make) {
+    using List = std::vector<Part>;
     const Result<ValueRef> end = valueBehind(trees, value);
     if (!end) return failure<List>(end.error);
-    const uint8_t code = end->node().valCode;
-    if (code != TYP_SEQOF && code != TYP_SETOF) return wrongKind<List>(*end, "list");
+    if (!isKind(end->node().valCode)) return wrongKind<List>(*end, kind);
     List list;
-    for (const uint32_t nr : componentValues(*end->tree, end->nr)) list.push_back({end->tree, nr});
+    for (const uint32_t nr : componentValues(*end->tree, end->nr))
+        list.push_back(make(ValueRef{end->tree, nr}));
     return {list, ""};
 }
 
+bool isList(uint8_t code) {
+    return code == TYP_SEQOF || code == TYP_SETOF;
+}
+bool isStructure(uint8_t code) {
+    return code == TYP_SEQ || code == TYP_SET || code == TYP_CHOICE || code == TYP_EMB_PDV ||
+           code == TYP_CHASTR || code == TYP_EXTERNAL_1990 || code == TYP_EXTERNAL_1994 ||
+           code == TYP_INSTANCE_OF || (code >= TYP_CLASS && code <= TYP_ABSTR_STX);
+}
+
+} // namespace
+
+Result<std::vector<ValueRef>> elementsOf(Trees& trees, ValueRef value) {
+    return partsOf<ValueRef>(trees, value, isList, "list", [](ValueRef part) { return part; });
+}
+
 Result<std::vector<Member>> membersOf(Trees& trees, ValueRef value) {
-    using List = std::vector<Member>;
-    const Result<ValueRef> end = valueBehind(trees, value);
-    if (!end) return failure<List>(end.error);
-    const uint8_t code = end->node().valCode;
-    const bool structure = code == TYP_SEQ || code == TYP_SET || code == TYP_CHOICE ||
-                           code == TYP_EMB_PDV || code == TYP_CHASTR || code == TYP_EXTERNAL_1990 ||
-                           code == TYP_EXTERNAL_1994 || code == TYP_INSTANCE_OF ||
-                           (code >= TYP_CLASS && code <= TYP_ABSTR_STX);
-    if (!structure) return wrongKind<List>(*end, "structure");
-    List list;
-    for (const uint32_t nr : componentValues(*end->tree, end->nr))
-        list.push_back({end->tree->text(end->tree->vNode(nr).name), {end->tree, nr}});
-    return {list, ""};
+    return partsOf<Member>(trees, value, isStructure, "structure", [](ValueRef part) {
+        return Member{part.tree->text(part.node().name), part};
+    });
 }
 
 Result<OpenValue> openValueOf(Trees& trees, ValueRef value) {
